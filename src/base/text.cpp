@@ -1,0 +1,101 @@
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace corvane {
+namespace {
+
+constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+}  // namespace
+
+std::string ToLower(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), Lower);
+  return result;
+}
+
+std::string ToUpper(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), Upper);
+  return result;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
+bool StartsWithNoCase(std::string_view text, std::string_view start) {
+  return text.size() >= start.size() && EqualsNoCase(text.substr(0, start.size()), start);
+}
+
+bool LessNoCase(std::string_view a, std::string_view b) {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return static_cast<unsigned char>(Lower(x)) < static_cast<unsigned char>(Lower(y));
+  });
+}
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::vector<std::string_view> Split(std::string_view text, char separator) {
+  std::vector<std::string_view> fields;
+  SplitInto(text, separator, fields);
+  return fields;
+}
+
+void SplitInto(std::string_view text, char separator, std::vector<std::string_view>& fields) {
+  fields.clear();
+  for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator)) {
+    fields.push_back(text.substr(0, end));
+    text.remove_prefix(end + 1);
+  }
+  fields.push_back(text);
+}
+
+std::string Visible(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  AppendVisible(result, text);
+  return result;
+}
+
+void AppendVisible(std::string& out, std::string_view text) {
+  for (const char c : text) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code >= 32 && code <= 128) {
+      out += c;
+    } else {
+      out += '[';
+      out += std::to_string(code);
+      out += ']';
+    }
+  }
+}
+
+std::string ZeroPadded(long long number, int width) {
+  std::string digits = std::to_string(number);
+  const std::size_t sign = number < 0 ? 1 : 0;
+  const std::size_t wanted = static_cast<std::size_t>(width) + sign;
+  if (digits.size() < wanted) digits.insert(sign, wanted - digits.size(), '0');
+  return digits;
+}
+
+std::string_view CutCharacters(std::string_view text, std::size_t characters) {
+  std::size_t end = 0;
+  for (; end < text.size(); ++end) {
+    const bool continuation = (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80;
+    if (continuation) continue;
+    if (characters == 0) break;
+    --characters;
+  }
+  return text.substr(0, end);
+}
+
+std::string_view TrueFalse(bool value) { return value ? "True" : "False"; }
+
+}  // namespace corvane
