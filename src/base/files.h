@@ -1,0 +1,145 @@
+// Files and folders: the one place that talks to the file system.
+//
+// Every call takes a full path (it begins with "/") and refuses any other with a text that says so, so that nothing is
+// ever resolved against the current folder.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/dates.h"
+#include "base/status.h"
+
+namespace corvane {
+
+/// What is known of a file or folder.
+struct FileInfo {
+  std::int64_t size = 0;  ///< bytes
+  DateTime modified;      ///< local time
+  bool is_folder = false;
+};
+
+/// One entry of a folder, by its bare name.
+struct FolderEntry {
+  std::string name;
+  FileInfo info;
+};
+
+/// What stands at `path`; none when nothing does or it cannot be examined.
+[[nodiscard]] std::optional<FileInfo> ExamineFile(const std::string& path);
+/// The regular files of a folder, in no particular order; entries that vanish meanwhile are left out.
+Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries);
+/// Creates one folder; its parent must exist. One that exists already is a success.
+Status MakeFolder(const std::string& path);
+Status RemoveFile(const std::string& path);
+/// Reads a whole file of at most `limit` bytes; a longer one fails.
+Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit);
+/// Writes `contents` to a temporary file beside `path`, syncs it, renames it over `path` and syncs the folder.
+///
+/// `mode` is the permission of the file. After a failure the old file is whole and the temporary one is gone.
+Status WriteFileAtomically(const std::string& path, std::string_view contents, unsigned mode = 0644);
+
+/// A file being written, unbuffered: a `Write` that succeeded has reached the kernel.
+class OutputFile {
+ public:
+  OutputFile() = default;
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  /// Opens `path` for appending, creating it with `mode` when missing.
+  Status OpenForAppending(const std::string& path, unsigned mode = 0644);
+  /// Creates `path` or empties it.
+  Status Create(const std::string& path, unsigned mode = 0644);
+  [[nodiscard]] bool IsOpen() const { return descriptor_ >= 0; }
+  [[nodiscard]] const std::string& path() const { return path_; }
+  /// Writes all of `text`. When the device takes only a part of it (full disk), the part is taken back and it fails.
+  Status Write(std::string_view text);
+  /// Waits until what was written is on the disk.
+  Status Sync();
+  /// Closes without syncing; does nothing when closed.
+  void Close();
+
+ private:
+  Status Open(const std::string& path, int flags, unsigned mode);
+
+  int descriptor_ = -1;
+  std::string path_;
+};
+
+/// A file that appears under its name only when it is whole: written under a temporary name, renamed by `Commit`.
+///
+/// Buffered. Destroyed without `Commit`, it leaves nothing behind and the old file as it was.
+class ReplacementFile {
+ public:
+  explicit ReplacementFile(std::string path);
+  ~ReplacementFile();
+  ReplacementFile(const ReplacementFile&) = delete;
+  ReplacementFile& operator=(const ReplacementFile&) = delete;
+
+  Status Open();
+  /// The buffer to append to; call `FlushWhenFull` after each row.
+  std::string& buffer() { return buffer_; }
+  /// Hands the buffer to the kernel once it holds 64 kB or more.
+  Status FlushWhenFull();
+  /// Flushes, syncs and renames over the final name.
+  Status Commit();
+
+ private:
+  Status Flush();
+
+  std::string path_;
+  std::string temporary_;
+  std::string buffer_;
+  OutputFile file_;
+};
+
+/// Reads a text file line by line in blocks, with bounded memory whatever the file's size.
+///
+/// Lines end with LF or CR LF; neither is part of the line. A line longer than `kLongestLine` is delivered cut, its
+/// rest dropped.
+class LineReader {
+ public:
+  static constexpr std::size_t kLongestLine = 64 * 1024;
+
+  LineReader();
+  ~LineReader();
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+
+  Status Open(const std::string& path);
+  /// Delivers the next line, valid until the next call. False at the end of the file or after a read error.
+  [[nodiscard]] bool Next(std::string_view& line);
+  /// True when the line just delivered had its line end (the last one of a torn file has not).
+  [[nodiscard]] bool terminated() const { return terminated_; }
+  /// Ok unless reading failed.
+  [[nodiscard]] const Status& status() const { return status_; }
+  /// Bytes consumed so far.
+  [[nodiscard]] std::int64_t position() const { return position_; }
+  void Close();
+
+ private:
+  bool Fill();
+
+  int descriptor_ = -1;
+  std::string path_;
+  std::unique_ptr<char[]> block_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::int64_t position_ = 0;
+  bool terminated_ = false;
+  bool at_end_ = false;
+  Status status_;
+};
+
+/// Reads up to `length` bytes at `offset`; fewer only at the end of the file.
+Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes);
+/// Cuts the file to `size` bytes and syncs it.
+Status CutFile(const std::string& path, std::int64_t size);
+
+}  // namespace corvane

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/status.h"
+
+namespace corvane {
+
+/// A private-profile (INI) file held as its raw lines, so that what the program does not know survives a save.
+///
+/// Sections and keys compare without regard to case; the first of doubles wins. Comments, unknown lines, order and the
+/// file's line ends stay; a new key goes to the end of its section, a new section to the end of the file. Finding a key
+/// takes constant time. Format: docs/formats/settings-file.md.
+class ProfileFile {
+ public:
+  static constexpr long long kLargestFile = 64LL * 1024 * 1024;
+
+  /// Reads the file; a missing one is an empty profile and a success. Fails when it is unreadable or too large.
+  /// NUL bytes are read as blanks.
+  Status Load(const std::string& path);
+  /// Writes the file in one atomic replacement with mode 0600.
+  Status Save(const std::string& path) const;
+
+  /// True when `section` holds `key`.
+  [[nodiscard]] bool Has(std::string_view section, std::string_view key) const;
+  /// The value with blanks trimmed and one pair of quotes around it removed; `missing` when there is no such key.
+  [[nodiscard]] std::string Get(std::string_view section, std::string_view key, std::string_view missing) const;
+  /// Replaces the value, or adds key and section. CR, LF and NUL in `value` become blanks.
+  void Set(std::string_view section, std::string_view key, std::string_view value);
+  /// Keys of a section in file order.
+  [[nodiscard]] std::vector<std::string> Keys(std::string_view section) const;
+  /// True when a line was found that is neither section, key, comment nor blank.
+  [[nodiscard]] bool has_broken_lines() const { return has_broken_lines_; }
+
+ private:
+  struct Line {
+    std::string text;  ///< without its line end
+    std::size_t value_start = 0;
+  };
+  struct Section {
+    std::string name;
+    std::string heading;  ///< the line as it stands; empty for lines before the first section
+    std::vector<Line> lines;
+    std::unordered_map<std::string, std::size_t> keys;  ///< lower-case key to its line
+  };
+  void ParseLine(std::string_view text);
+  Section* FindSection(std::string_view name);
+  const Section* FindSection(std::string_view name) const;
+
+  std::vector<Section> sections_;
+  std::unordered_map<std::string, std::size_t> section_index_;
+  std::string line_end_ = "\n";
+  bool has_broken_lines_ = false;
+};
+
+}  // namespace corvane
