@@ -1,0 +1,25 @@
+#pragma once
+
+#include "form/form.h"
+
+namespace corvane {
+
+/// Which commands can be given now.
+class CommandStates {
+ public:
+  explicit CommandStates(Form& av_Form) : form_(av_Form) {}
+
+  /// Enables or disables the operation commands as one group.
+  void SetIdle(bool ab_Enabled);
+  /// True when no operation holds the commands (`Cmd_Close` is enabled).
+  [[nodiscard]] bool Idle() const { return form_.Cmd_Close.enabled(); }
+  /// Recomputes the New, Delete and Move commands of the three lists.
+  void UpdateListCommands();
+  /// Recomputes every command; called after registry changes, at activation and when an operation ends.
+  void UpdateCommandStates();
+
+ private:
+  Form& form_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+
+namespace corvane {
+
+/// Flags of the running program that several classes read.
+struct RunFlags {
+  bool automatic_run = false;       ///< an automatic download runs ("/D", the schedule or the console)
+  bool closing = false;             ///< the close was asked for: loops unwind
+  bool ending_silently = false;     ///< ended by a signal or the session: no box is shown any more
+  bool loading = true;              ///< the window is still being created
+  bool converting = false;
+  std::int64_t error_counter = 0;   ///< bad lines of the current conversion command
+  std::int64_t line_counter = 0;    ///< data lines of the right width of the current conversion command
+};
+
+}  // namespace corvane

@@ -1,0 +1,13 @@
+#include "form/form.h"
+
+namespace corvane {
+
+Form::Form() {
+  Chk_Trace[0].SetTicked(true);
+  chk_AutoTrace[0].SetTicked(true);
+  Txt_OstrelHost.SetText("localhost");
+  Txt_OstrelPort.SetText("4000");
+  Frm_Main.SetTitle("Corvane");
+}
+
+}  // namespace corvane

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "form/form.h"
+#include "link/exchange.h"
+#include "link/link_state.h"
+#include "link/link_writer.h"
+#include "link/raw_line.h"
+#include "platform/event_loop.h"
+#include "trace/summary.h"
+#include "trace/trace.h"
+#include "ui/progress_bar.h"
+
+namespace corvane {
+
+/// Checks the lines of a download and appends every new reading to the unit's raw file.
+///
+/// A reading that was accepted has reached the kernel before the next line is handled; the file is synced at "OK", at
+/// every close and at least every 5 seconds.
+class DownloadCapture {
+ public:
+  DownloadCapture(Form& av_Form, LinkState& av_Link, DownloadState& av_Download, EventLoop& av_Loop,
+                  LinkWriter& av_Writer, Exchange& av_Exchange, DownloadSummary& av_Summary, ProgressBars& av_Bars,
+                  Trace& av_Trace);
+
+  /// Handles `ReplyLine` while a download is awaited.
+  void SaveToFile();
+  /// Syncs and closes the raw file when it is open; an error is reported.
+  void CloseOutputFile();
+  /// The raw file's number in trace lines, 0 while it is closed.
+  [[nodiscard]] int OutputFileNumber() const;
+
+  /// Refreshes the look-up display of the selected unit after a reading was stored; set by the composition root.
+  std::function<void()> reading_stored;
+
+ private:
+  void TakeHeader();
+  void AcceptHeader();
+  void TakeDataLine();
+  void TakeReading();
+  void StoreReading(DateTime av_When);
+  void RejectLine();
+  /// Reports the error, stops the unit and saves nothing more of this download.
+  void Abort(const std::string& as_Error);
+  [[nodiscard]] bool OpenOutputFile();
+  void SyncSometimes();
+
+  Form& form_;
+  LinkState& link_;
+  DownloadState& download_;
+  EventLoop& loop_;
+  LinkWriter& writer_;
+  Exchange& exchange_;
+  DownloadSummary& summary_;
+  ProgressBars& bars_;
+  Trace& trace_;
+  RawLine line_;
+  std::int64_t last_sync_ = 0;
+};
+
+}  // namespace corvane

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "app/run_flags.h"
+#include "base/dates.h"
+#include "form/form.h"
+#include "link/link_state.h"
+#include "link/link_writer.h"
+#include "link/pause.h"
+#include "link/reply_timer.h"
+#include "platform/event_loop.h"
+#include "registry/records.h"
+#include "trace/trace.h"
+
+namespace corvane {
+
+/// One row of the command table.
+struct CommandInfo {
+  std::string_view code;
+  std::string_view name;
+  std::int64_t lines_expected;
+};
+/// The row of a command number, 0 to `kLastState`; the spare row for any other.
+[[nodiscard]] const CommandInfo& CommandOf(std::int16_t ai_Command);
+/// The serial port index of a connection type: radio 0, hand-held 1, any other 99 (no port).
+[[nodiscard]] std::int16_t PortIndexForUnit(std::int32_t al_GetFrom);
+/// The command line for a unit: address, code, one blank, parameters; empty for the test command.
+/// Format: docs/formats/wire-lines.md.
+[[nodiscard]] std::string BuildCommandLine(const Registry& av_Registry, const Unit& av_Unit, std::int16_t ai_Command,
+                                           std::string_view as_Parameters);
+/// The parameters of a download: "yymmddHHNN" of the last reading, "0001010000" when there is none.
+[[nodiscard]] std::string DownloadParameters(DateTime av_LastDate);
+/// A log-period text (time of day or number of minutes) as two hexadecimal digits of whole minutes; "00" for any other.
+[[nodiscard]] std::string LogPeriodParameters(std::string_view as_LogPeriod);
+
+/// The exchange of one command and its answer.
+class Exchange {
+ public:
+  Exchange(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, LinkWriter& av_Writer,
+           ReplyTimer& av_Timer, Pauser& av_Pauser, Trace& av_Trace);
+
+  /// Sends one line and its carriage return, and starts the count-down. **Yields** when "Slow send" is ticked.
+  void SendCommand(std::string_view as_Line);
+  /// Declares which answer is awaited, 0 to `kLastState`.
+  void SetState(std::int16_t ai_Command);
+  /// Waits until the answer is complete or the exchange failed, was cancelled or the program closes. **Yields.**
+  void WaitForChangeOfState();
+  /// Declares the awaited answer complete.
+  void SetStateFinished();
+
+ private:
+  Form& form_;
+  LinkState& link_;
+  const RunFlags& flags_;
+  EventLoop& loop_;
+  LinkWriter& writer_;
+  ReplyTimer& timer_;
+  Pauser& pauser_;
+  Trace& trace_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,75 @@
+// The state of the radio link, shared by port, protocol, capture and sessions.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "base/dates.h"
+#include "base/files.h"
+
+namespace corvane {
+
+/// Command numbers; while a command's answer is awaited, its number is the link's `State`.
+enum Command : std::int16_t {
+  kIdle = 0,
+  kDownload = 1,
+  kSetDate = 2,
+  kGetDate = 3,
+  kSetLogPeriod = 4,
+  kSetMode = 5,
+  kSetDelays = 6,
+  kReadMemory = 7,
+  kTestBaseStation = 8,
+};
+inline constexpr std::int16_t kLastState = 10;
+
+struct LinkState {
+  std::string ReceiveBuffer;   ///< received and not yet cut into lines
+  std::string ReplyLine;       ///< the last complete reply line
+  std::string CurrentCommand;  ///< the last text sent
+  bool UserCancel = false;
+  bool Timeout = false;
+  bool HalvexError = false;
+  std::int16_t State = kIdle;
+  std::int16_t ResultCode = 0;
+  std::array<std::string, 11> ResultText = {"",
+                                            "Invalid command or format",
+                                            "No response from unit",
+                                            "Successful connection, but failed before down load completed",
+                                            "Corvane cancelled download",
+                                            "Busy",
+                                            "HVError"};
+  std::int64_t OverunCount = 0;
+  bool OverunFlag = false;
+  bool TestingPort = false;
+  std::int64_t LineCount = 0;      ///< reply lines counted for the current command
+  std::int64_t LinesExpected = 0;
+  bool DataPhase = false;          ///< a reply line other than the echo has arrived since the last send
+  double CountDown = 0;            ///< seconds the reply may take
+  bool Aborted = false;            ///< an escape was sent while an answer was awaited
+  std::int64_t LastLineTime = 0;   ///< monotonic milliseconds of the last send or complete line
+
+  /// True when neither the user nor the count-down ended the exchange.
+  // Intended: an error reply does not count here, the session tries that unit again and goes on.
+  [[nodiscard]] bool ContinueOk() const { return !UserCancel && !Timeout; }
+  /// The text of a result code; "HVError " and the code when the table has none.
+  [[nodiscard]] std::string ResultTextOf(std::int16_t ai_Code) const {
+    const bool known = ai_Code >= 0 && ai_Code < static_cast<std::int16_t>(ResultText.size()) &&
+                       !ResultText[static_cast<std::size_t>(ai_Code)].empty();
+    return known ? ResultText[static_cast<std::size_t>(ai_Code)] : "HVError " + std::to_string(ai_Code);
+  }
+};
+
+/// The state of one download, beside the link's.
+struct DownloadState {
+  std::string HeaderLine;         ///< items text of the header as last received
+  std::int64_t ItemsPerLine = 0;
+  bool SavingData = false;
+  OutputFile Output;              ///< the open raw file
+  std::string OutputFileName;
+  DateTime LastDate;              ///< last reading already stored, none when there is none
+};
+
+}  // namespace corvane

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "app/command_states.h"
+#include "form/form.h"
+#include "link/link_state.h"
+#include "link/link_writer.h"
+#include "link/port_devices.h"
+#include "link/reply_timer.h"
+#include "platform/serial_port.h"
+#include "trace/trace.h"
+#include "ui/progress_bar.h"
+
+namespace corvane {
+
+/// Opens, closes and resets the serial line and turns its events into reply lines and error states.
+class PortLink {
+ public:
+  /// Characters kept without a line end before the line counts as overflowed.
+  static constexpr std::size_t kLargestBuffer = 64 * 1024;
+
+  PortLink(Form& av_Form, LinkState& av_Link, SerialPort& av_Port, const PortDevices& av_Devices,
+           CommandStates& av_States, LinkWriter& av_Writer, ReplyTimer& av_Timer, ProgressBars& av_Bars,
+           Trace& av_Trace);
+
+  /// Opens the port of a selector (0 radio, 1 hand-held); an index of 2 and more needs no port and succeeds.
+  ///
+  /// A failure is an error line and a status line that say at which step and why.
+  [[nodiscard]] bool OpenPort(std::int16_t ai_Index);
+  void ClosePort();
+  [[nodiscard]] bool IsOpen() const { return port_.IsOpen(); }
+  /// The index last given to `OpenPort`, 0 before the first.
+  [[nodiscard]] std::int16_t LastIndex() const { return last_index_; }
+  /// Resets the link before one command; `as_Where` goes to the trace.
+  void ClearBeforeCommand(std::string_view as_Where);
+  /// Resets the link after a session or a probe.
+  void ClearEverything();
+  /// Handles one event of the port.
+  void OnPortEvent(int al_Code);
+
+  /// A complete line stands in `ReplyLine`; set by the composition root.
+  std::function<void()> line_received;
+
+ private:
+  void OpenSteps(std::int16_t ai_Index, std::string& as_Step);
+  void TakeReceivedData();
+  void CutLines();
+  void TakeError(int al_Code, std::string_view as_Error);
+  void FailExchange(std::string_view as_Error);
+
+  Form& form_;
+  LinkState& link_;
+  SerialPort& port_;
+  const PortDevices& devices_;
+  CommandStates& states_;
+  LinkWriter& writer_;
+  ReplyTimer& timer_;
+  ProgressBars& bars_;
+  Trace& trace_;
+  std::int16_t last_index_ = 0;
+  bool dispatching_ = false;
+};
+
+}  // namespace corvane

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "app/operation_slot.h"
+#include "app/run_flags.h"
+#include "form/form.h"
+#include "platform/event_loop.h"
+#include "trace/trace.h"
+
+namespace corvane {
+
+/// The automatic interval of a text in seconds: a time of day, or a number (24 and more hours, below it days).
+/// None when the text is no interval or is not above zero.
+[[nodiscard]] std::optional<std::int64_t> AutomaticInterval(std::string_view as_Text);
+/// The first time strictly after `av_Now` on the grid of whole intervals from the midnight before it.
+[[nodiscard]] DateTime NextOnGrid(DateTime av_Now, std::int64_t al_Interval);
+
+/// The heartbeat and the automatic schedule.
+class Schedule {
+ public:
+  Schedule(Form& av_Form, RunFlags& av_Flags, const OperationSlot& av_Slot, EventLoop& av_Loop, Trace& av_Trace);
+
+  /// (Re)starts the heartbeat at a tick a minute or a second and runs one tick.
+  void StartHeartbeat();
+  void StopHeartbeat() { timer_->Stop(); }
+  /// Shows the clock and the count-down of the minimised window, then checks the schedule. **Yields** when it starts a
+  /// download.
+  void HeartbeatTick();
+  /// Starts the automatic download when it is due. **Yields.**
+  void CheckSchedule();
+  /// Recomputes the next download time. An interval that is none keeps the previous time and says so.
+  ///
+  /// While automatic download is on, a time that has passed is left to be started, never recomputed away.
+  void CalculateNextDownload();
+  /// Computes the time after a download that has just run. Its own time has been served, so it is always recomputed.
+  void CalculateAfterDownload();
+  /// Forces the retry limit into 1 to 15.
+  void LimitMaxRetries();
+
+  /// Runs the download of all units as an automatic run; set by the composition root. **Yields.**
+  std::function<void()> start_download;
+
+ private:
+  [[nodiscard]] bool Due() const;
+  void ShowNextDownload();
+  void RecomputeAfterClockWasSetBack();
+
+  Form& form_;
+  RunFlags& flags_;
+  const OperationSlot& slot_;
+  EventLoop& loop_;
+  Trace& trace_;
+  std::unique_ptr<Timer> timer_;
+};
+
+}  // namespace corvane

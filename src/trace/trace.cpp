@@ -1,0 +1,136 @@
+#include "trace/trace.h"
+
+#include "app/app_info.h"
+#include "base/file_numbers.h"
+#include "base/format.h"
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kMostTraceRows = 32000;
+
+}  // namespace
+
+Trace::Trace(Form& av_Form, const LinkState& av_Link, EventLoop& av_Loop, Shell& av_Shell)
+    : form_(av_Form), link_(av_Link), loop_(av_Loop), shell_(av_Shell) {}
+
+void Trace::SetLogFile(std::string_view as_Path) {
+  CloseLog();
+  log_path_ = as_Path;
+  log_failed_ = false;
+}
+
+void Trace::Status(std::string_view as_Text) {
+  const std::string line = "Status: " + std::string(as_Text);
+  if (form_.Chk_Trace[kTraceStatus].ticked()) {
+    LogWrite(line);
+  } else {
+    TraceDecision(line);
+  }
+  form_.Lbl_Status.SetText(as_Text);
+  form_.Lbl_Status.Repaint();
+}
+
+void Trace::ErrorReport(std::string_view as_Where, std::string_view as_Description) {
+  SwitchOnAllTrace("Error!", 1);
+  LogWrite("Error! " + std::string(as_Where) + " [" + std::string(as_Description) + "]");
+  shell_.Beep();
+  if (show_message) show_message(std::string(as_Where) + std::string(kLineBreak) + std::string(as_Description));
+}
+
+void Trace::AErrorReport(std::string_view as_Text) {
+  shell_.Beep();
+  SwitchOnAllTrace("A-Error: " + std::string(as_Text), 0);
+  LogWrite("A-error: " + std::string(as_Text) + StateDump());
+}
+
+std::string Trace::StateDump() const {
+  std::string dump = " UserCancel:";
+  dump += TrueFalse(link_.UserCancel);
+  dump += " Timeout:";
+  dump += TrueFalse(link_.Timeout);
+  dump += " HalvexError:";
+  dump += TrueFalse(link_.HalvexError);
+  dump += " State:" + std::to_string(link_.State);
+  dump += " OverunCount:" + std::to_string(link_.OverunCount);
+  return dump;
+}
+
+void Trace::TraceSend(std::string_view as_Text) {
+  if (form_.Chk_Trace[kTraceSend].ticked()) LogWrite(as_Text);
+}
+
+void Trace::TraceReceive(std::string_view as_Line) {
+  if (form_.Chk_Trace[kTraceReceive].ticked()) LogWrite("R>" + Visible(as_Line));
+}
+
+void Trace::TraceReceiveDetail(std::string_view as_Text) {
+  if (form_.Chk_Trace[kTraceDetail].ticked()) LogWrite("R>" + Visible(as_Text));
+}
+
+void Trace::TraceDecision(std::string_view as_Text) {
+  if (TracesDecisions()) LogWrite("D>" + StateDump() + std::string(as_Text));
+}
+
+void Trace::LogWrite(std::string_view as_Text) {
+  ShowOnScreen(as_Text);
+  if (OpenLog()) AppendLogLine(as_Text);
+}
+
+void Trace::ShowOnScreen(std::string_view as_Text) {
+  if (!form_.Chk_ShowTrace.ticked() || !form_.Chk_ShowReply.ticked()) return;
+  List& list = form_.Lst_Debug;
+  if (list.count() > kMostTraceRows) list.Clear();
+  list.Add(Visible(as_Text));
+  list.SetCurrent(list.count() - 1);
+}
+
+bool Trace::OpenLog() {
+  if (log_.IsOpen()) return true;
+  if (log_failed_ || log_path_.empty()) return false;
+  const corvane::Status opened = log_.OpenForAppending(log_path_);
+  if (!opened.ok()) {
+    log_failed_ = true;
+    form_.Lbl_Status.SetText("The log cannot be written: " + opened.text());
+    return false;
+  }
+  AppendLogLine("============");
+  AppendLogLine(std::string(kProductName) + " Version: " + AppInfo::VersionText());
+  return log_.IsOpen();
+}
+
+void Trace::AppendLogLine(std::string_view as_Text) {
+  const DateTime now = loop_.Now();
+  if (now != stamp_time_ || stamp_.empty()) {
+    stamp_time_ = now;
+    stamp_ = GeneralDate(now) + ": ";
+  }
+  line_ = stamp_;
+  AppendVisible(line_, as_Text);
+  line_ += kLineBreak;
+  const corvane::Status written = log_.Write(line_);
+  if (written.ok()) return;
+  log_.Close();
+  log_failed_ = true;
+  form_.Lbl_Status.SetText("The log cannot be written: " + written.text());
+}
+
+void Trace::SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind) {
+  if (form_.chk_AutoTrace[0].ticked()) {
+    form_.Chk_Trace[kTraceStatus].SetTicked(true);
+    form_.Chk_Trace[kTraceSend].SetTicked(true);
+  }
+  if (ai_Kind > 0 && form_.chk_AutoTrace[1].ticked()) form_.Chk_Trace[kTraceReceive].SetTicked(true);
+  if (form_.chk_AutoTrace[2].ticked()) {
+    form_.Chk_Trace[kTraceDecision].SetTicked(true);
+    form_.Chk_Trace[kTraceDetail].SetTicked(true);
+  }
+  TraceDecision("SwitchOnAllTrace because: " + std::string(as_Reason));
+}
+
+void Trace::CloseLog() { log_.Close(); }
+
+int Trace::LogFileNumber() const { return log_.IsOpen() ? kLogFile : kNoFile; }
+
+}  // namespace corvane

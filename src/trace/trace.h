@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "base/files.h"
+#include "form/form.h"
+#include "link/link_state.h"
+#include "platform/event_loop.h"
+#include "platform/shell.h"
+
+namespace corvane {
+
+/// Indexes of the trace boxes; a box's caption names what its index switches.
+enum TraceCategory : int { kTraceStatus = 0, kTraceSend = 1, kTraceReceive = 2, kTraceDecision = 3, kTraceDetail = 4 };
+
+/// The status line, the trace log and the on-screen trace.
+///
+/// Every part of the system reports through it. A log that cannot be written is reported once in the status line and
+/// never stops the work.
+class Trace {
+ public:
+  Trace(Form& av_Form, const LinkState& av_Link, EventLoop& av_Loop, Shell& av_Shell);
+
+  /// Sets the log file's full path; used at the first line written.
+  void SetLogFile(std::string_view as_Path);
+  /// Shows `as_Text` in the status line at once and logs it.
+  void Status(std::string_view as_Text);
+  /// Reports a run-time error of the operation `as_Where`: log line, beep and message box.
+  void ErrorReport(std::string_view as_Where, std::string_view as_Description);
+  /// Writes an error line with the state dump, whatever categories are ticked, and switches further categories on.
+  void AErrorReport(std::string_view as_Text);
+  /// The link flags as text.
+  [[nodiscard]] std::string StateDump() const;
+  void TraceSend(std::string_view as_Text);
+  void TraceReceive(std::string_view as_Line);
+  void TraceReceiveDetail(std::string_view as_Text);
+  void TraceDecision(std::string_view as_Text);
+  /// True when decisions are traced; for callers whose text is costly to build.
+  [[nodiscard]] bool TracesDecisions() const { return form_.Chk_Trace[kTraceDecision].ticked(); }
+  /// Writes one line to the log file and, where switched on, to the on-screen list.
+  void LogWrite(std::string_view as_Text);
+  /// Ticks trace boxes as the automatic-trace boxes allow; `ai_Kind` above 0 includes the send box's own switch.
+  void SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind);
+  void CloseLog();
+  /// The log file's number in trace lines, 0 while it is closed.
+  [[nodiscard]] int LogFileNumber() const;
+
+  /// Shows an error message to the user; set by the composition root.
+  std::function<void(const std::string& text)> show_message;
+
+ private:
+  void ShowOnScreen(std::string_view as_Text);
+  bool OpenLog();
+  void AppendLogLine(std::string_view as_Text);
+
+  Form& form_;
+  const LinkState& link_;
+  EventLoop& loop_;
+  Shell& shell_;
+  std::string log_path_;
+  OutputFile log_;
+  bool log_failed_ = false;
+  DateTime stamp_time_;
+  std::string stamp_;
+  std::string line_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,125 @@
+#include "ui/messages.h"
+
+#include <array>
+#include <memory>
+#include <utility>
+
+#include "app/app_info.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kQuestionSeconds = 300;
+constexpr std::int16_t kTimedBoxSeconds = 10;
+
+/// One button set: captions, the answer of each position and the answer when the count-down ends.
+struct ButtonSet {
+  std::array<const char*, 3> captions;
+  std::array<std::int32_t, 3> answers;
+  std::int32_t at_timeout;
+};
+
+constexpr std::array<ButtonSet, 6> kButtonSets = {{
+    {{"Ok"}, {kAnswerOk}, kAnswerOk},
+    {{"Ok", "Cancel"}, {kAnswerOk, kAnswerCancel}, kAnswerOk},
+    // Intended: Retry answers as Ignore; callers of this set know only two ways on.
+    {{"Abort", "Retry", "Ignore"}, {kAnswerAbort, kAnswerIgnore, kAnswerIgnore}, kAnswerAbort},
+    {{"Yes", "No", "Cancel"}, {kAnswerYes, kAnswerNo, kAnswerCancel}, kAnswerYes},
+    {{"Yes", "No"}, {kAnswerYes, kAnswerNo}, kAnswerYes},
+    {{"Retry", "Cancel"}, {kAnswerRetry, kAnswerCancel}, kAnswerCancel},
+}};
+
+const ButtonSet& ButtonSetOf(std::int32_t style) {
+  const auto index = static_cast<std::size_t>(style & 7);
+  return kButtonSets[index < kButtonSets.size() ? index : 0];
+}
+
+BoxIcon IconOf(std::int32_t style) {
+  const int icon = style & 0x70;
+  return icon == 16 || icon == 32 || icon == 48 || icon == 64 ? static_cast<BoxIcon>(icon) : BoxIcon::None;
+}
+
+int DefaultPosition(std::int32_t style) {
+  if ((style & kThirdDefault) != 0) return 3;
+  return (style & kSecondDefault) != 0 ? 2 : 1;
+}
+
+}  // namespace
+
+Messages::Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, Dialogs& av_Dialogs, Trace& av_Trace)
+    : form_(av_Form), flags_(av_Flags), loop_(av_Loop), dialogs_(av_Dialogs), trace_(av_Trace) {}
+
+void Messages::Show(std::string_view as_Text, std::string_view as_Kind) {
+  const bool unattended = flags_.automatic_run || form_.Chk_Automatic.ticked();
+  if (unattended) {
+    const bool first = shown_kinds_.emplace(as_Kind.empty() ? as_Text : as_Kind).second;
+    if (first) {
+      ShowTimedMessage(as_Text, kOkOnly | kInformationIcon);
+    } else {
+      trace_.LogWrite("Message: " + std::string(as_Text));
+    }
+    return;
+  }
+  trace_.LogWrite("Message: " + std::string(as_Text));
+  if (flags_.ending_silently) return;
+  BoxContents contents;
+  contents.title = kProductName;
+  contents.text = as_Text;
+  contents.buttons = {"Ok"};
+  contents.icon = BoxIcon::Information;
+  RunBox(contents, 0, false);
+}
+
+bool Messages::Confirm(std::string_view as_Question) {
+  BoxContents contents;
+  contents.title = kProductName;
+  contents.text = std::string(as_Question) + " ?";
+  contents.buttons = {"Yes", "No"};
+  contents.icon = BoxIcon::Question;
+  const bool yes = !flags_.ending_silently && RunBox(contents, kQuestionSeconds, false) == 1;
+  trace_.LogWrite("Question: " + contents.text + (yes ? " Yes" : " No"));
+  return yes;
+}
+
+std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title,
+                                        std::int16_t ai_Seconds) {
+  trace_.LogWrite("Message: " + std::string(as_Message));
+  const ButtonSet& set = ButtonSetOf(al_Style);
+  if (flags_.ending_silently) return set.at_timeout;
+  BoxContents contents;
+  contents.title = as_Title.empty() ? kProductName : as_Title;
+  contents.text = as_Message;
+  for (const char* caption : set.captions) {
+    if (caption != nullptr) contents.buttons.emplace_back(caption);
+  }
+  contents.default_position = DefaultPosition(al_Style);
+  contents.icon = IconOf(al_Style);
+  const std::int64_t seconds = ai_Seconds == 0 ? kTimedBoxSeconds : ai_Seconds;
+  contents.count_down = std::to_string(seconds);
+  const int position = RunBox(contents, seconds, true);
+  return position == 0 ? set.at_timeout : set.answers[static_cast<std::size_t>(position - 1)];
+}
+
+int Messages::RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bool ab_ShowCountDown) {
+  struct Answer {
+    bool given = false;
+    int position = 0;
+  };
+  const auto answer = std::make_shared<Answer>();
+  std::int64_t left = al_Seconds;
+  bool out_of_time = false;
+  Dialogs::BoxId box = 0;
+  const auto timer = loop_.MakeTimer([&] {
+    --left;
+    if (ab_ShowCountDown) dialogs_.SetCountDown(box, std::to_string(left));
+    out_of_time = left < 1;
+  });
+  box = dialogs_.OpenBox(av_Contents, [answer](int position) { *answer = {true, position}; });
+  if (al_Seconds > 0) timer->Start(1000);
+  while (!answer->given && !out_of_time && !flags_.closing) loop_.Yield();
+  timer->Stop();
+  if (!answer->given) dialogs_.CloseBox(box);
+  return answer->position;
+}
+
+}  // namespace corvane

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "app/run_flags.h"
+#include "form/form.h"
+#include "platform/dialogs.h"
+#include "platform/event_loop.h"
+#include "trace/trace.h"
+
+namespace corvane {
+
+/// Message-box styles (buttons plus icon plus default button) and answers, in the standard encoding.
+enum MessageStyle : std::int32_t {
+  kOkOnly = 0,
+  kOkCancel = 1,
+  kAbortRetryIgnore = 2,
+  kYesNoCancel = 3,
+  kYesNo = 4,
+  kRetryCancel = 5,
+  kStopIcon = 16,
+  kQuestionIcon = 32,
+  kExclamationIcon = 48,
+  kInformationIcon = 64,
+  kSecondDefault = 256,
+  kThirdDefault = 512,
+};
+enum MessageAnswer : std::int32_t {
+  kAnswerOk = 1,
+  kAnswerCancel = 2,
+  kAnswerAbort = 3,
+  kAnswerRetry = 4,
+  kAnswerIgnore = 5,
+  kAnswerYes = 6,
+  kAnswerNo = 7,
+};
+
+/// Everything the system says to a person in a box. Every message is logged; none can stop an unattended run.
+class Messages {
+ public:
+  Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, Dialogs& av_Dialogs, Trace& av_Trace);
+
+  /// Shows a message with one button and waits for it. **Yields.**
+  ///
+  /// In an automatic run and while automatic download is on it goes through the timed box, once for each kind
+  /// (`as_Kind`; the text itself when empty) and round; the rest goes to the log only.
+  void Show(std::string_view as_Text, std::string_view as_Kind = {});
+  /// Asks `as_Question` + " ?"; true only for Yes. Unanswered for 5 minutes, or while closing, it is No. **Yields.**
+  [[nodiscard]] bool Confirm(std::string_view as_Question);
+  /// Shows the timed message box, which answers itself after its count-down. **Yields.**
+  ///
+  /// `al_Style` as `MessageStyle`; `ai_Seconds` 0 means 10. Returns a `MessageAnswer`. While the program is being
+  /// ended by a signal nothing is shown and the time-out answer returns at once.
+  std::int32_t ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title = {},
+                                std::int16_t ai_Seconds = 0);
+  /// Forgets which kinds have been shown: a new round or command begins.
+  void StartRound() { shown_kinds_.clear(); }
+
+ private:
+  /// The position clicked; 0 after `al_Seconds` (0: no limit) or when the program closes.
+  int RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bool ab_ShowCountDown);
+
+  Form& form_;
+  const RunFlags& flags_;
+  EventLoop& loop_;
+  Dialogs& dialogs_;
+  Trace& trace_;
+  std::set<std::string, std::less<>> shown_kinds_;
+};
+
+}  // namespace corvane
