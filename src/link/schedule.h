@@ -35,10 +35,9 @@ class Schedule {
   void CheckSchedule();
   /// Recomputes the next download time. An interval that is none keeps the previous time and says so.
   ///
-  /// While automatic download is on, a time that has passed is left to be started, never recomputed away.
+  /// While automatic download is on, a time that has passed is left to be started, never recomputed away; only an
+  /// automatic run, which has just served it, moves it on.
   void CalculateNextDownload();
-  /// Computes the time after a download that has just run. Its own time has been served, so it is always recomputed.
-  void CalculateAfterDownload();
   /// Forces the retry limit into 1 to 15.
   void LimitMaxRetries();
 
