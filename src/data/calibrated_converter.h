@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "app/run_flags.h"
+#include "data/lookup.h"
+#include "form/form.h"
+#include "link/link_state.h"
+#include "platform/event_loop.h"
+#include "registry/records.h"
+#include "trace/trace.h"
+#include "ui/messages.h"
+#include "ui/progress_bar.h"
+
+namespace corvane {
+
+/// Turns a unit's raw file into its calibrated file. Formats: docs/formats/raw-file.md, docs/formats/calibrated-file.md.
+class CalibratedConverter {
+ public:
+  CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const LinkState& av_Link, const DownloadState& av_Download,
+                      const Registry& av_Registry, Lookups& av_Lookups, EventLoop& av_Loop, ProgressBars& av_Bars,
+                      Messages& av_Messages, Trace& av_Trace);
+
+  /// Converts `as_RawFile` (a full name) with the correction factors of the unit selected in the unit list.
+  ///
+  /// True when it ran to the end, also when the raw file is missing (which is shown). Counts bad lines and data lines
+  /// in the run flags. The calibrated file is replaced when whole; after a cancel or an error the old one stays.
+  /// Memory does not grow with the file. **Yields** about every 20 ms; a cancel ends it.
+  bool ConvertToCalibrated(const std::string& as_RawFile);
+
+ private:
+  Form& form_;
+  RunFlags& flags_;
+  const LinkState& link_;
+  const DownloadState& download_;
+  const Registry& registry_;
+  Lookups& lookups_;
+  EventLoop& loop_;
+  ProgressBars& bars_;
+  Messages& messages_;
+  Trace& trace_;
+};
+
+}  // namespace corvane

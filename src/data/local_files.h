@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "app/app_info.h"
+#include "app/operation_slot.h"
+#include "app/run_flags.h"
+#include "data/file_listbox.h"
+#include "data/file_names.h"
+#include "form/form.h"
+#include "platform/dialogs.h"
+#include "platform/event_loop.h"
+#include "platform/shell.h"
+#include "ui/messages.h"
+
+namespace corvane {
+
+/// The list of local data files and the commands on them and on the files of the settings page.
+class LocalFiles {
+ public:
+  LocalFiles(Form& av_Form, const RunFlags& av_Flags, const OperationSlot& av_Slot, const AppInfo& av_App,
+             const FileNames& av_Names, CFileListbox& av_FileList, EventLoop& av_Loop, Dialogs& av_Dialogs,
+             Shell& av_Shell, Messages& av_Messages);
+
+  /// Rebuilds the local file list; does nothing while the window is loading.
+  ///
+  /// While an operation runs, a refresh that would cost more than a twentieth of its time is put off to its end.
+  void RefreshFileListBox();
+  /// Makes up a refresh that was put off.
+  void RefreshIfStale();
+  /// Refreshes the date and file-name examples.
+  void UpdateFileExamples();
+  /// Deletes the focused file, or every selected one, after a question. **Yields.**
+  void DeleteFiles();
+  /// Opens the focused file in the text editor. **Yields** when none has the focus.
+  void EditDataFile();
+  /// Opens the file of `Txt_File[ai_Index]` in the text editor.
+  void EditFile(std::int16_t ai_Index);
+  /// Opens the trace log in the text editor.
+  void EditTrace();
+  /// Lets the user choose the file of `Txt_File[ai_Index]`. **Yields.**
+  void GetFile(std::int16_t ai_Index);
+  /// Lets the user choose the data folder. **Yields.**
+  void GetFolder();
+  /// The full name of the file in `Txt_File[ai_Index]`.
+  [[nodiscard]] std::string SettingsFile(std::int16_t ai_Index) const;
+
+ private:
+  void OpenInEditor(const std::string& as_File);
+
+  Form& form_;
+  const RunFlags& flags_;
+  const OperationSlot& slot_;
+  const AppInfo& app_;
+  const FileNames& names_;
+  CFileListbox& file_list_;
+  EventLoop& loop_;
+  Dialogs& dialogs_;
+  Shell& shell_;
+  Messages& messages_;
+  bool stale_ = false;
+  std::int64_t last_refresh_end_ = 0;   ///< monotonic milliseconds
+  std::int64_t last_refresh_cost_ = 0;  ///< milliseconds
+};
+
+}  // namespace corvane

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ui/messages.h"
+
+namespace corvane {
+
+/// A piecewise-linear lookup table, clamped outside its range. Format: docs/formats/lookup-file.md.
+class CLookup {
+ public:
+  explicit CLookup(Messages& av_Messages) : messages_(av_Messages) {}
+
+  /// Stores the file's full name; the next use reads it.
+  void SetFile(std::string_view as_File);
+  /// Stores the name and reads the file; true if the table holds at least one point.
+  [[nodiscard]] bool Initialise(std::string_view as_File);
+  /// Reads the file if it is not loaded; false after an error, which has been shown. **Yields** then.
+  bool Load();
+  /// The calibrated value; 0 when the table failed or is empty. The search starts where the last one ended.
+  [[nodiscard]] double Lookup(double ad_X);
+  /// Number of points.
+  [[nodiscard]] std::size_t Count() const { return points_.empty() ? 0 : points_.size() - 1; }
+
+ private:
+  struct Point {
+    double X = 0;
+    double Y = 0;
+    double Slope = 0;
+    double Intercept = 0;
+  };
+  void ReadPoints();
+  void ComputeSegments();
+  void ReportError(std::string_view as_Description, std::string_view as_Operation);
+
+  Messages& messages_;
+  std::string file_name_;
+  bool loaded_ = false;
+  bool failed_ = false;
+  std::size_t position_ = 0;
+  std::vector<Point> points_;  ///< index 0 is the sentinel below the first point
+};
+
+/// The three tables of the settings page.
+struct Lookups {
+  explicit Lookups(Messages& av_Messages) : Moisture(av_Messages), Salinity(av_Messages), Correction(av_Messages) {}
+
+  CLookup Moisture;
+  CLookup Salinity;
+  CLookup Correction;
+};
+
+}  // namespace corvane

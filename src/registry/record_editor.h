@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "app/command_states.h"
+#include "app/operation_slot.h"
+#include "form/form.h"
+#include "registry/records.h"
+#include "ui/messages.h"
+
+namespace corvane {
+
+/// Positions of the registry commands, the same in the menus and the button rows.
+enum RegistryCommand : std::int16_t { kNew = 0, kDelete = 1, kMoveUp = 2, kMoveDown = 3 };
+
+/// What the editors of the three lists share: one list, one array, the editor that shows one record.
+class RecordEditor {
+ public:
+  /// What every editor works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    Registry& registry;
+    CommandStates& states;
+    const OperationSlot& slot;
+    Messages& messages;
+  };
+
+  virtual ~RecordEditor() = default;
+  RecordEditor(const RecordEditor&) = delete;
+  RecordEditor& operator=(const RecordEditor&) = delete;
+
+  /// Copies the record at the list's current row into the editor and remembers its position.
+  void ShowRecord();
+  /// Copies the editor back into the record it shows; nothing happens when it shows none.
+  void StoreRecord();
+  /// Fills the list from the array, nothing selected, the editor showing no record.
+  void FillList();
+  /// Makes entry `al_Index` (from 1) current and shows it, with change handlers suppressed. Outside the list: none.
+  void Select(std::int64_t al_Index);
+  /// The position in the array of the list's current entry, from 1; 0 when none is selected.
+  [[nodiscard]] std::int64_t Selected() const { return list_.current() + 1; }
+  /// Runs a New, Delete or Move command. **Yields** when it has a message.
+  void RunCommand(std::int16_t ai_Command);
+
+  /// Refreshes the local file list after another record was selected; set by the composition root.
+  std::function<void()> selection_changed;
+
+ protected:
+  RecordEditor(const Parts& av_Parts, List& av_List, TextField& av_Name, std::string_view as_NothingSelected);
+
+  [[nodiscard]] virtual std::int64_t Count() const = 0;
+  [[nodiscard]] virtual const std::string& NameOf(std::int64_t al_Index) const = 0;
+  virtual void SetName(std::int64_t al_Index, std::string_view as_Name) = 0;
+  [[nodiscard]] virtual bool IsChecked(std::int64_t /*al_Index*/) const { return false; }
+  virtual void ShowFields(std::int64_t al_Index) = 0;
+  virtual void StoreFields(std::int64_t al_Index) = 0;
+  virtual void ClearFields() = 0;
+  virtual void AppendNew() = 0;
+  virtual void RemoveAt(std::int64_t al_Index) = 0;
+  virtual void Swap(std::int64_t al_First, std::int64_t al_Second) = 0;
+  [[nodiscard]] virtual bool MayDelete() const { return true; }
+  /// Runs after New and Delete.
+  virtual void AfterCountChanged() {}
+
+  Form& form_;
+  Registry& registry_;
+  CommandStates& states_;
+  const OperationSlot& slot_;
+  Messages& messages_;
+  List& list_;
+  TextField& name_;
+
+ private:
+  void OnSelect();
+  void OnNameChange();
+  void Delete(std::int64_t al_Position);
+  void Move(std::int64_t al_Record, std::int64_t al_Neighbour);
+  void RewriteRow(std::int64_t al_Index);
+
+  std::string nothing_selected_;
+  std::int64_t shown_ = -1;  ///< list position of the record in the editor, -1 none
+};
+
+}  // namespace corvane
