@@ -63,6 +63,7 @@ bool IsEntryActive(const std::string& path) {
   std::ifstream file(path);
   bool in_group = false;
   for (std::string line; std::getline(file, line);) {
+    if (line.ends_with('\r')) line.pop_back();
     const std::string_view text = Trim(line);
     if (text.starts_with('[')) in_group = text == "[Desktop Entry]";
     const std::size_t equals = text.find('=');

@@ -92,8 +92,8 @@ void PosixLoop::Post(std::function<void()> task) {
 }
 
 void PosixLoop::Yield() {
-  const bool nothing_registered = watches_.empty() && running_timers_.empty() && posted_.empty();
-  while (!RunPass(NanosecondsToWait()) && !nothing_registered) {
+  const bool nothing_can_come = NothingCanCome();
+  while (!RunPass(NanosecondsToWait()) && !nothing_can_come) {
   }
 }
 
@@ -126,9 +126,15 @@ PosixLoop::PeriodicTimer* PosixLoop::NextTimer() const {
   return next == running_timers_.end() ? nullptr : *next;
 }
 
+bool PosixLoop::NothingCanCome() const {
+  const std::size_t signal_watches = signal_descriptor_ >= 0 ? 1 : 0;
+  return watches_.size() == signal_watches && running_timers_.empty() && posted_.empty();
+}
+
 std::int64_t PosixLoop::NanosecondsToWait() const {
   if (!posted_.empty()) return 0;
-  if (running_timers_.empty()) return watches_.empty() ? kNanosecondsPerSecond : kForEver;
+  if (NothingCanCome()) return kNanosecondsPerSecond;
+  if (running_timers_.empty()) return kForEver;
   return std::max<std::int64_t>(NextTimer()->due() - MonotonicNanoseconds(), 0);
 }
 

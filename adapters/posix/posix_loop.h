@@ -34,7 +34,8 @@ class PosixLoop : public EventLoop, public DescriptorWatcher {
   void Post(std::function<void()> task) override;
   /// Blocks until at least one event or timer was handled. **Yields.**
   ///
-  /// Returns after at most a second while nothing is watched, posted or ticking, so that no wait can hang for ever.
+  /// Returns after at most a second while nothing but signals is watched and nothing posted or ticking, so that no wait
+  /// can hang for ever.
   void Yield() override;
   void Poll() override;
 
@@ -59,6 +60,7 @@ class PosixLoop : public EventLoop, public DescriptorWatcher {
 
   void SetHandler(int descriptor, Handler Watch::*direction, std::function<void()> handler);
   [[nodiscard]] PeriodicTimer* NextTimer() const;
+  [[nodiscard]] bool NothingCanCome() const;
   [[nodiscard]] std::int64_t NanosecondsToWait() const;
   bool RunPass(std::int64_t wait_nanoseconds);
   bool HandleDescriptors(std::int64_t wait_nanoseconds);

@@ -54,14 +54,14 @@ TEST(PosixLoop, BlockedTimerDeliversOneTickThenItsGrid) {
   const std::int64_t start = loop.MonotonicMilliseconds();
   const auto timer = loop.MakeTimer([&] { ticks.push_back(loop.MonotonicMilliseconds() - start); });
   timer->Start(100);
-  while (loop.MonotonicMilliseconds() < start + 230) {
+  while (loop.MonotonicMilliseconds() < start + 290) {
   }
   loop.Poll();
   loop.Poll();
   ASSERT_EQ(ticks.size(), 1U);
   ASSERT_TRUE(RunUntil(loop, [&] { return ticks.size() == 2; }));
   EXPECT_GE(ticks[1], 300);
-  EXPECT_LT(ticks[1], 330);
+  EXPECT_LT(ticks[1], 380);
 }
 
 TEST(PosixLoop, TimersAndTasksMayEndEachOther) {
@@ -149,6 +149,7 @@ TEST(PosixLoop, ClosedDescriptorIsDroppedInsteadOfSpinning) {
 
 TEST(PosixLoop, WaitsOnlyAsLongAsItMust) {
   PosixLoop loop;
+  ASSERT_TRUE(loop.WatchSignals({SIGHUP}, [](int) {}).ok());
   const std::int64_t start = loop.MonotonicMilliseconds();
   const auto elapsed = [&] { return loop.MonotonicMilliseconds() - start; };
   loop.Poll();
