@@ -21,6 +21,7 @@ constexpr std::size_t kLongestLine = 1024;
 constexpr std::int64_t kBitsPerByte = 10;
 constexpr std::int64_t kBurstsPerSecond = 100;
 constexpr std::uint64_t kLongestPiece = 64;
+constexpr auto kSettling = 20ms;
 
 }  // namespace
 
@@ -75,6 +76,7 @@ void Server::TakeLine() {
   PassRealTime();
   exchange_.emplace(station_.Answer(line));
   if (!station_.last_faults().empty()) log_.Write("fault: " + station_.last_faults());
+  Refill();
 }
 
 void Server::TakeEscape() {
@@ -109,7 +111,12 @@ void Server::Interrupt(std::string_view line, bool keep_rest) {
 }
 
 void Server::Refill() {
-  while (exchange_ && sent_ == out_.size() && Clock::now() >= resume_at_) {
+  while (exchange_ && sent_ == out_.size()) {
+    // An answer that is out is over at once: the application may already be sending its next command.
+    const bool over = step_ && step_->kind == Step::Kind::kEnd;
+    if (!over && Clock::now() < resume_at_) {
+      return;
+    }
     if (step_) {
       ActOnStep();
       continue;
@@ -122,7 +129,8 @@ void Server::Refill() {
 }
 
 void Server::ActOnStep() {
-  if (step_->kind == Step::Kind::kHangUp && !pty_.Drained()) {
+  // Hanging up loses what the application has not read; bytes just sent take a moment to show as unread.
+  if (step_->kind == Step::Kind::kHangUp && (!pty_.Drained() || Clock::now() - last_sent_ < kSettling)) {
     resume_at_ = Clock::now() + 2ms;
     return;
   }
