@@ -305,17 +305,8 @@ void Settings::LoadRecords(const RecordSection<Record>& av_Section, RecordArray<
     Record& record = av_Records[index];
     for (const RecordField<Record>& field : av_Section.fields) {
       const std::string key = std::string(field.key) + Index(index);
-      std::visit(
-          [&](auto member) {
-            auto& value = record.*member;
-            using Value = std::remove_reference_t<decltype(value)>;
-            if constexpr (std::is_same_v<Value, std::string>) {
-              value = store_.GetSetting(av_Section.name, key, field.fallback(index));
-            } else {
-              value = LoadNumber<Value>(av_Section.name, key, field.fallback(index));
-            }
-          },
-          field.member);
+      std::visit([&](auto member) { LoadMember(av_Section.name, key, field.fallback(index), record.*member); },
+                 field.member);
     }
   }
 }
@@ -330,6 +321,17 @@ void Settings::SaveRecords(const RecordSection<Record>& av_Section, const Record
       store_.SaveSetting(av_Section.name, std::string(field.key) + Index(index), value);
     }
   }
+}
+
+void Settings::LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                          std::string& as_Member) {
+  as_Member = store_.GetSetting(as_Section, as_Key, as_Default);
+}
+
+template <class Number>
+void Settings::LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                          Number& av_Member) {
+  av_Member = LoadNumber<Number>(as_Section, as_Key, as_Default);
 }
 
 template <class Number>

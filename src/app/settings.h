@@ -94,6 +94,11 @@ class Settings {
   void LoadRecords(const RecordSection<Record>& av_Section, RecordArray<Record>& av_Records);
   template <class Record>
   void SaveRecords(const RecordSection<Record>& av_Section, const RecordArray<Record>& av_Records);
+  void LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                  std::string& as_Member);
+  template <class Number>
+  void LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                  Number& av_Member);
   template <class Number>
   Number LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default);
   void LoadPorts();
