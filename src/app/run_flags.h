@@ -13,6 +13,7 @@ struct RunFlags {
   bool converting = false;
   std::int64_t error_counter = 0;   ///< bad lines of the current conversion command
   std::int64_t line_counter = 0;    ///< data lines of the right width of the current conversion command
+  std::int64_t problems = 0;        ///< ports, units and files of this operation that ended untried or with a problem
 };
 
 }  // namespace corvane

@@ -1,0 +1,71 @@
+#include "app/application.h"
+
+#include <utility>
+
+namespace corvane {
+
+Application::Application(const Platform& av_Platform, std::string as_Folder)
+    : loop_(av_Platform.loop),
+      app_(std::move(as_Folder)),
+      states_(form_),
+      slot_(link_, states_),
+      trace_(form_, link_, loop_, av_Platform.shell),
+      messages_(form_, flags_, loop_, av_Platform.dialogs, trace_),
+      summary_(form_, link_, download_, flags_, loop_, trace_),
+      names_(form_, registry_, app_),
+      file_list_(form_, messages_),
+      files_(form_, flags_, slot_, app_, names_, file_list_, loop_, av_Platform.dialogs, av_Platform.shell, messages_),
+      editor_parts_{form_, registry_, states_, slot_, messages_},
+      units_(editor_parts_),
+      relays_(editor_parts_),
+      clients_(editor_parts_),
+      store_(messages_),
+      settings_(form_, registry_, app_, devices_, store_, units_, relays_, clients_, messages_, trace_),
+      run_at_startup_(av_Platform.shell, messages_),
+      writer_(link_, av_Platform.port, trace_),
+      reply_timer_(form_, link_, loop_, writer_, trace_),
+      pauser_(link_, flags_, loop_, trace_),
+      exchange_(form_, link_, flags_, loop_, writer_, reply_timer_, pauser_, trace_),
+      capture_(form_, link_, download_, loop_, writer_, exchange_, summary_, bars_, trace_),
+      replies_(form_, link_, loop_, exchange_, capture_, summary_, trace_),
+      port_link_(form_, link_, av_Platform.port, devices_, states_, writer_, reply_timer_, bars_, trace_),
+      schedule_(form_, flags_, slot_, loop_, trace_),
+      lookups_(messages_),
+      converter_(form_, flags_, link_, download_, registry_, lookups_, loop_, bars_, messages_, trace_),
+      conversion_(form_, flags_, link_, registry_, names_, file_list_, files_, lookups_, converter_, units_, port_link_,
+                  loop_, bars_, messages_, trace_),
+      session_({form_, registry_, link_, download_, loop_, port_link_, reply_timer_, exchange_, capture_, names_, bars_,
+                messages_, trace_}),
+      sessions_({form_, registry_, link_, flags_, loop_, port_link_, writer_, exchange_, capture_, pauser_, schedule_,
+                 session_, units_, files_, bars_, messages_, trace_}),
+      round_(form_, link_, loop_, sessions_, conversion_, flows_, schedule_),
+      finder_(form_, link_, port_link_, session_, bars_, trace_),
+      commands_({form_, registry_, link_, flags_, slot_, names_, units_, relays_, clients_, files_, conversion_,
+                 port_link_, writer_, sessions_, round_, finder_, schedule_, run_at_startup_, flows_, loop_, messages_,
+                 trace_}),
+      life_({form_, link_, download_, flags_, slot_, app_, states_, store_, settings_, units_, relays_, clients_,
+             files_, port_link_, writer_, capture_, schedule_, run_at_startup_, commands_, bars_, summary_, trace_}) {
+  Wire();
+  av_Platform.port.SetEventHandler([this](int code) { port_link_.OnPortEvent(code); });
+}
+
+void Application::Wire() {
+  trace_.show_message = [this](const std::string& text) { messages_.Show(text); };
+  port_link_.line_received = [this] { replies_.HandleReply(); };
+  schedule_.start_download = [this] { commands_.DownloadAll(true, kRadioUnits, true); };
+  slot_.on_taken = [this] {
+    flags_.problems = 0;
+    messages_.StartRound();
+  };
+  slot_.on_given_back = [this] { files_.RefreshIfStale(); };
+  const auto refresh_files = [this] { files_.RefreshFileListBox(); };
+  units_.selection_changed = refresh_files;
+  relays_.selection_changed = refresh_files;
+  clients_.selection_changed = refresh_files;
+}
+
+void Application::RunUntilClosed() {
+  while (!flags_.closing) loop_.Yield();
+}
+
+}  // namespace corvane

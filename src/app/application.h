@@ -1,0 +1,131 @@
+// The composition root: owns the Form, the state and the classes, in order, and wires them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "app/app_info.h"
+#include "app/command_states.h"
+#include "app/commands.h"
+#include "app/life_cycle.h"
+#include "app/operation_slot.h"
+#include "app/run_at_startup.h"
+#include "app/run_flags.h"
+#include "app/settings.h"
+#include "app/settings_store.h"
+#include "data/batch_conversion.h"
+#include "data/calibrated_converter.h"
+#include "data/file_listbox.h"
+#include "data/file_names.h"
+#include "data/local_files.h"
+#include "data/lookup.h"
+#include "form/form.h"
+#include "link/capture.h"
+#include "link/download_round.h"
+#include "link/exchange.h"
+#include "link/link_state.h"
+#include "link/link_writer.h"
+#include "link/pause.h"
+#include "link/port_devices.h"
+#include "link/port_finder.h"
+#include "link/port_link.h"
+#include "link/reply_handler.h"
+#include "link/reply_timer.h"
+#include "link/schedule.h"
+#include "link/sessions.h"
+#include "link/unit_session.h"
+#include "platform/dialogs.h"
+#include "platform/event_loop.h"
+#include "platform/serial_port.h"
+#include "platform/shell.h"
+#include "registry/client_editor.h"
+#include "registry/records.h"
+#include "registry/relay_editor.h"
+#include "registry/unit_editor.h"
+#include "trace/summary.h"
+#include "trace/trace.h"
+#include "transfer/flows.h"
+#include "ui/messages.h"
+#include "ui/progress_bar.h"
+
+namespace corvane {
+
+/// The machine that the application runs on; all must outlive it.
+struct Platform {
+  EventLoop& loop;
+  SerialPort& port;
+  Shell& shell;
+  Dialogs& dialogs;
+};
+
+class Application {
+ public:
+  /// `as_Folder` is the application folder, a full path.
+  Application(const Platform& av_Platform, std::string as_Folder);
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  // What a front end works with.
+  [[nodiscard]] Form& form() { return form_; }
+  [[nodiscard]] RunFlags& flags() { return flags_; }
+  [[nodiscard]] const LinkState& link() const { return link_; }
+  [[nodiscard]] const Registry& registry() const { return registry_; }
+  [[nodiscard]] const AppInfo& app() const { return app_; }
+  [[nodiscard]] const FileNames& names() const { return names_; }
+  [[nodiscard]] const PortDevices& devices() const { return devices_; }
+  [[nodiscard]] UnitEditor& units() { return units_; }
+  [[nodiscard]] OperationSlot& slot() { return slot_; }
+  [[nodiscard]] Commands& commands() { return commands_; }
+  [[nodiscard]] LifeCycle& life() { return life_; }
+
+  /// Waits until the program is to end. **Yields.**
+  void RunUntilClosed();
+
+ private:
+  void Wire();
+
+  EventLoop& loop_;
+  Form form_;
+  LinkState link_;
+  DownloadState download_;
+  Registry registry_;
+  RunFlags flags_;
+  AppInfo app_;
+  PortDevices devices_;
+  ProgressBars bars_;
+  CommandStates states_;
+  OperationSlot slot_;
+  Trace trace_;
+  Messages messages_;
+  DownloadSummary summary_;
+  FileNames names_;
+  CFileListbox file_list_;
+  LocalFiles files_;
+  RecordEditor::Parts editor_parts_;
+  UnitEditor units_;
+  RelayEditor relays_;
+  ClientEditor clients_;
+  SettingsStore store_;
+  Settings settings_;
+  RunAtStartup run_at_startup_;
+  LinkWriter writer_;
+  ReplyTimer reply_timer_;
+  Pauser pauser_;
+  Exchange exchange_;
+  DownloadCapture capture_;
+  ReplyHandler replies_;
+  PortLink port_link_;
+  Schedule schedule_;
+  Lookups lookups_;
+  CalibratedConverter converter_;
+  BatchConversion conversion_;
+  TransferFlows flows_;
+  UnitSession session_;
+  Sessions sessions_;
+  DownloadRound round_;
+  PortFinder finder_;
+  Commands commands_;
+  LifeCycle life_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,186 @@
+#include "app/commands.h"
+
+#include "base/status.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int16_t kCreateLocalFolders = 4;
+
+}  // namespace
+
+void Commands::StoreEditors() {
+  p_.units.StoreRecord();
+  p_.relays.StoreRecord();
+  p_.clients.StoreRecord();
+}
+
+bool Commands::RunOperation(std::string_view as_Name, const std::function<void()>& av_Operation) {
+  if (p_.slot.Taken() || p_.flags.closing) return false;
+  StoreEditors();
+  return p_.slot.Run([&] {
+    try {
+      av_Operation();
+    } catch (const RunTimeError& error) {
+      ++p_.flags.problems;
+      p_.trace.ErrorReport(as_Name, error.what());
+    }
+  });
+}
+
+void Commands::RunCommand(std::string_view as_Name, const std::function<void()>& av_Command) {
+  StoreEditors();
+  if (!p_.slot.Taken()) p_.messages.StartRound();
+  try {
+    av_Command();
+  } catch (const RunTimeError& error) {
+    p_.trace.ErrorReport(as_Name, error.what());
+  }
+}
+
+bool Commands::DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic) {
+  return RunOperation("Download", [&] {
+    const bool was_automatic = p_.flags.automatic_run;
+    p_.flags.automatic_run = was_automatic || ab_Automatic;
+    p_.round.DownloadAllUnits(ab_All, av_Mode);
+    p_.flags.automatic_run = was_automatic;
+  });
+}
+
+bool Commands::Process(bool ab_All, std::int16_t ai_Command) {
+  return RunOperation(CommandOf(ai_Command).name, [&] {
+    const std::int64_t selected = p_.units.Selected();
+    const bool by_radio = ab_All || !p_.registry.Units.Has(selected);
+    p_.sessions.ProcessAllUnits(ab_All, by_radio ? kFromRadio : p_.registry.Units[selected].GetFrom, ai_Command);
+  });
+}
+
+bool Commands::ConvertAll(bool ab_All) {
+  return RunOperation("Convert", [&] {
+    p_.conversion.ResetCounters();
+    p_.conversion.ConvertAllUnits(ab_All, -1, -1);
+  });
+}
+
+bool Commands::ConvertSelected() {
+  return RunOperation("Convert", [&] { p_.conversion.ConvertSelectedFiles(); });
+}
+
+bool Commands::TestPort(std::int16_t ai_Index) {
+  return RunOperation("Test Port", [&] {
+    if (!p_.finder.TestBaseUnit(ai_Index)) ++p_.flags.problems;
+  });
+}
+
+bool Commands::FindPort(std::int16_t ai_Index) {
+  return RunOperation("Find Port", [&] { p_.finder.FindPort(ai_Index); });
+}
+
+void Commands::Cancel() {
+  p_.trace.LogWrite("User clicked 'cancel'");
+  p_.link.UserCancel = true;
+  if (p_.slot.Taken()) {
+    if (p_.port.IsOpen()) p_.writer.SendEscape();
+    p_.trace.Status("Cancel...");
+    return;
+  }
+  if (p_.port.OpenPort(p_.port.LastIndex())) {
+    p_.writer.SendEscape();
+    p_.port.ClosePort();
+  }
+  p_.trace.Status("Pelvaro clear");
+}
+
+void Commands::Close(bool ab_Silently) {
+  p_.flags.ending_silently = p_.flags.ending_silently || ab_Silently;
+  if (p_.flags.closing) return;
+  p_.flags.closing = true;
+  if (!p_.slot.Taken()) return;
+  p_.link.UserCancel = true;
+  if (!p_.port.IsOpen()) return;
+  for (int time = 0; time < 3; ++time) p_.writer.SendEscape();
+}
+
+void Commands::Download(std::int16_t ai_Entry) {
+  switch (ai_Entry) {
+    case 0: DownloadAll(false, kCurrentUnit, false); break;
+    case 1:
+    case 2:
+      RunOperation("Download", [&] {
+        p_.sessions.ProcessAllUnits(true, ai_Entry == 1 ? kFromRadio : kFromHandHeld, kDownload);
+      });
+      break;
+    default:
+      RunOperation("Fetch", [&] {
+        p_.conversion.ResetCounters();
+        p_.round.FetchAndConvert(true, ai_Entry == 3 ? kFromFtp : kFromWebData);
+      });
+  }
+}
+
+void Commands::Convert(std::int16_t ai_Entry) {
+  if (ai_Entry == 2) {
+    ConvertSelected();
+  } else {
+    ConvertAll(ai_Entry == 1);
+  }
+}
+
+void Commands::FileMenu(std::int16_t ai_Entry) {
+  if (ai_Entry == 0) {
+    RunOperation("Backup", [&] { p_.flows.DoBackup(); });
+  } else {
+    Close(false);
+  }
+}
+
+void Commands::Send(std::int16_t ai_Entry) {
+  RunOperation("Send", [&] {
+    const bool all = ai_Entry != 0;
+    if (ai_Entry != 2) p_.flows.ftpAllUnits(all, -1, 1);
+    if (ai_Entry != 1 && p_.link.ContinueOk()) p_.flows.ftpAllUnits(all, -1, 2);
+  });
+}
+
+void Commands::UnitCommand(std::int16_t ai_Command) {
+  RunCommand("Units", [&] { p_.units.RunCommand(ai_Command); });
+}
+
+void Commands::RelayCommand(std::int16_t ai_Command) {
+  RunCommand("Relays", [&] { p_.relays.RunCommand(ai_Command); });
+}
+
+void Commands::ClientCommand(std::int16_t ai_Command) {
+  RunCommand("Clients", [&] {
+    if (ai_Command < kCreateLocalFolders) {
+      p_.clients.RunCommand(ai_Command);
+    } else if (ai_Command == kCreateLocalFolders) {
+      CreateLocalFolders(p_.registry, p_.names, p_.messages);
+    }
+  });
+}
+
+void Commands::Help(std::int16_t ai_Entry) {
+  p_.messages.Show(ai_Entry == 3 ? AppInfo::AboutText() : "There is no Help associated with this project");
+}
+
+void Commands::FileCommand(std::int16_t ai_Entry) {
+  RunCommand("Files", [&] {
+    switch (ai_Entry) {
+      case 0: p_.files.EditDataFile(); break;
+      case 1: p_.files.DeleteFiles(); break;
+      case 2: p_.files.EditTrace(); break;
+      default: p_.files.GetFolder();
+    }
+  });
+}
+
+void Commands::GetFile(std::int16_t ai_Index) {
+  RunCommand("Choose file", [&] { p_.files.GetFile(ai_Index); });
+}
+
+void Commands::EditFile(std::int16_t ai_Index) {
+  RunCommand("Edit file", [&] { p_.files.EditFile(ai_Index); });
+}
+
+}  // namespace corvane

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "app/app_info.h"
+#include "app/operation_slot.h"
+#include "app/run_flags.h"
+#include "app/run_at_startup.h"
+#include "data/batch_conversion.h"
+#include "data/local_files.h"
+#include "form/form.h"
+#include "link/download_round.h"
+#include "link/port_finder.h"
+#include "link/schedule.h"
+#include "link/sessions.h"
+#include "registry/client_editor.h"
+#include "registry/relay_editor.h"
+#include "registry/unit_editor.h"
+#include "transfer/flows.h"
+
+namespace corvane {
+
+/// The commands of the main window: what each menu entry, button and key starts.
+///
+/// Operations run in the operation slot; a second one is refused. Every command first stores the registry editors.
+class Commands {
+ public:
+  /// What the commands start; all must outlive this object.
+  struct Parts {
+    Form& form;
+    Registry& registry;
+    LinkState& link;
+    RunFlags& flags;
+    OperationSlot& slot;
+    const FileNames& names;
+    UnitEditor& units;
+    RelayEditor& relays;
+    ClientEditor& clients;
+    LocalFiles& files;
+    BatchConversion& conversion;
+    PortLink& port;
+    LinkWriter& writer;
+    Sessions& sessions;
+    DownloadRound& round;
+    PortFinder& finder;
+    Schedule& schedule;
+    RunAtStartup& run_at_startup;
+    TransferFlows& flows;
+    EventLoop& loop;
+    Messages& messages;
+    Trace& trace;
+  };
+  explicit Commands(const Parts& av_Parts) : p_(av_Parts) {}
+
+  /// Fills the menus and binds every control to its command.
+  void Bind();
+  /// Stores the three registry editors into their records.
+  void StoreEditors();
+
+  // Operations; all **yield** and are refused, returning false, while another one runs.
+
+  /// The chained download; an automatic run shows no box that waits for a click.
+  bool DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic);
+  /// One command with the selected unit by its own connection, or with all units by radio.
+  bool Process(bool ab_All, std::int16_t ai_Command);
+  bool ConvertAll(bool ab_All);
+  bool ConvertSelected();
+  bool TestPort(std::int16_t ai_Index);
+  bool FindPort(std::int16_t ai_Index);
+
+  /// Cancels what runs; while idle tells the base station to stop whatever it does.
+  void Cancel();
+  /// Asks the program to end: what runs is cancelled and unwinds, then the main loop closes.
+  ///
+  /// `ab_Silently`: ended by a signal or the session; no box is shown any more.
+  void Close(bool ab_Silently);
+
+ private:
+  struct MenuRow;
+  struct ButtonRow;
+
+  bool RunOperation(std::string_view as_Name, const std::function<void()>& av_Operation);
+  void RunCommand(std::string_view as_Name, const std::function<void()>& av_Command);
+
+  void Download(std::int16_t ai_Entry);
+  void DownloadAllButton(std::int16_t ai_Mode) { DownloadAll(true, static_cast<DownloadMode>(ai_Mode), false); }
+  void ProcessSelected(std::int16_t ai_Command) { Process(false, ai_Command); }
+  void ProcessEveryUnit(std::int16_t ai_Command) { Process(true, ai_Command); }
+  void Convert(std::int16_t ai_Entry);
+  void FileMenu(std::int16_t ai_Entry);
+  void Send(std::int16_t ai_Entry);
+  void UnitCommand(std::int16_t ai_Command);
+  void RelayCommand(std::int16_t ai_Command);
+  void ClientCommand(std::int16_t ai_Command);
+  void Help(std::int16_t ai_Entry);
+  void FileCommand(std::int16_t ai_Entry);
+  void GetFile(std::int16_t ai_Index);
+  void EditFile(std::int16_t ai_Index);
+  void TestPortButton(std::int16_t ai_Index) { TestPort(ai_Index); }
+  void FindPortButton(std::int16_t ai_Index) { FindPort(ai_Index); }
+  void CancelButton(std::int16_t /*ai_Index*/) { Cancel(); }
+
+  void BindMenus();
+  void BindButtons();
+  void BindFields();
+  void BindKeys();
+
+  Parts p_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,103 @@
+#include "app/life_cycle.h"
+
+#include <string>
+#include <utility>
+
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr int kPortNumbers = 50;
+
+}  // namespace
+
+void LifeCycle::OnWindowCreate() {
+  p_.store.SetFile(p_.app.AppPath("corvane.ini"));
+  p_.trace.SetLogFile(p_.app.AppPath("corvane.log"));
+  p_.summary.SetFile(p_.app.AppPath("summary.csv"));
+  p_.commands.Bind();
+  FillFixedSelectors();
+  BindProgressBars();
+  p_.settings.LoadSettings();
+  p_.relays.FillRelaySelector();
+  p_.clients.FillClientSelector();
+  p_.flags.loading = false;
+  const SuppressEvents::Guard suppressed(p_.form.Suppress);
+  p_.files.UpdateFileExamples();
+  p_.files.RefreshFileListBox();
+  p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.IsRunAtStartup());
+  p_.states.UpdateCommandStates();
+}
+
+void LifeCycle::FillFixedSelectors() {
+  for (Selector& ports : p_.form.Cmb_Port) {
+    for (int number = 1; number <= kPortNumbers; ++number) ports.Add("COM" + std::to_string(number), number);
+  }
+  for (const char* period : {"00:15", "00:30", "01:00", "02:00", "03:00"}) p_.form.Cmb_LogPeriod.Add(period);
+  using Entry = std::pair<const char*, std::int32_t>;
+  for (const auto& [text, number] : {Entry("None", kFromNone), Entry("Radio", kFromRadio),
+                                     Entry("Hand held", kFromHandHeld), Entry("ftp", kFromFtp)}) {
+    p_.form.Cmb_GetFrom.Add(text, number);
+  }
+  p_.form.Cmb_SendTo.Add("None", 0);
+  p_.form.Cmb_SendTo.Add("ftp", 1);
+}
+
+void LifeCycle::BindProgressBars() {
+  p_.bars.Unit.SetBar(p_.form.Bar_Unit);
+  p_.bars.Download.SetBar(p_.form.Bar_Download);
+  p_.bars.Unit.SetParent(p_.form.Frm_Main);
+  p_.bars.Download.SetParent(p_.form.Frm_Main);
+}
+
+void LifeCycle::OnWindowActivate(std::string_view as_Switches) {
+  if (p_.slot.Taken() || p_.flags.closing) return;
+  p_.commands.StoreEditors();
+  {
+    const SuppressEvents::Guard suppressed(p_.form.Suppress);
+    ShowFirstRecords();
+    p_.states.UpdateCommandStates();
+  }
+  p_.files.RefreshFileListBox();
+  {
+    const SuppressEvents::Guard suppressed(p_.form.Suppress);
+    ActOnSwitches(as_Switches);
+    if (p_.flags.closing) return;
+    p_.schedule.StartHeartbeat();
+  }
+  p_.schedule.CalculateNextDownload();
+}
+
+void LifeCycle::ShowFirstRecords() {
+  if (p_.form.Lst_Units.count() > 0) p_.units.Select(1);
+  if (p_.form.Lst_Relays.count() > 0) p_.relays.Select(1);
+  if (p_.form.Lst_Clients.count() > 0) p_.clients.Select(1);
+}
+
+void LifeCycle::ActOnSwitches(std::string_view as_Switches) {
+  const std::string switches = ToUpper(as_Switches);
+  const auto given = [&switches](const char* text) { return switches.find(text) != std::string::npos; };
+  // Intended: a switch counts anywhere in the command line, "/DATA" is "/D"; existing shortcuts rely on it.
+  if (given("/M")) p_.form.Frm_Main.SetMinimised(true);
+  if (given("/D")) p_.commands.DownloadAll(true, kRadioUnits, true);
+  if (given("/Q")) p_.commands.Close(false);
+}
+
+void LifeCycle::OnWindowClose() {
+  p_.schedule.StopHeartbeat();
+  p_.commands.StoreEditors();
+  p_.settings.SaveSettings();
+  p_.link.UserCancel = true;
+  if (p_.port.IsOpen()) {
+    for (int time = 0; time < 3; ++time) p_.writer.SendEscape();
+  }
+  if (p_.capture.OutputFileNumber() != 0) {
+    p_.capture.CloseOutputFile();
+    p_.summary.WriteSummary();
+  }
+  p_.port.ClosePort();
+  p_.trace.CloseLog();
+}
+
+}  // namespace corvane
