@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "platform/event_loop.h"
+
+namespace corvane {
+
+/// Runs `loop` until `done`, at most 2 s; returns whether it was.
+inline bool RunUntil(EventLoop& loop, const std::function<bool()>& done) {
+  bool late = false;
+  const auto limit = loop.MakeTimer([&] { late = true; });
+  limit->Start(2000);
+  while (!done() && !late) loop.Yield();
+  return done();
+}
+
+/// A pseudo-terminal: the test holds the far end, the code under test opens `path()`.
+class PtyPair {
+ public:
+  PtyPair() : far_end_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    grantpt(far_end_);
+    unlockpt(far_end_);
+    path_ = ptsname(far_end_);
+    near_end_ = open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios raw{};
+    tcgetattr(near_end_, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(near_end_, TCSANOW, &raw);
+  }
+  ~PtyPair() { HangUp(); }
+  PtyPair(const PtyPair&) = delete;
+  PtyPair& operator=(const PtyPair&) = delete;
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] int far_end() const { return far_end_; }
+  void Send(std::string_view text) const { static_cast<void>(!write(far_end_, text.data(), text.size())); }
+  /// What the code under test has written and nobody has taken yet.
+  [[nodiscard]] std::string Take() const {
+    std::string all;
+    char piece[4096];
+    for (ssize_t got = 1; got > 0; all.append(piece, static_cast<std::size_t>(got > 0 ? got : 0))) {
+      got = read(far_end_, piece, sizeof piece);
+    }
+    return all;
+  }
+  /// Unplugs the device.
+  void HangUp() {
+    if (far_end_ < 0) return;
+    close(near_end_);
+    close(far_end_);
+    far_end_ = near_end_ = -1;
+  }
+
+ private:
+  int far_end_;
+  int near_end_;
+  std::string path_;
+};
+
+}  // namespace corvane
