@@ -161,11 +161,11 @@ void TermiosPort::QueueCounterChanges() {
 }
 
 void TermiosPort::DeliverEvents() {
-  const std::uint64_t session = session_;
-  while (session_ == session && !events_.empty()) {
+  while (!events_.empty()) {
     const int code = events_.front();
     events_.pop_front();
     const std::function<void(int)> handler = handler_;
+    const std::uint64_t session = session_;
     if (handler) handler(code);
     if (code == kPortEndOfInput && session_ == session) Close();
   }

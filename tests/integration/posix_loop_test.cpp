@@ -13,27 +13,18 @@
 namespace corvane {
 namespace {
 
-/// A pipe whose reading end becomes ready when it is filled.
-class Pipe {
- public:
-  Pipe() { EXPECT_EQ(pipe2(ends_, O_NONBLOCK | O_CLOEXEC), 0); }
+struct Pipe {
+  Pipe() { EXPECT_EQ(pipe2(ends, O_NONBLOCK | O_CLOEXEC), 0); }
   ~Pipe() {
-    close(ends_[0]);
-    close(ends_[1]);
+    close(ends[0]);
+    close(ends[1]);
   }
-  Pipe(const Pipe&) = delete;
-  Pipe& operator=(const Pipe&) = delete;
-
-  [[nodiscard]] int in() const { return ends_[0]; }
-  [[nodiscard]] int out() const { return ends_[1]; }
-  void Fill() const { EXPECT_EQ(write(ends_[1], "x", 1), 1); }
+  void Fill() const { EXPECT_EQ(write(ends[1], "x", 1), 1); }
   void Drain() const {
     char byte = 0;
-    EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    EXPECT_EQ(read(ends[0], &byte, 1), 1);
   }
-
- private:
-  int ends_[2] = {-1, -1};
+  int ends[2] = {-1, -1};
 };
 
 TEST(PosixLoop, TimerTicksOnWhileItsOwnHandlerWaits) {
@@ -41,8 +32,7 @@ TEST(PosixLoop, TimerTicksOnWhileItsOwnHandlerWaits) {
   int ticks = 0;
   bool waited = false;
   const auto timer = loop.MakeTimer([&] {
-    if (++ticks > 1) return;
-    waited = RunUntil(loop, [&] { return ticks == 5; });
+    if (++ticks == 1) waited = RunUntil(loop, [&] { return ticks == 5; });
   });
   timer->Start(2);
   EXPECT_TRUE(RunUntil(loop, [&] { return waited; }));
@@ -64,7 +54,7 @@ TEST(PosixLoop, BlockedTimerDeliversOneTickThenItsGrid) {
   EXPECT_LT(ticks[1], 380);
 }
 
-TEST(PosixLoop, TimersAndTasksMayEndEachOther) {
+TEST(PosixLoop, TimerMayDestroyItselfAndOthers) {
   PosixLoop loop;
   std::string calls;
   std::unique_ptr<Timer> victim = loop.MakeTimer([&] { calls += 'v'; });
@@ -73,19 +63,11 @@ TEST(PosixLoop, TimersAndTasksMayEndEachOther) {
     calls += 'k';
     victim.reset();
     killer.reset();
-    loop.Post([&] {
-      calls += 'p';
-      loop.Post([&] { calls += 'q'; });
-    });
+    loop.Post([&] { loop.Post([&] { calls += 'p'; }); });
   });
   killer->Start(1);
-  victim->Start(2);
-  const std::int64_t start = loop.MonotonicMilliseconds();
-  while (loop.MonotonicMilliseconds() < start + 5) {
-  }
-  loop.Poll();
-  EXPECT_EQ(calls, "kp");
-  EXPECT_TRUE(RunUntil(loop, [&] { return calls == "kpq"; }));
+  victim->Start(1);
+  EXPECT_TRUE(RunUntil(loop, [&] { return calls == "kp"; })) << calls;
 }
 
 TEST(PosixLoop, WatchesMayEndEachOtherAndRecurse) {
@@ -93,24 +75,21 @@ TEST(PosixLoop, WatchesMayEndEachOtherAndRecurse) {
   const Pipe first;
   const Pipe second;
   std::string calls;
-  loop.WatchRead(first.in(), [&] {
-    calls += '1';
-    loop.Unwatch(second.in());
-    loop.Unwatch(first.in());
-  });
-  loop.WatchRead(second.in(), [&] {
-    calls += '2';
-    loop.Unwatch(first.in());
-    loop.Unwatch(second.in());
-  });
+  const auto end_both = [&] {
+    calls += 'e';
+    loop.Unwatch(first.ends[0]);
+    loop.Unwatch(second.ends[0]);
+  };
+  loop.WatchRead(first.ends[0], end_both);
+  loop.WatchRead(second.ends[0], end_both);
   first.Fill();
   second.Fill();
   loop.Poll();
   loop.Poll();
-  EXPECT_EQ(calls.size(), 1U);
+  EXPECT_EQ(calls, "e");
 
   calls.clear();
-  loop.WatchRead(first.in(), [&] {
+  loop.WatchRead(first.ends[0], [&] {
     first.Drain();
     calls += '(';
     if (calls.size() < 3) {
@@ -119,44 +98,32 @@ TEST(PosixLoop, WatchesMayEndEachOtherAndRecurse) {
     }
     calls += ')';
   });
-  loop.WatchWrite(first.out(), [&] {
+  loop.WatchWrite(first.ends[1], [&] {
     calls += 'w';
-    loop.WatchWrite(first.out(), {});
+    loop.WatchWrite(first.ends[1], {});
   });
   // What the outer call saw of the second pipe is out of date once the inner calls have read it.
-  loop.WatchRead(second.in(), [&] {
+  loop.WatchRead(second.ends[0], [&] {
     second.Drain();
     calls += '2';
   });
-  EXPECT_TRUE(RunUntil(loop, [&] { return calls.size() == 8; })) << calls;
   loop.Poll();
   EXPECT_EQ(calls, "((()w2))");
 }
 
 TEST(PosixLoop, ClosedDescriptorIsDroppedInsteadOfSpinning) {
   PosixLoop loop;
-  {
-    const Pipe pipe;
-    loop.WatchRead(pipe.in(), [] { ADD_FAILURE() << "nothing to read"; });
-  }
-  int yields = 0;
-  bool ticked = false;
-  const auto timer = loop.MakeTimer([&] { ticked = true; });
-  timer->Start(20);
-  for (; !ticked; ++yields) loop.Yield();
-  EXPECT_LE(yields, 2);
+  loop.WatchRead(Pipe().ends[0], [] { ADD_FAILURE() << "nothing to read"; });
+  EXPECT_LE(YieldsIn20Milliseconds(loop), 2);
 }
 
-TEST(PosixLoop, WaitsOnlyAsLongAsItMust) {
+TEST(PosixLoop, WaitThatOnlyASignalCouldEndComesBack) {
   PosixLoop loop;
   ASSERT_TRUE(loop.WatchSignals({SIGHUP}, [](int) {}).ok());
-  const std::int64_t start = loop.MonotonicMilliseconds();
-  const auto elapsed = [&] { return loop.MonotonicMilliseconds() - start; };
   loop.Poll();
-  EXPECT_LT(elapsed(), 500);
+  const std::int64_t start = loop.MonotonicMilliseconds();
   loop.Yield();
-  EXPECT_GE(elapsed(), 900);
-  EXPECT_LT(elapsed(), 1500);
+  EXPECT_NEAR(static_cast<double>(loop.MonotonicMilliseconds() - start), 1000, 300);
 }
 
 TEST(PosixLoop, SignalsArriveAsEvents) {
@@ -171,20 +138,15 @@ TEST(PosixLoop, SignalsArriveAsEvents) {
   kill(getpid(), SIGHUP);
   EXPECT_TRUE(RunUntil(loop, [&] { return seen.size() == 2; }));
   EXPECT_EQ(seen, (std::vector<int>{SIGTERM, SIGHUP}));
-  EXPECT_FALSE(loop.WatchSignals({SIGINT}, [](int) {}).ok());
 }
 
 TEST(PosixLoop, NowFollowsTheTimeZone) {
-  const char* earlier = std::getenv("TZ");
-  const std::string kept = earlier != nullptr ? earlier : "";
   setenv("TZ", "UTC0", 1);
-  const PosixLoop universal;
-  const DateTime at_zero = universal.Now();
-  EXPECT_NEAR(static_cast<double>(at_zero - DateTime::FromCivil(1970, 1, 1)), static_cast<double>(time(nullptr)), 2);
+  const DateTime universal = PosixLoop().Now();
+  EXPECT_NEAR(static_cast<double>(universal - DateTime::FromCivil(1970, 1, 1)), static_cast<double>(time(nullptr)), 2);
   setenv("TZ", "XXX-3:30", 1);
-  const PosixLoop eastern;
-  EXPECT_NEAR(static_cast<double>(eastern.Now() - at_zero), 3.5 * 3600, 2);
-  earlier != nullptr ? setenv("TZ", kept.c_str(), 1) : unsetenv("TZ");
+  EXPECT_NEAR(static_cast<double>(PosixLoop().Now() - universal), 3.5 * 3600, 2);
+  unsetenv("TZ");
 }
 
 }  // namespace

@@ -47,12 +47,9 @@ class PosixShellTest : public testing::Test {
 };
 
 TEST_F(PosixShellTest, LogOnEntryStartsThisProgramWithItsHome) {
-  const PosixShell plain("corvane");
   const std::string program = "Exec=\"" + fs::read_symlink("/proc/self/exe").string() + "\"";
   struct Row {
-    std::string home;
-    std::string arguments;
-    std::string exec;
+    std::string home, arguments, exec;
   };
   for (const Row& row : std::vector<Row>{
            {"", "/M", program + " /M\n"},

@@ -22,6 +22,16 @@ inline bool RunUntil(EventLoop& loop, const std::function<bool()>& done) {
   return done();
 }
 
+/// How often `loop` comes back from waiting within 20 ms; a descriptor that is ready for ever makes it many.
+inline int YieldsIn20Milliseconds(EventLoop& loop) {
+  bool over = false;
+  const auto timer = loop.MakeTimer([&] { over = true; });
+  timer->Start(20);
+  int yields = 0;
+  for (; !over; ++yields) loop.Yield();
+  return yields;
+}
+
 /// A pseudo-terminal: the test holds the far end, the code under test opens `path()`.
 class PtyPair {
  public:
