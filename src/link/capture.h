@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -40,25 +42,32 @@ class DownloadCapture {
   void TakeHeader();
   void AcceptHeader();
   void TakeDataLine();
+  void TakeOk();
   void TakeReading();
-  void StoreReading(DateTime av_When);
+  [[nodiscard]] bool StoreReading();
+  void ShowProgress(DateTime av_When);
   void RejectLine();
   /// Reports the error, stops the unit and saves nothing more of this download.
   void Abort(const std::string& as_Error);
   [[nodiscard]] bool OpenOutputFile();
-  void SyncSometimes();
+  void OpenSteps();
+  void SyncOutput();
+  /// The raw file cannot be written: the download counts as failed, so that the readings are asked for again.
+  void FailDownload(const std::string& as_Reason);
+  /// A decision trace of `as_What` and the items text, built only when it is wanted.
+  void TraceItems(std::string_view as_What);
 
   Form& form_;
   LinkState& link_;
   DownloadState& download_;
-  EventLoop& loop_;
   LinkWriter& writer_;
   Exchange& exchange_;
   DownloadSummary& summary_;
   ProgressBars& bars_;
   Trace& trace_;
   RawLine line_;
-  std::int64_t last_sync_ = 0;
+  std::string output_line_;
+  std::unique_ptr<Timer> sync_timer_;  ///< runs while readings are written that are not yet on the disk
 };
 
 }  // namespace corvane

@@ -25,7 +25,9 @@ struct CommandInfo {
 };
 /// The row of a command number, 0 to `kLastState`; the spare row for any other.
 [[nodiscard]] const CommandInfo& CommandOf(std::int16_t ai_Command);
-/// The serial port index of a connection type: radio 0, hand-held 1, any other 99 (no port).
+/// The serial port index of a unit that is reached without a serial port.
+inline constexpr std::int16_t kNoPort = 99;
+/// The serial port index of a connection type: radio 0, hand-held 1, any other `kNoPort`.
 [[nodiscard]] std::int16_t PortIndexForUnit(std::int32_t al_GetFrom);
 /// The command line for a unit: address, code, one blank, parameters; empty for the test command.
 /// Format: docs/formats/wire-lines.md.
@@ -52,6 +54,10 @@ class Exchange {
   void SetStateFinished();
 
  private:
+  void SendSlowly(const std::string& as_Line);
+  /// Cancelled, failed, out of time or closing.
+  [[nodiscard]] bool Ended() const;
+
   Form& form_;
   LinkState& link_;
   const RunFlags& flags_;

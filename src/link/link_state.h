@@ -24,6 +24,8 @@ enum Command : std::int16_t {
   kTestBaseStation = 8,
 };
 inline constexpr std::int16_t kLastState = 10;
+/// The result code of an error on this side of the line; its text is entered when it happens.
+inline constexpr std::int16_t kCommsErrorResult = 9;
 
 struct LinkState {
   std::string ReceiveBuffer;   ///< received and not yet cut into lines

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -48,9 +49,14 @@ class PortLink {
  private:
   void OpenSteps(std::int16_t ai_Index, std::string& as_Step);
   void TakeReceivedData();
+  void ShowReceiveBuffer();
   void CutLines();
+  void HandLinesOn();
   void TakeError(int al_Code, std::string_view as_Error);
   void FailExchange(std::string_view as_Error);
+  void EmptyBuffers();
+  /// The error and the number of characters received and not yet handed on.
+  [[nodiscard]] std::string WithBufferSize(std::string_view as_Error) const;
 
   Form& form_;
   LinkState& link_;
@@ -62,7 +68,10 @@ class PortLink {
   ProgressBars& bars_;
   Trace& trace_;
   std::int16_t last_index_ = 0;
-  bool dispatching_ = false;
+  std::string lines_;          ///< whole lines cut off the receive buffer and being handed on
+  std::size_t next_line_ = 0;  ///< where the next of them begins
+  bool dispatching_ = false;   ///< lines are being handed on: data that comes meanwhile waits
+  bool overflowed_ = false;    ///< what comes up to the next line end belongs to a line that was too long
 };
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -10,21 +11,23 @@ namespace corvane {
 
 /// What was found when the last date of a raw file was read.
 struct LastDateResult {
-  DateTime last_date;    ///< none when the file holds no reading or is missing
-  std::string problems;  ///< "Line: n text" lines that could not be read as readings, empty when none
-  std::int64_t line = 0; ///< number of the line that gave the date, 0 when it is not known
+  DateTime last_date;     ///< none when the file holds no reading or is missing
+  std::string problems;   ///< "Line: n text" lines that could not be read as readings, empty when none
+  std::string line_text;  ///< the line that gave the date
 };
 
 /// Cuts an unterminated or NUL-filled tail off a raw file, so that the file ends with a whole line.
 ///
-/// Returns the bytes cut off, empty when the file is whole or missing. Throws `RunTimeError` when the file cannot be
-/// read or cut.
-std::string RepairTornTail(const std::string& as_File);
+/// Returns what was cut off (at most its first `kLongestTail` bytes), empty when the file is whole or missing. Throws
+/// `RunTimeError` when the file cannot be read or cut, and when so much text stands behind the last line end that it
+/// cannot be one torn line: such a file is none of ours and stays as it is.
+[[nodiscard]] std::string RepairTornTail(const std::string& as_File);
+inline constexpr std::size_t kLongestTail = 1024;
 
 /// Finds the date of the last reading stored in a raw file, from its end. Throws `RunTimeError` on a read error.
 ///
-/// A file below 1024 bytes is read from its start; `av_Poll` runs after each line (it may yield) and stops the reading
-/// by returning false.
+/// A file below 1024 bytes is read from its start. `av_Poll` runs after each line, in a larger file after each block; it
+/// may yield and stops the reading by returning false. An unterminated last line and lines with NUL are no readings.
 [[nodiscard]] LastDateResult ReadLastDate(const std::string& as_File, const std::function<bool()>& av_Poll);
 
 }  // namespace corvane

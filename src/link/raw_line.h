@@ -18,12 +18,14 @@ struct RawLine {
 };
 
 /// Splits `as_Line` into `av_Result`, whose memory is reused.
+///
+/// A line that holds a control character never has a good checksum: it is not what the unit sent.
 void SplitLine(std::string_view as_Line, RawLine& av_Result);
 /// The exclusive-or of all character codes as two upper-case hexadecimal digits (as in NMEA 0183 sentences).
 [[nodiscard]] std::string LineChecksum(std::string_view as_Text);
 /// The date of a reading, "year/month/day hour:minute" with fields of any width; none when it is not valid.
 ///
-/// Year from 2001, month 1 to 12, day 1 to 31 (a day beyond its month's end counts on), hour 0 to 23, minute 0 to 59.
+/// Year 2001 to 9999, month 1 to 12, day 1 to 31 (a day beyond its month's end counts on), hour 0 to 23, minute 0 to 59.
 [[nodiscard]] std::optional<DateTime> ParseReadingDate(std::string_view as_Text);
 
 }  // namespace corvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "form/form.h"
 #include "link/capture.h"
 #include "link/exchange.h"
@@ -20,9 +22,11 @@ class ReplyHandler {
   void HandleReply();
 
  private:
+  void TakeLine();
   void TakeErrorReply();
+  void TakeReply();
   void TakeAnswer();
-  void ShowDirect();
+  void ShowDirect(std::string as_Line);
 
   Form& form_;
   LinkState& link_;

@@ -45,9 +45,16 @@ class Schedule {
   std::function<void()> start_download;
 
  private:
-  [[nodiscard]] bool Due() const;
-  void ShowNextDownload();
+  /// The next download time; none when its label holds no date.
+  [[nodiscard]] std::optional<DateTime> NextDownload() const;
+  /// The next download time when it has passed and has not been started yet.
+  [[nodiscard]] std::optional<DateTime> DueTime() const;
+  void ShowNextDownload(std::int64_t al_Interval);
+  void ShowRemainingTime();
   void RecomputeAfterClockWasSetBack();
+  /// True while the schedule must keep its hands off: an operation runs or the program changes its own controls.
+  [[nodiscard]] bool Held() const;
+  [[nodiscard]] bool TicksEverySecond() const;
 
   Form& form_;
   RunFlags& flags_;
@@ -55,6 +62,7 @@ class Schedule {
   EventLoop& loop_;
   Trace& trace_;
   std::unique_ptr<Timer> timer_;
+  DateTime started_;  ///< the next download time that was started last and has not been recomputed since
 };
 
 }  // namespace corvane

@@ -9,6 +9,7 @@ namespace corvane::basestation {
 namespace {
 
 constexpr Seconds kDay = 86400;
+constexpr Seconds kHour = 3600;
 
 void AppendTwoDigits(std::string& out, std::int64_t number) {
   out += static_cast<char>('0' + number / 10);
@@ -24,7 +25,7 @@ std::optional<Seconds> TimeOf(int year, int month, int day, int hour, int minute
     return std::nullopt;
   }
   const std::int64_t days = std::chrono::sys_days{date}.time_since_epoch().count();
-  return days * kDay + hour * 3600 + minute * 60 + second;
+  return days * kDay + hour * kHour + minute * kMinute + second;
 }
 
 std::optional<Seconds> TimeOfDigits(std::string_view digits) {
@@ -66,15 +67,15 @@ void AppendTime(std::string& out, Seconds time) {
   out += '/';
   AppendNumber(out, unsigned{date.day()});
   out += ' ';
-  AppendTwoDigits(out, time % kDay / 3600);
+  AppendTwoDigits(out, time % kDay / kHour);
   out += ':';
-  AppendTwoDigits(out, time % 3600 / 60);
+  AppendTwoDigits(out, time % kHour / kMinute);
 }
 
 void AppendTimeWithSeconds(std::string& out, Seconds time) {
   AppendTime(out, time);
   out += ':';
-  AppendTwoDigits(out, time % 60);
+  AppendTwoDigits(out, time % kMinute);
 }
 
 }  // namespace corvane::basestation

@@ -111,18 +111,25 @@ std::string Spelled(const std::string& text) {
   return ParseNumber(text, 1, kHighestId) ? "1-" + text : text;
 }
 
-std::vector<Place> PlacesOf(const std::string& units, const std::string& relays) {
-  std::vector<int> relay_ids;
-  if (!relays.empty() && relays != "0") {
-    for (const std::string_view part : Split(Spelled(relays), ',')) {
-      const std::vector<int> ids = Ids(part);
-      relay_ids.insert(relay_ids.end(), ids.begin(), ids.end());
-    }
+std::vector<int> RelaysOf(const std::string& text) {
+  std::vector<int> ids;
+  if (text.empty() || text == "0") {
+    return ids;
   }
+  const std::string list = Spelled(text);
+  for (const std::string_view part : Split(list, ',')) {
+    const std::vector<int> more = Ids(part);
+    ids.insert(ids.end(), more.begin(), more.end());
+  }
+  return ids;
+}
+
+std::vector<Place> PlacesOf(const std::string& units, const std::vector<int>& relay_ids) {
+  const std::string list = Spelled(units);
   std::vector<Place> places;
   std::set<int> seen;
   std::size_t turn = 0;
-  for (const std::string_view part : Split(Spelled(units), ',')) {
+  for (const std::string_view part : Split(list, ',')) {
     const std::size_t at = part.find('@');
     const auto named = at == part.npos ? std::nullopt : ParseNumber(part.substr(at + 1), 0, kHighestId);
     if (at != part.npos && !named) {
@@ -160,7 +167,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
       throw UsageError(name + ": " + error.what());
     }
   }
-  raw.options.places = PlacesOf(raw.units, raw.relays);
+  raw.options.places = PlacesOf(raw.units, RelaysOf(raw.relays));
   const Options& options = raw.options;
   if (options.start + options.readings * options.interval * kMinute > *TimeOf(2099, 1, 1, 0, 0, 0)) {
     throw UsageError("so many readings at this interval end after the year 2098: choose fewer or an earlier start");

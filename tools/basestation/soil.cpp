@@ -13,9 +13,9 @@ constexpr int kBatteryChannel = 0;
 constexpr int kAmbientChannel = 1;
 constexpr int kFirstSensorChannel = 2;
 
-/// The share of the day's warmth at a time of day, from -1000 at three in the night to 1000 at three in the afternoon.
+/// The warmth of the time of day, from -1000 at three in the night to 1000 at three in the afternoon (second 54000).
 std::int64_t Warmth(Seconds date) {
-  const std::int64_t from_peak = std::llabs(date % 86400 - 15 * 3600);
+  const std::int64_t from_peak = std::llabs(date % 86400 - 54000);
   const std::int64_t distance = from_peak > 43200 ? 86400 - from_peak : from_peak;
   return 1000 - distance * 2000 / 43200;
 }

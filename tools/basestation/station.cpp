@@ -142,7 +142,7 @@ std::string Station::Load(const std::string& path) {
     const auto unit = id ? units_.find(static_cast<int>(*id)) : units_.end();
     if (!id || colon == line.npos ||
         (unit != units_.end() && !unit->second.Restore(std::string_view(line).substr(colon + 1)))) {
-      return path + " holds a line that is no unit's state: " + line;
+      return std::string(path).append(" holds a line that is no unit's state: ").append(line);
     }
   }
   return {};

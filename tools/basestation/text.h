@@ -17,10 +17,10 @@ namespace corvane::basestation {
 /// The whole text as a number with a fraction, nothing when it is none.
 [[nodiscard]] std::optional<double> ParseFraction(std::string_view text);
 
-/// The text cut at every separator, empty parts included, blanks around the parts dropped.
+/// The text cut at every separator, empty parts included, blanks around the parts dropped; the parts point into it.
 [[nodiscard]] std::vector<std::string_view> Split(std::string_view text, char separator);
 
-/// The words of a text, cut at blanks and tabs.
+/// The words of a text, cut at blanks and tabs; they point into it.
 [[nodiscard]] std::vector<std::string_view> Words(std::string_view text);
 
 /// The text without blanks, tabs and carriage returns at its ends.

@@ -1,0 +1,140 @@
+#include "link/exchange.h"
+
+#include <array>
+#include <cmath>
+
+#include "base/format.h"
+#include "base/numbers.h"
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::array<CommandInfo, kLastState + 1> kCommands = {{
+    {"", "", 1},
+    {"rr", "Download", -1},
+    {"WT", "Set date", 1},
+    {"rt", "Get date", 1},
+    {"WI", "Set log period", 1},
+    {"SM", "Set Mode", 1},
+    {"SD", "Set Delays", 1},
+    {"rm", "Read Memory", 1},
+    {"", "Test Base Station", 1},
+    {"", "", 1},
+    {"", "", 1},
+}};
+constexpr std::string_view kAllData = "0001010000";
+constexpr int kAddressDigits = 5;
+constexpr std::int64_t kSlowSendMilliseconds = 10;
+constexpr std::string_view kCarriageReturn = "\r";
+
+bool IsState(std::int16_t ai_Command) { return ai_Command >= kIdle && ai_Command <= kLastState; }
+
+}  // namespace
+
+const CommandInfo& CommandOf(std::int16_t ai_Command) {
+  return IsState(ai_Command) ? kCommands[static_cast<std::size_t>(ai_Command)] : kCommands.back();
+}
+
+std::int16_t PortIndexForUnit(std::int32_t al_GetFrom) {
+  if (al_GetFrom == kFromRadio) return 0;
+  return al_GetFrom == kFromHandHeld ? 1 : kNoPort;
+}
+
+std::string BuildCommandLine(const Registry& av_Registry, const Unit& av_Unit, std::int16_t ai_Command,
+                             std::string_view as_Parameters) {
+  if (ai_Command == kTestBaseStation) return {};
+  // Intended: the style goes with the unit's own address, whatever relay it is reached through.
+  const Relay* relay = av_Registry.FindRelay(av_Unit.ID);
+  const int style = relay == nullptr ? 0 : relay->PasswordStyle + 1;
+  std::string line = ZeroPadded(av_Unit.RelayID, kAddressDigits) + ":" + ZeroPadded(av_Unit.ID, kAddressDigits) + ":" +
+                     HexText(static_cast<std::uint64_t>(style), 2);
+  line += CommandOf(ai_Command).code;
+  line += ' ';
+  line += as_Parameters;
+  return line;
+}
+
+std::string DownloadParameters(DateTime av_LastDate) {
+  return av_LastDate.IsNone() ? std::string(kAllData) : FormatDate(av_LastDate, "yymmddHHNN");
+}
+
+std::string LogPeriodParameters(std::string_view as_LogPeriod) {
+  double minutes = 0;
+  if (const auto time = ParseTimeOfDay(as_LogPeriod)) {
+    minutes = static_cast<double>(*time) / 60;
+  } else {
+    minutes = ParseNumber(as_LogPeriod).value_or(0);
+  }
+  if (!std::isfinite(minutes)) minutes = 0;
+  // Intended: the unit takes two digits, so 256 minutes and more wrap.
+  return HexText(static_cast<std::uint64_t>(std::llround(std::fmod(std::round(minutes), 256))), 2);
+}
+
+Exchange::Exchange(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop,
+                   LinkWriter& av_Writer, ReplyTimer& av_Timer, Pauser& av_Pauser, Trace& av_Trace)
+    : form_(av_Form),
+      link_(av_Link),
+      flags_(av_Flags),
+      loop_(av_Loop),
+      writer_(av_Writer),
+      timer_(av_Timer),
+      pauser_(av_Pauser),
+      trace_(av_Trace) {}
+
+void Exchange::SendCommand(std::string_view as_Line) {
+  link_.CurrentCommand = as_Line;
+  form_.Lbl_Send.SetText(as_Line);
+  form_.Lbl_Send.Repaint();
+  link_.DataPhase = false;
+  link_.Aborted = false;
+  link_.LastLineTime = loop_.MonotonicMilliseconds();
+  const std::string line(as_Line);
+  if (form_.Chk_PauseOnSend.ticked()) {
+    SendSlowly(line);
+  } else {
+    writer_.Write(line + std::string(kCarriageReturn));
+  }
+  trace_.TraceSend("S>" + line);
+  timer_.RestartReplyTimer();
+}
+
+void Exchange::SendSlowly(const std::string& as_Line) {
+  for (const char c : as_Line) {
+    writer_.Write(std::string_view(&c, 1));
+    pauser_.Pause(kSlowSendMilliseconds);
+    // The escape of a cancel has gone out already: the rest would reach the unit as a command of its own.
+    if (Ended()) return;
+  }
+  writer_.Write(kCarriageReturn);
+}
+
+bool Exchange::Ended() const {
+  return link_.UserCancel || link_.HalvexError || link_.Timeout || flags_.closing;
+}
+
+void Exchange::SetState(std::int16_t ai_Command) {
+  if (!IsState(ai_Command)) {
+    trace_.AErrorReport("SetState: there is no command " + std::to_string(ai_Command));
+    return;
+  }
+  link_.State = ai_Command;
+  link_.Aborted = false;
+  link_.LineCount = 0;
+  link_.LinesExpected = CommandOf(ai_Command).lines_expected;
+  trace_.TraceDecision("SetState");
+}
+
+void Exchange::WaitForChangeOfState() {
+  const std::int16_t awaited = link_.State;
+  if (awaited == kIdle) return;
+  while (!Ended() && link_.State == awaited) loop_.Yield();
+}
+
+void Exchange::SetStateFinished() {
+  timer_.Stop();
+  link_.State = kIdle;
+  trace_.TraceDecision("SetStateFinished");
+}
+
+}  // namespace corvane

@@ -1,0 +1,39 @@
+#include "link/pause.h"
+
+#include "base/numbers.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kTracedAbove = 100;
+constexpr std::int64_t kShownAbove = 1000;
+
+}  // namespace
+
+Pauser::Pauser(const LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, Trace& av_Trace)
+    : link_(av_Link),
+      flags_(av_Flags),
+      loop_(av_Loop),
+      trace_(av_Trace),
+      timer_(av_Loop.MakeTimer([this] { PauseTick(); })) {}
+
+void Pauser::Pause(std::int64_t al_Milliseconds) {
+  if (al_Milliseconds <= 0) return;
+  if (al_Milliseconds > kShownAbove) {
+    trace_.Status("pause " + ShortestText(static_cast<double>(al_Milliseconds) / 1000) + " secs...");
+  }
+  const bool traced = al_Milliseconds > kTracedAbove;
+  if (traced) trace_.TraceDecision("PAUSE START: " + std::to_string(al_Milliseconds));
+  timer_->Start(al_Milliseconds);
+  pausing_ = true;
+  while (pausing_ && !link_.UserCancel && !flags_.closing) loop_.Yield();
+  PauseTick();
+  if (traced) trace_.TraceDecision("PAUSE END");
+}
+
+void Pauser::PauseTick() {
+  pausing_ = false;
+  timer_->Stop();
+}
+
+}  // namespace corvane
