@@ -17,6 +17,7 @@
 #include "link/schedule.h"
 #include "link/sessions.h"
 #include "registry/client_editor.h"
+#include "registry/client_folders.h"
 #include "registry/relay_editor.h"
 #include "registry/unit_editor.h"
 #include "transfer/flows.h"

@@ -39,7 +39,7 @@ Status MakeFolder(const std::string& path);
 Status RemoveFile(const std::string& path);
 /// Reads a whole file of at most `limit` bytes; a longer one fails.
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit);
-/// Writes `contents` to a temporary file beside `path`, syncs it, renames it over `path` and syncs the folder.
+/// Writes `contents` to a `ReplacementFile` and puts it in place: temporary file, sync, rename, sync of the folder.
 ///
 /// `mode` is the permission of the file. After a failure the old file is whole and the temporary one is gone.
 Status WriteFileAtomically(const std::string& path, std::string_view contents, unsigned mode = 0644);
@@ -72,12 +72,12 @@ class OutputFile {
   std::string path_;
 };
 
-/// A file that appears under its name only when it is whole: written under a temporary name, renamed by `Commit`.
+/// A file that appears under its name only when it is whole: written as "<name>.part", renamed by `Commit`.
 ///
 /// Buffered. Destroyed without `Commit`, it leaves nothing behind and the old file as it was.
 class ReplacementFile {
  public:
-  explicit ReplacementFile(std::string path);
+  explicit ReplacementFile(std::string path, unsigned mode = 0644);
   ~ReplacementFile();
   ReplacementFile(const ReplacementFile&) = delete;
   ReplacementFile& operator=(const ReplacementFile&) = delete;
@@ -95,6 +95,7 @@ class ReplacementFile {
 
   std::string path_;
   std::string temporary_;
+  unsigned mode_;
   std::string buffer_;
   OutputFile file_;
 };
@@ -125,6 +126,9 @@ class LineReader {
 
  private:
   bool Fill();
+  /// The next line feed, nullptr when the line is too long or the file ends; `length` is the line's so far.
+  const char* FindLineEnd(std::size_t& length);
+  void Consume(std::size_t length);
 
   int descriptor_ = -1;
   std::string path_;
@@ -134,6 +138,7 @@ class LineReader {
   std::int64_t position_ = 0;
   bool terminated_ = false;
   bool at_end_ = false;
+  bool cut_ = false;  ///< the rest of a line that was too long is still to be dropped
   Status status_;
 };
 

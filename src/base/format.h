@@ -30,6 +30,7 @@ class DatePattern {
     int width;            ///< letters in the pattern
     std::string literal;  ///< for Literal
   };
+  void ResolveMinutes();
   void AppendPiece(std::string& out, const Piece& piece, const CivilTime& civil) const;
 
   std::vector<Piece> pieces_;

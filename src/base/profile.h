@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -46,12 +47,14 @@ class ProfileFile {
     std::vector<Line> lines;
     std::unordered_map<std::string, std::size_t> keys;  ///< lower-case key to its line
   };
+  Section& AddSection(std::string_view name, std::string_view heading);
   void ParseLine(std::string_view text);
   Section* FindSection(std::string_view name);
   const Section* FindSection(std::string_view name) const;
 
   std::vector<Section> sections_;
   std::unordered_map<std::string, std::size_t> section_index_;
+  std::string start_;  ///< a byte-order mark the file begins with
   std::string line_end_ = "\n";
   bool has_broken_lines_ = false;
 };

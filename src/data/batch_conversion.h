@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "app/run_flags.h"
 #include "data/calibrated_converter.h"
@@ -31,8 +34,8 @@ class BatchConversion {
   [[nodiscard]] bool InitialiseLookups();
   /// Converts the files selected in the local file list, or the focused one.
   void ConvertSelectedFiles();
-  /// Converts the raw files of the active units of a range (all, or the selected one), of a connection type (-1 any)
-  /// and of a client (-1 any).
+  /// Converts the raw files of all active units, or of the selected unit whether active or not; of a connection type
+  /// (-1 any) and of a client (-1 any).
   void ConvertAllUnits(bool ab_All, std::int32_t al_GetFrom, std::int32_t al_Client);
   /// Sets both counters to zero: a conversion command begins.
   void ResetCounters();
@@ -40,10 +43,19 @@ class BatchConversion {
   void ShowConvertSummary(std::string_view as_FileText, std::int64_t al_StartMilliseconds);
 
  private:
+  struct DataFile {
+    std::string Full;
+    std::string Short;
+  };
+  using UnitsByRawFile = std::unordered_map<std::string, std::int32_t>;
+
+  [[nodiscard]] UnitsByRawFile MapUnits() const;
+  void ConvertOneFile(const DataFile& av_File, const UnitsByRawFile& av_Units);
   /// Selects the unit whose raw file has that bare name; without one says so and returns false.
-  [[nodiscard]] bool FindUnitForRawFile(const std::string& as_FileName);
-  void ConvertOneFile(const std::string& as_FullFile, const std::string& as_ShortFile);
-  [[nodiscard]] bool InRun(const Unit& av_Unit, std::int32_t al_GetFrom, std::int32_t al_Client) const;
+  [[nodiscard]] bool FindUnitForRawFile(const std::string& as_FileName, const UnitsByRawFile& av_Units);
+  /// Converts the files of the `al_Count` units that are in the run, then selects `al_Selected` again.
+  void ConvertUnits(const std::function<bool(std::int64_t)>& av_InRun, std::int64_t al_Count, std::int64_t al_Selected);
+  [[nodiscard]] bool Cancelled() const;
 
   Form& form_;
   RunFlags& flags_;

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "app/run_flags.h"
+#include "data/calibration.h"
+#include "data/logging_schedule.h"
 #include "data/lookup.h"
 #include "form/form.h"
 #include "link/link_state.h"
@@ -14,7 +19,8 @@
 
 namespace corvane {
 
-/// Turns a unit's raw file into its calibrated file. Formats: docs/formats/raw-file.md, docs/formats/calibrated-file.md.
+/// Turns a unit's raw file into its calibrated file. Formats: docs/formats/raw-file.md,
+/// docs/formats/calibrated-file.md.
 class CalibratedConverter {
  public:
   CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const LinkState& av_Link, const DownloadState& av_Download,
@@ -29,6 +35,18 @@ class CalibratedConverter {
   bool ConvertToCalibrated(const std::string& as_RawFile);
 
  private:
+  struct Run;
+  [[nodiscard]] bool ConvertFile(const std::string& as_RawFile, std::int64_t al_RawSize);
+  [[nodiscard]] CalibrationSettings ReadSettings() const;
+  /// None when every reading is wanted.
+  [[nodiscard]] std::optional<LoggingSchedule> ReadSchedule() const;
+  void TakeLine(Run& av_Run, std::string_view as_Line);
+  void TakeHeader(Run& av_Run);
+  void TakeReading(Run& av_Run, std::string_view as_Line);
+  /// Handles events about every 20 ms; false when the conversion was cancelled or the program closes.
+  [[nodiscard]] bool GoOn(Run& av_Run);
+  void TraceFinish(bool ab_Opened);
+
   Form& form_;
   RunFlags& flags_;
   const LinkState& link_;

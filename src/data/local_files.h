@@ -48,6 +48,7 @@ class LocalFiles {
 
  private:
   void OpenInEditor(const std::string& as_File);
+  void TakePath(const std::string& as_Path, TextField& av_Field);
 
   Form& form_;
   const RunFlags& flags_;

@@ -11,12 +11,12 @@ namespace corvane {
 /// Which readings stand at a logging time: a start time of day plus whole intervals. Whole seconds, no drift.
 class LoggingSchedule {
  public:
-  /// The interval of a text in seconds: hours:minutes, or a number of hours. None when it is not above zero or no interval.
+  /// The interval of a text in seconds: hours:minutes, or a number of hours. None when it is not above zero or no
+  /// interval.
   [[nodiscard]] static std::optional<std::int64_t> Interval(std::string_view as_Text);
 
   /// `al_StartAt` seconds after midnight, `al_Interval` seconds above zero.
-  LoggingSchedule(std::int64_t al_StartAt, std::int64_t al_Interval)
-      : start_at_(al_StartAt), interval_(al_Interval) {}
+  LoggingSchedule(std::int64_t al_StartAt, std::int64_t al_Interval) : start_at_(al_StartAt), interval_(al_Interval) {}
   /// Sets the first logging time at or after `av_First`.
   void SetUp(DateTime av_First);
   /// True when a reading of `av_When` is at or after the next logging time, which then moves one interval on.

@@ -27,7 +27,7 @@ class ClientEditor : public RecordEditor {
   void AppendNew() override;
   void RemoveAt(std::int64_t al_Index) override;
   void Swap(std::int64_t al_First, std::int64_t al_Second) override;
-  void AfterCountChanged() override { FillClientSelector(); }
+  void AfterListChanged() override { FillClientSelector(); }
 };
 
 }  // namespace corvane

@@ -32,17 +32,22 @@ class RecordEditor {
   RecordEditor(const RecordEditor&) = delete;
   RecordEditor& operator=(const RecordEditor&) = delete;
 
-  /// Copies the record at the list's current row into the editor and remembers its position.
+  /// Most entries of a list: their number is stored in 16 bits.
+  static constexpr std::int64_t kMostRecords = 32767;
+
+  /// Copies the record at the list's current row into the editor and remembers its position; without one, empties it.
   void ShowRecord();
   /// Copies the editor back into the record it shows; nothing happens when it shows none.
   void StoreRecord();
   /// Fills the list from the array, nothing selected, the editor showing no record.
   void FillList();
-  /// Makes entry `al_Index` (from 1) current and shows it, with change handlers suppressed. Outside the list: none.
+  /// Stores the editor, then makes entry `al_Index` (from 1) current and shows it, with change handlers suppressed.
+  ///
+  /// Outside the list nothing is selected and the editor is empty.
   void Select(std::int64_t al_Index);
   /// The position in the array of the list's current entry, from 1; 0 when none is selected.
   [[nodiscard]] std::int64_t Selected() const { return list_.current() + 1; }
-  /// Runs a New, Delete or Move command. **Yields** when it has a message.
+  /// Runs a New, Delete or Move command; nothing while an operation runs. **Yields** when it has a message.
   void RunCommand(std::int16_t ai_Command);
 
   /// Refreshes the local file list after another record was selected; set by the composition root.
@@ -62,8 +67,10 @@ class RecordEditor {
   virtual void RemoveAt(std::int64_t al_Index) = 0;
   virtual void Swap(std::int64_t al_First, std::int64_t al_Second) = 0;
   [[nodiscard]] virtual bool MayDelete() const { return true; }
-  /// Runs after New and Delete.
-  virtual void AfterCountChanged() {}
+  /// Runs after New, Delete and a move.
+  virtual void AfterListChanged() {}
+  /// The position in the array of the record in the editor, from 1; 0 when it shows none.
+  [[nodiscard]] std::int64_t Shown() const { return shown_ + 1; }
 
   Form& form_;
   Registry& registry_;
@@ -76,7 +83,9 @@ class RecordEditor {
  private:
   void OnSelect();
   void OnNameChange();
-  void Delete(std::int64_t al_Position);
+  [[nodiscard]] bool MayRun(std::int16_t ai_Command);
+  void New();
+  void Delete();
   void Move(std::int64_t al_Record, std::int64_t al_Neighbour);
   void RewriteRow(std::int64_t al_Index);
 

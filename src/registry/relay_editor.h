@@ -28,7 +28,7 @@ class RelayEditor : public RecordEditor {
   void RemoveAt(std::int64_t al_Index) override;
   void Swap(std::int64_t al_First, std::int64_t al_Second) override;
   [[nodiscard]] bool MayDelete() const override { return Count() > 1; }
-  void AfterCountChanged() override { FillRelaySelector(); }
+  void AfterListChanged() override { FillRelaySelector(); }
 };
 
 }  // namespace corvane

@@ -1,0 +1,401 @@
+#include "app/settings.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "base/numbers.h"
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kMostShownProblems = 5;
+constexpr std::int64_t kMostLoggedProblems = 100;
+constexpr std::int16_t kReportSeconds = 30;
+constexpr std::size_t kLongestFolder = 110;  // characters, so that a file name in it fits into a field
+constexpr int kLastPort = 50;
+
+template <class Number>
+std::optional<Number> Convert(std::string_view text) {
+  using Limits = std::numeric_limits<Number>;
+  if constexpr (std::is_integral_v<Number>) {
+    const std::optional<std::int64_t> number = ParseInteger(text, Limits::min(), Limits::max());
+    return number ? std::optional<Number>(static_cast<Number>(*number)) : std::nullopt;
+  } else {
+    const std::optional<double> number = ParseNumber(text);
+    const bool fits = number && *number >= Limits::lowest() && *number <= Limits::max();
+    return fits ? std::optional<Number>(static_cast<Number>(*number)) : std::nullopt;
+  }
+}
+
+std::string TextOf(const TextField& field) {
+  return field.text();
+}
+std::string TextOf(const Label& label) {
+  return label.text();
+}
+std::string TextOf(const CheckBox& box) {
+  return box.ticked() ? "1" : "0";
+}
+std::string TextOf(const OptionGroup& group) {
+  return std::to_string(group.GetOptionIndex());
+}
+std::string TextOf(const Selector& selector) {
+  return selector.editable() ? selector.shown_text() : std::to_string(selector.SelectedItemData());
+}
+
+std::string TextOf(const std::string& text) {
+  return text;
+}
+std::string TextOf(std::int32_t number) {
+  return std::to_string(number);
+}
+std::string TextOf(float number) {
+  return ShortestText(number);
+}
+
+std::string Zero(std::int32_t /*index*/) {
+  return "0";
+}
+std::string One(std::int32_t /*index*/) {
+  return "1";
+}
+std::string Nothing(std::int32_t /*index*/) {
+  return {};
+}
+std::string Index(std::int32_t index) {
+  return std::to_string(index);
+}
+
+/// True for a drive or share of another system, which means nothing here.
+bool IsForeignPath(std::string_view path) {
+  const bool has_drive = path.find(':') != std::string_view::npos && !path.starts_with('/');
+  return has_drive || path.starts_with("\\\\");
+}
+
+}  // namespace
+
+// Both tables stand in the order in which the keys are written.
+std::vector<Settings::Setting> Settings::FileListSettings(Form& av_Form, const AppInfo& av_App) {
+  return {
+      {"Folder", &av_Form.Txt_Folder, av_App.Folder(), Meaning::Path},
+      {"WhichFile", &av_Form.Opt_WhichFile, "1"},
+      {"SortFile", &av_Form.Opt_SortFile, "0"},
+      {"SortDirection", &av_Form.Opt_Direction, "0"},
+  };
+}
+
+std::vector<Settings::Setting> Settings::OtherSettings(Form& av_Form, const AppInfo& av_App) {
+  return {
+      {"Port", &av_Form.Cmb_Port[0], "1"},
+      // Intended: existing files spell this key "PortHandheld" as well; keys match without regard to letter case.
+      {"PortHandHeld", &av_Form.Cmb_Port[1], "1"},
+      {"Settings", &av_Form.Txt_Settings, "9600,N,8,1"},
+      {"ShowReply", &av_Form.Chk_ShowReply, "1"},
+      {"MoistureLookupFile", &av_Form.Txt_File[0], av_App.AppPath("moisture.lkp"), Meaning::Path},
+      // Intended: existing settings files keep the salinity table under this key.
+      {"TemperatureLookupFile", &av_Form.Txt_File[1], av_App.AppPath("salinity.lkp"), Meaning::Path},
+      {"SalinityCorrection", &av_Form.Txt_File[2], av_App.AppPath("salcorr.lkp"), Meaning::Path},
+      {"UseLookup", &av_Form.Chk_UseLookup, "1"},
+      {"Kelvin", &av_Form.Chk_Kelvin, "1"},
+      {"ShowCorrectionFactors", &av_Form.Chk_ShowCorrectionFactors, "0"},
+      {"Language", &av_Form.Txt_File[3], av_App.AppPath("hveng.lng"), Meaning::Path},
+      {"Prefix", &av_Form.Txt_Prefix, ""},
+      {"RawFileExtension", &av_Form.Txt_RawFileExtension, "epd"},
+      {"CalibratedFileExtension", &av_Form.Txt_CalibratedFileExtension, "txt"},
+      {"DateFormat", &av_Form.Txt_DateFormat, "d mmm yyyy HH:MM"},
+      {"Password", &av_Form.txt_Password, ""},
+      {"WhichReadings", &av_Form.Opt_WhichReadings, "0"},
+      {"StartAt", &av_Form.Txt_StartAt, "06:00"},
+      {"Interval", &av_Form.Txt_Interval, "01:00"},
+      {"Average", &av_Form.Opt_Average, "0"},
+      {"Timeout", &av_Form.Txt_Timeout[0], "45", Meaning::Number},
+      {"DataTimeout", &av_Form.Txt_Timeout[1], "10", Meaning::Number},
+      {"UnitWait", &av_Form.Txt_Timeout[2], "1", Meaning::Number},
+      {"MaxRetries", &av_Form.Txt_MaxRetries, "10", Meaning::Number},
+      {"MaxOveruns", &av_Form.Txt_MaxOveruns, "10", Meaning::Number},
+      {"Uncorrected", &av_Form.Chk_Uncorrected, "1"},
+      {"ShowTrace", &av_Form.Chk_ShowTrace, "0"},
+      {"LogPeriod", &av_Form.Cmb_LogPeriod, "03:00"},
+      {"LastDownload", &av_Form.Lbl_LastDownload, ""},
+      {"NextDownload", &av_Form.Lbl_NextDownload, ""},
+      {"Automatic", &av_Form.Chk_Automatic, "0"},
+      {"AutomaticInterval", &av_Form.Txt_AutomaticInterval, "03:00"},
+      {"HeartBeat", &av_Form.Opt_HeartBeat, "0"},
+      {"FTPServer", &av_Form.Txt_FTPServer, ""},
+      {"FTPFolder", &av_Form.Txt_FTPFolder, ""},
+      {"FTPUserName", &av_Form.Txt_FTPUserName, ""},
+      {"FTPPassword", &av_Form.Txt_FTPPassword, ""},
+      {"ZIPFiles", &av_Form.Chk_ZIPFiles, "0"},
+      {"Anonymous", &av_Form.Chk_Anonymous, "0"},
+      {"FtpLogFilesSent", &av_Form.Chk_FTPTrace[0], "0"},
+      {"ManualFTP", &av_Form.Chk_ManualFTP, "0"},
+      {"WebFileType", &av_Form.Opt_WebFileType, "0"},
+      // Intended: the web-data fields are hidden and start from their built-in values; their keys are only written.
+      {"OstrelHost", &av_Form.Txt_OstrelHost, "", Meaning::SavedOnly},
+      {"OstrelPort", &av_Form.Txt_OstrelPort, "", Meaning::SavedOnly},
+      {"PHPWebServer", &av_Form.Chk_PHPWebServer, "", Meaning::SavedOnly},
+      {"Backup", &av_Form.Chk_Backup, "0"},
+      {"BackupDestination", &av_Form.Lbl_BackupDestination, "", Meaning::Path},
+  };
+}
+
+const Settings::RecordSection<Unit>& Settings::UnitSection() {
+  static const RecordSection<Unit> section = {
+      "Units",
+      "NumUnits",
+      "5",
+      std::numeric_limits<std::int16_t>::min(),
+      {
+          {"Name", &Unit::Name, [](std::int32_t index) { return "Site " + Index(index); }},
+          {"ID", &Unit::ID, Index},
+          {"Active", &Unit::Active, One},
+          {"RelayID", &Unit::RelayID, Zero},
+          {"ftpFile", &Unit::ftpFile, Zero},
+          {"ClientID", &Unit::ClientID, Zero},
+          {"GetFrom", &Unit::GetFrom, Zero},
+          {"MoistureCorrection", &Unit::MoistureCorrection, Zero},
+          {"SalinityCorrection", &Unit::SalinityCorrection, Zero},
+      }};
+  return section;
+}
+
+const Settings::RecordSection<Relay>& Settings::RelaySection() {
+  static const RecordSection<Relay> section = {
+      "Relays",
+      "NumRelays",
+      "2",
+      1,
+      {
+          {"Name", &Relay::Name, [](std::int32_t index) { return "Relay " + Index(index); }},
+          {"ID", &Relay::ID, [](std::int32_t index) { return Index(index - 1); }},
+          {"PasswordStyle", &Relay::PasswordStyle, Zero},
+      }};
+  return section;
+}
+
+const Settings::RecordSection<Client>& Settings::ClientSection() {
+  static const RecordSection<Client> section = {
+      "Clients",
+      "NumClients",
+      "2",
+      1,
+      {
+          {"Name", &Client::Name, [](std::int32_t index) { return "Client " + Index(index); }},
+          {"ID", &Client::ID, Index},
+          {"Folder", &Client::Folder, [](std::int32_t index) { return "F" + Index(index); }},
+          {"Password", &Client::Password, Nothing},
+          {"UserID", &Client::UserID, Nothing},
+      }};
+  return section;
+}
+
+Settings::Settings(const Parts& av_Parts)
+    : form_(av_Parts.form),
+      registry_(av_Parts.registry),
+      app_(av_Parts.app),
+      ports_(av_Parts.ports),
+      store_(av_Parts.store),
+      units_(av_Parts.units),
+      relays_(av_Parts.relays),
+      clients_(av_Parts.clients),
+      messages_(av_Parts.messages),
+      trace_(av_Parts.trace),
+      file_list_settings_(FileListSettings(form_, app_)),
+      other_settings_(OtherSettings(form_, app_)) {}
+
+void Settings::LoadSettings() {
+  report_.clear();
+  problem_count_ = 0;
+  const Status read = store_.Load();
+  if (!read.ok()) Report(read.text());
+  LoadGeneral(file_list_settings_);
+  {
+    const SuppressEvents::Guard guard(form_.Suppress);
+    LoadRecords(UnitSection(), registry_.Units);
+    units_.FillList();
+    LoadRecords(RelaySection(), registry_.Relays);
+    registry_.Relays[1].Name = "Direct";
+    registry_.Relays[1].ID = 0;
+    relays_.FillList();
+    LoadRecords(ClientSection(), registry_.Clients);
+    clients_.FillList();
+    LoadGeneral(other_settings_);
+    form_.Frame_OstrelWebData.SetVisible(false);
+    LoadPorts();
+    app_.SetPreviousVersion(store_.GetGeneral("Version", ""));
+    // Intended: asked as a settled step of loading; no decision depends on the answer.
+    (void)app_.IsNewerVersion();
+  }
+  ShowReport();
+}
+
+bool Settings::SaveSettings() {
+  units_.StoreRecord();
+  relays_.StoreRecord();
+  clients_.StoreRecord();
+  SaveGeneral(file_list_settings_);
+  SaveRecords(UnitSection(), registry_.Units);
+  SaveRecords(RelaySection(), registry_.Relays);
+  SaveRecords(ClientSection(), registry_.Clients);
+  SaveGeneral(other_settings_);
+  store_.SaveSetting("General", "Version", AppInfo::VersionText());
+  return store_.Commit();
+}
+
+void Settings::LoadGeneral(const std::vector<Setting>& av_Settings) {
+  for (const Setting& setting : av_Settings) {
+    if (setting.meaning == Meaning::SavedOnly) continue;
+    const std::string value = store_.GetGeneral(setting.key, setting.fallback);
+    std::visit([&](auto* control) { LoadValue(*control, setting, value); }, setting.control);
+  }
+}
+
+void Settings::LoadValue(TextField& av_Field, const Setting& av_Setting, const std::string& as_Value) {
+  if (av_Setting.meaning == Meaning::Number && !ParseNumber(as_Value)) {
+    Report("General", av_Setting.key, as_Value, "is not a number; " + av_Setting.fallback + " is used");
+    av_Field.SetText(av_Setting.fallback);
+    return;
+  }
+  CheckPath(av_Setting, as_Value);
+  av_Field.SetText(as_Value);
+}
+
+void Settings::LoadValue(Label& av_Label, const Setting& av_Setting, const std::string& as_Value) {
+  CheckPath(av_Setting, as_Value);
+  av_Label.SetText(as_Value);
+}
+
+void Settings::LoadValue(CheckBox& av_Box, const Setting& av_Setting, const std::string& as_Value) {
+  const std::optional<double> number = ParseNumber(as_Value);
+  if (!number && !as_Value.empty()) Report("General", av_Setting.key, as_Value, "is neither 0 nor 1; 0 is used");
+  av_Box.SetTicked(number.value_or(0) != 0);
+}
+
+void Settings::LoadValue(OptionGroup& av_Group, const Setting& av_Setting, const std::string& /*as_Value*/) {
+  av_Group.SetOptionIndex(LoadNumber<std::int32_t>("General", std::string(av_Setting.key), av_Setting.fallback));
+}
+
+void Settings::LoadValue(Selector& av_Selector, const Setting& av_Setting, const std::string& as_Value) {
+  if (av_Selector.editable()) {
+    av_Selector.SetShownText(as_Value);
+  } else {
+    av_Selector.SelectByItemData(LoadNumber<std::int32_t>("General", std::string(av_Setting.key), av_Setting.fallback));
+  }
+}
+
+void Settings::SaveGeneral(const std::vector<Setting>& av_Settings) {
+  for (const Setting& setting : av_Settings) {
+    const std::string value = std::visit([](const auto* control) { return TextOf(*control); }, setting.control);
+    store_.SaveSetting("General", setting.key, value);
+  }
+}
+
+template <class Record>
+void Settings::LoadRecords(const RecordSection<Record>& av_Section, RecordArray<Record>& av_Records) {
+  const auto stored = LoadNumber<std::int16_t>(av_Section.name, std::string(av_Section.count_key),
+                                               std::string(av_Section.count_fallback));
+  const std::int32_t count = std::max<std::int32_t>({stored, av_Section.fewest, 0});
+  av_Records = {};
+  av_Records.Resize(count);
+  for (std::int32_t index = 1; index <= count; ++index) {
+    Record& record = av_Records[index];
+    for (const RecordField<Record>& field : av_Section.fields) {
+      const std::string key = std::string(field.key) + Index(index);
+      std::visit([&](auto member) { LoadMember(av_Section.name, key, field.fallback(index), record.*member); },
+                 field.member);
+    }
+  }
+}
+
+template <class Record>
+void Settings::SaveRecords(const RecordSection<Record>& av_Section, const RecordArray<Record>& av_Records) {
+  store_.SaveSetting(av_Section.name, av_Section.count_key, std::to_string(av_Records.count()));
+  for (std::int32_t index = 1; index <= av_Records.count(); ++index) {
+    const Record& record = av_Records[index];
+    for (const RecordField<Record>& field : av_Section.fields) {
+      const std::string value = std::visit([&](auto member) { return TextOf(record.*member); }, field.member);
+      store_.SaveSetting(av_Section.name, std::string(field.key) + Index(index), value);
+    }
+  }
+}
+
+void Settings::LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                          std::string& as_Member) {
+  as_Member = store_.GetSetting(as_Section, as_Key, as_Default);
+}
+
+template <class Number>
+void Settings::LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                          Number& av_Member) {
+  av_Member = LoadNumber<Number>(as_Section, as_Key, as_Default);
+}
+
+template <class Number>
+Number Settings::LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default) {
+  const std::string value = store_.GetSetting(as_Section, as_Key, as_Default);
+  const std::optional<Number> number = Convert<Number>(value);
+  if (number) return *number;
+  constexpr std::string_view kKind =
+      std::is_integral_v<Number> ? "is not a whole number in range; " : "is not a number; ";
+  Report(as_Section, as_Key, value, std::string(kKind) + as_Default + " is used");
+  return Convert<Number>(as_Default).value_or(Number{});
+}
+
+void Settings::LoadPorts() {
+  constexpr std::string_view kPortName = "COM";
+  for (const std::string& key : store_.Keys("Ports")) {
+    const std::string device = store_.GetSetting("Ports", key, "");
+    const std::optional<std::int64_t> number =
+        StartsWithNoCase(key, kPortName) ? ParseInteger(std::string_view(key).substr(kPortName.size()), 1, kLastPort)
+                                         : std::nullopt;
+    if (number && (device.empty() || device.starts_with('/'))) {
+      ports_.Assign(static_cast<int>(*number), device);
+    } else {
+      Report("Ports", key, device,
+             "is not used; write a port and the full name of its device, "
+             "such as COM3=/dev/ttyUSB0");
+    }
+  }
+}
+
+void Settings::CheckPath(const Setting& av_Setting, const std::string& as_Value) {
+  if (av_Setting.meaning != Meaning::Path || !IsForeignPath(as_Value)) return;
+  Report("General", av_Setting.key, as_Value,
+         "is not a path of this computer; choose one that begins with \"/\", or a name in the application folder");
+}
+
+void Settings::Report(std::string_view as_Section, std::string_view as_Key, std::string_view as_Value,
+                      std::string_view as_Problem) {
+  std::string problem = "[" + std::string(as_Section) + "] " + std::string(as_Key) + "=";
+  problem += as_Value;
+  problem += ' ';
+  problem += as_Problem;
+  Report(std::move(problem));
+}
+
+void Settings::Report(std::string as_Problem) {
+  ++problem_count_;
+  if (problem_count_ <= kMostLoggedProblems) trace_.LogWrite("Settings: " + as_Problem);
+  if (problem_count_ <= kMostShownProblems) report_ += std::move(as_Problem) + std::string(kLineBreak);
+}
+
+void Settings::ShowReport() {
+  if (store_.HasBrokenLines()) {
+    Report("Some lines are neither a section, a key nor a comment. They are not used and stay as they are.");
+  }
+  if (CutCharacters(app_.Folder(), kLongestFolder).size() < app_.Folder().size()) {
+    Report("The name of the application folder is too long for the fields; choose one of at most " +
+           std::to_string(kLongestFolder) + " characters.");
+  }
+  if (problem_count_ == 0) return;
+  const std::int64_t more = problem_count_ - kMostShownProblems;
+  if (more > 0) report_ += "and " + std::to_string(more) + " more; see the log" + std::string(kLineBreak);
+  messages_.ShowTimedMessage("Please check the settings (" + store_.File() + "):" + std::string(kLineBreak) + report_,
+                             kOkOnly | kExclamationIcon, {}, kReportSeconds);
+}
+
+}  // namespace corvane

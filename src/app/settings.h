@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "app/app_info.h"
+#include "app/settings_store.h"
+#include "form/form.h"
+#include "link/port_devices.h"
+#include "registry/client_editor.h"
+#include "registry/records.h"
+#include "registry/relay_editor.h"
+#include "registry/unit_editor.h"
+#include "trace/trace.h"
+#include "ui/messages.h"
+
+namespace corvane {
+
+/// Loads the settings file into the window's fields and the registry, and saves them back.
+class Settings {
+ public:
+  /// What settings go to and come from; all must outlive this object.
+  struct Parts {
+    Form& form;
+    Registry& registry;
+    AppInfo& app;
+    PortDevices& ports;
+    SettingsStore& store;
+    UnitEditor& units;
+    RelayEditor& relays;
+    ClientEditor& clients;
+    Messages& messages;
+    Trace& trace;
+  };
+
+  explicit Settings(const Parts& av_Parts);
+  Settings(const Settings&) = delete;
+  Settings& operator=(const Settings&) = delete;
+
+  /// Fills every field, the registry and its three lists; called once, after the port and log-period selectors were
+  /// filled.
+  ///
+  /// A value that does not convert leaves its default. What could not be used is logged line by line and told in one
+  /// timed box at the end, so that no start waits for a person. **Yields** then.
+  void LoadSettings();
+  /// Stores the three editors and writes everything back; false when the file could not be written, which has been
+  /// shown. **Yields** then.
+  bool SaveSettings();
+
+ private:
+  enum class Meaning : std::uint8_t { Plain, Number, Path, SavedOnly };
+  /// One key of the section "General" and the control that holds its value.
+  struct Setting {
+    std::string_view key;
+    std::variant<TextField*, Label*, CheckBox*, OptionGroup*, Selector*> control;
+    std::string fallback;
+    Meaning meaning = Meaning::Plain;
+  };
+  /// One field of a record and its key, to which the record's number is appended.
+  template <class Record>
+  struct RecordField {
+    std::string_view key;
+    std::variant<std::string Record::*, std::int32_t Record::*, std::int16_t Record::*, float Record::*> member;
+    std::string (*fallback)(std::int32_t index);
+  };
+  /// One section of records.
+  template <class Record>
+  struct RecordSection {
+    std::string_view name;
+    std::string_view count_key;
+    std::string_view count_fallback;
+    std::int16_t fewest;
+    std::vector<RecordField<Record>> fields;
+  };
+
+  static std::vector<Setting> FileListSettings(Form& av_Form, const AppInfo& av_App);
+  static std::vector<Setting> OtherSettings(Form& av_Form, const AppInfo& av_App);
+  static const RecordSection<Unit>& UnitSection();
+  static const RecordSection<Relay>& RelaySection();
+  static const RecordSection<Client>& ClientSection();
+
+  void LoadGeneral(const std::vector<Setting>& av_Settings);
+  void LoadValue(TextField& av_Field, const Setting& av_Setting, const std::string& as_Value);
+  void LoadValue(Label& av_Label, const Setting& av_Setting, const std::string& as_Value);
+  void LoadValue(CheckBox& av_Box, const Setting& av_Setting, const std::string& as_Value);
+  void LoadValue(OptionGroup& av_Group, const Setting& av_Setting, const std::string& as_Value);
+  void LoadValue(Selector& av_Selector, const Setting& av_Setting, const std::string& as_Value);
+  void SaveGeneral(const std::vector<Setting>& av_Settings);
+
+  template <class Record>
+  void LoadRecords(const RecordSection<Record>& av_Section, RecordArray<Record>& av_Records);
+  template <class Record>
+  void SaveRecords(const RecordSection<Record>& av_Section, const RecordArray<Record>& av_Records);
+  void LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                  std::string& as_Member);
+  template <class Number>
+  void LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
+                  Number& av_Member);
+  template <class Number>
+  Number LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default);
+  void LoadPorts();
+
+  void CheckPath(const Setting& av_Setting, const std::string& as_Value);
+  /// Notes a value that could not be used as it stands.
+  void Report(std::string_view as_Section, std::string_view as_Key, std::string_view as_Value,
+              std::string_view as_Problem);
+  void Report(std::string as_Problem);
+  void ShowReport();
+
+  Form& form_;
+  Registry& registry_;
+  AppInfo& app_;
+  PortDevices& ports_;
+  SettingsStore& store_;
+  UnitEditor& units_;
+  RelayEditor& relays_;
+  ClientEditor& clients_;
+  Messages& messages_;
+  Trace& trace_;
+  std::vector<Setting> file_list_settings_;
+  std::vector<Setting> other_settings_;
+  std::string report_;  ///< the first problems of the present load, a line each
+  std::int64_t problem_count_ = 0;
+};
+
+}  // namespace corvane

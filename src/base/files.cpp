@@ -1,0 +1,323 @@
+#include "base/files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/paths.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::size_t kBlockSize = 128 * 1024;
+constexpr std::size_t kFlushSize = 64 * 1024;
+
+Status CheckFullPath(const std::string& path) {
+  if (path.starts_with('/') && path.find('\0') == std::string::npos) return Status::Ok();
+  return {EINVAL, "\"" + path +
+                      "\" is not a full path on this computer (it must begin with \"/\"): choose the folder or file again"};
+}
+
+DateTime LocalTime(std::time_t when) {
+  std::tm local{};
+  localtime_r(&when, &local);
+  return DateTime::FromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
+                             std::min(local.tm_sec, 59));
+}
+
+FileInfo InfoOf(const struct stat& found) {
+  return {found.st_size, LocalTime(found.st_mtim.tv_sec), S_ISDIR(found.st_mode)};
+}
+
+/// Writes everything; the number of bytes that reached the file is left in `done`.
+int WriteWhole(int descriptor, std::string_view text, std::size_t& done) {
+  done = 0;
+  while (done < text.size()) {
+    const ssize_t written = write(descriptor, text.data() + done, text.size() - done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return written == 0 ? ENOSPC : errno;
+    done += static_cast<std::size_t>(written);
+  }
+  return 0;
+}
+
+Status SyncFolder(const std::string& path) {
+  const std::string folder(path.find_last_of('/') == 0 ? std::string_view("/") : FolderOf(path));
+  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return Status::FromErrno(folder, errno);
+  const int error = fsync(descriptor) == 0 ? 0 : errno;
+  close(descriptor);
+  // Some file systems cannot sync a folder; the file itself is on the disk.
+  return error == 0 || error == EINVAL ? Status::Ok() : Status::FromErrno(folder, error);
+}
+
+/// A descriptor closed at the end of a scope.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  [[nodiscard]] int number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+Status OpenForReading(const std::string& path, int& descriptor) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+  if (descriptor < 0) return Status::FromErrno(path, errno);
+  struct stat found {};
+  if (fstat(descriptor, &found) == 0 && S_ISDIR(found.st_mode)) {
+    close(std::exchange(descriptor, -1));
+    return Status::FromErrno(path, EISDIR);
+  }
+  return Status::Ok();
+}
+
+/// Reads up to `length` bytes at `offset` (-1: from where the file stands); fewer at the end of the file.
+Status ReadBlock(int descriptor, const std::string& path, std::int64_t offset, char* bytes, std::size_t length,
+                 std::size_t& got) {
+  got = 0;
+  while (got < length) {
+    const ssize_t some = offset < 0 ? read(descriptor, bytes + got, length - got)
+                                    : pread(descriptor, bytes + got, length - got, offset + static_cast<off_t>(got));
+    if (some < 0 && errno == EINTR) continue;
+    if (some < 0) return Status::FromErrno(path, errno);
+    if (some == 0) break;
+    got += static_cast<std::size_t>(some);
+  }
+  return Status::Ok();
+}
+
+}  // namespace
+
+std::optional<FileInfo> ExamineFile(const std::string& path) {
+  struct stat found {};
+  if (!CheckFullPath(path).ok() || stat(path.c_str(), &found) != 0) return std::nullopt;
+  return InfoOf(found);
+}
+
+Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries) {
+  if (Status full = CheckFullPath(folder); !full.ok()) return full;
+  DIR* const directory = opendir(folder.c_str());
+  if (directory == nullptr) return Status::FromErrno(folder, errno);
+  while (const dirent* entry = readdir(directory)) {
+    if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) continue;
+    struct stat found {};
+    if (fstatat(dirfd(directory), entry->d_name, &found, 0) != 0 || !S_ISREG(found.st_mode)) continue;
+    entries.push_back({entry->d_name, InfoOf(found)});
+  }
+  closedir(directory);
+  return Status::Ok();
+}
+
+Status MakeFolder(const std::string& path) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  if (mkdir(path.c_str(), 0777) == 0) return Status::Ok();
+  const int error = errno;
+  const auto existing = ExamineFile(path);
+  return existing && existing->is_folder ? Status::Ok() : Status::FromErrno(path, error);
+}
+
+Status RemoveFile(const std::string& path) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  return unlink(path.c_str()) == 0 ? Status::Ok() : Status::FromErrno(path, errno);
+}
+
+Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit) {
+  contents.clear();
+  int number = -1;
+  if (Status opened = OpenForReading(path, number); !opened.ok()) return opened;
+  const Descriptor descriptor(number);
+  const auto most = static_cast<std::size_t>(limit);
+  for (std::size_t got = 1; got > 0 && contents.size() <= most;) {
+    const std::size_t before = contents.size();
+    contents.resize(before + kBlockSize);
+    if (Status block = ReadBlock(number, path, -1, contents.data() + before, kBlockSize, got); !block.ok()) return block;
+    contents.resize(before + got);
+  }
+  if (contents.size() <= most) return Status::Ok();
+  contents.clear();
+  return {EFBIG, path + ": the file is larger than " + std::to_string(limit) + " bytes"};
+}
+
+Status WriteFileAtomically(const std::string& path, std::string_view contents, unsigned mode) {
+  ReplacementFile file(path, mode);
+  if (Status opened = file.Open(); !opened.ok()) return opened;
+  file.buffer() = contents;
+  return file.Commit();
+}
+
+OutputFile::~OutputFile() { Close(); }
+
+Status OutputFile::OpenForAppending(const std::string& path, unsigned mode) {
+  return Open(path, O_WRONLY | O_CREAT | O_APPEND, mode);
+}
+
+Status OutputFile::Create(const std::string& path, unsigned mode) {
+  return Open(path, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND, mode);
+}
+
+Status OutputFile::Open(const std::string& path, int flags, unsigned mode) {
+  Close();
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  descriptor_ = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
+  if (descriptor_ < 0) return Status::FromErrno(path, errno);
+  path_ = path;
+  return Status::Ok();
+}
+
+Status OutputFile::Write(std::string_view text) {
+  if (descriptor_ < 0) return {EBADF, "no file is open"};
+  std::size_t done = 0;
+  const int error = WriteWhole(descriptor_, text, done);
+  if (error == 0) return Status::Ok();
+  struct stat found {};
+  if (done > 0 && fstat(descriptor_, &found) == 0 &&
+      ftruncate(descriptor_, found.st_size - static_cast<off_t>(done)) != 0) {
+    return Status::FromErrno(path_ + " (its last line is torn)", error);
+  }
+  return Status::FromErrno(path_, error);
+}
+
+Status OutputFile::Sync() {
+  if (descriptor_ < 0) return {EBADF, "no file is open"};
+  if (fdatasync(descriptor_) == 0 || errno == EINVAL || errno == EROFS) return Status::Ok();
+  return Status::FromErrno(path_, errno);
+}
+
+void OutputFile::Close() {
+  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
+}
+
+ReplacementFile::ReplacementFile(std::string path, unsigned mode)
+    : path_(std::move(path)), temporary_(path_ + ".part"), mode_(mode) {}
+
+ReplacementFile::~ReplacementFile() {
+  if (!file_.IsOpen()) return;
+  file_.Close();
+  unlink(temporary_.c_str());
+}
+
+Status ReplacementFile::Open() {
+  // One that a kill left behind may have other permissions.
+  if (CheckFullPath(temporary_).ok()) unlink(temporary_.c_str());
+  return file_.Create(temporary_, mode_);
+}
+
+Status ReplacementFile::FlushWhenFull() { return buffer_.size() < kFlushSize ? Status::Ok() : Flush(); }
+
+Status ReplacementFile::Flush() {
+  Status written = file_.Write(buffer_);
+  buffer_.clear();
+  return written;
+}
+
+Status ReplacementFile::Commit() {
+  Status status = Flush();
+  if (status.ok()) status = file_.Sync();
+  if (!status.ok()) return status;
+  if (rename(temporary_.c_str(), path_.c_str()) != 0) return Status::FromErrno(path_, errno);
+  file_.Close();
+  return SyncFolder(path_);
+}
+
+LineReader::LineReader() : block_(std::make_unique<char[]>(kBlockSize)) {}
+
+LineReader::~LineReader() { Close(); }
+
+Status LineReader::Open(const std::string& path) {
+  Close();
+  begin_ = end_ = 0;
+  position_ = 0;
+  at_end_ = terminated_ = cut_ = false;
+  status_ = Status::Ok();
+  path_ = path;
+  return OpenForReading(path, descriptor_);
+}
+
+/// Moves what is left to the front of the block and reads more behind it; false when nothing more came.
+bool LineReader::Fill() {
+  if (at_end_ || descriptor_ < 0) return false;
+  std::memmove(block_.get(), block_.get() + begin_, end_ - begin_);
+  end_ -= begin_;
+  begin_ = 0;
+  std::size_t got = 0;
+  status_ = ReadBlock(descriptor_, path_, -1, block_.get() + end_, kBlockSize - end_, got);
+  end_ += got;
+  at_end_ = got == 0;
+  return got > 0;
+}
+
+const char* LineReader::FindLineEnd(std::size_t& length) {
+  length = 0;
+  while (true) {
+    const char* const start = block_.get() + begin_;
+    const void* const found = std::memchr(start + length, '\n', end_ - begin_ - length);
+    if (found != nullptr) {
+      length = static_cast<std::size_t>(static_cast<const char*>(found) - start);
+      return static_cast<const char*>(found);
+    }
+    length = end_ - begin_;
+    if (length > kLongestLine || !Fill()) return nullptr;
+  }
+}
+
+void LineReader::Consume(std::size_t length) {
+  begin_ += length;
+  position_ += static_cast<std::int64_t>(length);
+}
+
+bool LineReader::Next(std::string_view& line) {
+  std::size_t length = 0;
+  while (std::exchange(cut_, false)) {
+    cut_ = FindLineEnd(length) == nullptr && length > 0;
+    Consume(cut_ ? length : std::min(length + 1, end_ - begin_));
+  }
+  const bool found = FindLineEnd(length) != nullptr;
+  if (!status_.ok() || (!found && length == 0)) return false;
+  const std::string_view text(block_.get() + begin_, std::min(length, kLongestLine));
+  cut_ = !found && length > kLongestLine;
+  terminated_ = found || cut_;
+  Consume(found ? length + 1 : length);
+  line = text.ends_with('\r') ? text.substr(0, text.size() - 1) : text;
+  return true;
+}
+
+Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes) {
+  bytes.clear();
+  int number = -1;
+  if (Status opened = OpenForReading(path, number); !opened.ok()) return opened;
+  const Descriptor descriptor(number);
+  bytes.resize(length);
+  std::size_t got = 0;
+  Status read = ReadBlock(number, path, offset, bytes.data(), length, got);
+  bytes.resize(got);
+  return read;
+}
+
+void LineReader::Close() {
+  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
+}
+
+Status CutFile(const std::string& path, std::int64_t size) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  const int number = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (number < 0) return Status::FromErrno(path, errno);
+  const Descriptor descriptor(number);
+  if (ftruncate(number, size) != 0 || fdatasync(number) != 0) return Status::FromErrno(path, errno);
+  return Status::Ok();
+}
+
+}  // namespace corvane

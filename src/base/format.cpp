@@ -1,0 +1,204 @@
+#include "base/format.h"
+
+#include <array>
+#include <cstdlib>
+
+#include "base/numbers.h"
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "March",    "April",
+                                                      "May",       "June",     "July",     "August",
+                                                      "September", "October",  "November", "December"};
+constexpr std::array<std::string_view, 7> kDays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                                   "Thursday", "Friday", "Saturday"};
+
+constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
+
+void AppendNumber(std::string& out, std::int64_t number, int width) {
+  if (number >= 0 && number < 100 && width <= 2) {
+    if (number >= 10 || width == 2) out += static_cast<char>('0' + number / 10);
+    out += static_cast<char>('0' + number % 10);
+    return;
+  }
+  out += ZeroPadded(number, width);
+}
+
+/// The longest run of the letter at `start` that a field takes.
+int RunLength(std::string_view pattern, std::size_t start, int longest) {
+  int length = 1;
+  while (length < longest && start + length < pattern.size() && Lower(pattern[start + length]) == Lower(pattern[start])) {
+    ++length;
+  }
+  return length;
+}
+
+std::optional<int> MonthOfName(std::string_view name) {
+  if (name.size() < 3) return std::nullopt;
+  for (std::size_t month = 0; month < kMonths.size(); ++month) {
+    const bool whole = EqualsNoCase(name, kMonths[month]);
+    if (whole || EqualsNoCase(name, kMonths[month].substr(0, 3))) return static_cast<int>(month) + 1;
+  }
+  return std::nullopt;
+}
+
+struct DateParts {
+  std::int64_t year;
+  int month;
+  int day;
+};
+
+std::optional<int> SmallNumber(std::string_view text, int lowest, int highest) {
+  const auto number = ParseInteger(text, lowest, highest);
+  if (!number) return std::nullopt;
+  return static_cast<int>(*number);
+}
+
+std::optional<DateParts> MakeDate(std::string_view year, std::optional<int> month, std::string_view day) {
+  const auto year_number = SmallNumber(year, 100, 9999);
+  const auto day_number = SmallNumber(day, 1, 31);
+  if (!year_number || !month || !day_number) return std::nullopt;
+  return DateParts{*year_number, *month, *day_number};
+}
+
+/// "d mmm yyyy" as words, or "yyyy-mm-dd" and "yyyy/m/d" as the first word; `words` loses what was used.
+std::optional<DateParts> TakeDate(std::vector<std::string_view>& words) {
+  if (words.size() >= 3 && MonthOfName(words[1])) {
+    const auto date = MakeDate(words[2], MonthOfName(words[1]), words[0]);
+    words.erase(words.begin(), words.begin() + 3);
+    return date;
+  }
+  if (words.empty()) return std::nullopt;
+  const char separator = words[0].find('/') != std::string_view::npos ? '/' : '-';
+  const auto fields = Split(words[0], separator);
+  if (fields.size() != 3) return std::nullopt;
+  words.erase(words.begin());
+  return MakeDate(fields[0], SmallNumber(fields[1], 1, 12), fields[2]);
+}
+
+}  // namespace
+
+DatePattern::DatePattern(std::string_view pattern) {
+  for (std::size_t at = 0; at < pattern.size();) {
+    const auto take = [&](Field field, int longest) {
+      const int width = RunLength(pattern, at, longest);
+      pieces_.push_back({field, width, {}});
+      at += static_cast<std::size_t>(width);
+    };
+    if (at + 5 <= pattern.size() && EqualsNoCase(pattern.substr(at, 5), "AM/PM")) {
+      pieces_.push_back({Field::AmPm, 5, {}});
+      twelve_hours_ = true;
+      at += 5;
+      continue;
+    }
+    switch (Lower(pattern[at])) {
+      case 'd': take(Field::Day, 4); break;
+      case 'm': take(Field::Month, 4); break;
+      case 'y': take(Field::Year, 4); break;
+      case 'h': take(Field::Hour, 2); break;
+      case 'n': take(Field::Minute, 2); break;
+      case 's': take(Field::Second, 2); break;
+      default:
+        if (pieces_.empty() || pieces_.back().field != Field::Literal) pieces_.push_back({Field::Literal, 0, {}});
+        pieces_.back().literal += pattern[at++];
+    }
+  }
+  ResolveMinutes();
+}
+
+/// m or mm means minutes when the field before it is an hour or the field after it is a second.
+void DatePattern::ResolveMinutes() {
+  std::vector<Piece*> fields;
+  for (Piece& piece : pieces_) {
+    if (piece.field == Field::Day && piece.width > 2) piece.field = Field::Weekday;
+    if (piece.field != Field::Literal) fields.push_back(&piece);
+  }
+  for (std::size_t at = 0; at < fields.size(); ++at) {
+    if (fields[at]->field != Field::Month || fields[at]->width > 2) continue;
+    const bool after_hour = at > 0 && fields[at - 1]->field == Field::Hour;
+    const bool before_second = at + 1 < fields.size() && fields[at + 1]->field == Field::Second;
+    if (after_hour || before_second) fields[at]->field = Field::Minute;
+  }
+}
+
+void DatePattern::AppendTo(std::string& out, DateTime when) const {
+  const CivilTime civil = when.ToCivil();
+  for (const Piece& piece : pieces_) AppendPiece(out, piece, civil);
+}
+
+void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilTime& civil) const {
+  switch (piece.field) {
+    case Field::Literal: out += piece.literal; break;
+    case Field::Day: AppendNumber(out, civil.day, piece.width); break;
+    case Field::Weekday: {
+      const std::string_view name = kDays[static_cast<std::size_t>(civil.weekday)];
+      out += piece.width == 3 ? name.substr(0, 3) : name;
+      break;
+    }
+    case Field::Month:
+      if (piece.width > 2) {
+        const std::string_view name = kMonths[static_cast<std::size_t>(civil.month - 1)];
+        out += piece.width == 3 ? name.substr(0, 3) : name;
+      } else {
+        AppendNumber(out, civil.month, piece.width);
+      }
+      break;
+    case Field::Year:
+      if (piece.width > 2) {
+        out += ZeroPadded(civil.year, 4);
+      } else {
+        AppendNumber(out, civil.year % 100, 2);
+      }
+      break;
+    case Field::Hour: AppendNumber(out, twelve_hours_ ? (civil.hour + 11) % 12 + 1 : civil.hour, piece.width); break;
+    case Field::Minute: AppendNumber(out, civil.minute, piece.width); break;
+    case Field::Second: AppendNumber(out, civil.second, piece.width); break;
+    case Field::AmPm: out += civil.hour < 12 ? "AM" : "PM"; break;
+  }
+}
+
+std::string DatePattern::Text(DateTime when) const {
+  std::string text;
+  AppendTo(text, when);
+  return text;
+}
+
+std::string FormatDate(DateTime when, std::string_view pattern) { return DatePattern(pattern).Text(when); }
+
+std::string GeneralDate(DateTime when) {
+  static const DatePattern kGeneral("yyyy-mm-dd HH:NN:SS");
+  return kGeneral.Text(when);
+}
+
+std::string DurationText(std::int64_t seconds, bool with_seconds) {
+  const std::int64_t size = std::abs(seconds);
+  std::string text = ZeroPadded(size / 3600, 2) + ":" + ZeroPadded(size / 60 % 60, 2);
+  if (with_seconds) text += ":" + ZeroPadded(size % 60, 2);
+  return text;
+}
+
+std::optional<std::int64_t> ParseTimeOfDay(std::string_view text) {
+  const auto fields = Split(Trim(text), ':');
+  if (fields.size() < 2 || fields.size() > 3) return std::nullopt;
+  const auto hour = SmallNumber(fields[0], 0, 23);
+  const auto minute = SmallNumber(fields[1], 0, 59);
+  const auto second = fields.size() == 3 ? SmallNumber(fields[2], 0, 59) : 0;
+  if (!hour || !minute || !second) return std::nullopt;
+  return *hour * 3600 + *minute * 60 + *second;
+}
+
+std::optional<DateTime> ParseDate(std::string_view text) {
+  std::vector<std::string_view> words;
+  for (const std::string_view word : Split(text, ' ')) {
+    if (!word.empty()) words.push_back(word);
+  }
+  const auto date = TakeDate(words);
+  if (!date || words.size() > 1) return std::nullopt;
+  const auto time = words.empty() ? std::optional<std::int64_t>(0) : ParseTimeOfDay(words[0]);
+  if (!time) return std::nullopt;
+  return DateTime::FromCivil(date->year, date->month, date->day) + *time;
+}
+
+}  // namespace corvane

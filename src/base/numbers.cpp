@@ -1,0 +1,165 @@
+#include "base/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr int kMostDecimals = 6;
+constexpr std::array<double, kMostDecimals + 1> kPowersOfTen = {1, 10, 100, 1e3, 1e4, 1e5, 1e6};
+constexpr double kLargestFast = 1e9;     // below it the scaled number is off by less than a millionth
+constexpr double kNearHalf = 1e-5;       // closer to a half than this, the decimal text decides
+constexpr int kSignificantDigits = 15;
+constexpr double kLargestPlain = 1e15;
+
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Appends `whole` with `decimals` of its last digits behind the point.
+void AppendScaled(std::string& out, std::uint64_t whole, int decimals, bool negative) {
+  std::array<char, 24> digits;
+  char* const end = digits.data() + digits.size();
+  char* begin = end;
+  for (int position = 0; whole != 0 || position <= decimals; ++position) {
+    if (position == decimals && decimals > 0) *--begin = '.';
+    *--begin = static_cast<char>('0' + whole % 10);
+    whole /= 10;
+  }
+  if (negative) *--begin = '-';
+  out.append(begin, end);
+}
+
+/// Rounds the 15-digit decimal text of `number` (not negative, below 1e15) to `decimals`, halves up, as an integer.
+std::uint64_t RoundDecimalText(double number, int decimals) {
+  std::array<char, 32> text;
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific,
+                                     kSignificantDigits - 1);
+  const char* const exponent_at = std::find(text.data(), written.ptr, 'e');
+  int exponent = 0;
+  std::from_chars(exponent_at + (exponent_at[1] == '+' ? 2 : 1), written.ptr, exponent);
+  std::uint64_t rounded = 0;
+  const int kept = exponent + 1 + decimals;  // digits of the text that stay
+  int seen = 0;
+  for (const char* digit = text.data(); digit != exponent_at; ++digit) {
+    if (!IsDigit(*digit)) continue;
+    if (seen == kept) return rounded + (*digit >= '5' ? 1 : 0);
+    if (kept < 0) return 0;
+    rounded = rounded * 10 + static_cast<std::uint64_t>(*digit - '0');
+    ++seen;
+  }
+  for (; seen < kept; ++seen) rounded *= 10;
+  return rounded;
+}
+
+template <class Number>
+std::string Shortest(Number number) {
+  if (number == 0) return "0";
+  std::array<char, 400> text;
+  const bool plain = std::abs(number) < Number(kLargestPlain) && std::abs(number) >= Number(1e-5);
+  const auto written =
+      plain ? std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed)
+            : std::to_chars(text.data(), text.data() + text.size(), number);
+  return {text.data(), written.ptr};
+}
+
+}  // namespace
+
+double LeadingNumber(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) ++at;
+  const std::size_t start = at;
+  std::int64_t whole = 0;
+  while (at < text.size() && IsDigit(text[at]) && at - start < 18) whole = whole * 10 + (text[at++] - '0');
+  if (at > start && (at == text.size() || (!IsDigit(text[at]) && text[at] != '.' && (text[at] | 0x20) != 'e'))) {
+    return static_cast<double>(whole);
+  }
+  std::string_view rest = text.substr(start);
+  if (rest.starts_with('+')) rest.remove_prefix(1);
+  const std::string_view unsigned_part = rest.starts_with('-') ? rest.substr(1) : rest;
+  if (unsigned_part.empty() || (!IsDigit(unsigned_part[0]) && unsigned_part[0] != '.')) return 0;
+  double number = 0;
+  const auto result = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+  return result.ec == std::errc() ? number : 0;
+}
+
+std::optional<double> ParseNumber(std::string_view text) {
+  text = Trim(text);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const std::string_view unsigned_part = text.starts_with('-') ? text.substr(1) : text;
+  if (unsigned_part.empty() || (!IsDigit(unsigned_part[0]) && unsigned_part[0] != '.')) return std::nullopt;
+  double number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::optional<std::int64_t> ParseInteger(std::string_view text, std::int64_t lowest, std::int64_t highest) {
+  text = Trim(text);
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-')) return std::nullopt;
+  }
+  std::int64_t number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size() || text.empty()) return std::nullopt;
+  if (number < lowest || number > highest) return std::nullopt;
+  return number;
+}
+
+std::int32_t LeadingInteger(std::string_view text) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  return static_cast<std::int32_t>(
+      std::clamp<double>(std::trunc(LeadingNumber(text)), Limits::min(), Limits::max()));
+}
+
+std::string ShortestText(float number) { return Shortest(number); }
+
+std::string ShortestText(double number) { return Shortest(number); }
+
+void AppendFixed(std::string& out, double number, int decimals) {
+  decimals = std::clamp(decimals, 0, kMostDecimals);
+  const double size = std::abs(number);
+  const double scaled = size * kPowersOfTen[static_cast<std::size_t>(decimals)];
+  if (!(size < kLargestPlain)) {
+    std::array<char, 400> text;
+    const auto written =
+        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, decimals);
+    out.append(text.data(), written.ptr);
+    return;
+  }
+  std::uint64_t rounded = 0;
+  const double whole = std::floor(scaled);
+  if (scaled < kLargestFast && std::abs(scaled - whole - 0.5) > kNearHalf) {
+    rounded = static_cast<std::uint64_t>(whole) + (scaled - whole > 0.5 ? 1 : 0);
+  } else {
+    rounded = RoundDecimalText(size, decimals);
+  }
+  AppendScaled(out, rounded, decimals, std::signbit(number) && rounded != 0);
+}
+
+std::string FixedText(double number, int decimals) {
+  std::string text;
+  AppendFixed(text, number, decimals);
+  return text;
+}
+
+std::string GroupedText(double number) {
+  std::string text = FixedText(number, 0);
+  const std::size_t sign = text.starts_with('-') ? 1 : 0;
+  for (std::size_t at = text.size(); at > sign + 3;) text.insert(at -= 3, 1, ',');
+  return text;
+}
+
+std::string HexText(std::uint64_t number, int digits) {
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text(static_cast<std::size_t>(digits), '0');
+  for (auto place = text.rbegin(); place != text.rend(); ++place, number >>= 4) *place = kDigits[number & 0xF];
+  return text;
+}
+
+}  // namespace corvane

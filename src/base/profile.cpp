@@ -1,0 +1,142 @@
+#include "base/profile.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/files.h"
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr unsigned kPrivateMode = 0600;
+
+bool IsComment(std::string_view text) { return text.starts_with(';') || text.starts_with('#'); }
+
+bool IsQuoted(std::string_view value) { return value.size() >= 2 && value.front() == '"' && value.back() == '"'; }
+
+/// A value as it is stored: without line breaks, quoted when reading would otherwise change it.
+std::string Stored(std::string_view value) {
+  std::string text(value);
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+  const bool changes = Trim(text).size() != text.size() || IsQuoted(text);
+  return changes ? '"' + text + '"' : text;
+}
+
+}  // namespace
+
+Status ProfileFile::Load(const std::string& path) {
+  *this = ProfileFile();
+  AddSection("", "");
+  if (!ExamineFile(path)) return Status::Ok();
+  std::string contents;
+  if (Status read = ReadFile(path, contents, kLargestFile); !read.ok()) return read;
+  std::replace(contents.begin(), contents.end(), '\0', ' ');
+  std::string_view rest = contents;
+  if (rest.starts_with(kByteOrderMark)) {
+    start_ = kByteOrderMark;
+    rest.remove_prefix(kByteOrderMark.size());
+  }
+  const std::size_t first_end = rest.find('\n');
+  if (first_end != std::string_view::npos && first_end > 0 && rest[first_end - 1] == '\r') line_end_ = "\r\n";
+  while (!rest.empty()) {
+    const std::size_t end = rest.find('\n');
+    std::string_view line = rest.substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    ParseLine(line);
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  }
+  return Status::Ok();
+}
+
+ProfileFile::Section& ProfileFile::AddSection(std::string_view name, std::string_view heading) {
+  section_index_.emplace(ToLower(name), sections_.size());
+  sections_.push_back({std::string(name), std::string(heading), {}, {}});
+  return sections_.back();
+}
+
+void ProfileFile::ParseLine(std::string_view text) {
+  const std::string_view trimmed = Trim(text);
+  if (trimmed.starts_with('[') && trimmed.ends_with(']')) {
+    AddSection(Trim(trimmed.substr(1, trimmed.size() - 2)), text);
+    return;
+  }
+  const std::size_t equals = text.find('=');
+  Section& section = sections_.back();
+  const bool is_key = !IsComment(trimmed) && equals != std::string_view::npos && !Trim(text.substr(0, equals)).empty();
+  if (is_key) {
+    section.keys.emplace(ToLower(Trim(text.substr(0, equals))), section.lines.size());
+  } else if (!trimmed.empty() && !IsComment(trimmed)) {
+    has_broken_lines_ = true;
+  }
+  section.lines.push_back({std::string(text), is_key ? equals + 1 : 0});
+}
+
+Status ProfileFile::Save(const std::string& path) const {
+  std::string contents = start_;
+  for (const Section& section : sections_) {
+    if (!section.heading.empty()) contents += section.heading + line_end_;
+    for (const Line& line : section.lines) contents += line.text + line_end_;
+  }
+  return WriteFileAtomically(path, contents, kPrivateMode);
+}
+
+ProfileFile::Section* ProfileFile::FindSection(std::string_view name) {
+  return const_cast<Section*>(std::as_const(*this).FindSection(name));
+}
+
+const ProfileFile::Section* ProfileFile::FindSection(std::string_view name) const {
+  const auto found = section_index_.find(ToLower(name));
+  return found == section_index_.end() ? nullptr : &sections_[found->second];
+}
+
+bool ProfileFile::Has(std::string_view section, std::string_view key) const {
+  const Section* const found = FindSection(section);
+  return found != nullptr && found->keys.contains(ToLower(key));
+}
+
+std::string ProfileFile::Get(std::string_view section, std::string_view key, std::string_view missing) const {
+  const Section* const found = FindSection(section);
+  if (found == nullptr) return std::string(missing);
+  const auto line = found->keys.find(ToLower(key));
+  if (line == found->keys.end()) return std::string(missing);
+  const Line& held = found->lines[line->second];
+  const std::string_view value = Trim(std::string_view(held.text).substr(held.value_start));
+  return std::string(IsQuoted(value) ? value.substr(1, value.size() - 2) : value);
+}
+
+void ProfileFile::Set(std::string_view section, std::string_view key, std::string_view value) {
+  if (sections_.empty()) AddSection("", "");
+  Section* found = FindSection(section);
+  if (found == nullptr) {
+    std::vector<Line>& before = sections_.back().lines;
+    if (!before.empty() && !Trim(before.back().text).empty()) before.push_back({});
+    found = &AddSection(section, "[" + std::string(section) + "]");
+  }
+  const auto known = found->keys.find(ToLower(key));
+  if (known != found->keys.end()) {
+    Line& line = found->lines[known->second];
+    line.text.replace(line.value_start, std::string::npos, Stored(value));
+    return;
+  }
+  std::size_t at = found->lines.size();
+  while (at > 0 && Trim(found->lines[at - 1].text).empty()) --at;
+  Line line{std::string(key) + "=", key.size() + 1};
+  line.text += Stored(value);
+  found->lines.insert(found->lines.begin() + static_cast<std::ptrdiff_t>(at), std::move(line));
+  found->keys.emplace(ToLower(key), at);
+}
+
+std::vector<std::string> ProfileFile::Keys(std::string_view section) const {
+  std::vector<std::string> keys;
+  const Section* const found = FindSection(section);
+  if (found == nullptr) return keys;
+  for (const Line& line : found->lines) {
+    if (line.value_start > 0) keys.emplace_back(Trim(std::string_view(line.text).substr(0, line.value_start - 1)));
+  }
+  return keys;
+}
+
+}  // namespace corvane

@@ -1,0 +1,198 @@
+#include "data/calibrated_converter.h"
+
+#include <cmath>
+#include <vector>
+
+#include "base/file_numbers.h"
+#include "base/files.h"
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "link/raw_line.h"
+#include "ui/mouse_pointer.h"
+
+namespace corvane {
+namespace {
+
+enum WhichReadings : int { kAllReadings = 0, kLogAt = 1 };
+constexpr int kAverageBetweenLogs = 1;
+constexpr float kLargestCorrection = 50;
+constexpr std::int64_t kMillisecondsBetweenPolls = 20;
+constexpr std::int64_t kLinesBetweenClockReadings = 256;
+constexpr double kBytesPerField = 5;  // about, for the progress bar
+
+float HeldCorrection(float ad_Factor) {
+  return ad_Factor >= 0 && ad_Factor <= kLargestCorrection ? ad_Factor : 0;
+}
+
+void Check(const Status& av_Status) {
+  if (!av_Status.ok()) throw RunTimeError(av_Status);
+}
+
+/// The calibrated file of a raw file; never the raw file itself.
+std::string CalibratedNameOf(const std::string& as_RawFile, const std::string& as_Extension) {
+  std::string name = WithExtension(as_RawFile, as_Extension);
+  if (name == as_RawFile) {
+    throw RunTimeError("Raw and calibrated files have the same extension; change one of the two in the settings");
+  }
+  return name;
+}
+
+}  // namespace
+
+struct CalibratedConverter::Run {
+  Run(const std::string& as_Calibrated, const CalibrationSettings& av_Settings, Lookups& av_Lookups)
+      : Output(as_Calibrated), Rows(av_Settings, av_Lookups) {}
+
+  LineReader Raw;
+  ReplacementFile Output;
+  Calibration Rows;
+  std::optional<LoggingSchedule> Schedule;  ///< none: every reading is wanted
+  std::vector<std::string_view> Fields;
+  std::int64_t RawSize = 0;
+  std::int64_t Lines = 0;      ///< of any kind
+  std::int64_t DataLines = 0;  ///< of the right width
+  std::int64_t NextPoll = 0;
+  bool DateSeen = false;
+  bool HeaderWritten = false;
+};
+
+CalibratedConverter::CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const LinkState& av_Link,
+                                         const DownloadState& av_Download, const Registry& av_Registry,
+                                         Lookups& av_Lookups, EventLoop& av_Loop, ProgressBars& av_Bars,
+                                         Messages& av_Messages, Trace& av_Trace)
+    : form_(av_Form),
+      flags_(av_Flags),
+      link_(av_Link),
+      download_(av_Download),
+      registry_(av_Registry),
+      lookups_(av_Lookups),
+      loop_(av_Loop),
+      bars_(av_Bars),
+      messages_(av_Messages),
+      trace_(av_Trace) {}
+
+bool CalibratedConverter::ConvertToCalibrated(const std::string& as_RawFile) {
+  const BusyPointer busy(form_.Frm_Main);
+  flags_.converting = true;
+  trace_.Status("Convert: " + as_RawFile);
+  bool finished = true;
+  const auto raw_info = ExamineFile(as_RawFile);
+  if (raw_info) {
+    try {
+      finished = ConvertFile(as_RawFile, raw_info->size);
+    } catch (const RunTimeError& error) {
+      finished = false;
+      messages_.Show("Cannot convert: " + as_RawFile + std::string(kLineBreak) + error.what(), "Cannot convert");
+    }
+  } else {
+    messages_.Show("Cannot find: " + as_RawFile, "Cannot find");
+  }
+  TraceFinish(raw_info.has_value());
+  flags_.converting = false;
+  bars_.Download.Clear();
+  form_.Lbl_Status.SetText("");
+  return finished;
+}
+
+bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_t al_RawSize) {
+  Run run(CalibratedNameOf(as_RawFile, form_.Txt_CalibratedFileExtension.text()), ReadSettings(), lookups_);
+  run.Schedule = ReadSchedule();
+  run.RawSize = al_RawSize;
+  Check(run.Raw.Open(as_RawFile));
+  Check(run.Output.Open());
+  bars_.Download.SetProcessText("Convert: " + as_RawFile);
+  std::string_view line;
+  while (run.Raw.Next(line)) {
+    TakeLine(run, line);
+    Check(run.Output.FlushWhenFull());
+    if (!GoOn(run)) return false;
+  }
+  Check(run.Raw.status());
+  Check(run.Output.Commit());
+  return true;
+}
+
+CalibrationSettings CalibratedConverter::ReadSettings() const {
+  CalibrationSettings settings;
+  settings.Average = form_.Opt_Average.GetOptionIndex() == kAverageBetweenLogs;
+  settings.Kelvin = form_.Chk_Kelvin.ticked();
+  settings.Uncorrected = form_.Chk_Uncorrected.ticked();
+  settings.DateFormat = form_.Txt_DateFormat.text();
+  const std::int64_t unit = form_.Lst_Units.current() + 1;
+  if (registry_.Units.Has(unit)) {
+    settings.MoistureCorrection = HeldCorrection(registry_.Units[unit].MoistureCorrection);
+    settings.SalinityCorrection = HeldCorrection(registry_.Units[unit].SalinityCorrection);
+  }
+  return settings;
+}
+
+std::optional<LoggingSchedule> CalibratedConverter::ReadSchedule() const {
+  if (form_.Opt_WhichReadings.GetOptionIndex() != kLogAt) return std::nullopt;
+  const auto start_at = ParseTimeOfDay(Trim(form_.Txt_StartAt.text()));
+  if (!start_at) throw RunTimeError("\"" + form_.Txt_StartAt.text() + "\" is no time of day to start logging at");
+  const auto interval = LoggingSchedule::Interval(form_.Txt_Interval.text());
+  if (!interval) throw RunTimeError("\"" + form_.Txt_Interval.text() + "\" is no logging interval above zero");
+  return LoggingSchedule(*start_at, *interval);
+}
+
+void CalibratedConverter::TakeLine(Run& av_Run, std::string_view as_Line) {
+  SplitInto(as_Line, ',', av_Run.Fields);
+  if (av_Run.Lines++ == 0) {
+    TakeHeader(av_Run);
+  } else if (!av_Run.Raw.terminated()) {
+    trace_.TraceDecision("ConvertToCalibrated - unterminated last line> " + std::string(as_Line));
+  } else if (av_Run.Fields.size() != av_Run.Rows.Expected()) {
+    ++flags_.error_counter;
+    trace_.AErrorReport("Wrong number of data items on line Actual:" + std::to_string(av_Run.Fields.size()) +
+                        " Expected: " + std::to_string(av_Run.Rows.Expected()) + std::string(kLineBreak) +
+                        std::string(as_Line));
+  } else {
+    TakeReading(av_Run, as_Line);
+  }
+}
+
+void CalibratedConverter::TakeHeader(Run& av_Run) {
+  av_Run.Rows.TakeHeader(av_Run.Fields);
+  const auto bytes_per_line = static_cast<double>(av_Run.Rows.Expected()) * kBytesPerField;
+  const double lines = bytes_per_line > 0 ? static_cast<double>(av_Run.RawSize) / bytes_per_line : 0;
+  bars_.Download.SetDoSkip(true);
+  bars_.Download.Initialise(std::llround(lines));
+}
+
+void CalibratedConverter::TakeReading(Run& av_Run, std::string_view as_Line) {
+  ++flags_.line_counter;
+  bars_.Download.SetValue(++av_Run.DataLines);
+  const std::optional<DateTime> when = ParseReadingDate(av_Run.Fields[0]);
+  if (!when || as_Line.find('\0') != std::string_view::npos) {
+    ++flags_.error_counter;
+    trace_.AErrorReport("ConverToCalibrated - invalid date> " + std::string(as_Line));
+    return;
+  }
+  if (!av_Run.DateSeen && av_Run.Schedule) av_Run.Schedule->SetUp(*when);
+  av_Run.DateSeen = true;
+  av_Run.Rows.AddReading(av_Run.Fields);
+  if (av_Run.Schedule && !av_Run.Schedule->IsLoggingTime(*when)) return;
+  std::string& out = av_Run.Output.buffer();
+  if (!av_Run.HeaderWritten) av_Run.Rows.AppendHeader(out);
+  av_Run.HeaderWritten = true;
+  av_Run.Rows.AppendRow(out, *when, av_Run.Fields);
+}
+
+bool CalibratedConverter::GoOn(Run& av_Run) {
+  if (av_Run.Lines % kLinesBetweenClockReadings != 0) return true;
+  if (loop_.MonotonicMilliseconds() >= av_Run.NextPoll) {
+    loop_.Poll();
+    av_Run.NextPoll = loop_.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
+  }
+  return !link_.UserCancel && !flags_.closing;
+}
+
+void CalibratedConverter::TraceFinish(bool ab_Opened) {
+  trace_.TraceDecision("Finish 'ConvertToCalibrated' - closing Raw:" + std::to_string(ab_Opened ? kRawFile : kNoFile) +
+                       " calibrated: " + std::to_string(ab_Opened ? kCalibratedFile : kNoFile) +
+                       " OutputFile: " + std::to_string(download_.Output.IsOpen() ? kOutputFile : kNoFile) +
+                       " LogFile: " + std::to_string(trace_.LogFileNumber()));
+}
+
+}  // namespace corvane

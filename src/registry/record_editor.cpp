@@ -1,0 +1,137 @@
+#include "registry/record_editor.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace corvane {
+
+RecordEditor::RecordEditor(const Parts& av_Parts, List& av_List, TextField& av_Name,
+                           std::string_view as_NothingSelected)
+    : form_(av_Parts.form),
+      registry_(av_Parts.registry),
+      states_(av_Parts.states),
+      slot_(av_Parts.slot),
+      messages_(av_Parts.messages),
+      list_(av_List),
+      name_(av_Name),
+      nothing_selected_(as_NothingSelected) {
+  list_.on_change = [this] { OnSelect(); };
+  name_.on_change = [this] { OnNameChange(); };
+}
+
+void RecordEditor::ShowRecord() {
+  const SuppressEvents::Guard guard(form_.Suppress);
+  const std::int64_t position = list_.current();
+  shown_ = position < Count() ? position : -1;
+  if (shown_ < 0) {
+    name_.SetText("");
+    ClearFields();
+    return;
+  }
+  name_.SetText(NameOf(Shown()));
+  ShowFields(Shown());
+}
+
+void RecordEditor::StoreRecord() {
+  if (shown_ < 0 || shown_ >= Count()) return;
+  SetName(Shown(), name_.text());
+  StoreFields(Shown());
+}
+
+void RecordEditor::FillList() {
+  const SuppressEvents::Guard guard(form_.Suppress);
+  std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(Count()));
+  for (std::int64_t index = 1; index <= Count(); ++index) names.push_back(NameOf(index));
+  list_.SetRows(std::move(names));
+  for (std::int64_t index = 1; index <= Count(); ++index) list_.SetChecked(index - 1, IsChecked(index));
+  ShowRecord();
+}
+
+void RecordEditor::Select(std::int64_t al_Index) {
+  const SuppressEvents::Guard guard(form_.Suppress);
+  StoreRecord();
+  list_.SetCurrent(al_Index - 1);
+  ShowRecord();
+}
+
+void RecordEditor::OnSelect() {
+  if (form_.Suppress.set() || slot_.Taken()) return;
+  {
+    const SuppressEvents::Guard guard(form_.Suppress);
+    StoreRecord();
+    ShowRecord();
+    states_.UpdateCommandStates();
+  }
+  if (selection_changed) selection_changed();
+}
+
+void RecordEditor::OnNameChange() {
+  if (form_.Suppress.set() || shown_ < 0) return;
+  StoreRecord();
+  list_.SetText(shown_, name_.text());
+}
+
+void RecordEditor::RunCommand(std::int16_t ai_Command) {
+  if (slot_.Taken() || !MayRun(ai_Command)) return;
+  {
+    const SuppressEvents::Guard guard(form_.Suppress);
+    StoreRecord();
+    const std::int64_t record = Selected();
+    if (ai_Command == kNew) New();
+    if (ai_Command == kDelete) Delete();
+    if (ai_Command == kMoveUp && record > 1) Move(record, record - 1);
+    if (ai_Command == kMoveDown && record < Count()) Move(record, record + 1);
+    ShowRecord();
+    states_.UpdateCommandStates();
+  }
+  if (selection_changed) selection_changed();
+}
+
+bool RecordEditor::MayRun(std::int16_t ai_Command) {
+  if (ai_Command < kNew || ai_Command > kMoveDown) return false;
+  if (ai_Command != kNew && Selected() == 0) {
+    messages_.Show(nothing_selected_);
+    return false;
+  }
+  if (ai_Command == kNew && Count() >= kMostRecords) {
+    messages_.Show("The list is full (" + std::to_string(kMostRecords) + " entries). Delete an entry first.");
+    return false;
+  }
+  return true;
+}
+
+void RecordEditor::New() {
+  AppendNew();
+  list_.Add(NameOf(Count()));
+  list_.SetChecked(Count() - 1, IsChecked(Count()));
+  list_.SetCurrent(Count() - 1);
+  AfterListChanged();
+}
+
+void RecordEditor::Delete() {
+  if (!MayDelete()) return;
+  const std::int64_t position = list_.current();
+  shown_ = -1;
+  RemoveAt(position + 1);
+  list_.Remove(position);
+  list_.SetCurrent(std::min(position, list_.count() - 1));
+  AfterListChanged();
+}
+
+// Intended: the selection stays at its position, so that after a move it marks the neighbour that took the record's
+// place, and pressing the same button again brings the record back.
+void RecordEditor::Move(std::int64_t al_Record, std::int64_t al_Neighbour) {
+  Swap(al_Record, al_Neighbour);
+  RewriteRow(al_Record);
+  RewriteRow(al_Neighbour);
+  AfterListChanged();
+}
+
+void RecordEditor::RewriteRow(std::int64_t al_Index) {
+  list_.SetText(al_Index - 1, NameOf(al_Index));
+  list_.SetChecked(al_Index - 1, IsChecked(al_Index));
+}
+
+}  // namespace corvane

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "exchange.h"
+#include "faults.h"
+#include "protocol.h"
+#include "unit.h"
+
+namespace corvane::basestation {
+
+/// The base station with everything behind it: takes command lines, gives answers, keeps the units.
+class Station {
+ public:
+  struct Settings {
+    bool echo = true;
+    std::int64_t advance = 0;  ///< readings that a unit adds after each complete download
+    std::uint64_t seed = 1;
+  };
+
+  Station(Settings settings, std::vector<Unit> units, FaultPlan faults);
+
+  /// The answer to a command line, given without its carriage return.
+  [[nodiscard]] Exchange Answer(std::string_view line);
+  /// Takes note that an answer went out to its end.
+  void Finish(const Exchange& exchange);
+  /// Lets time pass until every unit has `count` more readings.
+  void PassReadings(std::int64_t count);
+  /// Lets time pass in every unit.
+  void PassTime(Seconds seconds);
+
+  /// What went wrong on purpose in the last answer, for the log; empty when nothing.
+  [[nodiscard]] const std::string& last_faults() const { return last_faults_; }
+
+  /// Reads the units' clocks and memories from a file that `Save` wrote; a missing file changes nothing.
+  ///
+  /// Returns an empty text, or what is wrong with the file.
+  [[nodiscard]] std::string Load(const std::string& path);
+  /// Writes the units' clocks and memories, in one step; returns an empty text, or why it could not.
+  [[nodiscard]] std::string Save(const std::string& path) const;
+
+ private:
+  [[nodiscard]] std::string ReplyOf(const Request& request, Unit& unit);
+  [[nodiscard]] std::vector<Fault> FaultsOf(const Request& request, std::int64_t lines);
+  [[nodiscard]] std::string StateHeader() const;
+
+  Settings settings_;
+  std::map<int, Unit> units_;
+  FaultPlan faults_;
+  std::map<std::pair<int, Command>, std::int64_t> attempts_;
+  std::uint64_t exchanges_ = 0;
+  std::string last_faults_;
+};
+
+}  // namespace corvane::basestation

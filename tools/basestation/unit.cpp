@@ -1,0 +1,128 @@
+#include "unit.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "text.h"
+
+namespace corvane::basestation {
+
+Selection::Selection(std::vector<Stretch> stretches) : stretches_(std::move(stretches)) {
+  for (const Stretch& stretch : stretches_) size_ += stretch.count;
+}
+
+void Selection::Take(std::int64_t& number, Seconds& date) {
+  if (taken_ == stretches_[stretch_].count) {
+    ++stretch_;
+    taken_ = 0;
+  }
+  const Stretch& stretch = stretches_[stretch_];
+  number = stretch.first_number + taken_;
+  date = stretch.first + taken_ * stretch.period;
+  ++taken_;
+  --size_;
+}
+
+Unit::Unit(int id, int relay, Soil soil, Seconds start, Seconds period, std::int64_t readings)
+    : id_(id), relay_(relay), soil_(soil), clock_(start - period), period_(period), due_(start) {
+  PassReadings(readings);
+}
+
+std::int64_t Unit::readings() const {
+  return memory_.empty() ? 0 : memory_.back().first_number + memory_.back().count;
+}
+
+Seconds Unit::last_reading() const {
+  return memory_.empty() ? 0 : memory_.back().first + (memory_.back().count - 1) * memory_.back().period;
+}
+
+void Unit::SetClock(Seconds clock) {
+  clock_ = clock;
+  StartGrid();
+}
+
+void Unit::SetPeriod(Seconds period) {
+  period_ = period;
+  StartGrid();
+}
+
+void Unit::StartGrid() {
+  due_ = (clock_ / period_ + 1) * period_;
+}
+
+void Unit::PassTime(Seconds seconds) {
+  clock_ += seconds;
+  if (clock_ >= due_) {
+    Store((clock_ - due_) / period_ + 1);
+  }
+}
+
+void Unit::PassReadings(std::int64_t count) {
+  if (count > 0) {
+    PassTime(due_ + (count - 1) * period_ - clock_);
+  }
+}
+
+void Unit::Store(std::int64_t count) {
+  const bool goes_on = !memory_.empty() && memory_.back().period == period_ && last_reading() + period_ == due_;
+  if (goes_on) {
+    memory_.back().count += count;
+  } else {
+    memory_.push_back({due_, period_, count, readings()});
+  }
+  due_ += count * period_;
+}
+
+Selection Unit::Later(Seconds after) const {
+  std::vector<Stretch> later;
+  for (Stretch stretch : memory_) {
+    if (after >= stretch.first) {
+      const std::int64_t skipped = std::min((after - stretch.first) / stretch.period + 1, stretch.count);
+      stretch.first += skipped * stretch.period;
+      stretch.first_number += skipped;
+      stretch.count -= skipped;
+    }
+    if (stretch.count > 0) {
+      later.push_back(stretch);
+    }
+  }
+  return Selection(std::move(later));
+}
+
+std::string Unit::State() const {
+  std::string state;
+  const auto add = [&state](std::int64_t number) {
+    if (!state.empty()) state += ' ';
+    AppendNumber(state, number);
+  };
+  for (const Seconds number : {clock_, period_, due_}) add(number);
+  for (const Stretch& stretch : memory_) {
+    for (const std::int64_t number : {stretch.first, stretch.period, stretch.count}) add(number);
+  }
+  return state;
+}
+
+bool Unit::Restore(std::string_view state) {
+  constexpr std::int64_t kMost = 1'000'000'000'000;
+  std::vector<std::int64_t> numbers;
+  for (const std::string_view word : Words(state)) {
+    const auto number = ParseNumber(word, 1, kMost);
+    if (!number) {
+      return false;
+    }
+    numbers.push_back(*number);
+  }
+  if (numbers.size() < 3 || numbers.size() % 3 != 0) {
+    return false;
+  }
+  clock_ = numbers[0];
+  period_ = numbers[1];
+  due_ = numbers[2];
+  memory_.clear();
+  for (std::size_t i = 3; i < numbers.size(); i += 3) {
+    memory_.push_back({numbers[i], numbers[i + 1], numbers[i + 2], readings()});
+  }
+  return true;
+}
+
+}  // namespace corvane::basestation
