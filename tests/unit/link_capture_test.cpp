@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "unit/link_fixture.h"
+#include "unit/link_world.h"
 
 namespace corvane::test {
 namespace {
@@ -14,8 +14,8 @@ const std::string kSecond = "2010/3/12 14:20,513,301";
 class CaptureTest : public LinkTest {
  protected:
   CaptureTest() {
-    file = folder.File("00001.epd");
-    summary.SetFile(folder.File("summary.csv"));
+    file = folder.Name("00001.epd");
+    summary.SetFile(folder.Name("summary.csv"));
     form.Lbl_Try.SetText("1");
   }
   void Start() {
@@ -42,15 +42,16 @@ TEST_F(CaptureTest, StoresHeaderAndReadings) {
   EXPECT_EQ(download.ItemsPerLine, 3);
   EXPECT_EQ(link.LinesExpected, 4);
   Line(Frame(kFirst));
-  EXPECT_EQ(Contents(file), kHeader + "\r\n" + kFirst + "\r\n") << "an accepted reading is in the file at once";
+  EXPECT_EQ(folder.Read("00001.epd"), kHeader + "\r\n" + kFirst + "\r\n")
+      << "an accepted reading is in the file at once";
   Line(Frame(kSecond));
   EXPECT_EQ(capture.OutputFileNumber(), 2);
   Line("ok");
-  EXPECT_EQ(Contents(file), kHeader + "\r\n" + kFirst + "\r\n" + kSecond + "\r\n");
+  EXPECT_EQ(folder.Read("00001.epd"), kHeader + "\r\n" + kFirst + "\r\n" + kSecond + "\r\n");
   EXPECT_EQ(link.State, kIdle);
   EXPECT_EQ(capture.OutputFileNumber(), 0);
   EXPECT_EQ(form.Lbl_HeaderLine.text(), download.HeaderLine);
-  const std::string line = Contents(folder.File("summary.csv"));
+  const std::string line = folder.Read("summary.csv");
   EXPECT_NE(line.find("00000:00001:00rr 0001010000, V2, 00001, 2, 1, 3, 2010/3/12 00:00, 12500, , , 4, Ok"),
             std::string::npos)
       << line;
@@ -63,26 +64,26 @@ TEST_F(CaptureTest, StoresHeaderAndReadings) {
 }
 
 TEST_F(CaptureTest, AppendsOnlyWhatIsNewer) {
-  Store(file, kHeader + "\r\n" + kFirst + "\r\n2010/3/12 14:2");
+  folder.Write("00001.epd", kHeader + "\r\n" + kFirst + "\r\n2010/3/12 14:2");
   download.LastDate = DateTime::FromCivil(2010, 3, 12, 14, 5);
   Start();
   Line(Frame("V2,00001,2,1,9,other"));
   Line(Frame(kFirst));
   Line(Frame(kSecond));
   Line("$OK*04");
-  EXPECT_EQ(Contents(file), kHeader + "\r\n" + kFirst + "\r\n" + kSecond + "\r\n");
+  EXPECT_EQ(folder.Read("00001.epd"), kHeader + "\r\n" + kFirst + "\r\n" + kSecond + "\r\n");
   EXPECT_TRUE(Logged("SaveToFile - skipping because date after: 2010-03-12 14:05:00 |2010/3/12 14:05,512,300"));
   EXPECT_TRUE(Logged("Torn tail cut off " + file + ": 2010/3/12 14:2"));
 }
 
 TEST_F(CaptureTest, RecreatesAFileOfTwentyBytes) {
   const std::string header = Frame("V2,1,2,1,-1,no lines");
-  Store(file, "12345678901234567\r\n ");
+  folder.Write("00001.epd", "12345678901234567\r\n ");
   Start();
   Line(header);
   EXPECT_TRUE(Logged("A-error: Lines expected=0> V2,1,2,1,-1,no lines"));
   Line(Frame(kFirst));
-  EXPECT_EQ(Contents(file), header + "\r\n" + kFirst + "\r\n");
+  EXPECT_EQ(folder.Read("00001.epd"), header + "\r\n" + kFirst + "\r\n");
 }
 
 TEST_F(CaptureTest, AbortsOnBadLines) {
@@ -119,7 +120,7 @@ TEST_F(CaptureTest, AbortsOnBadLines) {
     EXPECT_TRUE(link.Aborted) << row.name;
     Line(Frame(kFirst));
     EXPECT_TRUE(Logged("No save:" + kFirst)) << row.name;
-    EXPECT_EQ(Contents(file), row.file_opened ? kHeader + "\r\n" : "") << row.name;
+    EXPECT_EQ(folder.Read("00001.epd"), row.file_opened ? kHeader + "\r\n" : "") << row.name;
     Finish();
   }
 }
@@ -132,7 +133,7 @@ TEST_F(CaptureTest, ForgivesOneBadLineForEachOverrun) {
   Line(bad);
   Line(Frame(kFirst));
   EXPECT_TRUE(download.SavingData);
-  EXPECT_EQ(Contents(file), kHeader + "\r\n" + kFirst + "\r\n");
+  EXPECT_EQ(folder.Read("00001.epd"), kHeader + "\r\n" + kFirst + "\r\n");
   Line(bad);
   EXPECT_FALSE(download.SavingData) << "the overrun is used up";
   Finish();
@@ -173,7 +174,7 @@ TEST_F(CaptureTest, AFullDiskFailsTheUnitAndNamesTheFile) {
   EXPECT_EQ(form.Lbl_Status.text(), link.ResultTextOf(9));
   EXPECT_EQ(TimesLogged("A-error: The raw file " + file + " cannot be written"), 1);
   Finish();
-  EXPECT_EQ(Contents(file), kHeader + "\r\n" + kFirst + "\r\n");
+  EXPECT_EQ(folder.Read("00001.epd"), kHeader + "\r\n" + kFirst + "\r\n");
 }
 
 TEST_F(CaptureTest, ShowsProgressWhenAsked) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "unit/link_fixture.h"
+#include "unit/link_world.h"
 
 namespace corvane::test {
 namespace {
@@ -99,7 +99,7 @@ TEST_F(ExchangeTest, EndsTheWait) {
   };
   for (const auto& row : rows) {
     link.UserCancel = flags.closing = link.TestingPort = false;
-    download.OutputFileName = folder.File("00001.epd");
+    download.OutputFileName = folder.Name("00001.epd");
     port_link.ClearEverything();
     const std::int64_t start = loop.MonotonicMilliseconds();
     row.script();

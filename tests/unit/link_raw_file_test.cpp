@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/status.h"
-#include "unit/link_fixture.h"
+#include "unit/link_world.h"
 
 namespace corvane::test {
 namespace {
@@ -40,23 +40,23 @@ TEST(RawFileTest, CutsTornTails) {
       {"torn line and NULs over many blocks", kHeader + kFirst, "2010/3/" + std::string(3000000, '\0')},
       {"nothing but NULs", "", std::string(100000, '\0')},
   };
-  const Folder folder;
-  const std::string file = folder.File("00001.epd");
+  const TempFolder folder;
+  const std::string file = folder.Name("00001.epd");
   for (const auto& row : rows) {
-    Store(file, row.whole + row.tail);
+    folder.Write("00001.epd", row.whole + row.tail);
     EXPECT_EQ(RepairTornTail(file), row.tail.substr(0, kLongestTail)) << row.name;
-    EXPECT_EQ(Contents(file), row.whole) << row.name;
+    EXPECT_EQ(folder.Read("00001.epd"), row.whole) << row.name;
     EXPECT_EQ(RepairTornTail(file), "") << row.name;
   }
-  EXPECT_EQ(RepairTornTail(folder.File("missing")), "");
+  EXPECT_EQ(RepairTornTail(folder.Name("missing")), "");
 }
 
 TEST(RawFileTest, LeavesAFileAloneThatIsNoRawFile) {
-  const Folder folder;
+  const TempFolder folder;
   const std::string text = kHeader + Times("2010/3/12 14:05,512,300\r", 5000);
-  Store(folder.File("x"), text);
-  EXPECT_THROW(static_cast<void>(RepairTornTail(folder.File("x"))), RunTimeError);
-  EXPECT_EQ(Contents(folder.File("x")), text);
+  folder.Write("x", text);
+  EXPECT_THROW(static_cast<void>(RepairTornTail(folder.Name("x"))), RunTimeError);
+  EXPECT_EQ(folder.Read("x"), text);
 }
 
 TEST(RawFileTest, FindsTheLastDate) {
@@ -87,49 +87,48 @@ TEST(RawFileTest, FindsTheLastDate) {
       {"a reading behind a line of many blocks", kHeader + "2010/1/1 00:00,1,2" + std::string(500000, '\0'),
        DateTime()},
   };
-  const Folder folder;
-  const std::string file = folder.File("00001.epd");
+  const TempFolder folder;
+  const std::string file = folder.Name("00001.epd");
   for (const auto& row : rows) {
-    Store(file, row.contents);
+    folder.Write("00001.epd", row.contents);
     EXPECT_EQ(LastDate(file).last_date, row.expected) << row.name;
   }
-  EXPECT_TRUE(LastDate(folder.File("missing")).last_date.IsNone());
+  EXPECT_TRUE(LastDate(folder.Name("missing")).last_date.IsNone());
 }
 
 TEST(RawFileTest, FindsADateWhereverABlockEnds) {
-  const Folder folder;
-  const std::string file = folder.File("00001.epd");
+  const TempFolder folder;
+  const std::string file = folder.Name("00001.epd");
   for (const std::size_t behind : {1000U, 1024U - 10U, 1024U - 25U, 1024U, 65536U + 1024U - 5U, 65536U + 1024U - 25U}) {
-    Store(file, kHeader + kFirst + "12010/9/9 14:20,1,2\r\n" + std::string(behind - 2, 'x') + "\r\n");
+    folder.Write("00001.epd", kHeader + kFirst + "12010/9/9 14:20,1,2\r\n" + std::string(behind - 2, 'x') + "\r\n");
     EXPECT_EQ(LastDate(file).last_date, kFirstDate) << behind;
   }
 }
 
 TEST(RawFileTest, ReportsLinesThatAreNoReadings) {
-  const Folder folder;
-  Store(folder.File("a"), kHeader + "words, words, words\r\n" + kFirst + "2010/99/1 00:00,1,2\r\n");
-  const LastDateResult result = LastDate(folder.File("a"));
+  const TempFolder folder;
+  folder.Write("a", kHeader + "words, words, words\r\n" + kFirst + "2010/99/1 00:00,1,2\r\n");
+  const LastDateResult result = LastDate(folder.Name("a"));
   EXPECT_EQ(result.problems, "Line: 2 words, words, words\r\nLine: 4 2010/99/1 00:00,1,2\r\n");
   EXPECT_EQ(result.line_text, "2010/3/12 14:05,512,300");
-  Store(folder.File("b"), kHeader + Times("words, words, words\r\n", 6) + kFirst);
-  EXPECT_TRUE(LastDate(folder.File("b")).last_date.IsNone()) << "reading stops after the sixth bad line";
+  folder.Write("b", kHeader + Times("words, words, words\r\n", 6) + kFirst);
+  EXPECT_TRUE(LastDate(folder.Name("b")).last_date.IsNone()) << "reading stops after the sixth bad line";
 }
 
 TEST(RawFileTest, StopsWhenCancelled) {
-  const Folder folder;
-  Store(folder.File("small"), kHeader + kFirst + kSecond);
+  const TempFolder folder;
+  folder.Write("small", kHeader + kFirst + kSecond);
   int polls = 0;
-  EXPECT_EQ(ReadLastDate(folder.File("small"), [&] { return ++polls < 2; }).last_date, kFirstDate);
-  Store(folder.File("large"), kHeader + kFirst + std::string(500000, 'x') + "\r\n");
+  EXPECT_EQ(ReadLastDate(folder.Name("small"), [&] { return ++polls < 2; }).last_date, kFirstDate);
+  folder.Write("large", kHeader + kFirst + std::string(500000, 'x') + "\r\n");
   polls = 0;
-  EXPECT_TRUE(ReadLastDate(folder.File("large"), [&] { return ++polls < 2; }).last_date.IsNone());
+  EXPECT_TRUE(ReadLastDate(folder.Name("large"), [&] { return ++polls < 2; }).last_date.IsNone());
   EXPECT_EQ(polls, 2);
 }
 
 TEST(RawFileTest, TakesAFileOfAGigabyte) {
-  const Folder folder;
-  const std::string file = folder.File("big");
-  Store(file, kHeader + kFirst);
+  const TempFolder folder;
+  const std::string file = folder.Write("big", kHeader + kFirst);
   std::filesystem::resize_file(file, 1 << 30);
   {
     std::ofstream end(file, std::ios::binary | std::ios::app);

@@ -4,10 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "app/operation_slot.h"
@@ -18,33 +15,9 @@
 #include "support/fake_loop.h"
 #include "support/recorders.h"
 #include "support/scripted_port.h"
+#include "support/temp_folder.h"
 
 namespace corvane::test {
-
-class Folder {
- public:
-  Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "link_test_XXXXXX").string();
-    path_ = ::mkdtemp(name.data());
-  }
-  ~Folder() { std::filesystem::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  [[nodiscard]] std::string File(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
-
-inline std::string Contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-inline void Store(const std::string& path, const std::string& contents) {
-  std::ofstream(path, std::ios::binary) << contents;
-}
 
 /// "$" + items + "*" + checksum, computed here on its own.
 inline std::string Frame(const std::string& items) {
@@ -60,7 +33,7 @@ class LinkTest : public ::testing::Test {
   LinkTest() {
     bars.Unit.SetBar(form.Bar_Unit);
     bars.Download.SetBar(form.Bar_Download);
-    trace.SetLogFile(folder.File("corvane.log"));
+    trace.SetLogFile(folder.Name("corvane.log"));
     for (CheckBox& box : form.Chk_Trace) box.SetTicked(true);
     form.Cmb_Port[0].Add("3", 3);
     form.Cmb_Port[0].SetCurrent(0);
@@ -78,7 +51,7 @@ class LinkTest : public ::testing::Test {
     };
   }
 
-  [[nodiscard]] std::string Log() const { return Contents(folder.File("corvane.log")); }
+  [[nodiscard]] std::string Log() const { return folder.Read("corvane.log"); }
   [[nodiscard]] bool Logged(const std::string& text) const { return Log().find(text) != std::string::npos; }
   /// How often `text` stands in the log.
   [[nodiscard]] int TimesLogged(const std::string& text) const {
@@ -93,7 +66,7 @@ class LinkTest : public ::testing::Test {
     exchange.SetState(command);
   }
 
-  Folder folder;
+  TempFolder folder;
   FakeLoop loop;
   FakeShell shell;
   ScriptedPort port{loop};
