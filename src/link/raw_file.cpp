@@ -132,8 +132,7 @@ std::string RepairTornTail(const std::string& as_File) {
   if (!info) return {};
   const std::int64_t whole = EndOfLastLine(as_File, info->size);
   if (whole == info->size) return {};
-  std::string tail =
-      ReadBlock(as_File, whole, std::min(info->size, whole + static_cast<std::int64_t>(kLongestTail)));
+  std::string tail = ReadBlock(as_File, whole, std::min(info->size, whole + static_cast<std::int64_t>(kLongestTail)));
   Require(CutFile(as_File, whole));
   return tail;
 }

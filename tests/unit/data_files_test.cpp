@@ -104,7 +104,8 @@ TEST(LocalFiles, ListsFiltersAndSorts) {
     EXPECT_EQ(world.Names(), row.expected) << row.name;
   }
   world.Show(0, 1, 1);
-  EXPECT_TRUE(world.form.Lst_LocalFiles.text(0).starts_with("00002.epd\t12 Kb\t20")) << world.form.Lst_LocalFiles.text(0);
+  EXPECT_TRUE(world.form.Lst_LocalFiles.text(0).starts_with("00002.epd\t12 Kb\t20"))
+      << world.form.Lst_LocalFiles.text(0);
   EXPECT_TRUE(world.form.Lst_LocalFiles.text(1).starts_with("00003.epd\t9,999 b\t20"));
   EXPECT_EQ(world.form.Lbl_Path.text(), world.Path("data"));
 }
@@ -232,9 +233,8 @@ TEST(LocalFiles, EditsAndChoosesFiles) {
   world.files.EditFile(1);
   world.files.EditFile(2);
   world.files.EditTrace();
-  EXPECT_EQ(world.shell.edited,
-            (std::vector<std::string>{world.Path("data/00003.epd"), world.Path("salinity.lkp"), "/tables/c.lkp",
-                                      world.Path("corvane.log")}));
+  EXPECT_EQ(world.shell.edited, (std::vector<std::string>{world.Path("data/00003.epd"), world.Path("salinity.lkp"),
+                                                          "/tables/c.lkp", world.Path("corvane.log")}));
 
   world.files.GetFile(0);
   EXPECT_EQ(world.form.Txt_File[0].text(), "") << "cancelled";
