@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <fstream>
 #include <functional>
 #include <vector>
 
@@ -42,83 +43,85 @@ struct ConversionWorld : DataWorld {
   }
 };
 
-const std::string kHeader = "$V2,00007,4,3,2,2010/3/12 00:00,12500*00\r\n";
+const std::string kHeader = "h,s,4,3\r\n";
 const std::string kFirst = "2010/3/12 14:05,12500,29310,7,1512,903,29300\r\n";
-const std::string kColumns = "Date, Battery, Ambient, Count, UM1, M1, Sal1, Temp1 [Mois_Correc=0 Sal_Correc=0]\r\n";
-const std::string kFirstRow = "12 Mar 2010 14:05, 12.500, 20.10, 7, 15.12, 16.02, 9.030, 20.00\r\n";
 
 struct FileCase {
-  const char* name;
+  std::string name;
+  std::vector<std::string> settings;  ///< "control=value"
   std::string raw;
-  std::function<void(ConversionWorld&)> prepare;
   std::string expected;
-  std::int64_t lines;
-  std::int64_t errors;
+  std::string counts;
 };
 
-const FileCase kFiles[] = {
-    {"one reading", kHeader + kFirst, nullptr, kColumns + kFirstRow, 1, 0},
-    {"LF line ends", "h,s,4,3\n2010/3/12 14:05,12500,29310,7,1512,903,29300\n", nullptr, kColumns + kFirstRow, 1, 0},
-    {"header only", kHeader, nullptr, "", 0, 0},
-    {"empty file", "", nullptr, "", 0, 0},
-    {"numbers begin their field, no number is 0", kHeader + "2010/3/12 14:05,12500mV,29310 C,,1512.0x,9.03e2,29300\r\n",
-     nullptr, kColumns + "12 Mar 2010 14:05, 12.500, 20.10, 0, 15.12, 16.02, 9.030, 20.00\r\n", 1, 0},
-    {"no Kelvin, corrected moisture only, two extra channels, two sensors",
-     "h,s,6,6\r\n2010/3/12 14:05,12500,2310,7,1500,2500,1512,903,2300,4000,0,2100\r\n",
-     [](ConversionWorld& world) {
-       world.form.Chk_Kelvin.SetTicked(false);
-       world.form.Chk_Uncorrected.SetTicked(false);
-       world.form.Lst_Units.SetCurrent(-1);
-     },
-     "Date, Battery, Ambient, Count, AN_0, AN_1, M1, Sal1, Temp1, M2, Sal2, Temp2 [Mois_Correc=0 Sal_Correc=0]\r\n"
-     "12 Mar 2010 14:05, 12.500, 3.10, 7, 1.500, 2.500, 16.02, 9.030, 3.00, 40.00, 0.000, 1.00\r\n",
-     1, 0},
-    {"salinity factor used, moisture factor out of range", kHeader + "2010/3/12 14:05,12500,29310,7,1512,903,29500\r\n",
-     [](ConversionWorld& world) {
-       world.registry.Units[1].MoistureCorrection = 60;
-       world.registry.Units[1].SalinityCorrection = 12.5F;
-     },
-     "Date, Battery, Ambient, Count, UM1, M1, Sal1, Temp1 [Mois_Correc=0 Sal_Correc=12.5]\r\n"
-     "12 Mar 2010 14:05, 12.500, 20.10, 7, 15.12, 16.00, 8.780, 22.00\r\n",
-     1, 0},
-    {"both factors at the reference temperature", kHeader + kFirst,
-     [](ConversionWorld& world) {
-       world.registry.Units[1].MoistureCorrection = 50;
-       world.registry.Units[1].SalinityCorrection = 50;
-     },
-     "Date, Battery, Ambient, Count, UM1, M1, Sal1, Temp1 [Mois_Correc=50 Sal_Correc=50]\r\n" + kFirstRow, 1, 0},
-    {"lookups apply though not wished, a failed one gives 0", kHeader + kFirst,
-     [](ConversionWorld& world) {
-       world.form.Chk_UseLookup.SetTicked(false);
-       EXPECT_FALSE(world.lookups.Moisture.Initialise(world.Path("none")));
-     },
-     kColumns + "12 Mar 2010 14:05, 12.500, 20.10, 7, 0.00, 0.90, 9.030, 20.00\r\n", 1, 0},
-    {"bad lines are counted, the rest is converted",
-     kHeader + "2010/3/12 14:05,1,2\r\n\r\n2010/3/12 24:05,1,2,3,4,5,6\r\n2010/3/12 14:04,1,2,3,4,5," +
-         std::string(1, '\0') + "\r\n" + std::string(100000, 'x') + "\r\n" + kFirst,
-     nullptr, kColumns + kFirstRow, 3, 5},
-    {"a last line without its end is no reading", kHeader + kFirst + "2010/3/12 14:20,12500,29310,7,1512,903,293",
-     nullptr, kColumns + kFirstRow, 1, 0},
-    {"header without numbers", "2010/3/12 14:05,x,y,z\r\n" + kFirst, nullptr, "", 0, 1},
-    {"header with huge numbers", "h,s,2000000000,2000000000\r\n" + kFirst, nullptr, "", 0, 1},
-    {"header with numbers below 0", "h,s,-2,9\r\n" + kFirst, nullptr, "", 0, 1},
-    {"header with too few fixed items", "h,s,1,0\r\n2010/3/12 14:05\r\n", nullptr,
-     "Date, Battery, Ambient, Count [Mois_Correc=0 Sal_Correc=0]\r\n12 Mar 2010 14:05, 0.000, -273.00, 0\r\n", 1, 0},
-};
+void Replace(std::string& text, const std::string& part, const std::string& by) {
+  const std::size_t at = text.find(part);
+  if (at != std::string::npos) text.replace(at, part.size(), by);
+}
+
+/// Reads tests/data/conversion_cases.txt, which says how it is written.
+std::vector<FileCase> ReadCases() {
+  std::ifstream file(std::string(TEST_DATA_DIR) + "/conversion_cases.txt");
+  std::vector<FileCase> cases;
+  std::string* text = nullptr;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("=== ")) {
+      cases.push_back({line.substr(4), {}, {}, {}, {}});
+      text = nullptr;
+    } else if (line.starts_with("--- lines")) {
+      cases.back().counts = line.substr(4);
+      text = nullptr;
+    } else if (line.starts_with("--- ")) {
+      text = line == "--- raw" ? &cases.back().raw : &cases.back().expected;
+    } else if (text != nullptr) {
+      Replace(line, "<NUL>", std::string(1, '\0'));
+      Replace(line, "<LONG>", std::string(100'000, 'x'));
+      *text += line.ends_with('~') ? line.substr(0, line.size() - 1) : line + "\r\n";
+    } else if (!cases.empty() && !line.empty()) {
+      cases.back().settings.push_back(line);
+    }
+  }
+  return cases;
+}
+
+void Apply(ConversionWorld& world, FileCase& file) {
+  for (const std::string& setting : file.settings) {
+    const std::string name = setting.substr(0, setting.find('='));
+    const std::string value = setting.substr(setting.find('=') + 1);
+    Control* const control = world.form.Find(name);
+    if (auto* const check = dynamic_cast<CheckBox*>(control)) check->SetTicked(value == "1");
+    if (auto* const options = dynamic_cast<OptionGroup*>(control)) options->SetOptionIndex(std::stoi(value));
+    if (auto* const field = dynamic_cast<TextField*>(control)) field->SetText(value);
+    if (auto* const list = dynamic_cast<List*>(control)) list->SetCurrent(std::stoi(value));
+    if (name == "Moisture") world.registry.Units[1].MoistureCorrection = std::stof(value);
+    if (name == "Salinity") world.registry.Units[1].SalinityCorrection = std::stof(value);
+    if (name == "LF") std::erase(file.raw, '\r');
+  }
+}
 
 TEST(Conversion, WritesTheCalibratedFile) {
-  for (const FileCase& file : kFiles) {
+  std::vector<FileCase> cases = ReadCases();
+  ASSERT_EQ(cases.size(), 20U);
+  for (FileCase& file : cases) {
     SCOPED_TRACE(file.name);
     ConversionWorld world;
-    if (file.prepare) file.prepare(world);
+    Apply(world, file);
     EXPECT_TRUE(world.Convert(file.raw));
     EXPECT_EQ(world.Read("1.txt"), file.expected);
-    EXPECT_EQ(world.flags.line_counter, file.lines);
-    EXPECT_EQ(world.flags.error_counter, file.errors);
+    EXPECT_EQ(
+        "lines " + std::to_string(world.flags.line_counter) + " errors " + std::to_string(world.flags.error_counter),
+        file.counts);
     EXPECT_FALSE(world.flags.converting);
-    EXPECT_EQ(world.form.Lbl_Status.text() + world.form.Frm_Main.title(), "Corvane");
+    EXPECT_EQ(world.form.Lbl_Status.text(), "");
     EXPECT_EQ(world.form.Bar_Download.value(), 0);
   }
+}
+
+TEST(Conversion, AFailedTableGivesZero) {
+  ConversionWorld world;
+  EXPECT_FALSE(world.lookups.Moisture.Initialise(world.Path("none")));
+  EXPECT_TRUE(world.Convert(kHeader + kFirst));
+  EXPECT_TRUE(world.Read("1.txt").ends_with("14:05, 12.500, 20.10, 7, 0.00, 0.90, 9.030, 20.00\r\n"));
 }
 
 TEST(Conversion, LogsBadLinesTornLinesAndTheEnd) {
@@ -130,74 +133,6 @@ TEST(Conversion, LogsBadLinesTornLinesAndTheEnd) {
   EXPECT_TRUE(world.LogHas("unterminated last line> 2010/3/1"));
   EXPECT_TRUE(world.LogHas("Finish 'ConvertToCalibrated' - closing Raw:3 calibrated: 4 OutputFile: 0 LogFile: 1"));
   EXPECT_TRUE(world.LogHas("Status: Convert: " + world.Path("1.epd")));
-}
-
-/// A raw file of one-sensor readings at these times of 12 and 13 March; the count is the position from 1.
-std::string RawAt(const std::vector<std::string>& times) {
-  std::string raw = kHeader;
-  int count = 0;
-  for (const std::string& time : times) {
-    raw += "2010/3/" + time + ",12500,29310," + std::to_string(++count) + ",0,0,29300\r\n";
-  }
-  return raw;
-}
-
-struct ScheduleCase {
-  const char* name;
-  const char* start;
-  const char* interval;
-  std::vector<std::string> readings;
-  std::vector<std::string> expected;
-};
-
-const ScheduleCase kSchedules[] = {
-    {"first at or after each logging time",
-     "06:00",
-     "03:00",
-     {"12 4:30", "12 5:30", "12 6:30", "12 7:30", "12 8:30", "12 9:30"},
-     {"12 6:30", "12 9:30"}},
-    {"a reading on the grid is on it",
-     "06:00",
-     "3",
-     {"12 3:00", "12 6:00", "12 8:59", "12 9:00"},
-     {"12 3:00", "12 6:00", "12 9:00"}},
-    {"half hours, start in the evening before",
-     "23:15",
-     "0:30",
-     {"12 0:10", "12 0:15", "12 0:44", "12 0:45", "13 0:15"},
-     {"12 0:15", "12 0:45", "13 0:15"}},
-    {"catching up after a gap",
-     "00:00",
-     "1",
-     {"12 0:00", "12 3:30", "12 3:31", "12 3:32", "12 3:33", "12 3:59", "12 4:00"},
-     {"12 0:00", "12 3:30", "12 3:31", "12 3:32", "12 4:00"}},
-    {"once a day", "06:00", "24", {"12 7:00", "13 5:59", "13 6:00"}, {"13 6:00"}},
-};
-
-TEST(Conversion, KeepsTheReadingsAtLoggingTimes) {
-  for (const ScheduleCase& row : kSchedules) {
-    SCOPED_TRACE(row.name);
-    ConversionWorld world;
-    world.LogAt(row.start, row.interval);
-    EXPECT_TRUE(world.Convert(RawAt(row.readings)));
-    const std::string text = world.Read("1.txt");
-    std::vector<std::string> dates;
-    for (std::size_t end = text.find('\n'); end + 1 < text.size(); end = text.find('\n', end + 1)) {
-      dates.push_back(text.substr(end + 1, text.find(',', end) - end - 1));
-    }
-    EXPECT_EQ(dates, row.expected);
-  }
-}
-
-TEST(Conversion, AveragesBetweenLoggingTimes) {
-  ConversionWorld world;
-  world.LogAt("06:00", "3", true);
-  EXPECT_TRUE(
-      world.Convert("h,s,4,3\n2010/3/12 4:00,10000,29310,10,100,10,29200\n2010/3/12 5:00,11000,29310,20,200,20,29300\n"
-                    "2010/3/12 6:00,12000,29310,30,300,60,29400\n2010/3/12 9:00,9000,29310,40,400,40,29300\n"));
-  EXPECT_EQ(world.Read("1.txt"), kColumns +
-                                     "12 6:00, 11.000, 20.10, 20, 2.00, 2.03, 0.300, 20.00\r\n"
-                                     "12 9:00, 9.000, 20.10, 40, 4.00, 4.04, 0.400, 20.00\r\n");
 }
 
 TEST(Conversion, AveragesMoreSamplesThan16BitsHold) {
@@ -284,30 +219,24 @@ std::string ManyReadings() {
   return raw;
 }
 
-TEST(Conversion, AFullDiskLeavesTheOldFile) {
-  ConversionWorld world;
-  world.Write("1.epd", ManyReadings());
-  world.Write("1.txt", "old");
-  {
-    const FileSizeLimit limit(100'000);
-    EXPECT_FALSE(world.converter.ConvertToCalibrated(world.Path("1.epd")));
-  }
-  EXPECT_EQ(world.Read("1.txt"), "old");
-  EXPECT_FALSE(world.Exists("1.txt.part"));
-  ASSERT_EQ(world.dialogs.boxes.size(), 1U);
-  EXPECT_NE(world.dialogs.boxes[0].text.find("1.txt.part: "), std::string::npos) << world.dialogs.boxes[0].text;
-}
-
-TEST(Conversion, CancelAndCloseEndItAndLeaveTheOldFile) {
-  for (const bool close : {false, true}) {
+TEST(Conversion, AFullDiskCancelAndCloseEndItAndLeaveTheOldFile) {
+  for (const std::string end : {"full disk", "cancel", "close"}) {
+    SCOPED_TRACE(end);
     ConversionWorld world;
+    world.Write("1.epd", ManyReadings());
     world.Write("1.txt", "old");
-    world.loop.Post([&world, close] { (close ? world.flags.closing : world.link.UserCancel) = true; });
-    EXPECT_FALSE(world.Convert(ManyReadings()));
+    if (end == "cancel") world.loop.Post([&] { world.link.UserCancel = true; });
+    if (end == "close") world.loop.Post([&] { world.flags.closing = true; });
+    {
+      const FileSizeLimit limit(end == "full disk" ? 100'000 : RLIM_INFINITY);
+      EXPECT_FALSE(world.converter.ConvertToCalibrated(world.Path("1.epd")));
+    }
     EXPECT_LT(world.flags.line_counter, 5000);
     EXPECT_EQ(world.Read("1.txt"), "old");
     EXPECT_FALSE(world.Exists("1.txt.part"));
-    EXPECT_TRUE(world.dialogs.boxes.empty());
+    const std::vector<std::string> boxes = world.dialogs.Texts();
+    EXPECT_EQ(boxes.size(), end == "full disk" ? 1U : 0U);
+    if (!boxes.empty()) EXPECT_NE(boxes[0].find("1.txt.part: "), std::string::npos) << boxes[0];
   }
 }
 
