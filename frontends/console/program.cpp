@@ -170,7 +170,8 @@ class Program {
       return false;
     }
     if (access(folder_.c_str(), W_OK | X_OK) != 0) {
-      output_.Error("corvanectl: " + Status::FromErrno("the application folder cannot be used: " + folder_, errno).text());
+      output_.Error("corvanectl: " +
+                    Status::FromErrno("the application folder cannot be used: " + folder_, errno).text());
       return false;
     }
     if (shell_.TakeInstanceLock(folder_)) return true;

@@ -16,8 +16,8 @@ constexpr const char* kConverting = "Convert: ";
 const std::vector<Column>& ColumnsOf(UnitResults::Kind kind) {
   static const std::vector<Column> kDownload = {{"Unit"},      {"Tries", true},  {"Readings", true},
                                                 {"New", true}, {"Last reading"}, {"Result"}};
-  static const std::vector<Column> kConvert = {
-      {"Unit"}, {"Readings", true}, {"Bad lines", true}, {"Last reading"}, {"Calibrated file"}, {"Result"}};
+  static const std::vector<Column> kConvert = {{"Unit"},         {"Readings", true},  {"Bad lines", true},
+                                               {"Last reading"}, {"Calibrated file"}, {"Result"}};
   static const std::vector<Column> kCommand = {{"Unit"}, {"Tries", true}, {"Result"}};
   if (kind == UnitResults::Kind::Download) return kDownload;
   return kind == UnitResults::Kind::Convert ? kConvert : kCommand;

@@ -96,7 +96,8 @@ class Child {
 class CorvanectlTest : public testing::Test {
  protected:
   CorvanectlTest() {
-    for (const char* table : {"moisture.lkp", "salinity.lkp", "salcorr.lkp"}) home_.Write(table, "0,0\r\n32000,100\r\n");
+    for (const char* table : {"moisture.lkp", "salinity.lkp", "salcorr.lkp"})
+      home_.Write(table, "0,0\r\n32000,100\r\n");
     WriteSettings("");
   }
 

@@ -38,7 +38,9 @@ class ScriptTest : public testing::Test, public FormView {
   RunFlags flags_;
   Texts answers_;
   Texts printed_;
-  ScriptRunner runner_{form_, loop_, flags_,
+  ScriptRunner runner_{form_,
+                       loop_,
+                       flags_,
                        {[this](const std::string& text) { answers_.push_back(text); }, [](const std::string&) {},
                         [this](const std::string& text) { printed_.push_back(text); }}};
 };
@@ -49,18 +51,18 @@ TEST_F(ScriptTest, SetsControlsOfEveryKindAsAPersonDoes) {
   form_.Cmb_Port[0].Add("COM1", 1);
   form_.Cmb_Port[0].Add("COM7", 7);
   form_.Cmb_LogPeriod.Add("00:15");
-  const ScriptResult result = Run(
-      "# comment\r\n\n"
-      "  set txt_timeout_0 30\r\n"
-      "set Txt_UnitName  North  field # 2 \n"
-      "set Txt_Prefix \" a\"\n"
-      "set Lbl_Mode M1\n"
-      "set Chk_Backup 1\n"
-      "set Opt_WhichFile 2\n"
-      "set Cmb_Port_0 7\n"
-      "set Cmb_LogPeriod 00:20\n"
-      "set Frm_Main 1\n"
-      "answer yes\n");
+  const ScriptResult result =
+      Run("# comment\r\n\n"
+          "  set txt_timeout_0 30\r\n"
+          "set Txt_UnitName  North  field # 2 \n"
+          "set Txt_Prefix \" a\"\n"
+          "set Lbl_Mode M1\n"
+          "set Chk_Backup 1\n"
+          "set Opt_WhichFile 2\n"
+          "set Cmb_Port_0 7\n"
+          "set Cmb_LogPeriod 00:20\n"
+          "set Frm_Main 1\n"
+          "answer yes\n");
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(form_.Txt_Timeout[0].text(), "30");
   EXPECT_EQ(left, 1);
@@ -82,9 +84,9 @@ TEST_F(ScriptTest, WorksRowsButtonsAndMenus) {
   form_.mnu_File.SetEntries({{"&Backup"}, {"E&xit"}});
   form_.mnu_File.on_click = [&clicks](std::int64_t index) { clicks.push_back("menu " + std::to_string(index)); };
   form_.Lst_LocalFiles.on_open = [&clicks] { clicks.push_back("open"); };
-  const ScriptResult result = Run(
-      "select Lst_Units 1\ncheck Lst_Units 2 1\nopen Lst_LocalFiles 0\nselect Lst_LocalFiles 0 2\n"
-      "click Cmd_Process 3\nmenu mnu_File 1\nshow Lst_Units\nshow Lst_LocalFiles\n");
+  const ScriptResult result =
+      Run("select Lst_Units 1\ncheck Lst_Units 2 1\nopen Lst_LocalFiles 0\nselect Lst_LocalFiles 0 2\n"
+          "click Cmd_Process 3\nmenu mnu_File 1\nshow Lst_Units\nshow Lst_LocalFiles\n");
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(clicks, (Texts{"open", "button", "menu 1"}));
   EXPECT_EQ(printed_, (Texts{"Lst_Units[0]: a", "Lst_Units[1]: > b", "Lst_Units[2]: [x] c", "Lst_LocalFiles[0]: > a",
