@@ -234,7 +234,7 @@ int ConsoleCommands::ListUnits() {
 }
 
 int ConsoleCommands::RunScript(const Options& options) {
-  const Script script = LoadScript(options.arguments[0], app_.form());
+  const Statements script = LoadScript(options.arguments[0], app_.form());
   ScriptRunner runner(app_.form(), loop_, app_.flags(),
                       {[this](const std::string& text) { dialogs_.QueueAnswer(text); },
                        [this](const std::string& switches) { app_.life().OnWindowActivate(switches); },

@@ -10,7 +10,7 @@
 namespace corvane::console {
 namespace {
 
-constexpr std::size_t kHelpColumn = 28;
+constexpr std::size_t kHelpColumn = 34;
 constexpr std::size_t kMany = 1'000'000;
 constexpr std::int64_t kLongestLogPeriod = 255 * 60;  ///< seconds; a unit takes two hexadecimal digits of minutes
 

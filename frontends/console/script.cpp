@@ -6,6 +6,7 @@
 #include <iostream>
 #include <iterator>
 #include <sstream>
+#include <utility>
 
 #include "base/numbers.h"
 #include "base/text.h"
@@ -148,8 +149,8 @@ Statement ParseStatement(std::string_view line, const Form& form) {
 
 }  // namespace
 
-Script ParseScript(std::string_view name, std::string_view text, Form& form) {
-  Script script;
+Statements ParseScript(std::string_view name, std::string_view text, Form& form) {
+  Statements script;
   std::int64_t number = 0;
   for (std::string_view line : Split(text, '\n')) {
     const std::string place = std::string(name) + ":" + std::to_string(++number);
@@ -166,7 +167,7 @@ Script ParseScript(std::string_view name, std::string_view text, Form& form) {
   return script;
 }
 
-Script LoadScript(const std::string& file, Form& form) {
+Statements LoadScript(const std::string& file, Form& form) {
   std::string text;
   if (file == "-") {
     text.assign(std::istreambuf_iterator<char>(std::cin), {});

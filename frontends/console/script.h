@@ -21,12 +21,12 @@ struct Statement {
   std::vector<std::int64_t> numbers;  ///< rows, index, tick, seconds or milliseconds
 };
 
-using Script = std::vector<Statement>;
+using Statements = std::vector<Statement>;
 
 /// Reads a script over the controls of `form`; `name` is for messages. Throws `UsageError` with "name:line: text" at
 /// the first line that cannot be understood.
-[[nodiscard]] Script ParseScript(std::string_view name, std::string_view text, Form& form);
+[[nodiscard]] Statements ParseScript(std::string_view name, std::string_view text, Form& form);
 /// Reads the script in `file`, or on the standard input when it is "-"; throws `UsageError`.
-[[nodiscard]] Script LoadScript(const std::string& file, Form& form);
+[[nodiscard]] Statements LoadScript(const std::string& file, Form& form);
 
 }  // namespace corvane::console

@@ -28,7 +28,7 @@ void RequireRow(const Control& control, std::int64_t row, std::int64_t count) {
 
 }  // namespace
 
-ScriptResult ScriptRunner::Run(const Script& script) {
+ScriptResult ScriptRunner::Run(const Statements& script) {
   ScriptResult result;
   for (const Statement& statement : script) {
     if (flags_.closing) break;

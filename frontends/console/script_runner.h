@@ -30,7 +30,7 @@ class ScriptRunner {
       : form_(form), loop_(loop), flags_(flags), hooks_(std::move(hooks)) {}
 
   /// Runs until the end, the first error, or the close of the program. **Yields.**
-  [[nodiscard]] ScriptResult Run(const Script& script);
+  [[nodiscard]] ScriptResult Run(const Statements& script);
   /// To be called for every change of a control: a text that shows only for a moment ends `wait-for` too.
   void OnChange(const Control& control);
 

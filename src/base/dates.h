@@ -30,9 +30,7 @@ class DateTime {
   /// The date-time of calendar parts; a day beyond its month's end counts on (30 February is 2 March at the latest).
   static DateTime FromCivil(std::int64_t year, int month, int day, int hour = 0, int minute = 0, int second = 0);
   /// The date-time of a day count, rounded to the nearest second.
-  static DateTime FromDays(double days) {
-    return DateTime(std::llround(days * static_cast<double>(kSecondsPerDay)));
-  }
+  static DateTime FromDays(double days) { return DateTime(std::llround(days * static_cast<double>(kSecondsPerDay))); }
 
   [[nodiscard]] constexpr std::int64_t seconds() const { return seconds_; }
   /// Days since day 0, the time of day as the fraction.

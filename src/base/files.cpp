@@ -11,8 +11,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "base/paths.h"
-
 namespace corvane {
 namespace {
 
@@ -21,8 +19,9 @@ constexpr std::size_t kFlushSize = 64 * 1024;
 
 Status CheckFullPath(const std::string& path) {
   if (path.starts_with('/') && path.find('\0') == std::string::npos) return Status::Ok();
-  return {EINVAL, "\"" + path +
-                      "\" is not a full path on this computer (it must begin with \"/\"): choose the folder or file again"};
+  return {EINVAL,
+          "\"" + path +
+              "\" is not a full path on this computer (it must begin with \"/\"): choose the folder or file again"};
 }
 
 DateTime LocalTime(std::time_t when) {
@@ -49,7 +48,7 @@ int WriteWhole(int descriptor, std::string_view text, std::size_t& done) {
 }
 
 Status SyncFolder(const std::string& path) {
-  const std::string folder(path.find_last_of('/') == 0 ? std::string_view("/") : FolderOf(path));
+  const std::string folder = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
   const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (descriptor < 0) return Status::FromErrno(folder, errno);
   const int error = fsync(descriptor) == 0 ? 0 : errno;
@@ -110,16 +109,19 @@ std::optional<FileInfo> ExamineFile(const std::string& path) {
 
 Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries) {
   if (Status full = CheckFullPath(folder); !full.ok()) return full;
+  entries.clear();
   DIR* const directory = opendir(folder.c_str());
   if (directory == nullptr) return Status::FromErrno(folder, errno);
-  while (const dirent* entry = readdir(directory)) {
+  errno = 0;
+  for (const dirent* entry = nullptr; (entry = readdir(directory)) != nullptr; errno = 0) {
     if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) continue;
     struct stat found {};
     if (fstatat(dirfd(directory), entry->d_name, &found, 0) != 0 || !S_ISREG(found.st_mode)) continue;
     entries.push_back({entry->d_name, InfoOf(found)});
   }
+  const int error = errno;
   closedir(directory);
-  return Status::Ok();
+  return error == 0 ? Status::Ok() : Status::FromErrno(folder, error);
 }
 
 Status MakeFolder(const std::string& path) {
@@ -144,7 +146,8 @@ Status ReadFile(const std::string& path, std::string& contents, std::int64_t lim
   for (std::size_t got = 1; got > 0 && contents.size() <= most;) {
     const std::size_t before = contents.size();
     contents.resize(before + kBlockSize);
-    if (Status block = ReadBlock(number, path, -1, contents.data() + before, kBlockSize, got); !block.ok()) return block;
+    if (Status block = ReadBlock(number, path, -1, contents.data() + before, kBlockSize, got); !block.ok())
+      return block;
     contents.resize(before + got);
   }
   if (contents.size() <= most) return Status::Ok();
@@ -159,7 +162,9 @@ Status WriteFileAtomically(const std::string& path, std::string_view contents, u
   return file.Commit();
 }
 
-OutputFile::~OutputFile() { Close(); }
+OutputFile::~OutputFile() {
+  Close();
+}
 
 Status OutputFile::OpenForAppending(const std::string& path, unsigned mode) {
   return Open(path, O_WRONLY | O_CREAT | O_APPEND, mode);
@@ -213,15 +218,18 @@ ReplacementFile::~ReplacementFile() {
 Status ReplacementFile::Open() {
   // One that a kill left behind may have other permissions.
   if (CheckFullPath(temporary_).ok()) unlink(temporary_.c_str());
+  failure_ = Status::Ok();
   return file_.Create(temporary_, mode_);
 }
 
-Status ReplacementFile::FlushWhenFull() { return buffer_.size() < kFlushSize ? Status::Ok() : Flush(); }
+Status ReplacementFile::FlushWhenFull() {
+  return buffer_.size() < kFlushSize ? Status::Ok() : Flush();
+}
 
 Status ReplacementFile::Flush() {
-  Status written = file_.Write(buffer_);
+  if (failure_.ok()) failure_ = file_.Write(buffer_);
   buffer_.clear();
-  return written;
+  return failure_;
 }
 
 Status ReplacementFile::Commit() {
@@ -235,29 +243,33 @@ Status ReplacementFile::Commit() {
 
 LineReader::LineReader() : block_(std::make_unique<char[]>(kBlockSize)) {}
 
-LineReader::~LineReader() { Close(); }
+LineReader::~LineReader() {
+  Close();
+}
 
 Status LineReader::Open(const std::string& path) {
   Close();
   begin_ = end_ = 0;
   position_ = 0;
-  at_end_ = terminated_ = cut_ = false;
+  at_end_ = terminated_ = false;
   status_ = Status::Ok();
   path_ = path;
   return OpenForReading(path, descriptor_);
 }
 
-/// Moves what is left to the front of the block and reads more behind it; false when nothing more came.
-bool LineReader::Fill() {
-  if (at_end_ || descriptor_ < 0) return false;
+void LineReader::MoveToFront() {
   std::memmove(block_.get(), block_.get() + begin_, end_ - begin_);
   end_ -= begin_;
   begin_ = 0;
+}
+
+bool LineReader::ReadMore() {
+  if (at_end_ || descriptor_ < 0) return false;
   std::size_t got = 0;
   status_ = ReadBlock(descriptor_, path_, -1, block_.get() + end_, kBlockSize - end_, got);
   end_ += got;
   at_end_ = got == 0;
-  return got > 0;
+  return got > 0 && status_.ok();
 }
 
 const char* LineReader::FindLineEnd(std::size_t& length) {
@@ -270,7 +282,9 @@ const char* LineReader::FindLineEnd(std::size_t& length) {
       return static_cast<const char*>(found);
     }
     length = end_ - begin_;
-    if (length > kLongestLine || !Fill()) return nullptr;
+    if (length > kLongestLine) return nullptr;
+    MoveToFront();
+    if (!ReadMore()) return nullptr;
   }
 }
 
@@ -279,20 +293,36 @@ void LineReader::Consume(std::size_t length) {
   position_ += static_cast<std::int64_t>(length);
 }
 
+bool LineReader::DropRest() {
+  while (true) {
+    const char* const rest = block_.get() + begin_;
+    const void* const found = std::memchr(rest, '\n', end_ - begin_);
+    Consume(found != nullptr ? static_cast<std::size_t>(static_cast<const char*>(found) - rest) + 1 : end_ - begin_);
+    if (found != nullptr) return true;
+    begin_ = end_ = kLongestLine;
+    if (!ReadMore()) return false;
+  }
+}
+
 bool LineReader::Next(std::string_view& line) {
   std::size_t length = 0;
-  while (std::exchange(cut_, false)) {
-    cut_ = FindLineEnd(length) == nullptr && length > 0;
-    Consume(cut_ ? length : std::min(length + 1, end_ - begin_));
+  terminated_ = FindLineEnd(length) != nullptr;
+  if (!status_.ok() || (!terminated_ && length == 0)) return false;
+  if (!terminated_ && length > kLongestLine) {
+    MoveToFront();
+    line = {block_.get(), kLongestLine};
+    Consume(kLongestLine);
+    terminated_ = DropRest();
+  } else {
+    line = {block_.get() + begin_, std::min(length, kLongestLine)};
+    Consume(length + (terminated_ ? 1 : 0));
   }
-  const bool found = FindLineEnd(length) != nullptr;
-  if (!status_.ok() || (!found && length == 0)) return false;
-  const std::string_view text(block_.get() + begin_, std::min(length, kLongestLine));
-  cut_ = !found && length > kLongestLine;
-  terminated_ = found || cut_;
-  Consume(found ? length + 1 : length);
-  line = text.ends_with('\r') ? text.substr(0, text.size() - 1) : text;
-  return true;
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return status_.ok();
+}
+
+void LineReader::Close() {
+  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
 Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes) {
@@ -305,10 +335,6 @@ Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, 
   Status read = ReadBlock(number, path, offset, bytes.data(), length, got);
   bytes.resize(got);
   return read;
-}
-
-void LineReader::Close() {
-  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
 Status CutFile(const std::string& path, std::int64_t size) {

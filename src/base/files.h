@@ -32,7 +32,7 @@ struct FolderEntry {
 
 /// What stands at `path`; none when nothing does or it cannot be examined.
 [[nodiscard]] std::optional<FileInfo> ExamineFile(const std::string& path);
-/// The regular files of a folder, in no particular order; entries that vanish meanwhile are left out.
+/// The regular files of a folder and links to such, in no particular order; what vanishes meanwhile is left out.
 Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries);
 /// Creates one folder; its parent must exist. One that exists already is a success.
 Status MakeFolder(const std::string& path);
@@ -98,6 +98,7 @@ class ReplacementFile {
   unsigned mode_;
   std::string buffer_;
   OutputFile file_;
+  Status failure_;  ///< the first write that failed; nothing is committed after it
 };
 
 /// Reads a text file line by line in blocks, with bounded memory whatever the file's size.
@@ -120,14 +121,20 @@ class LineReader {
   [[nodiscard]] bool terminated() const { return terminated_; }
   /// Ok unless reading failed.
   [[nodiscard]] const Status& status() const { return status_; }
-  /// Bytes consumed so far.
+  /// Bytes consumed so far: where the next line begins.
   [[nodiscard]] std::int64_t position() const { return position_; }
   void Close();
 
  private:
-  bool Fill();
+  /// Moves what is left of the block to its front.
+  void MoveToFront();
+  /// Reads behind what the block holds until it is full; false when nothing more came.
+  bool ReadMore();
   /// The next line feed, nullptr when the line is too long or the file ends; `length` is the line's so far.
   const char* FindLineEnd(std::size_t& length);
+  /// Drops what follows up to the line's end, keeping the first `kLongestLine` bytes of the block; false at the file's
+  /// end.
+  bool DropRest();
   void Consume(std::size_t length);
 
   int descriptor_ = -1;
@@ -138,7 +145,6 @@ class LineReader {
   std::int64_t position_ = 0;
   bool terminated_ = false;
   bool at_end_ = false;
-  bool cut_ = false;  ///< the rest of a line that was too long is still to be dropped
   Status status_;
 };
 

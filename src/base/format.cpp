@@ -1,5 +1,6 @@
 #include "base/format.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 
@@ -15,7 +16,11 @@ constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "
 constexpr std::array<std::string_view, 7> kDays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                    "Thursday", "Friday", "Saturday"};
 
-constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
+constexpr std::string_view kAmPm = "AM/PM";
+
+constexpr char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
 
 void AppendNumber(std::string& out, std::int64_t number, int width) {
   if (number >= 0 && number < 100 && width <= 2) {
@@ -29,7 +34,8 @@ void AppendNumber(std::string& out, std::int64_t number, int width) {
 /// The longest run of the letter at `start` that a field takes.
 int RunLength(std::string_view pattern, std::size_t start, int longest) {
   int length = 1;
-  while (length < longest && start + length < pattern.size() && Lower(pattern[start + length]) == Lower(pattern[start])) {
+  while (length < longest && start + length < pattern.size() &&
+         Lower(pattern[start + length]) == Lower(pattern[start])) {
     ++length;
   }
   return length;
@@ -50,7 +56,9 @@ struct DateParts {
   int day;
 };
 
+/// A number without a sign, blanks around it allowed.
 std::optional<int> SmallNumber(std::string_view text, int lowest, int highest) {
+  if (text.find_first_of("+-") != std::string_view::npos) return std::nullopt;
   const auto number = ParseInteger(text, lowest, highest);
   if (!number) return std::nullopt;
   return static_cast<int>(*number);
@@ -81,28 +89,31 @@ std::optional<DateParts> TakeDate(std::vector<std::string_view>& words) {
 }  // namespace
 
 DatePattern::DatePattern(std::string_view pattern) {
+  struct Letter {
+    char letter;
+    Field field;
+    int longest;
+  };
+  static constexpr std::array<Letter, 6> kLetters = {{{'d', Field::Day, 4},
+                                                      {'m', Field::Month, 4},
+                                                      {'y', Field::Year, 4},
+                                                      {'h', Field::Hour, 2},
+                                                      {'n', Field::Minute, 2},
+                                                      {'s', Field::Second, 2}}};
   for (std::size_t at = 0; at < pattern.size();) {
-    const auto take = [&](Field field, int longest) {
-      const int width = RunLength(pattern, at, longest);
-      pieces_.push_back({field, width, {}});
-      at += static_cast<std::size_t>(width);
-    };
-    if (at + 5 <= pattern.size() && EqualsNoCase(pattern.substr(at, 5), "AM/PM")) {
-      pieces_.push_back({Field::AmPm, 5, {}});
+    const auto letter = std::find_if(kLetters.begin(), kLetters.end(),
+                                     [c = Lower(pattern[at])](const Letter& known) { return known.letter == c; });
+    if (StartsWithNoCase(pattern.substr(at), kAmPm)) {
+      pieces_.push_back({Field::AmPm, 0, {}});
       twelve_hours_ = true;
-      at += 5;
-      continue;
-    }
-    switch (Lower(pattern[at])) {
-      case 'd': take(Field::Day, 4); break;
-      case 'm': take(Field::Month, 4); break;
-      case 'y': take(Field::Year, 4); break;
-      case 'h': take(Field::Hour, 2); break;
-      case 'n': take(Field::Minute, 2); break;
-      case 's': take(Field::Second, 2); break;
-      default:
-        if (pieces_.empty() || pieces_.back().field != Field::Literal) pieces_.push_back({Field::Literal, 0, {}});
-        pieces_.back().literal += pattern[at++];
+      at += kAmPm.size();
+    } else if (letter != kLetters.end()) {
+      const int width = RunLength(pattern, at, letter->longest);
+      pieces_.push_back({letter->field, width, {}});
+      at += static_cast<std::size_t>(width);
+    } else {
+      if (pieces_.empty() || pieces_.back().field != Field::Literal) pieces_.push_back({Field::Literal, 0, {}});
+      pieces_.back().literal += pattern[at++];
     }
   }
   ResolveMinutes();
@@ -130,8 +141,12 @@ void DatePattern::AppendTo(std::string& out, DateTime when) const {
 
 void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilTime& civil) const {
   switch (piece.field) {
-    case Field::Literal: out += piece.literal; break;
-    case Field::Day: AppendNumber(out, civil.day, piece.width); break;
+    case Field::Literal:
+      out += piece.literal;
+      break;
+    case Field::Day:
+      AppendNumber(out, civil.day, piece.width);
+      break;
     case Field::Weekday: {
       const std::string_view name = kDays[static_cast<std::size_t>(civil.weekday)];
       out += piece.width == 3 ? name.substr(0, 3) : name;
@@ -152,10 +167,18 @@ void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilT
         AppendNumber(out, civil.year % 100, 2);
       }
       break;
-    case Field::Hour: AppendNumber(out, twelve_hours_ ? (civil.hour + 11) % 12 + 1 : civil.hour, piece.width); break;
-    case Field::Minute: AppendNumber(out, civil.minute, piece.width); break;
-    case Field::Second: AppendNumber(out, civil.second, piece.width); break;
-    case Field::AmPm: out += civil.hour < 12 ? "AM" : "PM"; break;
+    case Field::Hour:
+      AppendNumber(out, twelve_hours_ ? (civil.hour + 11) % 12 + 1 : civil.hour, piece.width);
+      break;
+    case Field::Minute:
+      AppendNumber(out, civil.minute, piece.width);
+      break;
+    case Field::Second:
+      AppendNumber(out, civil.second, piece.width);
+      break;
+    case Field::AmPm:
+      out += civil.hour < 12 ? "AM" : "PM";
+      break;
   }
 }
 
@@ -165,7 +188,9 @@ std::string DatePattern::Text(DateTime when) const {
   return text;
 }
 
-std::string FormatDate(DateTime when, std::string_view pattern) { return DatePattern(pattern).Text(when); }
+std::string FormatDate(DateTime when, std::string_view pattern) {
+  return DatePattern(pattern).Text(when);
+}
 
 std::string GeneralDate(DateTime when) {
   static const DatePattern kGeneral("yyyy-mm-dd HH:NN:SS");

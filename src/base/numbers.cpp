@@ -13,12 +13,30 @@ namespace {
 
 constexpr int kMostDecimals = 6;
 constexpr std::array<double, kMostDecimals + 1> kPowersOfTen = {1, 10, 100, 1e3, 1e4, 1e5, 1e6};
-constexpr double kLargestFast = 1e9;     // below it the scaled number is off by less than a millionth
-constexpr double kNearHalf = 1e-5;       // closer to a half than this, the decimal text decides
+constexpr double kLargestFast = 1e9;  // below it the scaled number is off by less than a millionth
+constexpr double kNearHalf = 1e-5;    // closer to a half than this, the decimal text decides
 constexpr int kSignificantDigits = 15;
 constexpr double kLargestPlain = 1e15;
+constexpr double kLargestInteger = 1e18;
 
-constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// The number at the start of `text` (one sign at most); where it ends is left in `end`, the start when there is none.
+double NumberAtStart(std::string_view text, const char*& end) {
+  end = text.data();
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-')) return 0;
+  }
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  if (first == text.size() || (!IsDigit(text[first]) && text[first] != '.')) return 0;
+  double number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec == std::errc()) end = result.ptr;
+  return result.ec == std::errc() ? number : 0;
+}
 
 /// Appends `whole` with `decimals` of its last digits behind the point.
 void AppendScaled(std::string& out, std::uint64_t whole, int decimals, bool negative) {
@@ -61,9 +79,8 @@ std::string Shortest(Number number) {
   if (number == 0) return "0";
   std::array<char, 400> text;
   const bool plain = std::abs(number) < Number(kLargestPlain) && std::abs(number) >= Number(1e-5);
-  const auto written =
-      plain ? std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed)
-            : std::to_chars(text.data(), text.data() + text.size(), number);
+  const auto written = plain ? std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed)
+                             : std::to_chars(text.data(), text.data() + text.size(), number);
   return {text.data(), written.ptr};
 }
 
@@ -78,23 +95,15 @@ double LeadingNumber(std::string_view text) {
   if (at > start && (at == text.size() || (!IsDigit(text[at]) && text[at] != '.' && (text[at] | 0x20) != 'e'))) {
     return static_cast<double>(whole);
   }
-  std::string_view rest = text.substr(start);
-  if (rest.starts_with('+')) rest.remove_prefix(1);
-  const std::string_view unsigned_part = rest.starts_with('-') ? rest.substr(1) : rest;
-  if (unsigned_part.empty() || (!IsDigit(unsigned_part[0]) && unsigned_part[0] != '.')) return 0;
-  double number = 0;
-  const auto result = std::from_chars(rest.data(), rest.data() + rest.size(), number);
-  return result.ec == std::errc() ? number : 0;
+  const char* end = nullptr;
+  return NumberAtStart(text.substr(start), end);
 }
 
 std::optional<double> ParseNumber(std::string_view text) {
   text = Trim(text);
-  if (text.starts_with('+')) text.remove_prefix(1);
-  const std::string_view unsigned_part = text.starts_with('-') ? text.substr(1) : text;
-  if (unsigned_part.empty() || (!IsDigit(unsigned_part[0]) && unsigned_part[0] != '.')) return std::nullopt;
-  double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
+  const char* end = nullptr;
+  const double number = NumberAtStart(text, end);
+  if (text.empty() || end != text.data() + text.size()) return std::nullopt;
   return number;
 }
 
@@ -113,23 +122,35 @@ std::optional<std::int64_t> ParseInteger(std::string_view text, std::int64_t low
 
 std::int32_t LeadingInteger(std::string_view text) {
   using Limits = std::numeric_limits<std::int32_t>;
-  return static_cast<std::int32_t>(
-      std::clamp<double>(std::trunc(LeadingNumber(text)), Limits::min(), Limits::max()));
+  return static_cast<std::int32_t>(std::clamp<double>(std::trunc(LeadingNumber(text)), Limits::min(), Limits::max()));
 }
 
-std::string ShortestText(float number) { return Shortest(number); }
+std::string ShortestText(float number) {
+  return Shortest(number);
+}
 
-std::string ShortestText(double number) { return Shortest(number); }
+std::string ShortestText(double number) {
+  return Shortest(number);
+}
 
 void AppendFixed(std::string& out, double number, int decimals) {
   decimals = std::clamp(decimals, 0, kMostDecimals);
   const double size = std::abs(number);
   const double scaled = size * kPowersOfTen[static_cast<std::size_t>(decimals)];
-  if (!(size < kLargestPlain)) {
+  if (std::isnan(number)) {
+    out += "nan";
+    return;
+  }
+  if (size >= kLargestPlain) {
     std::array<char, 400> text;
     const auto written =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, decimals);
     out.append(text.data(), written.ptr);
+    return;
+  }
+  if (scaled >= kLargestInteger) {  // more decimals than the 15-digit text has
+    AppendFixed(out, number, decimals - 3);
+    out += "000";
     return;
   }
   std::uint64_t rounded = 0;

@@ -7,12 +7,14 @@
 
 namespace corvane {
 
-/// The number that `text` begins with (blanks before it skipped, sign, decimal point and exponent allowed), 0 when none.
+/// The number that `text` begins with (blanks before it skipped, sign, decimal point and exponent allowed), 0 when
+/// there is none or it is beyond the range of a double.
 [[nodiscard]] double LeadingNumber(std::string_view text);
 /// The whole of `text` as a number with "." as the decimal point, blanks around it allowed; none when it is not one.
 [[nodiscard]] std::optional<double> ParseNumber(std::string_view text);
 /// The whole of `text` as an integer within the limits, blanks around it allowed; none when it is not one.
-[[nodiscard]] std::optional<std::int64_t> ParseInteger(std::string_view text, std::int64_t lowest, std::int64_t highest);
+[[nodiscard]] std::optional<std::int64_t> ParseInteger(std::string_view text, std::int64_t lowest,
+                                                       std::int64_t highest);
 /// The leading number of `text` cut to an integer and held within the 32-bit range.
 [[nodiscard]] std::int32_t LeadingInteger(std::string_view text);
 
@@ -22,7 +24,8 @@ namespace corvane {
 [[nodiscard]] std::string ShortestText(double number);
 /// Appends `number` with exactly `decimals` (0 to 6) decimals; halves of its 15-digit decimal text go away from zero.
 ///
-/// Never writes "-0.00". Values beyond 1e15 are written in full; not-a-number is written as "nan".
+/// Never writes "-0.00". Values beyond 1e15 are written in full; infinities are written as "inf", what is no number as
+/// "nan".
 void AppendFixed(std::string& out, double number, int decimals);
 /// `number` with exactly `decimals` decimals, rounded as `AppendFixed` does.
 [[nodiscard]] std::string FixedText(double number, int decimals);

@@ -11,7 +11,9 @@ namespace {
 
 constexpr char kSeparator = '/';
 
-bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+bool IsSeparator(char c) {
+  return c == '/' || c == '\\';
+}
 
 }  // namespace
 
@@ -28,7 +30,8 @@ std::string AddBackslash(std::string_view path) {
 }
 
 std::string PlaceInFolder(std::string_view folder, std::string_view name) {
-  if (name.find(':') != std::string_view::npos || name.starts_with(kSeparator)) return std::string(name);
+  if (name.find(':') != std::string_view::npos) return std::string(name);
+  if (!name.empty() && IsSeparator(name.front())) return WithSlashes(name);
   return AddBackslash(folder) + WithSlashes(name);
 }
 
@@ -79,7 +82,9 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
 
 bool CreatePath(std::string_view path) {
   const std::string whole = WithSlashes(path);
-  for (std::size_t end = whole.find(kSeparator, 1);; end = whole.find(kSeparator, end + 1)) {
+  const bool is_full = whole.starts_with(kSeparator);  // any other is refused as a whole
+  for (std::size_t end = is_full ? whole.find(kSeparator, 1) : std::string::npos;;
+       end = whole.find(kSeparator, end + 1)) {
     const std::string part = whole.substr(0, end);
     const auto existing = ExamineFile(part);
     if (!existing || !existing->is_folder) {
@@ -89,7 +94,9 @@ bool CreatePath(std::string_view path) {
   }
 }
 
-std::string Quote(std::string_view text) { return "\"" + std::string(text) + "\""; }
+std::string Quote(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
 
 std::string FormatSize(long long bytes) {
   if (bytes < 0) return {};

@@ -10,7 +10,7 @@ namespace corvane {
 [[nodiscard]] std::string WithSlashes(std::string_view path);
 /// `path` unchanged when it is empty or ends in a separator, else with one appended.
 [[nodiscard]] std::string AddBackslash(std::string_view path);
-/// `name` as it stands when it contains ":" or begins with "/", else `name` in `folder`.
+/// `name` as it stands when it contains ":", with slashes when it begins with a separator, else `name` in `folder`.
 [[nodiscard]] std::string PlaceInFolder(std::string_view folder, std::string_view name);
 /// The part after the last separator.
 [[nodiscard]] std::string_view FileNameOf(std::string_view path);
@@ -18,7 +18,8 @@ namespace corvane {
 [[nodiscard]] std::string_view FolderOf(std::string_view path);
 /// The text after the last "." of the file name, empty when there is none.
 [[nodiscard]] std::string_view ExtensionOf(std::string_view path);
-/// `path` with its extension (the text after the last "." of the file name, dot included) replaced by "." + `extension`.
+/// `path` with its extension (the text after the last "." of the file name, dot included) replaced by "." +
+/// `extension`.
 [[nodiscard]] std::string WithExtension(std::string_view path, std::string_view extension);
 /// True when `name` matches `pattern`, in which "*" stands for any run of characters; letter case counts.
 [[nodiscard]] bool MatchesPattern(std::string_view name, std::string_view pattern);

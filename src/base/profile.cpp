@@ -1,6 +1,8 @@
 #include "base/profile.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <optional>
 #include <utility>
 
 #include "base/files.h"
@@ -12,9 +14,22 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr unsigned kPrivateMode = 0600;
 
-bool IsComment(std::string_view text) { return text.starts_with(';') || text.starts_with('#'); }
+bool IsComment(std::string_view text) {
+  return text.starts_with(';') || text.starts_with('#');
+}
 
-bool IsQuoted(std::string_view value) { return value.size() >= 2 && value.front() == '"' && value.back() == '"'; }
+bool IsQuoted(std::string_view value) {
+  return value.size() >= 2 && value.front() == '"' && value.back() == '"';
+}
+
+/// The name in a section's heading, "[name]" with nothing or a comment behind it; none when `line` is no heading.
+std::optional<std::string_view> HeadingName(std::string_view line) {
+  const std::size_t close = line.find(']');
+  if (!line.starts_with('[') || close == std::string_view::npos) return std::nullopt;
+  const std::string_view rest = Trim(line.substr(close + 1));
+  if (!rest.empty() && !IsComment(rest)) return std::nullopt;
+  return Trim(line.substr(1, close - 1));
+}
 
 /// A value as it is stored: without line breaks, quoted when reading would otherwise change it.
 std::string Stored(std::string_view value) {
@@ -30,9 +45,10 @@ std::string Stored(std::string_view value) {
 Status ProfileFile::Load(const std::string& path) {
   *this = ProfileFile();
   AddSection("", "");
-  if (!ExamineFile(path)) return Status::Ok();
   std::string contents;
-  if (Status read = ReadFile(path, contents, kLargestFile); !read.ok()) return read;
+  if (Status read = ReadFile(path, contents, kLargestFile); !read.ok()) {
+    return read.code() == ENOENT ? Status::Ok() : read;
+  }
   std::replace(contents.begin(), contents.end(), '\0', ' ');
   std::string_view rest = contents;
   if (rest.starts_with(kByteOrderMark)) {
@@ -59,8 +75,8 @@ ProfileFile::Section& ProfileFile::AddSection(std::string_view name, std::string
 
 void ProfileFile::ParseLine(std::string_view text) {
   const std::string_view trimmed = Trim(text);
-  if (trimmed.starts_with('[') && trimmed.ends_with(']')) {
-    AddSection(Trim(trimmed.substr(1, trimmed.size() - 2)), text);
+  if (const auto heading = HeadingName(trimmed)) {
+    AddSection(*heading, text);
     return;
   }
   const std::size_t equals = text.find('=');
@@ -71,14 +87,15 @@ void ProfileFile::ParseLine(std::string_view text) {
   } else if (!trimmed.empty() && !IsComment(trimmed)) {
     has_broken_lines_ = true;
   }
-  section.lines.push_back({std::string(text), is_key ? equals + 1 : 0});
+  const std::size_t value = is_key ? text.find_first_not_of(" \t", equals + 1) : 0;
+  section.lines.push_back({std::string(text), std::min(value, text.size())});
 }
 
 Status ProfileFile::Save(const std::string& path) const {
   std::string contents = start_;
   for (const Section& section : sections_) {
-    if (!section.heading.empty()) contents += section.heading + line_end_;
-    for (const Line& line : section.lines) contents += line.text + line_end_;
+    if (!section.heading.empty()) contents.append(section.heading).append(line_end_);
+    for (const Line& line : section.lines) contents.append(line.text).append(line_end_);
   }
   return WriteFileAtomically(path, contents, kPrivateMode);
 }
@@ -134,7 +151,7 @@ std::vector<std::string> ProfileFile::Keys(std::string_view section) const {
   const Section* const found = FindSection(section);
   if (found == nullptr) return keys;
   for (const Line& line : found->lines) {
-    if (line.value_start > 0) keys.emplace_back(Trim(std::string_view(line.text).substr(0, line.value_start - 1)));
+    if (line.value_start > 0) keys.emplace_back(Trim(std::string_view(line.text).substr(0, line.text.find('='))));
   }
   return keys;
 }

@@ -13,8 +13,8 @@ namespace corvane {
 /// A private-profile (INI) file held as its raw lines, so that what the program does not know survives a save.
 ///
 /// Sections and keys compare without regard to case; the first of doubles wins. Comments, unknown lines, order and the
-/// file's line ends stay; a new key goes to the end of its section, a new section to the end of the file. Finding a key
-/// takes constant time. Format: docs/formats/settings-file.md.
+/// file's line ends stay (a mixture becomes what its first line has); a new key goes to the end of its section, a new
+/// section to the end of the file. Finding a key takes constant time. Format: docs/formats/settings-file.md.
 class ProfileFile {
  public:
   static constexpr long long kLargestFile = 64LL * 1024 * 1024;
@@ -38,8 +38,8 @@ class ProfileFile {
 
  private:
   struct Line {
-    std::string text;  ///< without its line end
-    std::size_t value_start = 0;
+    std::string text;             ///< without its line end
+    std::size_t value_start = 0;  ///< 0 in a line that is no key
   };
   struct Section {
     std::string name;

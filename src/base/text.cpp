@@ -5,8 +5,12 @@
 namespace corvane {
 namespace {
 
-constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr char Upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 }  // namespace
 
@@ -96,6 +100,8 @@ std::string_view CutCharacters(std::string_view text, std::size_t characters) {
   return text.substr(0, end);
 }
 
-std::string_view TrueFalse(bool value) { return value ? "True" : "False"; }
+std::string_view TrueFalse(bool value) {
+  return value ? "True" : "False";
+}
 
 }  // namespace corvane
