@@ -21,6 +21,7 @@ Status CopyFile(const std::string& source, const std::string& target) {
   std::string block;
   Status status = ReadAt(source, 0, kBlock, block);
   if (!status.ok()) return status;
+  (void)RemoveFile(target);  // an older copy may be readable for others
   OutputFile copy;
   status = copy.Create(target, kPrivateMode);
   for (auto offset = static_cast<std::int64_t>(block.size()); status.ok() && !block.empty();

@@ -136,8 +136,8 @@ void DownloadCapture::ShowProgress(DateTime av_When) {
 }
 
 void DownloadCapture::RejectLine() {
-  const bool forgiven = link_.OverunFlag && LeadingNumber(form_.Txt_MaxOveruns.text()) >=
-                                                static_cast<double>(link_.OverunCount);
+  const bool forgiven =
+      link_.OverunFlag && LeadingNumber(form_.Txt_MaxOveruns.text()) >= static_cast<double>(link_.OverunCount);
   if (forgiven) {
     link_.OverunFlag = false;
     return;
@@ -154,9 +154,12 @@ void DownloadCapture::Abort(const std::string& as_Error) {
 }
 
 void DownloadCapture::FailDownload(const std::string& as_Reason) {
-  if (link_.HalvexError) return;
   const std::string error = "The raw file " + download_.OutputFileName + " cannot be written (" + as_Reason +
                             "). Make room on its disk or repair the disk; the unit is asked again for what is missing";
+  if (link_.HalvexError) {
+    trace_.TraceDecision(error);
+    return;
+  }
   Abort(error);
   link_.HalvexError = true;
   link_.ResultCode = kCommsErrorResult;
@@ -211,6 +214,8 @@ void DownloadCapture::CloseOutputFile() {
   download_.Output.Close();
 }
 
-int DownloadCapture::OutputFileNumber() const { return download_.Output.IsOpen() ? kOutputFile : kNoFile; }
+int DownloadCapture::OutputFileNumber() const {
+  return download_.Output.IsOpen() ? kOutputFile : kNoFile;
+}
 
 }  // namespace corvane

@@ -28,7 +28,9 @@ constexpr int kAddressDigits = 5;
 constexpr std::int64_t kSlowSendMilliseconds = 10;
 constexpr std::string_view kCarriageReturn = "\r";
 
-bool IsState(std::int16_t ai_Command) { return ai_Command >= kIdle && ai_Command <= kLastState; }
+bool IsState(std::int16_t ai_Command) {
+  return ai_Command >= kIdle && ai_Command <= kLastState;
+}
 
 }  // namespace
 

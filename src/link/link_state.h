@@ -46,12 +46,12 @@ struct LinkState {
   std::int64_t OverunCount = 0;
   bool OverunFlag = false;
   bool TestingPort = false;
-  std::int64_t LineCount = 0;      ///< reply lines counted for the current command
+  std::int64_t LineCount = 0;  ///< reply lines counted for the current command
   std::int64_t LinesExpected = 0;
-  bool DataPhase = false;          ///< a reply line other than the echo has arrived since the last send
-  double CountDown = 0;            ///< seconds the reply may take
-  bool Aborted = false;            ///< an escape was sent while an answer was awaited
-  std::int64_t LastLineTime = 0;   ///< monotonic milliseconds of the last send or complete line
+  bool DataPhase = false;         ///< a reply line other than the echo has arrived since the last send
+  double CountDown = 0;           ///< seconds the reply may take
+  bool Aborted = false;           ///< an escape was sent while an answer was awaited
+  std::int64_t LastLineTime = 0;  ///< monotonic milliseconds of the last send or complete line
 
   /// True when neither the user nor the count-down ended the exchange.
   // Intended: an error reply does not count here, the session tries that unit again and goes on.
@@ -66,12 +66,12 @@ struct LinkState {
 
 /// The state of one download, beside the link's.
 struct DownloadState {
-  std::string HeaderLine;         ///< items text of the header as last received
+  std::string HeaderLine;  ///< items text of the header as last received
   std::int64_t ItemsPerLine = 0;
   bool SavingData = false;
-  OutputFile Output;              ///< the open raw file
+  OutputFile Output;  ///< the open raw file
   std::string OutputFileName;
-  DateTime LastDate;              ///< last reading already stored, none when there is none
+  DateTime LastDate;  ///< last reading already stored, none when there is none
 };
 
 }  // namespace corvane

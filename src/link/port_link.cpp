@@ -211,7 +211,8 @@ void PortLink::TakeError(int al_Code, std::string_view as_Error) {
 }
 
 std::string PortLink::WithBufferSize(std::string_view as_Error) const {
-  return std::string(as_Error) + " Buffer size:" + std::to_string(link_.ReceiveBuffer.size() + lines_.size() - next_line_);
+  return std::string(as_Error) +
+         " Buffer size:" + std::to_string(link_.ReceiveBuffer.size() + lines_.size() - next_line_);
 }
 
 void PortLink::FailExchange(std::string_view as_Error) {

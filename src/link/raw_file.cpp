@@ -10,7 +10,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kTailBytes = 1024;
-constexpr std::int64_t kBlockBytes = 64 * 1024;
+constexpr std::int64_t kBlockBytes = std::int64_t{64} * 1024;
 constexpr std::size_t kShortestReading = 11;
 constexpr int kMostProblems = 5;
 
@@ -132,8 +132,7 @@ std::string RepairTornTail(const std::string& as_File) {
   if (!info) return {};
   const std::int64_t whole = EndOfLastLine(as_File, info->size);
   if (whole == info->size) return {};
-  std::string tail =
-      ReadBlock(as_File, whole, std::min(info->size, whole + static_cast<std::int64_t>(kLongestTail)));
+  std::string tail = ReadBlock(as_File, whole, std::min(info->size, whole + static_cast<std::int64_t>(kLongestTail)));
   Require(CutFile(as_File, whole));
   return tail;
 }

@@ -26,8 +26,8 @@ inline constexpr std::size_t kLongestTail = 1024;
 
 /// Finds the date of the last reading stored in a raw file, from its end. Throws `RunTimeError` on a read error.
 ///
-/// A file below 1024 bytes is read from its start. `av_Poll` runs after each line, in a larger file after each block; it
-/// may yield and stops the reading by returning false. An unterminated last line and lines with NUL are no readings.
+/// A file below 1024 bytes is read from its start. `av_Poll` runs after each line, in a larger file after each block;
+/// it may yield and stops the reading by returning false. An unterminated last line and lines with NUL are no readings.
 [[nodiscard]] LastDateResult ReadLastDate(const std::string& as_File, const std::function<bool()>& av_Poll);
 
 }  // namespace corvane

@@ -54,7 +54,9 @@ void SplitLine(std::string_view as_Line, RawLine& av_Result) {
   SplitInto(av_Result.items_text, ',', av_Result.items);
 }
 
-std::string LineChecksum(std::string_view as_Text) { return HexText(ExclusiveOr(as_Text), 2); }
+std::string LineChecksum(std::string_view as_Text) {
+  return HexText(ExclusiveOr(as_Text), 2);
+}
 
 std::optional<DateTime> ParseReadingDate(std::string_view as_Text) {
   std::string_view rest = as_Text;

@@ -12,8 +12,8 @@ namespace corvane {
 
 /// A reply line taken apart; the views point into the line.
 struct RawLine {
-  std::string_view items_text;           ///< between "$" and "*", or the whole line when it is not framed
-  std::vector<std::string_view> items;   ///< split at ",", empty ones included
+  std::string_view items_text;          ///< between "$" and "*", or the whole line when it is not framed
+  std::vector<std::string_view> items;  ///< split at ",", empty ones included
   bool checksum_good = false;
 };
 
@@ -25,7 +25,8 @@ void SplitLine(std::string_view as_Line, RawLine& av_Result);
 [[nodiscard]] std::string LineChecksum(std::string_view as_Text);
 /// The date of a reading, "year/month/day hour:minute" with fields of any width; none when it is not valid.
 ///
-/// Year 2001 to 9999, month 1 to 12, day 1 to 31 (a day beyond its month's end counts on), hour 0 to 23, minute 0 to 59.
+/// Year 2001 to 9999, month 1 to 12, day 1 to 31 (a day beyond its month's end counts on), hour 0 to 23, minute 0
+/// to 59.
 [[nodiscard]] std::optional<DateTime> ParseReadingDate(std::string_view as_Text);
 
 }  // namespace corvane

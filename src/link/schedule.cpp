@@ -51,9 +51,13 @@ void Schedule::StartHeartbeat() {
   HeartbeatTick();
 }
 
-bool Schedule::TicksEverySecond() const { return timer_->Interval() == kSecondTick; }
+bool Schedule::TicksEverySecond() const {
+  return timer_->Interval() == kSecondTick;
+}
 
-bool Schedule::Held() const { return form_.Suppress.set() || slot_.Taken() || flags_.closing; }
+bool Schedule::Held() const {
+  return form_.Suppress.set() || slot_.Taken() || flags_.closing;
+}
 
 std::optional<DateTime> Schedule::NextDownload() const {
   const auto next = ParseDate(form_.Lbl_NextDownload.text());

@@ -89,18 +89,21 @@ void Trace::ShowOnScreen(std::string_view as_Text) {
 bool Trace::OpenLog() {
   if (log_.IsOpen()) return true;
   if (log_failed_ || log_path_.empty()) return false;
-  const corvane::Status opened = log_.OpenForAppending(log_path_);
-  if (!opened.ok()) {
-    log_failed_ = true;
-    form_.Lbl_Status.SetText("The log cannot be written: " + opened.text());
+  if (const corvane::Status opened = log_.OpenForAppending(log_path_); !opened.ok()) {
+    GiveUpLog(opened);
     return false;
   }
-  AppendLogLine("============");
-  AppendLogLine(std::string(kProductName) + " Version: " + AppInfo::VersionText());
-  return log_.IsOpen();
+  return AppendLogLine("============") &&
+         AppendLogLine(std::string(kProductName) + " Version: " + AppInfo::VersionText());
 }
 
-void Trace::AppendLogLine(std::string_view as_Text) {
+void Trace::GiveUpLog(const corvane::Status& av_Failure) {
+  log_.Close();
+  log_failed_ = true;
+  form_.Lbl_Status.SetText("The log cannot be written: " + av_Failure.text());
+}
+
+bool Trace::AppendLogLine(std::string_view as_Text) {
   const DateTime now = loop_.Now();
   if (now != stamp_time_ || stamp_.empty()) {
     stamp_time_ = now;
@@ -110,10 +113,8 @@ void Trace::AppendLogLine(std::string_view as_Text) {
   AppendVisible(line_, as_Text);
   line_ += kLineBreak;
   const corvane::Status written = log_.Write(line_);
-  if (written.ok()) return;
-  log_.Close();
-  log_failed_ = true;
-  form_.Lbl_Status.SetText("The log cannot be written: " + written.text());
+  if (!written.ok()) GiveUpLog(written);
+  return written.ok();
 }
 
 void Trace::SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind) {

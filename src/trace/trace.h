@@ -54,7 +54,8 @@ class Trace {
  private:
   void ShowOnScreen(std::string_view as_Text);
   bool OpenLog();
-  void AppendLogLine(std::string_view as_Text);
+  bool AppendLogLine(std::string_view as_Text);
+  void GiveUpLog(const corvane::Status& av_Failure);
 
   Form& form_;
   const LinkState& link_;

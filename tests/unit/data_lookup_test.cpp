@@ -15,14 +15,17 @@ struct GoodTable {
 };
 
 const GoodTable kGoodTables[] = {
-    {"clamped outside, segments inside", "0,0\n1,10\n2,30\n", {{0.5, 5}, {1, 10}, {1.5, 20}, {-3, 0}, {7, 30}, {2, 30}}},
+    {"clamped outside, segments inside",
+     "0,0\n1,10\n2,30\n",
+     {{0.5, 5}, {1, 10}, {1.5, 20}, {-3, 0}, {7, 30}, {2, 30}}},
     {"repeated X: the later point counts", "0,5\n2,10\n2,12\n3,14\n", {{2, 12}, {1.9, 9.75}, {2.5, 13}, {1.9, 9.75}}},
     {"descending X loads", "0,0\n5,50\n3,30\n8,80\n", {{9, 80}, {4, 40}}},
     {"one point", "7,3\n", {{-1, 3}, {7, 3}, {100, 3}}},
     {"far apart in turn", "0,0\n50,1\n100,2\n", {{0, 0}, {100, 2}, {0, 0}, {100, 2}, {25, 0.5}}},
     {"X below zero, from below the table", "-5,1\n5,11\n", {{-10, 1}, {0, 6}}},
     {"line ends, blanks, more fields, other lines, byte-order mark",
-     "\xEF\xBB\xBF 0 ,\t0 ,x\r\n\r\nno comma\r\n1e1, 1.5", {{5, 0.75}, {10, 1.5}}},
+     "\xEF\xBB\xBF 0 ,\t0 ,x\r\n\r\nno comma\r\n1e1, 1.5",
+     {{5, 0.75}, {10, 1.5}}},
 };
 
 TEST(Lookup, GivesTheValuesOfAGoodTable) {

@@ -2,10 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <string_view>
 
 #include "app/app_info.h"
 #include "app/command_states.h"
@@ -33,15 +30,9 @@ struct DataWorld {
     bars.Download.SetBar(form.Bar_Download);
   }
 
-  [[nodiscard]] std::string Path(const std::string& name) const { return folder.path() + "/" + name; }
-  void Write(const std::string& name, std::string_view contents) const {
-    std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
-    std::ofstream(Path(name), std::ios::binary) << contents;
-  }
-  [[nodiscard]] std::string Read(const std::string& name) const {
-    std::ifstream file(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  [[nodiscard]] std::string Path(const std::string& name) const { return folder.Name(name); }
+  void Write(const std::string& name, const std::string& text) const { folder.Write(name, text); }
+  [[nodiscard]] std::string Read(const std::string& name) const { return folder.Read(name); }
   [[nodiscard]] bool Exists(const std::string& name) const { return std::filesystem::exists(Path(name)); }
   /// Adds a unit and its row in the unit list.
   Unit& AddUnit(std::int32_t id, std::int32_t client_id = 0) {

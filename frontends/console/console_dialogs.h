@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "console_output.h"
+#include "platform/dialogs.h"
+#include "posix/descriptor_watcher.h"
+
+namespace corvane::console {
+
+/// Who answers a question.
+enum class Answering {
+  Nobody,    ///< every question is answered No
+  Yes,       ///< every yes/no question is answered Yes
+  Terminal,  ///< the person at the terminal
+  Script,    ///< the texts queued with `QueueAnswer`; without one, No
+};
+
+/// Boxes on a console: messages are printed and answered at once, questions as `Answering` says.
+class ConsoleDialogs : public Dialogs {
+ public:
+  /// `input` is the descriptor that a person's answers come from.
+  ConsoleDialogs(ConsoleOutput& output, DescriptorWatcher& watcher, int input, Answering answering)
+      : output_(output), watcher_(watcher), input_(input), answering_(answering) {}
+  ~ConsoleDialogs() override { StopAsking(); }
+
+  BoxId OpenBox(const BoxContents& contents, std::function<void(int position)> on_click) override;
+  /// Shows nothing: the console has no count-down.
+  void SetCountDown(BoxId /*box*/, const std::string& /*text*/) override {}
+  void CloseBox(BoxId box) override;
+  /// The next queued text in a script, else none.
+  std::optional<std::string> AskText(const std::string& title, const std::string& prompt,
+                                     const std::string& initial) override;
+  std::optional<std::string> ChooseFile(const std::string& title, const std::string& filter,
+                                        const std::string& folder) override;
+  std::optional<std::string> ChooseFolder(const std::string& title, const std::string& folder) override;
+
+  /// Keeps an answer for the next question: a button's caption, or a text.
+  void QueueAnswer(std::string text) { answers_.push_back(std::move(text)); }
+  /// Questions that were not answered with Yes.
+  [[nodiscard]] int declined() const { return declined_; }
+
+ private:
+  [[nodiscard]] std::optional<std::string> NextAnswer();
+  [[nodiscard]] std::optional<std::string> AnswerOrNone(const std::string& question);
+  [[nodiscard]] int AutomaticPosition(const BoxContents& contents);
+  void Answer(const BoxContents& contents, int position, const std::function<void(int)>& on_click);
+  void Ask();
+  void OnInput();
+  void TakeLine(std::string_view line);
+  void StopAsking();
+
+  ConsoleOutput& output_;
+  DescriptorWatcher& watcher_;
+  int input_;
+  Answering answering_;
+  std::deque<std::string> answers_;
+  int declined_ = 0;
+  BoxId last_box_ = 0;
+
+  BoxId asked_box_ = 0;  ///< 0 while nobody is asked
+  BoxContents asked_;
+  std::function<void(int)> on_click_;
+  std::string typed_;
+};
+
+}  // namespace corvane::console

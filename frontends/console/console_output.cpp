@@ -1,0 +1,65 @@
+#include "console_output.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+
+namespace corvane::console {
+namespace {
+
+constexpr const char* kClearLine = "\r\033[K";
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+  std::string out;
+  for (const char character : text) {
+    const auto code = static_cast<unsigned char>(character);
+    if (code < 32 || code == 127) {
+      out += "[" + std::to_string(code) + "]";
+    } else {
+      out += character;
+    }
+  }
+  return out;
+}
+
+void ConsoleOutput::Line(std::string_view text) {
+  if (settings_.quiet) return;
+  EndProgress();
+  settings_.write(false, Stamp() + Printable(text) + "\n");
+}
+
+void ConsoleOutput::Error(std::string_view text) {
+  EndProgress();
+  std::string lines;
+  for (std::string_view line : Split(text, '\n')) {
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    lines += (lines.empty() ? Stamp() : "  ") + Printable(line) + "\n";
+  }
+  settings_.write(true, lines);
+}
+
+void ConsoleOutput::Result(std::string_view text) {
+  EndProgress();
+  settings_.write(false, std::string(text));
+}
+
+void ConsoleOutput::Prompt(std::string_view text) {
+  EndProgress();
+  settings_.write(true, std::string(text));
+}
+
+void ConsoleOutput::Progress(std::string_view text) {
+  if (!shows_progress()) return;
+  const auto columns = static_cast<std::size_t>(std::max(settings_.columns(), 2));
+  settings_.write(false, kClearLine + std::string(CutCharacters(Printable(text), columns - 1)));
+  progress_shown_ = true;
+}
+
+void ConsoleOutput::EndProgress() {
+  if (progress_shown_) settings_.write(false, kClearLine);
+  progress_shown_ = false;
+}
+
+}  // namespace corvane::console

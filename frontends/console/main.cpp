@@ -1,0 +1,30 @@
+#include <csignal>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "app/app_info.h"
+#include "options.h"
+#include "program.h"
+
+int main(int argc, char** argv) {
+  using namespace corvane::console;
+  // A reader that went away must not end a download.
+  std::signal(SIGPIPE, SIG_IGN);
+  Options options;
+  try {
+    options = ParseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+  } catch (const UsageError& error) {
+    std::cerr << "corvanectl: " << error.what() << "\nTry: corvanectl --help\n";
+    return kUsage;
+  }
+  if (options.version) {
+    std::cout << "corvanectl " << corvane::AppInfo::VersionText() << "\n";
+    return kAllWell;
+  }
+  if (options.help) {
+    std::cout << HelpText(options.command);
+    return kAllWell;
+  }
+  return RunProgram(options);
+}

@@ -1,0 +1,279 @@
+#include "options.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "base/format.h"
+#include "link/schedule.h"
+
+namespace corvane::console {
+namespace {
+
+constexpr std::size_t kHelpColumn = 34;
+constexpr std::size_t kMany = 1'000'000;
+constexpr std::int64_t kLongestLogPeriod = 255 * 60;  ///< seconds; a unit takes two hexadecimal digits of minutes
+
+/// Which commands an option belongs to.
+enum OptionScope : unsigned {
+  kEverywhere = 0,
+  kUnitOption = 1,
+  kDownloadOption = 2,
+  kConvertOption = 4,
+  kRunOption = 8,
+};
+
+struct CommandRow {
+  CommandId id;
+  std::string_view name;
+  std::string_view arguments;
+  std::string_view summary;
+  std::string_view details;
+  unsigned options;
+  std::size_t least;  ///< arguments
+  std::size_t most;
+};
+
+constexpr CommandRow kCommands[] = {
+    {CommandId::Download, "download", "[UNIT...|--hand-held]", "bring in new readings and convert them",
+     "Asks every active radio unit, or each UNIT (name or ID) by its own connection, for the readings\n"
+     "since the last one stored, and converts what is in its raw file. With --hand-held: all units\n"
+     "whose readings come through the hand-held unit. Prints a table of results.",
+     kDownloadOption, 0, kMany},
+    {CommandId::Convert, "convert", "[UNIT...|--file FILE...]", "convert raw files into calibrated files",
+     "Converts the raw files of all active units, of each UNIT (name or ID), or each raw FILE of the\n"
+     "data folder (bare name or path). Prints a table of results.",
+     kConvertOption, 0, kMany},
+    {CommandId::GetDate, "get-date", "", "show the date and time of units", "Changes nothing.", kUnitOption, 0, 0},
+    {CommandId::SetDate, "set-date", "", "set the date and time of units to this computer's",
+     "Asks twice before a unit is changed.", kUnitOption, 0, 0},
+    {CommandId::SetLogPeriod, "set-log-period", "HH:MM", "set how often units store a reading",
+     "HH:MM is from 00:01 to 04:15. Asks twice before a unit is changed.", kUnitOption, 1, 1},
+    {CommandId::SetMode, "set-mode", "TEXT", "send a mode to units", "Asks twice before a unit is changed.",
+     kUnitOption, 1, 1},
+    {CommandId::SetDelays, "set-delays", "TEXT", "send delays to units", "Asks twice before a unit is changed.",
+     kUnitOption, 1, 1},
+    {CommandId::ReadMemory, "read-memory", "", "ask units for their memory", "Changes nothing.", kUnitOption, 0, 0},
+    {CommandId::TestPort, "test-port", "[radio|hand-held]", "see whether the base station answers",
+     "Tests the port of the radio base station, or of the hand-held unit.", kEverywhere, 0, 1},
+    {CommandId::FindPort, "find-port", "[radio|hand-held]", "look for the port that answers",
+     "Tries COM1 to COM50 in turn; the port that answers is kept in the settings.", kEverywhere, 0, 1},
+    {CommandId::Run, "run", "", "stay and download on schedule until ended",
+     "Needs automatic download in the settings; --automatic switches it on. A port that is missing is\n"
+     "reported and tried again at the next time. Ends on SIGTERM, SIGINT or SIGHUP with status 0.",
+     kRunOption, 0, 0},
+    {CommandId::Units, "units", "", "list the units", "Reads only; works while another program runs.", kEverywhere, 0,
+     0},
+    {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
+     "FILE (- is the standard input, read to its end) holds one statement a line:\n"
+     "  set NAME VALUE            enter a value and leave the field\n"
+     "  select NAME ROW...        select rows, the last one gets the focus\n"
+     "  check NAME ROW 0|1        clear or tick a row\n"
+     "  open NAME ROW             open a row\n"
+     "  click NAME [INDEX]        press a button and wait until its work is done\n"
+     "  menu NAME INDEX           choose a menu entry and wait until its work is done\n"
+     "  answer TEXT               answer the next question\n"
+     "  wait-for NAME TEXT SECONDS  wait until a control shows TEXT\n"
+     "  wait MILLISECONDS\n"
+     "  show NAME                 print what a control shows\n"
+     "  activate [SWITCHES]       do what happens when the main window becomes active\n"
+     "Rows and indexes count from 0. Lines that begin with # are comments.",
+     kEverywhere, 1, 1},
+};
+
+struct OptionRow {
+  std::string_view name;
+  std::string_view value;  ///< what the value is called, empty for a switch
+  std::string_view help;
+  unsigned scope;
+  void (*take)(Options& options, const std::string& value);
+};
+
+constexpr OptionRow kOptions[] = {
+    {"--home", "DIR", "the application folder (else $CORVANE_HOME, else the user's)", kEverywhere,
+     [](Options& options, const std::string& value) { options.home = value; }},
+    {"--unit", "NAME|ID", "only this unit; may be repeated; else all active radio units", kUnitOption,
+     [](Options& options, const std::string& value) { options.units.push_back(value); }},
+    {"--hand-held", "", "the units read through the hand-held unit", kDownloadOption,
+     [](Options& options, const std::string&) { options.hand_held = true; }},
+    {"--file", "", "the names that follow are raw files", kConvertOption,
+     [](Options& options, const std::string&) { options.files = true; }},
+    {"--automatic", "", "switch automatic download on, and keep it on in the settings", kRunOption,
+     [](Options& options, const std::string&) { options.automatic = true; }},
+    {"--interval", "H:MM", "set the automatic interval in the settings", kRunOption,
+     [](Options& options, const std::string& value) { options.interval = value; }},
+    {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
+     [](Options& options, const std::string&) { options.yes = true; }},
+    {"--quiet", "", "print problems only", kEverywhere,
+     [](Options& options, const std::string&) { options.quiet = true; }},
+    {"--verbose", "", "print the trace too", kEverywhere,
+     [](Options& options, const std::string&) { options.verbose = true; }},
+    {"--help", "", "show this text", kEverywhere, [](Options& options, const std::string&) { options.help = true; }},
+    {"--version", "", "show the version", kEverywhere,
+     [](Options& options, const std::string&) { options.version = true; }},
+};
+
+const CommandRow* FindCommand(std::string_view name) {
+  const auto* found =
+      std::find_if(std::begin(kCommands), std::end(kCommands), [name](const auto& row) { return row.name == name; });
+  return found == std::end(kCommands) ? nullptr : found;
+}
+
+const CommandRow* RowOf(CommandId command) {
+  const auto* found =
+      std::find_if(std::begin(kCommands), std::end(kCommands), [command](const auto& row) { return row.id == command; });
+  return found == std::end(kCommands) ? nullptr : found;
+}
+
+const OptionRow& FindOption(const std::string& name) {
+  const auto* found = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                   [&name](const OptionRow& row) { return row.name == name; });
+  if (found == std::end(kOptions)) throw UsageError("there is no option \"" + name + "\"");
+  return *found;
+}
+
+std::string Quoted(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
+
+/// Takes the words apart; what belongs together is checked later.
+class Parser {
+ public:
+  explicit Parser(const std::vector<std::string>& words) : words_(words) {}
+
+  Options Parse() {
+    bool options_ended = false;
+    for (; next_ < words_.size(); ++next_) {
+      const std::string& word = words_[next_];
+      if (!options_ended && word == "--") {
+        options_ended = true;
+      } else if (!options_ended && word.starts_with('-') && word != "-") {
+        TakeOption(word == "-h" ? "--help" : word);
+      } else if (row_ == nullptr) {
+        TakeCommand(word);
+      } else {
+        options_.arguments.push_back(word);
+      }
+    }
+    if (!options_.help && !options_.version) Check();
+    return std::move(options_);
+  }
+
+ private:
+  void TakeCommand(const std::string& word) {
+    row_ = FindCommand(word);
+    if (row_ == nullptr) throw UsageError("there is no command " + Quoted(word));
+    options_.command = row_->id;
+  }
+
+  void TakeOption(const std::string& word) {
+    const std::size_t equals = std::min(word.find('='), word.size());
+    const bool attached = equals < word.size();
+    const OptionRow& row = FindOption(word.substr(0, equals));
+    if (attached && row.value.empty()) throw UsageError(std::string(row.name) + " takes no value");
+    std::string value;
+    if (attached) {
+      value = word.substr(equals + 1);
+    } else if (!row.value.empty()) {
+      if (next_ + 1 == words_.size()) throw UsageError(std::string(row.name) + " needs a value");
+      value = words_[++next_];
+    }
+    if (!row.value.empty() && value.empty()) throw UsageError(std::string(row.name) + " needs a value");
+    row.take(options_, value);
+    if (row.scope != kEverywhere) scoped_.push_back(&row);
+  }
+
+  void Check() const {
+    if (row_ == nullptr) throw UsageError("no command is given");
+    const std::string name(row_->name);
+    for (const OptionRow* option : scoped_) {
+      if ((row_->options & option->scope) == 0) throw UsageError(name + " takes no option " + std::string(option->name));
+    }
+    const std::size_t count = options_.arguments.size();
+    if (count < row_->least) throw UsageError(name + " needs " + std::string(row_->arguments));
+    if (count > row_->most) throw UsageError(name + ": " + Quoted(options_.arguments[row_->most]) + " is too much");
+    if (options_.quiet && options_.verbose) throw UsageError("--quiet and --verbose exclude each other");
+    CheckValues();
+  }
+
+  void CheckValues() const {
+    const auto& arguments = options_.arguments;
+    if (options_.hand_held && !arguments.empty()) throw UsageError("--hand-held takes all such units: name none");
+    if (options_.files && arguments.empty()) throw UsageError("--file needs the names of raw files");
+    if (!options_.interval.empty() && !AutomaticInterval(options_.interval)) {
+      throw UsageError("--interval: " + Quoted(options_.interval) + " is no interval such as 3:00");
+    }
+    if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
+    if (row_->id == CommandId::TestPort || row_->id == CommandId::FindPort) CheckPort(arguments);
+    if (row_->options != kUnitOption || arguments.empty()) return;
+    const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
+    if (std::any_of(arguments[0].begin(), arguments[0].end(), is_control)) {
+      throw UsageError("a text for units must be one line without control characters");
+    }
+  }
+
+  static void CheckLogPeriod(const std::string& text) {
+    const auto seconds = ParseTimeOfDay(text);
+    if (!seconds || *seconds < 60 || *seconds > kLongestLogPeriod || *seconds % 60 != 0) {
+      throw UsageError(Quoted(text) + " is no log period from 00:01 to 04:15");
+    }
+  }
+
+  static void CheckPort(const std::vector<std::string>& arguments) {
+    if (arguments.empty() || arguments[0] == "radio" || arguments[0] == "hand-held") return;
+    throw UsageError(Quoted(arguments[0]) + " is no port: say radio or hand-held");
+  }
+
+  const std::vector<std::string>& words_;
+  std::size_t next_ = 0;
+  const CommandRow* row_ = nullptr;
+  std::vector<const OptionRow*> scoped_;
+  Options options_;
+};
+
+/// One line of a list: what is typed, padded, and what it does.
+std::string HelpLine(std::string_view typed, std::string_view meaning) {
+  std::string line = "  " + std::string(typed);
+  line.resize(std::max(line.size() + 1, kHelpColumn), ' ');
+  return line + std::string(meaning) + "\n";
+}
+
+std::string WithArguments(std::string_view name, std::string_view arguments) {
+  return std::string(name) + (arguments.empty() ? "" : " ") + std::string(arguments);
+}
+
+std::string OptionLines(unsigned scope) {
+  std::string lines;
+  for (const OptionRow& row : kOptions) {
+    if (row.scope == kEverywhere || (row.scope & scope) != 0) lines += HelpLine(WithArguments(row.name, row.value), row.help);
+  }
+  return lines;
+}
+
+}  // namespace
+
+Options ParseOptions(const std::vector<std::string>& words) {
+  return Parser(words).Parse();
+}
+
+std::string HelpText(CommandId command) {
+  if (const CommandRow* row = RowOf(command)) {
+    return "Usage: corvanectl [OPTION]... " + WithArguments(row->name, row->arguments) + "\n" +
+           std::string(row->details) + "\n\nOptions:\n" + OptionLines(row->options);
+  }
+  std::string text =
+      "Usage: corvanectl [--home DIR] COMMAND [ARGUMENTS]\n"
+      "Collects the readings of field units without a window.\n\nCommands:\n";
+  for (const CommandRow& row : kCommands) text += HelpLine(WithArguments(row.name, row.arguments), row.summary);
+  return text + "\nOptions:\n" + OptionLines(kEverywhere) +
+         "\nExit status: 0 all well; 1 the port did not open, or some unit or file ended untried or with a problem;\n"
+         "2 wrong usage; 3 could not start; 129, 130, 143 ended by SIGHUP, SIGINT, SIGTERM.\n"
+         "corvanectl COMMAND --help says more about a command.\n";
+}
+
+std::string CommandName(CommandId command) {
+  const CommandRow* row = RowOf(command);
+  return row == nullptr ? "" : std::string(row->name);
+}
+
+}  // namespace corvane::console

@@ -1,0 +1,62 @@
+// The command line of corvanectl.
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace corvane::console {
+
+/// How the program ends; a command other than `run` that a signal ended returns 128 and the signal's number.
+enum ExitStatus : int { kAllWell = 0, kProblems = 1, kUsage = 2, kNotStarted = 3, kSignalBase = 128 };
+
+/// Something on the command line or in a script is not as it should be; the text says what.
+class UsageError : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+enum class CommandId {
+  None,
+  Download,
+  Convert,
+  GetDate,
+  SetDate,
+  SetLogPeriod,
+  SetMode,
+  SetDelays,
+  ReadMemory,
+  TestPort,
+  FindPort,
+  Run,
+  Units,
+  Script,
+};
+
+/// What was asked for.
+struct Options {
+  CommandId command = CommandId::None;
+  std::vector<std::string> arguments;  ///< of the command, its options taken out
+  std::vector<std::string> units;      ///< --unit
+  std::string home;                    ///< --home as given; empty when not given
+  std::string interval;                ///< --interval; empty when not given
+  bool automatic = false;              ///< --automatic
+  bool files = false;                  ///< --file: the arguments are raw files
+  bool hand_held = false;
+  bool yes = false;
+  bool quiet = false;
+  bool verbose = false;
+  bool help = false;
+  bool version = false;
+};
+
+/// Reads the words behind the program's name; throws `UsageError`.
+[[nodiscard]] Options ParseOptions(const std::vector<std::string>& words);
+/// The help of one command, or of the program for `None`.
+[[nodiscard]] std::string HelpText(CommandId command);
+/// The name of a command as it is typed.
+[[nodiscard]] std::string CommandName(CommandId command);
+/// True for commands that only read the application folder: they take no lock and save nothing.
+[[nodiscard]] constexpr bool OnlyReads(CommandId command) { return command == CommandId::Units; }
+
+}  // namespace corvane::console

@@ -1,0 +1,216 @@
+#include "program.h"
+
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <utility>
+
+#include "app/application.h"
+#include "app/home_folder.h"
+#include "base/files.h"
+#include "base/format.h"
+#include "base/paths.h"
+#include "commands.h"
+#include "console_dialogs.h"
+#include "console_output.h"
+#include "console_view.h"
+#include "posix/posix_loop.h"
+#include "posix/posix_shell.h"
+#include "posix/termios_port.h"
+
+namespace corvane::console {
+namespace {
+
+/// The desktop without a log-on entry: a console program started there would have no one to read it.
+class ConsoleShell : public PosixShell {
+ public:
+  using PosixShell::PosixShell;
+  Status WriteLogOnEntry(const std::string& /*arguments*/) override {
+    return {EPERM, "corvanectl does not start at log-on; use corvane, or a systemd unit with corvanectl run"};
+  }
+};
+
+std::string Environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+std::string ChooseFolder(const Options& options, const Shell& shell) {
+  std::error_code error;
+  HomeChoice choice;
+  choice.option = options.home;
+  choice.corvane_home = Environment("CORVANE_HOME");
+  choice.xdg_data_home = Environment("XDG_DATA_HOME");
+  choice.user_home = Environment("HOME");
+  choice.current_folder = std::filesystem::current_path(error).string();
+  choice.program_folder = shell.ProgramFolder();
+  choice.program_folder_has_settings = ExamineFile(AddBackslash(choice.program_folder) + "corvane.ini").has_value();
+  return ApplicationFolder(choice);
+}
+
+/// Writes all of `text`. `patient`: waits for a slow reader; else what the reader does not take at once is lost.
+void WriteOut(int descriptor, std::string_view text, bool patient) {
+  while (!text.empty()) {
+    pollfd out{descriptor, POLLOUT, 0};
+    if (!patient && poll(&out, 1, 0) != 1) return;
+    const ssize_t written = write(descriptor, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+int TerminalColumns() {
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+ConsoleOutput::Settings OutputSettings(const Options& options, const EventLoop& loop) {
+  const bool stays = options.command == CommandId::Run;
+  ConsoleOutput::Settings settings;
+  // A program that stays for months must not stand still because nobody reads its lines.
+  settings.write = [stays](bool error, const std::string& text) {
+    WriteOut(error ? STDERR_FILENO : STDOUT_FILENO, text, !stays);
+  };
+  if (stays) settings.stamp = [&loop] { return GeneralDate(loop.Now()) + " "; };
+  if (isatty(STDOUT_FILENO) != 0) settings.columns = TerminalColumns;
+  settings.quiet = options.quiet;
+  return settings;
+}
+
+Answering WhoAnswers(const Options& options) {
+  if (options.command == CommandId::Run) return Answering::Nobody;
+  if (options.command == CommandId::Script) return Answering::Script;
+  if (options.yes) return Answering::Yes;
+  return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0 ? Answering::Terminal : Answering::Nobody;
+}
+
+/// Switches the trace on for `--verbose`; the boxes that are settings get their former state back.
+class VerboseTrace {
+ public:
+  VerboseTrace(Form& form, bool verbose)
+      : form_(form), shows_trace_(form.Chk_ShowTrace.ticked()), shows_reply_(form.Chk_ShowReply.ticked()) {
+    if (!verbose) return;
+    for (const int category : {kTraceStatus, kTraceSend, kTraceReceive, kTraceDecision}) {
+      form_.Chk_Trace[category].SetTicked(true);
+    }
+    form_.Chk_ShowTrace.SetTicked(true);
+    form_.Chk_ShowReply.SetTicked(true);
+    on_ = true;
+  }
+  ~VerboseTrace() {
+    if (!on_) return;
+    form_.Chk_ShowTrace.SetTicked(shows_trace_);
+    form_.Chk_ShowReply.SetTicked(shows_reply_);
+  }
+  VerboseTrace(const VerboseTrace&) = delete;
+  VerboseTrace& operator=(const VerboseTrace&) = delete;
+
+ private:
+  Form& form_;
+  bool shows_trace_;
+  bool shows_reply_;
+  bool on_ = false;
+};
+
+/// Everything that lives while one command runs.
+class Program {
+ public:
+  Program(const Options& options, std::string folder)
+      : options_(options),
+        folder_(std::move(folder)),
+        shell_("corvane", options.home.empty() ? "" : folder_),
+        port_(loop_, loop_),
+        output_(OutputSettings(options, loop_)),
+        dialogs_(output_, loop_, STDIN_FILENO, WhoAnswers(options)),
+        app_(Platform{loop_, port_, shell_, dialogs_}, folder_),
+        view_(app_.form(), app_.link(), loop_, output_, options.verbose) {}
+
+  int Run() {
+    if (OnlyReads(options_.command) ? !LookAtFolder() : !PrepareFolder()) return kNotStarted;
+    const Status watched = loop_.WatchSignals({SIGINT, SIGTERM, SIGHUP}, [this](int signal) {
+      if (signal_ == 0) signal_ = signal;
+      app_.commands().Close(true);
+    });
+    if (!watched.ok()) {
+      output_.Error("corvanectl: " + watched.text());
+      return kNotStarted;
+    }
+    app_.form().SetView(&view_);
+    app_.life().OnWindowCreate();
+    const int status = RunCommand();
+    if (!OnlyReads(options_.command) && status != kUsage) app_.life().OnWindowClose();
+    app_.form().SetView(nullptr);
+    return signal_ != 0 && options_.command != CommandId::Run ? kSignalBase + signal_ : status;
+  }
+
+ private:
+  bool LookAtFolder() {
+    const auto found = ExamineFile(folder_);
+    if (found && !found->is_folder) {
+      output_.Error("corvanectl: the application folder cannot be used: " + folder_ + " is no folder");
+      return false;
+    }
+    if (!ExamineFile(AddBackslash(folder_) + "corvane.ini")) {
+      output_.Error("corvanectl: there are no settings in " + folder_ + " yet; what follows are the defaults");
+    }
+    return true;
+  }
+
+  bool PrepareFolder() {
+    try {
+      CreatePath(folder_);
+    } catch (const RunTimeError& error) {
+      output_.Error("corvanectl: the application folder cannot be used: " + std::string(error.what()));
+      return false;
+    }
+    if (access(folder_.c_str(), W_OK | X_OK) != 0) {
+      output_.Error("corvanectl: " + Status::FromErrno("the application folder cannot be used: " + folder_, errno).text());
+      return false;
+    }
+    if (shell_.TakeInstanceLock(folder_)) return true;
+    output_.Error(shell_.ProgramName() + " is already running in " + folder_ +
+                  ": end it first, or name another folder with --home");
+    return false;
+  }
+
+  int RunCommand() {
+    const VerboseTrace trace(app_.form(), options_.verbose);
+    try {
+      return ConsoleCommands(app_, loop_, view_, dialogs_, output_).Run(options_);
+    } catch (const UsageError& error) {
+      output_.Error(std::string("corvanectl: ") + error.what());
+      return kUsage;
+    }
+  }
+
+  const Options& options_;
+  std::string folder_;
+  PosixLoop loop_;
+  ConsoleShell shell_;
+  TermiosPort port_;
+  ConsoleOutput output_;
+  ConsoleDialogs dialogs_;
+  Application app_;
+  ConsoleView view_;
+  int signal_ = 0;  ///< the first that asked the program to end
+};
+
+}  // namespace
+
+int RunProgram(const Options& options) {
+  try {
+    const std::string folder = ChooseFolder(options, PosixShell("corvane"));
+    return Program(options, folder).Run();
+  } catch (const RunTimeError& error) {
+    WriteOut(STDERR_FILENO, std::string("corvanectl: ") + error.what() + "\n", true);
+    return kNotStarted;
+  }
+}
+
+}  // namespace corvane::console

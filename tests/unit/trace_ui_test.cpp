@@ -1,0 +1,231 @@
+#include <gtest/gtest.h>
+
+#include "support/world.h"
+#include "ui/mouse_pointer.h"
+
+namespace corvane::test {
+namespace {
+
+/// Trace and messages over fakes, without the rest of the application.
+struct Lower {
+  TempFolder home;
+  FakeLoop loop;
+  FakeShell shell;
+  RecordingDialogs dialogs;
+  Form form;
+  LinkState link;
+  RunFlags flags;
+  Trace trace{form, link, loop, shell};
+  Messages messages{form, flags, loop, dialogs, trace};
+
+  Lower() { trace.SetLogFile(home.Name("corvane.log")); }
+  [[nodiscard]] std::string Log() const { return home.Read("corvane.log"); }
+};
+
+TEST(Trace, FirstLineOfARunIsPrecededByTheVersion) {
+  Lower lower;
+  lower.trace.LogWrite(std::string("line\rwith control\0", 18));
+  lower.trace.LogWrite("second");
+  const std::string version = "2010-03-12 10:00:00: Corvane Version: 0.1.000\r\n";
+  EXPECT_EQ(lower.Log(), "2010-03-12 10:00:00: ============\r\n" + version +
+                             "2010-03-12 10:00:00: line[13]with control[0]\r\n2010-03-12 10:00:00: second\r\n");
+}
+
+TEST(Trace, CategoriesSwitchTheirWriters) {
+  Lower lower;
+  for (CheckBox& box : lower.form.Chk_Trace) box.SetTicked(false);
+  for (CheckBox& box : lower.form.chk_AutoTrace) box.SetTicked(false);
+  const auto write_all = [&] {
+    lower.trace.Status("a");
+    lower.trace.TraceSend("b");
+    lower.trace.TraceReceive("c");
+    lower.trace.TraceDecision("d");
+    lower.trace.TraceReceiveDetail("e");
+  };
+  write_all();
+  EXPECT_EQ(lower.Log(), "");
+  lower.trace.AErrorReport("wrong");
+  EXPECT_NE(lower.Log().find("A-error: wrong UserCancel:False Timeout:False HalvexError:False State:0 OverunCount:0"),
+            std::string::npos);
+  const std::vector<std::string> lines = {"Status: a", ": b\r\n", "R>c", "D> UserCancel:False", "R>e"};
+  for (int category = 0; category < 5; ++category) {
+    Lower other;
+    for (CheckBox& box : other.form.Chk_Trace) box.SetTicked(false);
+    other.form.Chk_Trace[category].SetTicked(true);
+    other.trace.Status("a");
+    other.trace.TraceSend("b");
+    other.trace.TraceReceive("c");
+    other.trace.TraceDecision("d");
+    other.trace.TraceReceiveDetail("e");
+    EXPECT_NE(other.Log().find(lines[static_cast<std::size_t>(category)]), std::string::npos) << category;
+    EXPECT_EQ(other.Log().find(lines[static_cast<std::size_t>((category + 1) % 5)]), std::string::npos) << category;
+  }
+}
+
+TEST(Trace, ErrorsSwitchCategoriesOn) {
+  struct Row {
+    int box;
+    std::int16_t kind;
+    std::array<bool, 5> ticked;
+  };
+  const std::vector<Row> rows = {{0, 0, {true, true, false, false, false}},
+                                 {1, 0, {false, false, false, false, false}},
+                                 {1, 1, {false, false, true, false, false}},
+                                 {2, 0, {false, false, false, true, true}}};
+  for (const Row& row : rows) {
+    Lower lower;
+    for (CheckBox& box : lower.form.Chk_Trace) box.SetTicked(false);
+    for (int box = 0; box < 3; ++box) lower.form.chk_AutoTrace[box].SetTicked(box == row.box);
+    lower.trace.SwitchOnAllTrace("test", row.kind);
+    for (int box = 0; box < 5; ++box) {
+      EXPECT_EQ(lower.form.Chk_Trace[box].ticked(), row.ticked[static_cast<std::size_t>(box)]) << row.box << box;
+    }
+  }
+}
+
+TEST(Trace, LogThatCannotBeWrittenIsSaidOnceAndStopsNothing) {
+  Lower lower;
+  lower.trace.SetLogFile("/dev/full");
+  lower.trace.LogWrite("lost");
+  EXPECT_NE(lower.form.Lbl_Status.text().find("The log cannot be written: /dev/full"), std::string::npos);
+  lower.trace.Status("goes on");
+  EXPECT_EQ(lower.form.Lbl_Status.text(), "goes on");
+}
+
+TEST(Trace, OnScreenListNeedsBothBoxes) {
+  Lower lower;
+  lower.form.Chk_ShowTrace.SetTicked(true);
+  lower.trace.LogWrite("unseen");
+  lower.form.Chk_ShowReply.SetTicked(true);
+  lower.trace.LogWrite("seen\r");
+  ASSERT_EQ(lower.form.Lst_Debug.count(), 1);
+  EXPECT_EQ(lower.form.Lst_Debug.text(0), "seen[13]");
+}
+
+TEST(TimedMessage, AnswersByPositionAndAtTheEndOfTheCountDown) {
+  struct Row {
+    std::int32_t style;
+    std::vector<std::int32_t> by_position;
+    std::int32_t at_timeout;
+  };
+  const std::vector<Row> rows = {{kOkOnly, {1}, 1},          {kOkCancel, {1, 2}, 1},     {kAbortRetryIgnore, {3, 5, 5}, 3},
+                                 {kYesNoCancel, {6, 7, 2}, 6}, {kYesNo, {6, 7}, 6},       {kRetryCancel, {4, 2}, 2}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.style);
+    Lower lower;
+    lower.dialogs.answer_plain_boxes = false;
+    for (std::size_t position = 1; position <= row.by_position.size(); ++position) {
+      lower.dialogs.answers = {static_cast<int>(position)};
+      EXPECT_EQ(lower.messages.ShowTimedMessage("?", row.style), row.by_position[position - 1]);
+    }
+    EXPECT_EQ(lower.messages.ShowTimedMessage("?", row.style | kStopIcon | kSecondDefault), row.at_timeout);
+    EXPECT_EQ(lower.dialogs.boxes.back().buttons.size(), row.by_position.size());
+    EXPECT_EQ(lower.dialogs.boxes.back().icon, BoxIcon::Stop);
+    EXPECT_EQ(lower.dialogs.boxes.back().default_position, 2);
+    EXPECT_EQ(lower.loop.MonotonicMilliseconds(), 10000);
+    EXPECT_EQ(lower.dialogs.count_downs.front(), "9");
+    EXPECT_EQ(lower.dialogs.open_boxes, 0);
+  }
+}
+
+TEST(Messages, UnattendedRunShowsOneBoxAKindAndRound) {
+  Lower lower;
+  lower.dialogs.answer_plain_boxes = false;
+  lower.flags.automatic_run = true;
+  lower.messages.Show("Cannot find: a", "Cannot find");
+  lower.messages.Show("Cannot find: b", "Cannot find");
+  EXPECT_EQ(lower.dialogs.Texts(), std::vector<std::string>{"Cannot find: a"});
+  EXPECT_NE(lower.Log().find("Cannot find: b"), std::string::npos);
+  EXPECT_EQ(lower.loop.MonotonicMilliseconds(), 10000);
+  lower.messages.StartRound();
+  lower.messages.Show("Cannot find: c", "Cannot find");
+  EXPECT_EQ(lower.dialogs.boxes.size(), 2U);
+}
+
+TEST(Messages, NothingIsShownWhileASignalEndsTheProgram) {
+  Lower lower;
+  lower.flags.ending_silently = true;
+  lower.messages.Show("text");
+  EXPECT_FALSE(lower.messages.Confirm("Delete"));
+  EXPECT_EQ(lower.messages.ShowTimedMessage("text", kRetryCancel), kAnswerCancel);
+  EXPECT_TRUE(lower.dialogs.boxes.empty());
+  EXPECT_NE(lower.Log().find("Question: Delete ? No"), std::string::npos);
+}
+
+TEST(ProgressBar, MapsSkipsAndMirrorsIntoTheMinimisedTitle) {
+  Form form;
+  CProgressBar bar;
+  bar.SetBar(form.Bar_Download);
+  bar.SetParent(form.Frm_Main);
+  bar.SetProcessText("Convert: x");
+  bar.Initialise(0);
+  bar.SetValue(50);
+  EXPECT_EQ(form.Bar_Download.value(), 50);
+  bar.SetDoSkip(true);
+  bar.Initialise(50);
+  bar.SetValue(7);
+  EXPECT_EQ(form.Bar_Download.value(), 14);
+  EXPECT_EQ(form.Frm_Main.title(), "Corvane");
+  form.Frm_Main.SetMinimised(true);
+  bar.Initialise(3000);
+  EXPECT_EQ(form.Frm_Main.title(), "Convert: x");
+  int moves = 0;
+  form.Bar_Download.on_change = [&moves] { ++moves; };
+  for (std::int64_t value = 1; value <= 3000; ++value) bar.SetValue(value);
+  EXPECT_EQ(moves, 30);
+  EXPECT_EQ(form.Frm_Main.title(), "100%-Convert: x");
+  bar.Initialise(8);
+  bar.Increment();
+  bar.Increment();
+  bar.Increment();
+  EXPECT_EQ(bar.Value(), 3);
+  EXPECT_EQ(bar.Maximum(), 8);
+  EXPECT_EQ(form.Frm_Main.title(), "38%-Convert: x");
+  bar.SetReverseValue(200);
+  EXPECT_EQ(form.Bar_Download.value(), 0);
+  bar.Clear();
+  EXPECT_EQ(form.Frm_Main.title(), "");
+}
+
+TEST(MousePointer, RestoresWhatItFound) {
+  Form form;
+  {
+    const BusyPointer busy(form.Frm_Main);
+    const CMousePointer idle(form.Frm_Main);
+    EXPECT_EQ(form.Frm_Main.pointer(), PointerShape::Busy);
+  }
+  EXPECT_EQ(form.Frm_Main.pointer(), PointerShape::Default);
+}
+
+TEST(Form, ChangesTakeOnePathAndEqualValuesNone) {
+  Form form;
+  RecordingView view;
+  form.SetView(&view);
+  int handled = 0;
+  form.Txt_Prefix.on_change = [&handled] { ++handled; };
+  form.Txt_Prefix.SetText("a\tb\n");
+  form.Txt_Prefix.SetText("a b ");
+  EXPECT_EQ(view.changes, std::vector<std::string>{"Txt_Prefix:0"});
+  EXPECT_EQ(handled, 1);
+  form.Txt_Prefix.SetText(std::string(200, 'x'));
+  EXPECT_EQ(form.Txt_Prefix.text().size(), 126U);
+  EXPECT_EQ(form.Find("txt_timeout_2"), &form.Txt_Timeout[2]);
+  form.SetView(nullptr);
+}
+
+TEST(Form, ListsKeepTheirCurrentRow) {
+  Form form;
+  List& list = form.Lst_Units;
+  list.SetRows({"a", "b", "c"});
+  list.SetCurrent(1);
+  list.Remove(0);
+  EXPECT_EQ(list.current(), 0);
+  EXPECT_TRUE(list.selected(0));
+  list.Remove(0);
+  EXPECT_EQ(list.current(), -1);
+  list.SetCurrent(7);
+  EXPECT_EQ(list.current(), -1);
+}
+
+}  // namespace
+}  // namespace corvane::test
