@@ -49,14 +49,22 @@ std::int16_t PortIndexOf(const Options& options) {
 
 int ConsoleCommands::Run(const Options& options) {
   switch (options.command) {
-    case CommandId::Download: return Download(options);
-    case CommandId::Convert: return Convert(options);
-    case CommandId::TestPort: return TestPort(options);
-    case CommandId::FindPort: return FindPort(options);
-    case CommandId::Run: return KeepSchedule(options);
-    case CommandId::Units: return ListUnits();
-    case CommandId::Script: return RunScript(options);
-    default: return UnitCommand(options);
+    case CommandId::Download:
+      return Download(options);
+    case CommandId::Convert:
+      return Convert(options);
+    case CommandId::TestPort:
+      return TestPort(options);
+    case CommandId::FindPort:
+      return FindPort(options);
+    case CommandId::Run:
+      return KeepSchedule(options);
+    case CommandId::Units:
+      return ListUnits();
+    case CommandId::Script:
+      return RunScript(options);
+    default:
+      return UnitCommand(options);
   }
 }
 
@@ -227,9 +235,16 @@ int ConsoleCommands::ListUnits() {
                     relay != nullptr ? relay->Name : std::to_string(unit.RelayID),
                     client != nullptr ? client->Name : "", source, raw_file, LastReading(raw_file)});
   }
-  output_.Result(FormatTable(
-      {{"No", true}, {"Name"}, {"ID", true}, {"Active"}, {"Relay"}, {"Client"}, {"Get from"}, {"Raw file"}, {"Last reading"}},
-      rows));
+  output_.Result(FormatTable({{"No", true},
+                              {"Name"},
+                              {"ID", true},
+                              {"Active"},
+                              {"Relay"},
+                              {"Client"},
+                              {"Get from"},
+                              {"Raw file"},
+                              {"Last reading"}},
+                             rows));
   return kAllWell;
 }
 

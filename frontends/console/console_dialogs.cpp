@@ -65,7 +65,7 @@ void ConsoleDialogs::Answer(const BoxContents& contents, int position, const std
 }
 
 void ConsoleDialogs::Ask() {
-  output_.Prompt(Printable(asked_.text) + " [yes/no] ");
+  output_.Prompt(asked_.text + " [yes/no] ");
   if (const std::size_t end = typed_.find('\n'); end != std::string::npos) {
     const std::string line = typed_.substr(0, end);
     typed_.erase(0, end + 1);
@@ -102,7 +102,7 @@ void ConsoleDialogs::CloseBox(BoxId box) {
   if (box != asked_box_) return;
   StopAsking();
   ++declined_;
-  output_.Prompt("No\n");
+  output_.Error("No");
 }
 
 void ConsoleDialogs::StopAsking() {

@@ -32,12 +32,16 @@ void ConsoleOutput::Line(std::string_view text) {
 
 void ConsoleOutput::Error(std::string_view text) {
   EndProgress();
+  settings_.write(true, PrintableLines(text) + "\n");
+}
+
+std::string ConsoleOutput::PrintableLines(std::string_view text) const {
   std::string lines;
   for (std::string_view line : Split(text, '\n')) {
     if (line.ends_with('\r')) line.remove_suffix(1);
-    lines += (lines.empty() ? Stamp() : "  ") + Printable(line) + "\n";
+    lines += (lines.empty() ? Stamp() : "\n  ") + Printable(line);
   }
-  settings_.write(true, lines);
+  return lines;
 }
 
 void ConsoleOutput::Result(std::string_view text) {
@@ -47,7 +51,7 @@ void ConsoleOutput::Result(std::string_view text) {
 
 void ConsoleOutput::Prompt(std::string_view text) {
   EndProgress();
-  settings_.write(true, std::string(text));
+  settings_.write(true, PrintableLines(text));
 }
 
 void ConsoleOutput::Progress(std::string_view text) {

@@ -26,7 +26,7 @@ class ConsoleOutput {
   void Error(std::string_view text);
   /// Prints `text`, which ends with a line end, as it stands and whatever is quiet.
   void Result(std::string_view text);
-  /// Prints a question without a line end.
+  /// Prints the lines of a question, without a line end behind the last.
   void Prompt(std::string_view text);
   /// Writes the progress line over, where there is one.
   void Progress(std::string_view text);
@@ -35,6 +35,7 @@ class ConsoleOutput {
 
  private:
   void EndProgress();
+  [[nodiscard]] std::string PrintableLines(std::string_view text) const;
   [[nodiscard]] std::string Stamp() const { return settings_.stamp ? settings_.stamp() : ""; }
 
   Settings settings_;

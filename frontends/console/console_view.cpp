@@ -43,9 +43,15 @@ void ConsoleView::OnStatus() {
   if (text.empty()) return;
   if (IsDetail(text)) {
     ShowProgress();
+  } else if (output_.quiet() && IsError(text)) {
+    output_.Error(text);
   } else {
     output_.Line(text);
   }
+}
+
+bool ConsoleView::IsError(std::string_view text) const {
+  return link_.HalvexError || link_.Timeout || text.starts_with(kPortDidNotOpen);
 }
 
 void ConsoleView::OnTrace(std::size_t first_row) {

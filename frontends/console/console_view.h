@@ -14,6 +14,9 @@
 
 namespace corvane::console {
 
+/// How the status line of a port that did not open begins.
+inline constexpr std::string_view kPortDidNotOpen = "The port did not open";
+
 /// Prints what an operator wants to read later: what was begun, answers, results and errors. The rest goes to the
 /// progress line of a terminal only, so that a pipe gets no line for each reading.
 class ConsoleView : public FormView {
@@ -38,6 +41,7 @@ class ConsoleView : public FormView {
   void ShowProgress();
   [[nodiscard]] bool IsReadingDate(std::string_view text) const;
   [[nodiscard]] bool IsDetail(std::string_view text) const;
+  [[nodiscard]] bool IsError(std::string_view text) const;
 
   const Form& form_;
   const LinkState& link_;

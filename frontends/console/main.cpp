@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "app/app_info.h"
-#include "options.h"
-#include "program.h"
+#include "console/options.h"
+#include "console/program.h"
 
 int main(int argc, char** argv) {
   using namespace corvane::console;

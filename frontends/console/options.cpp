@@ -120,8 +120,8 @@ const CommandRow* FindCommand(std::string_view name) {
 }
 
 const CommandRow* RowOf(CommandId command) {
-  const auto* found =
-      std::find_if(std::begin(kCommands), std::end(kCommands), [command](const auto& row) { return row.id == command; });
+  const auto* found = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                   [command](const auto& row) { return row.id == command; });
   return found == std::end(kCommands) ? nullptr : found;
 }
 
@@ -187,7 +187,8 @@ class Parser {
     if (row_ == nullptr) throw UsageError("no command is given");
     const std::string name(row_->name);
     for (const OptionRow* option : scoped_) {
-      if ((row_->options & option->scope) == 0) throw UsageError(name + " takes no option " + std::string(option->name));
+      if ((row_->options & option->scope) == 0)
+        throw UsageError(name + " takes no option " + std::string(option->name));
     }
     const std::size_t count = options_.arguments.size();
     if (count < row_->least) throw UsageError(name + " needs " + std::string(row_->arguments));
@@ -245,7 +246,8 @@ std::string WithArguments(std::string_view name, std::string_view arguments) {
 std::string OptionLines(unsigned scope) {
   std::string lines;
   for (const OptionRow& row : kOptions) {
-    if (row.scope == kEverywhere || (row.scope & scope) != 0) lines += HelpLine(WithArguments(row.name, row.value), row.help);
+    if (row.scope == kEverywhere || (row.scope & scope) != 0)
+      lines += HelpLine(WithArguments(row.name, row.value), row.help);
   }
   return lines;
 }

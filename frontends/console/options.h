@@ -57,6 +57,8 @@ struct Options {
 /// The name of a command as it is typed.
 [[nodiscard]] std::string CommandName(CommandId command);
 /// True for commands that only read the application folder: they take no lock and save nothing.
-[[nodiscard]] constexpr bool OnlyReads(CommandId command) { return command == CommandId::Units; }
+[[nodiscard]] constexpr bool OnlyReads(CommandId command) {
+  return command == CommandId::Units;
+}
 
 }  // namespace corvane::console

@@ -132,7 +132,7 @@ class Program {
         view_(app_.form(), app_.link(), loop_, output_, options.verbose) {}
 
   int Run() {
-    if (!OnlyReads(options_.command) && !PrepareFolder()) return kNotStarted;
+    if (OnlyReads(options_.command) ? !LookAtFolder() : !PrepareFolder()) return kNotStarted;
     const Status watched = loop_.WatchSignals({SIGINT, SIGTERM, SIGHUP}, [this](int signal) {
       if (signal_ == 0) signal_ = signal;
       app_.commands().Close(true);
@@ -150,6 +150,18 @@ class Program {
   }
 
  private:
+  bool LookAtFolder() {
+    const auto found = ExamineFile(folder_);
+    if (found && !found->is_folder) {
+      output_.Error("corvanectl: the application folder cannot be used: " + folder_ + " is no folder");
+      return false;
+    }
+    if (!ExamineFile(AddBackslash(folder_) + "corvane.ini")) {
+      output_.Error("corvanectl: there are no settings in " + folder_ + " yet; what follows are the defaults");
+    }
+    return true;
+  }
+
   bool PrepareFolder() {
     try {
       CreatePath(folder_);
@@ -158,7 +170,8 @@ class Program {
       return false;
     }
     if (access(folder_.c_str(), W_OK | X_OK) != 0) {
-      output_.Error("corvanectl: " + Status::FromErrno("the application folder cannot be used: " + folder_, errno).text());
+      output_.Error("corvanectl: " +
+                    Status::FromErrno("the application folder cannot be used: " + folder_, errno).text());
       return false;
     }
     if (shell_.TakeInstanceLock(folder_)) return true;

@@ -60,10 +60,13 @@ bool CanBeSet(const Control& control, const Form& form) {
     case ControlKind::Check:
     case ControlKind::Options:
     case ControlKind::Selector:
-    case ControlKind::Window: return true;
+    case ControlKind::Window:
+      return true;
     // Texts that the person chooses in a dialog or a list.
-    case ControlKind::Label: return &control == &form.Lbl_Mode || &control == &form.Lbl_BackupDestination;
-    default: return false;
+    case ControlKind::Label:
+      return &control == &form.Lbl_Mode || &control == &form.Lbl_BackupDestination;
+    default:
+      return false;
   }
 }
 

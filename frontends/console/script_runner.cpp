@@ -53,8 +53,10 @@ void ScriptRunner::RunStatement(const Statement& statement) {
   Control* control = statement.control;
   if (control != nullptr && statement.verb != Verb::Show && statement.verb != Verb::WaitFor) RequireUsable(*control);
   switch (statement.verb) {
-    case Verb::Set: return Set(statement);
-    case Verb::Select: return SelectRows(statement);
+    case Verb::Set:
+      return Set(statement);
+    case Verb::Select:
+      return SelectRows(statement);
     case Verb::Check:
     case Verb::Open: {
       List& list = static_cast<List&>(*control);
@@ -62,27 +64,37 @@ void ScriptRunner::RunStatement(const Statement& statement) {
       if (statement.verb == Verb::Open) return list.Open(statement.numbers[0]);
       return list.SetChecked(statement.numbers[0], statement.numbers[1] != 0);
     }
-    case Verb::Click: return static_cast<const Button*>(control)->Click();
-    case Verb::Menu: return ClickMenu(statement);
-    case Verb::Answer: return hooks_.answer(statement.text);
-    case Verb::WaitFor: return WaitFor(statement);
-    case Verb::Wait: return Wait(statement.numbers[0]);
-    case Verb::Show: return Show(*control);
-    case Verb::Activate: return hooks_.activate(statement.text);
+    case Verb::Click:
+      return static_cast<const Button*>(control)->Click();
+    case Verb::Menu:
+      return ClickMenu(statement);
+    case Verb::Answer:
+      return hooks_.answer(statement.text);
+    case Verb::WaitFor:
+      return WaitFor(statement);
+    case Verb::Wait:
+      return Wait(statement.numbers[0]);
+    case Verb::Show:
+      return Show(*control);
+    case Verb::Activate:
+      return hooks_.activate(statement.text);
   }
 }
 
 void ScriptRunner::Set(const Statement& statement) {
   Control& control = *statement.control;
   switch (control.kind()) {
-    case ControlKind::Label: return static_cast<Label&>(control).SetText(statement.text);
+    case ControlKind::Label:
+      return static_cast<Label&>(control).SetText(statement.text);
     case ControlKind::Text: {
       auto& field = static_cast<TextField&>(control);
       field.SetText(statement.text);
       return field.Leave();
     }
-    case ControlKind::Selector: return SetSelector(static_cast<Selector&>(control), statement.text);
-    default: return SetNumber(control, statement.text);
+    case ControlKind::Selector:
+      return SetSelector(static_cast<Selector&>(control), statement.text);
+    default:
+      return SetNumber(control, statement.text);
   }
 }
 
@@ -128,8 +140,8 @@ void ScriptRunner::SelectRows(const Statement& statement) {
 void ScriptRunner::ClickMenu(const Statement& statement) {
   const auto& menu = static_cast<const MenuGroup&>(*statement.control);
   const auto index = static_cast<std::size_t>(statement.numbers[0]);
-  const bool there = index < menu.entries().size() && menu.entries()[index].visible &&
-                     menu.entries()[index].caption != "-";
+  const bool there =
+      index < menu.entries().size() && menu.entries()[index].visible && menu.entries()[index].caption != "-";
   const std::string entry = menu.name() + " entry " + std::to_string(index);
   if (!there) throw RunTimeError(entry + " does not exist");
   if (!menu.entries()[index].enabled) throw RunTimeError(entry + " is disabled now");

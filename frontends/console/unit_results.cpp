@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "base/paths.h"
+#include "base/files.h"
+#include "console_view.h"
 #include "text_table.h"
 #include "unit_files.h"
 
@@ -15,8 +16,8 @@ constexpr const char* kConverting = "Convert: ";
 const std::vector<Column>& ColumnsOf(UnitResults::Kind kind) {
   static const std::vector<Column> kDownload = {{"Unit"},      {"Tries", true},  {"Readings", true},
                                                 {"New", true}, {"Last reading"}, {"Result"}};
-  static const std::vector<Column> kConvert = {
-      {"Unit"}, {"Readings", true}, {"Bad lines", true}, {"Last reading"}, {"Calibrated file"}, {"Result"}};
+  static const std::vector<Column> kConvert = {{"Unit"},         {"Readings", true},  {"Bad lines", true},
+                                               {"Last reading"}, {"Calibrated file"}, {"Result"}};
   static const std::vector<Column> kCommand = {{"Unit"}, {"Tries", true}, {"Result"}};
   if (kind == UnitResults::Kind::Download) return kDownload;
   return kind == UnitResults::Kind::Convert ? kConvert : kCommand;
@@ -27,6 +28,7 @@ const std::vector<Column>& ColumnsOf(UnitResults::Kind kind) {
 void UnitResults::Begin(const std::vector<std::int64_t>& units) {
   watched_.clear();
   converting_ = 0;
+  port_failed_ = false;
   stopped_ = false;
   for (const std::int64_t unit : units) {
     Watched watched;
@@ -44,9 +46,10 @@ void UnitResults::OnChange(const Control& control) {
   const Form& form = app_.form();
   if (&control != &form.Lbl_Status) return;
   EndConversionOfFile();
+  const std::string& text = form.Lbl_Status.text();
+  if (text.starts_with(kPortDidNotOpen)) port_failed_ = true;
   const auto watched = watched_.find(form.Lst_Units.current() + 1);
   if (watched == watched_.end()) return;
-  const std::string& text = form.Lbl_Status.text();
   if (text.starts_with(kConverting)) {
     converting_ = watched->first;
     errors_before_ = app_.flags().error_counter;
@@ -77,7 +80,7 @@ std::string UnitResults::FileOf(std::int64_t unit, bool calibrated) const {
 std::string UnitResults::LinkResult(std::int64_t unit, const Watched& watched, bool was_last) const {
   const Unit& record = app_.registry().Units[unit];
   const bool ended_by_stop = was_last && stopped_;
-  if (record.Tries == 0) return "not asked";
+  if (record.Tries == 0) return port_failed_ ? "not asked: the port did not open" : "not asked";
   if (!record.Problem && !ended_by_stop) return kOk;
   if (!watched.failure.empty()) return watched.failure;
   return ended_by_stop ? "cancelled" : "problem, see corvane.log";

@@ -54,6 +54,7 @@ class UnitResults {
   std::map<std::int64_t, Watched> watched_;
   std::int64_t converting_ = 0;  ///< the unit whose file is being converted, 0 none
   std::int64_t errors_before_ = 0;
+  bool port_failed_ = false;
   bool stopped_ = false;  ///< a time-out or a cancel ended the session
   std::vector<std::vector<std::string>> rows_;
   int problems_ = 0;

@@ -8,9 +8,13 @@ namespace corvane {
 
 AppInfo::AppInfo(std::string as_Folder) : folder_(std::move(as_Folder)) {}
 
-std::string AppInfo::AppFolderWithSlash() const { return AddBackslash(folder_); }
+std::string AppInfo::AppFolderWithSlash() const {
+  return AddBackslash(folder_);
+}
 
-std::string AppInfo::AppPath(std::string_view as_Name) const { return PlaceInFolder(folder_, as_Name); }
+std::string AppInfo::AppPath(std::string_view as_Name) const {
+  return PlaceInFolder(folder_, as_Name);
+}
 
 std::string AppInfo::VersionText() {
   return std::to_string(CORVANE_VERSION_MAJOR) + "." + std::to_string(CORVANE_VERSION_MINOR) + "." +

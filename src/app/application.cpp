@@ -40,11 +40,12 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                  session_, units_, files_, bars_, messages_, trace_}),
       round_(form_, link_, loop_, sessions_, conversion_, flows_, schedule_),
       finder_(form_, link_, port_link_, session_, bars_, trace_),
-      commands_({form_, registry_, link_, flags_, slot_, names_, units_, relays_, clients_, files_, conversion_,
-                 port_link_, writer_, sessions_, round_, finder_, schedule_, run_at_startup_, flows_, loop_, messages_,
-                 trace_}),
-      life_({form_, link_, download_, flags_, slot_, app_, states_, store_, settings_, units_, relays_, clients_,
-             files_, port_link_, writer_, capture_, schedule_, run_at_startup_, commands_, bars_, summary_, trace_}) {
+      commands_({form_,     registry_,       link_,       flags_,     slot_,     names_,    units_, relays_,
+                 clients_,  files_,          conversion_, port_link_, writer_,   sessions_, round_, finder_,
+                 schedule_, run_at_startup_, flows_,      loop_,      messages_, trace_}),
+      life_({form_,     link_,           download_, flags_,   slot_,    app_,       states_, store_,
+             settings_, units_,          relays_,   clients_, files_,   port_link_, writer_, capture_,
+             schedule_, run_at_startup_, commands_, bars_,    summary_, trace_}) {
   Wire();
   av_Platform.port.SetEventHandler([this](int code) { port_link_.OnPortEvent(code); });
 }

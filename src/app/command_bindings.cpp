@@ -179,8 +179,7 @@ void Commands::BindFields() {
 void Commands::BindKeys() {
   p_.form.Cmd_Cancel.on_key = [this](int code, bool key_down) {
     p_.trace.LogWrite(std::string(key_down ? "cmd_Cancel_KeyDown" : "Cmd_Cancel_KeyPress") +
-                      " KeyCode: " + std::to_string(code) +
-                      " DoingSomething: " + (p_.slot.Taken() ? "True" : "False"));
+                      " KeyCode: " + std::to_string(code) + " DoingSomething: " + (p_.slot.Taken() ? "True" : "False"));
     if (!p_.form.Cmd_Cancel.enabled() || code != kSpaceBar) return false;
     p_.trace.LogWrite("space, so set ai_KeyAscii = 0");
     return true;

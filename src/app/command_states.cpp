@@ -47,6 +47,8 @@ void CommandStates::UpdateListCommands() {
   UpdateOneList(Idle(), form_.Lst_Clients, form_.Cmd_Clients, form_.mnu_Clients);
 }
 
-void CommandStates::UpdateCommandStates() { UpdateListCommands(); }
+void CommandStates::UpdateCommandStates() {
+  UpdateListCommands();
+}
 
 }  // namespace corvane

@@ -103,12 +103,13 @@ void Commands::Close(bool ab_Silently) {
 
 void Commands::Download(std::int16_t ai_Entry) {
   switch (ai_Entry) {
-    case 0: DownloadAll(false, kCurrentUnit, false); break;
+    case 0:
+      DownloadAll(false, kCurrentUnit, false);
+      break;
     case 1:
     case 2:
-      RunOperation("Download", [&] {
-        p_.sessions.ProcessAllUnits(true, ai_Entry == 1 ? kFromRadio : kFromHandHeld, kDownload);
-      });
+      RunOperation("Download",
+                   [&] { p_.sessions.ProcessAllUnits(true, ai_Entry == 1 ? kFromRadio : kFromHandHeld, kDownload); });
       break;
     default:
       RunOperation("Fetch", [&] {
@@ -167,10 +168,17 @@ void Commands::Help(std::int16_t ai_Entry) {
 void Commands::FileCommand(std::int16_t ai_Entry) {
   RunCommand("Files", [&] {
     switch (ai_Entry) {
-      case 0: p_.files.EditDataFile(); break;
-      case 1: p_.files.DeleteFiles(); break;
-      case 2: p_.files.EditTrace(); break;
-      default: p_.files.GetFolder();
+      case 0:
+        p_.files.EditDataFile();
+        break;
+      case 1:
+        p_.files.DeleteFiles();
+        break;
+      case 2:
+        p_.files.EditTrace();
+        break;
+      default:
+        p_.files.GetFolder();
     }
   });
 }

@@ -7,8 +7,8 @@
 
 #include "app/app_info.h"
 #include "app/operation_slot.h"
-#include "app/run_flags.h"
 #include "app/run_at_startup.h"
+#include "app/run_flags.h"
 #include "data/batch_conversion.h"
 #include "data/local_files.h"
 #include "form/form.h"

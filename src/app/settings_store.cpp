@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 #include "base/files.h"
 #include "base/text.h"
@@ -21,6 +20,7 @@ Status CopyFile(const std::string& source, const std::string& target) {
   std::string block;
   Status status = ReadAt(source, 0, kBlock, block);
   if (!status.ok()) return status;
+  (void)RemoveFile(target);  // an older copy may be readable for others
   OutputFile copy;
   status = copy.Create(target, kPrivateMode);
   for (auto offset = static_cast<std::int64_t>(block.size()); status.ok() && !block.empty();
@@ -36,9 +36,8 @@ Status CopyFile(const std::string& source, const std::string& target) {
 /// Ok when the file is missing or text throughout.
 Status CheckContents(const std::string& path) {
   std::string contents;
-  if (!ExamineFile(path)) return Status::Ok();
   const Status read = ReadFile(path, contents, ProfileFile::kLargestFile);
-  if (!read.ok()) return read;
+  if (!read.ok()) return read.code() == ENOENT ? Status::Ok() : read;
   if (contents.find('\0') == std::string::npos) return Status::Ok();
   return {EILSEQ, path + " is damaged: it holds NUL characters"};
 }

@@ -23,14 +23,15 @@ DateTime DateTime::FromCivil(std::int64_t year, int month, int day, int hour, in
 
 CivilTime DateTime::ToCivil() const {
   CivilTime civil;
-  const std::int64_t time = TimeOfDay();
+  const auto time = static_cast<std::uint32_t>(TimeOfDay());
   const std::int64_t day_count = (seconds_ - time) / kSecondsPerDay;
   const std::int64_t days = day_count + kDayZero;
   const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
-  const std::int64_t day_of_era = days - era * 146097;
-  const std::int64_t year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
-  const std::int64_t day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
-  const std::int64_t month_from_march = (5 * day_of_year + 2) / 153;
+  // Within 400 years, and so in 32 bits, which divide much faster.
+  const auto day_of_era = static_cast<std::uint32_t>(days - era * 146097);
+  const std::uint32_t year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
+  const std::uint32_t day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
+  const std::uint32_t month_from_march = (5 * day_of_year + 2) / 153;
   civil.day = static_cast<int>(day_of_year - (153 * month_from_march + 2) / 5 + 1);
   civil.month = static_cast<int>(month_from_march < 10 ? month_from_march + 3 : month_from_march - 9);
   civil.year = year_of_era + era * 400 + (civil.month <= 2 ? 1 : 0);

@@ -22,13 +22,28 @@ constexpr char Lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
 }
 
-void AppendNumber(std::string& out, std::int64_t number, int width) {
-  if (number >= 0 && number < 100 && width <= 2) {
-    if (number >= 10 || width == 2) out += static_cast<char>('0' + number / 10);
-    out += static_cast<char>('0' + number % 10);
+void AppendPair(std::string& out, std::uint32_t number) {
+  const std::array<char, 2> digits = {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+  out.append(digits.data(), digits.size());
+}
+
+/// Appends a field of 0 to 99 with at least `width` digits.
+void AppendSmall(std::string& out, int number, int width) {
+  if (width > 1 || number > 9) {
+    AppendPair(out, static_cast<std::uint32_t>(number));
+  } else {
+    out += static_cast<char>('0' + number);
+  }
+}
+
+void AppendYear(std::string& out, std::int64_t year, int width) {
+  if (year < 0 || year > 9999) {
+    out += ZeroPadded(width > 2 ? year : std::abs(year % 100), 2);
     return;
   }
-  out += ZeroPadded(number, width);
+  const auto number = static_cast<std::uint32_t>(year);
+  if (width > 2) AppendPair(out, number / 100);
+  AppendPair(out, number % 100);
 }
 
 /// The longest run of the letter at `start` that a field takes.
@@ -145,7 +160,7 @@ void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilT
       out += piece.literal;
       break;
     case Field::Day:
-      AppendNumber(out, civil.day, piece.width);
+      AppendSmall(out, civil.day, piece.width);
       break;
     case Field::Weekday: {
       const std::string_view name = kDays[static_cast<std::size_t>(civil.weekday)];
@@ -157,24 +172,20 @@ void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilT
         const std::string_view name = kMonths[static_cast<std::size_t>(civil.month - 1)];
         out += piece.width == 3 ? name.substr(0, 3) : name;
       } else {
-        AppendNumber(out, civil.month, piece.width);
+        AppendSmall(out, civil.month, piece.width);
       }
       break;
     case Field::Year:
-      if (piece.width > 2) {
-        out += ZeroPadded(civil.year, 4);
-      } else {
-        AppendNumber(out, civil.year % 100, 2);
-      }
+      AppendYear(out, civil.year, piece.width);
       break;
     case Field::Hour:
-      AppendNumber(out, twelve_hours_ ? (civil.hour + 11) % 12 + 1 : civil.hour, piece.width);
+      AppendSmall(out, twelve_hours_ ? (civil.hour + 11) % 12 + 1 : civil.hour, piece.width);
       break;
     case Field::Minute:
-      AppendNumber(out, civil.minute, piece.width);
+      AppendSmall(out, civil.minute, piece.width);
       break;
     case Field::Second:
-      AppendNumber(out, civil.second, piece.width);
+      AppendSmall(out, civil.second, piece.width);
       break;
     case Field::AmPm:
       out += civil.hour < 12 ? "AM" : "PM";

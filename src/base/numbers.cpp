@@ -38,16 +38,20 @@ double NumberAtStart(std::string_view text, const char*& end) {
   return result.ec == std::errc() ? number : 0;
 }
 
-/// Appends `whole` with `decimals` of its last digits behind the point.
-void AppendScaled(std::string& out, std::uint64_t whole, int decimals, bool negative) {
+/// Appends `rounded`, the size of `number` scaled by `decimals` places, with its sign and point.
+void AppendRounded(std::string& out, double number, std::uint64_t rounded, int decimals) {
   std::array<char, 24> digits;
   char* const end = digits.data() + digits.size();
   char* begin = end;
-  for (int position = 0; whole != 0 || position <= decimals; ++position) {
-    if (position == decimals && decimals > 0) *--begin = '.';
-    *--begin = static_cast<char>('0' + whole % 10);
-    whole /= 10;
+  const bool negative = std::signbit(number) && rounded != 0;
+  for (int position = 0; position < decimals; ++position, rounded /= 10) {
+    *--begin = static_cast<char>('0' + rounded % 10);
   }
+  if (decimals > 0) *--begin = '.';
+  do {
+    *--begin = static_cast<char>('0' + rounded % 10);
+    rounded /= 10;
+  } while (rounded != 0);
   if (negative) *--begin = '-';
   out.append(begin, end);
 }
@@ -137,30 +141,27 @@ void AppendFixed(std::string& out, double number, int decimals) {
   decimals = std::clamp(decimals, 0, kMostDecimals);
   const double size = std::abs(number);
   const double scaled = size * kPowersOfTen[static_cast<std::size_t>(decimals)];
+  if (scaled < kLargestFast) {
+    const auto whole = static_cast<std::uint32_t>(scaled);
+    const double above_half = scaled - whole - 0.5;
+    if (std::abs(above_half) > kNearHalf) {
+      AppendRounded(out, number, whole + (above_half > 0 ? 1 : 0), decimals);
+      return;
+    }
+  }
   if (std::isnan(number)) {
     out += "nan";
-    return;
-  }
-  if (size >= kLargestPlain) {
+  } else if (size >= kLargestPlain) {
     std::array<char, 400> text;
     const auto written =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, decimals);
     out.append(text.data(), written.ptr);
-    return;
-  }
-  if (scaled >= kLargestInteger) {  // more decimals than the 15-digit text has
+  } else if (scaled >= kLargestInteger) {  // more decimals than the 15-digit text has
     AppendFixed(out, number, decimals - 3);
     out += "000";
-    return;
-  }
-  std::uint64_t rounded = 0;
-  const double whole = std::floor(scaled);
-  if (scaled < kLargestFast && std::abs(scaled - whole - 0.5) > kNearHalf) {
-    rounded = static_cast<std::uint64_t>(whole) + (scaled - whole > 0.5 ? 1 : 0);
   } else {
-    rounded = RoundDecimalText(size, decimals);
+    AppendRounded(out, number, RoundDecimalText(size, decimals), decimals);
   }
-  AppendScaled(out, rounded, decimals, std::signbit(number) && rounded != 0);
 }
 
 std::string FixedText(double number, int decimals) {

@@ -33,8 +33,17 @@ BatchConversion::BatchConversion(Form& av_Form, RunFlags& av_Flags, const LinkSt
       trace_(av_Trace) {}
 
 bool BatchConversion::InitialiseLookups() {
-  return lookups_.Moisture.Initialise(files_.SettingsFile(0)) && lookups_.Salinity.Initialise(files_.SettingsFile(1)) &&
-         lookups_.Correction.Initialise(files_.SettingsFile(2));
+  const bool ready = lookups_.Moisture.Initialise(files_.SettingsFile(0)) &&
+                     lookups_.Salinity.Initialise(files_.SettingsFile(1)) &&
+                     lookups_.Correction.Initialise(files_.SettingsFile(2));
+  if (!ready) ++flags_.problems;
+  return ready;
+}
+
+void BatchConversion::ConvertFile(const std::string& as_RawFile) {
+  const std::int64_t errors_before = flags_.error_counter;
+  const bool finished = converter_.ConvertToCalibrated(as_RawFile);
+  if (!finished || flags_.error_counter > errors_before) ++flags_.problems;
 }
 
 void BatchConversion::ResetCounters() {
@@ -77,14 +86,14 @@ void BatchConversion::ConvertOneFile(const DataFile& av_File, const UnitsByRawFi
   if (!EqualsNoCase(ExtensionOf(av_File.Short), names_.DataFileExtension(false))) {
     messages_.Show("Only raw files can be converted");
   } else if (FindUnitForRawFile(av_File.Short, av_Units)) {
-    converter_.ConvertToCalibrated(av_File.Full);
+    ConvertFile(av_File.Full);
   }
 }
 
 bool BatchConversion::FindUnitForRawFile(const std::string& as_FileName, const UnitsByRawFile& av_Units) {
   const auto unit = av_Units.find(as_FileName);
   if (unit == av_Units.end()) {
-    messages_.Show("Cannot find a unit for raw file: " + as_FileName);
+    messages_.Show("Cannot find a unit for raw file: " + as_FileName, "Cannot find a unit for raw file");
     return false;
   }
   units_.Select(unit->second);
@@ -115,7 +124,7 @@ void BatchConversion::ConvertUnits(const std::function<bool(std::int64_t)>& av_I
   for (std::int64_t i = 1; i <= registry_.Units.count() && !Cancelled(); ++i) {
     if (!av_InRun(i)) continue;
     units_.Select(i);
-    converter_.ConvertToCalibrated(names_.DataFileName(static_cast<std::int32_t>(i), false));
+    ConvertFile(names_.DataFileName(static_cast<std::int32_t>(i), false));
     bars_.Unit.Increment();
     loop_.Poll();
   }

@@ -55,6 +55,8 @@ class BatchConversion {
   [[nodiscard]] bool FindUnitForRawFile(const std::string& as_FileName, const UnitsByRawFile& av_Units);
   /// Converts the files of the `al_Count` units that are in the run, then selects `al_Selected` again.
   void ConvertUnits(const std::function<bool(std::int64_t)>& av_InRun, std::int64_t al_Count, std::int64_t al_Selected);
+  /// Converts one raw file; one that failed or has bad lines counts as a problem of the operation.
+  void ConvertFile(const std::string& as_RawFile);
   [[nodiscard]] bool Cancelled() const;
 
   Form& form_;

@@ -192,7 +192,9 @@ void Selector::SelectByItemData(std::int32_t number) {
   SetCurrent(found == rows_.end() ? -1 : found - rows_.begin());
 }
 
-std::int32_t Selector::SelectedItemData() const { return current_ == -1 ? 0 : number(current_); }
+std::int32_t Selector::SelectedItemData() const {
+  return current_ == -1 ? 0 : number(current_);
+}
 
 void Button::SetCaption(std::string_view caption) {
   if (caption == caption_) return;
@@ -204,7 +206,9 @@ void Button::Click() const {
   if (enabled() && visible() && on_click) on_click();
 }
 
-bool Button::Key(int code, bool key_down) const { return on_key && on_key(code, key_down); }
+bool Button::Key(int code, bool key_down) const {
+  return on_key && on_key(code, key_down);
+}
 
 void MenuGroup::SetEntries(std::vector<Entry> entries) {
   entries_ = std::move(entries);
@@ -258,6 +262,8 @@ void Window::SetPointer(PointerShape shape) {
   Tell(Aspect::Value);
 }
 
-bool Window::Key(int code, bool key_down) const { return on_key && on_key(code, key_down); }
+bool Window::Key(int code, bool key_down) const {
+  return on_key && on_key(code, key_down);
+}
 
 }  // namespace corvane

@@ -9,15 +9,15 @@ class Control;
 
 /// What changed in a control.
 enum class Aspect : std::uint8_t {
-  Value,       ///< text, tick, option index, progress value, pointer shape, minimised state or title
+  Value,  ///< text, tick, option index, progress value, pointer shape, minimised state or title
   Caption,
   Enabled,
   Visible,
-  Range,       ///< limits of a progress bar
-  Rows,        ///< rows were added or removed; the row is the first that differs
-  Row,         ///< text of one row
-  CheckMark,   ///< check mark of one row
-  Selection,   ///< selected rows or the current row
+  Range,      ///< limits of a progress bar
+  Rows,       ///< rows were added or removed; the row is the first that differs
+  Row,        ///< text of one row
+  CheckMark,  ///< check mark of one row
+  Selection,  ///< selected rows or the current row
 };
 
 /// The one renderer of the Form: the window, the console or a recorder for tests.

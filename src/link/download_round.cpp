@@ -24,10 +24,14 @@ DownloadRound::DownloadRound(Form& av_Form, const LinkState& av_Link, EventLoop&
 void DownloadRound::DownloadAllUnits(bool ab_All, std::int16_t ai_Mode) {
   conversion_.ResetCounters();
   switch (ai_Mode) {
-    case kHandHeldUnits: return HandHeldRound(ab_All);
-    case kRadioUnits: return RadioRound(ab_All);
-    case kCurrentUnit: return CurrentUnitRound();
-    default: return;
+    case kHandHeldUnits:
+      return HandHeldRound(ab_All);
+    case kRadioUnits:
+      return RadioRound(ab_All);
+    case kCurrentUnit:
+      return CurrentUnitRound();
+    default:
+      return;
   }
 }
 

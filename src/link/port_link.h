@@ -22,7 +22,7 @@ namespace corvane {
 class PortLink {
  public:
   /// Characters kept without a line end before the line counts as overflowed.
-  static constexpr std::size_t kLargestBuffer = 64 * 1024;
+  static constexpr std::size_t kLargestBuffer = std::size_t{64} * 1024;
 
   PortLink(Form& av_Form, LinkState& av_Link, SerialPort& av_Port, const PortDevices& av_Devices,
            CommandStates& av_States, LinkWriter& av_Writer, ReplyTimer& av_Timer, ProgressBars& av_Bars,

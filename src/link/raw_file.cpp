@@ -10,7 +10,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kTailBytes = 1024;
-constexpr std::int64_t kBlockBytes = 64 * 1024;
+constexpr std::int64_t kBlockBytes = std::int64_t{64} * 1024;
 constexpr std::size_t kShortestReading = 11;
 constexpr int kMostProblems = 5;
 

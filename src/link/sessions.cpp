@@ -138,7 +138,9 @@ void Sessions::RecordDownloadTime() {
 bool Sessions::ConfirmCommand(std::int16_t ai_Command, const std::string& as_What) {
   std::string question;
   switch (ai_Command) {
-    case kSetDate: question = "Set date in " + as_What + " to: " + GeneralDate(p_.loop.Now()); break;
+    case kSetDate:
+      question = "Set date in " + as_What + " to: " + GeneralDate(p_.loop.Now());
+      break;
     case kSetLogPeriod: {
       const std::string& period = p_.form.Cmb_LogPeriod.shown_text();
       const auto seconds = ParseTimeOfDay(period);
@@ -150,7 +152,8 @@ bool Sessions::ConfirmCommand(std::int16_t ai_Command, const std::string& as_Wha
       question = std::string(CommandOf(ai_Command).name) + " in " + as_What +
                  " to: " + (ai_Command == kSetMode ? p_.form.Lbl_Mode.text() : p_.form.Txt_Delays.text());
       break;
-    default: return true;
+    default:
+      return true;
   }
   return p_.messages.Confirm(question) && p_.messages.Confirm(question + "\r\nAre you really sure");
 }

@@ -21,8 +21,8 @@ void UnitSession::ProcessUnit(std::int16_t ai_Command) {
     FailHere(error.what());
   }
   p_.exchange.SetStateFinished();
-  p_.trace.TraceDecision("Finish 'ProcessUnit' - closing output file: " +
-                         std::to_string(p_.capture.OutputFileNumber()) + " just in case");
+  p_.trace.TraceDecision(
+      "Finish 'ProcessUnit' - closing output file: " + std::to_string(p_.capture.OutputFileNumber()) + " just in case");
   p_.capture.CloseOutputFile();
   p_.timer.Stop();
 }
@@ -83,11 +83,16 @@ std::string UnitSession::PrepareDownload() {
 
 std::string UnitSession::Parameters(std::int16_t ai_Command) {
   switch (ai_Command) {
-    case kSetDate: return FormatDate(p_.loop.Now(), kStampPattern);
-    case kSetLogPeriod: return LogPeriodParameters(p_.form.Cmb_LogPeriod.shown_text());
-    case kSetMode: return p_.form.Lbl_Mode.text();
-    case kSetDelays: return p_.form.Txt_Delays.text();
-    default: return {};
+    case kSetDate:
+      return FormatDate(p_.loop.Now(), kStampPattern);
+    case kSetLogPeriod:
+      return LogPeriodParameters(p_.form.Cmb_LogPeriod.shown_text());
+    case kSetMode:
+      return p_.form.Lbl_Mode.text();
+    case kSetDelays:
+      return p_.form.Txt_Delays.text();
+    default:
+      return {};
   }
 }
 

@@ -34,7 +34,8 @@ class Dialogs {
   Dialogs& operator=(const Dialogs&) = delete;
 
   using BoxId = int;
-  /// Shows a box; `on_click` gets the position of the button, or 0 when the box was closed without one. Called at most once.
+  /// Shows a box; `on_click` gets the position of the button, or 0 when the box was closed without one. Called at most
+  /// once.
   virtual BoxId OpenBox(const BoxContents& contents, std::function<void(int position)> on_click) = 0;
   /// Changes the text of the count-down label.
   virtual void SetCountDown(BoxId box, const std::string& text) = 0;

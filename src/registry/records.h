@@ -13,12 +13,12 @@ enum GetFrom : std::int32_t { kFromRadio = 0, kFromNone = 1, kFromHandHeld = 2, 
 
 struct Unit {
   std::string Name;
-  std::int32_t ID = 0;      ///< radio address
-  std::int16_t Active = 0;  ///< not 0: takes part when all units are downloaded
-  std::int32_t RelayID = 0; ///< ID of a relay, 0 direct
-  std::int32_t ftpFile = 0; ///< 0 none, 1 FTP
+  std::int32_t ID = 0;       ///< radio address
+  std::int16_t Active = 0;   ///< not 0: takes part when all units are downloaded
+  std::int32_t RelayID = 0;  ///< ID of a relay, 0 direct
+  std::int32_t ftpFile = 0;  ///< 0 none, 1 FTP
   std::int32_t ClientID = 0;
-  std::int32_t GetFrom = 0; ///< see `corvane::GetFrom`
+  std::int32_t GetFrom = 0;  ///< see `corvane::GetFrom`
   float MoistureCorrection = 0;
   float SalinityCorrection = 0;
 

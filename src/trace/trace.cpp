@@ -130,8 +130,12 @@ void Trace::SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind) {
   TraceDecision("SwitchOnAllTrace because: " + std::string(as_Reason));
 }
 
-void Trace::CloseLog() { log_.Close(); }
+void Trace::CloseLog() {
+  log_.Close();
+}
 
-int Trace::LogFileNumber() const { return log_.IsOpen() ? kLogFile : kNoFile; }
+int Trace::LogFileNumber() const {
+  return log_.IsOpen() ? kLogFile : kNoFile;
+}
 
 }  // namespace corvane

@@ -11,7 +11,9 @@ void CProgressBar::SetBar(ProgressBar& av_Bar) {
   bar_->SetRange(0, 100);
 }
 
-std::int64_t CProgressBar::Maximum() const { return std::llround(bar_->maximum() / scale_); }
+std::int64_t CProgressBar::Maximum() const {
+  return std::llround(bar_->maximum() / scale_);
+}
 
 void CProgressBar::Initialise(std::int64_t al_Max) {
   scale_ = al_Max == 0 ? 1 : 100.0 / static_cast<double>(al_Max);
@@ -27,7 +29,9 @@ void CProgressBar::SetValue(std::int64_t al_Value) {
   UpdateTitle();
 }
 
-std::int64_t CProgressBar::Value() const { return std::llround(bar_->value() / scale_); }
+std::int64_t CProgressBar::Value() const {
+  return std::llround(bar_->value() / scale_);
+}
 
 void CProgressBar::SetReverseValue(std::int64_t al_Value) {
   const auto value = static_cast<double>(al_Value);

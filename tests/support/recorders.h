@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "form/form_view.h"
 #include "form/control.h"
+#include "form/form_view.h"
 #include "platform/dialogs.h"
 #include "platform/shell.h"
 

@@ -62,8 +62,8 @@ class ScriptedPort : public SerialPort {
 
   std::string device;
   std::string settings;
-  std::string written;              ///< everything written so far
-  std::vector<std::string> lines;   ///< complete lines written, without CR
+  std::string written;             ///< everything written so far
+  std::vector<std::string> lines;  ///< complete lines written, without CR
   int escapes = 0;
   int opens = 0;
   Status open_result;

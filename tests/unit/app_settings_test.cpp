@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <functional>
 #include <memory>
 
 #include "app/run_at_startup.h"
@@ -20,10 +19,10 @@ using test::Rows;
 using test::TempFolder;
 
 /// One run of the program on the settings file of a folder.
-struct Run : RegistryWorld {
-  explicit Run(const std::string& folder) : app(folder) {
-    for (Selector& ports : form.Cmb_Port) {
-      for (int number = 1; number <= 50; ++number) ports.Add("COM" + std::to_string(number), number);
+struct Program : RegistryWorld {
+  explicit Program(const std::string& folder) : app(folder) {
+    for (Selector& selector : form.Cmb_Port) {
+      for (int number = 1; number <= 50; ++number) selector.Add("COM" + std::to_string(number), number);
     }
     for (const char* period : {"00:15", "00:30", "01:00", "02:00", "03:00"}) form.Cmb_LogPeriod.Add(period);
     store.SetFile(app.AppPath("corvane.ini"));
@@ -37,24 +36,19 @@ struct Run : RegistryWorld {
 
 class SettingsTest : public testing::Test {
  protected:
-  void Write(const std::string& contents) { std::ofstream(file_, std::ios::binary) << contents; }
-  std::string Read(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
   /// Starts the program on a file of these contents.
-  std::unique_ptr<Run> Load(const std::string& contents) {
-    Write(contents);
+  std::unique_ptr<Program> Load(const std::string& contents) {
+    folder_.Write("corvane.ini", contents);
     return Start();
   }
-  std::unique_ptr<Run> Start() {
-    auto run = std::make_unique<Run>(folder_.path());
+  std::unique_ptr<Program> Start() {
+    auto run = std::make_unique<Program>(folder_.path());
     run->settings.LoadSettings();
     return run;
   }
 
   TempFolder folder_;
-  std::string file_ = folder_.path() + "/corvane.ini";
+  std::string file_ = folder_.Name("corvane.ini");
 };
 
 std::string Replaced(std::string text, const std::string& what, const std::string& with) {
@@ -121,7 +115,7 @@ Version=0.1.000
 )";
 
 std::string FreshRecords() {
-  std::string text = "[Units]\nNumUnits=5\n";
+  std::string text = "\n[Units]\nNumUnits=5\n";
   for (const char* index : {"1", "2", "3", "4", "5"}) {
     text += Replaced(
         "Name#=Site #\nID#=#\nActive#=1\nRelayID#=0\nftpFile#=0\nClientID#=0\nGetFrom#=0\n"
@@ -129,8 +123,8 @@ std::string FreshRecords() {
         "#", index);
   }
   return text +
-         "[Relays]\nNumRelays=2\nName1=Direct\nID1=0\nPasswordStyle1=0\nName2=Relay 2\nID2=1\nPasswordStyle2=0\n"
-         "[Clients]\nNumClients=2\nName1=Client 1\nID1=1\nFolder1=F1\nPassword1=null\nUserID1=null\n"
+         "\n[Relays]\nNumRelays=2\nName1=Direct\nID1=0\nPasswordStyle1=0\nName2=Relay 2\nID2=1\nPasswordStyle2=0\n"
+         "\n[Clients]\nNumClients=2\nName1=Client 1\nID1=1\nFolder1=F1\nPassword1=null\nUserID1=null\n"
          "Name2=Client 2\nID2=2\nFolder2=F2\nPassword2=null\nUserID2=null\n";
 }
 
@@ -139,7 +133,7 @@ TEST_F(SettingsTest, FirstCloseWritesACompleteFileForItsOwner) {
   EXPECT_FALSE(run->form.Frame_OstrelWebData.visible());
   EXPECT_FALSE(run->form.Suppress.set());
   EXPECT_TRUE(run->settings.SaveSettings());
-  EXPECT_EQ(Read(file_), Replaced(kFreshFile, "@", folder_.path()) + FreshRecords());
+  EXPECT_EQ(folder_.Read("corvane.ini"), Replaced(kFreshFile, "@", folder_.path()) + FreshRecords());
   EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0600));
   EXPECT_TRUE(run->dialogs.boxes.empty());
 }
@@ -177,7 +171,7 @@ TEST_F(SettingsTest, AFileComesBackAsItWas) {
   EXPECT_FALSE(run->form.Lst_Units.checked(0));
   EXPECT_TRUE(run->form.Lst_Units.checked(1));
   EXPECT_TRUE(run->settings.SaveSettings());
-  EXPECT_EQ(Read(file_), contents);
+  EXPECT_EQ(folder_.Read("corvane.ini"), contents);
 }
 
 TEST_F(SettingsTest, WhatTheEditorsShowIsSaved) {
@@ -196,47 +190,47 @@ TEST_F(SettingsTest, WhatTheEditorsShowIsSaved) {
 struct InputCase {
   const char* name;
   const char* contents;
-  std::function<std::string(Run&)> value;
+  std::function<std::string(Program&)> value;
   std::string expected;
   std::string reported;  ///< a part of the box at the end of loading; empty: no box
 };
 
-std::string Timeout(Run& run) {
+std::string Timeout(Program& run) {
   return run.form.Txt_Timeout[0].text();
 }
-std::string UnitCount(Run& run) {
+std::string UnitCount(Program& run) {
   return std::to_string(run.registry.Units.count());
 }
-std::string FirstUnit(Run& run) {
+std::string FirstUnit(Program& run) {
   const Unit& unit = run.registry.Units[1];
   return unit.Name + "," + std::to_string(unit.ID) + "," + std::to_string(unit.Active) + "," +
          std::to_string(unit.MoistureCorrection);
 }
-std::string Relays(Run& run) {
+std::string Relays(Program& run) {
   std::string text;
   for (const Relay& relay : run.registry.Relays) text += relay.Name + "=" + std::to_string(relay.ID) + ";";
   return text;
 }
-std::string FileOptions(Run& run) {
+std::string FileOptions(Program& run) {
   return std::to_string(run.form.Opt_WhichFile.GetOptionIndex()) +
          std::to_string(run.form.Opt_SortFile.GetOptionIndex());
 }
-std::string Port(Run& run) {
+std::string Port(Program& run) {
   return std::to_string(run.form.Cmb_Port[0].SelectedItemData());
 }
-std::string Kelvin(Run& run) {
+std::string Kelvin(Program& run) {
   return run.form.Chk_Kelvin.ticked() ? "1" : "0";
 }
-std::string Server(Run& run) {
+std::string Server(Program& run) {
   return run.form.Txt_FTPServer.text();
 }
-std::string Folder(Run& run) {
+std::string Folder(Program& run) {
   return run.form.Txt_Folder.text();
 }
-std::string WebHost(Run& run) {
+std::string WebHost(Program& run) {
   return run.form.Txt_OstrelHost.text();
 }
-std::string FirstPort(Run& run) {
+std::string FirstPort(Program& run) {
   return run.ports.DeviceOf(1);
 }
 
@@ -248,7 +242,8 @@ TEST_P(SettingsInput, IsTakenOrReported) {
   EXPECT_EQ(row.value(*run), row.expected);
   const auto texts = run->dialogs.Texts();
   ASSERT_EQ(texts.size(), row.reported.empty() ? 0U : 1U);
-  if (!row.reported.empty()) EXPECT_NE(texts[0].find(row.reported), std::string::npos) << texts[0];
+  if (row.reported.empty()) return;
+  EXPECT_NE(texts[0].find(row.reported), std::string::npos) << texts[0];
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -294,8 +289,8 @@ TEST_F(SettingsTest, ValuesAreCutAt126Characters) {
 TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
   std::string contents = "[Units]\nNumUnits=1000\n";
   for (int index = 1; index <= 1000; ++index) contents += "ID" + std::to_string(index) + "=x\n";
-  Write(contents);
-  Run run(folder_.path());
+  folder_.Write("corvane.ini", contents);
+  Program run(folder_.path());
   run.dialogs.answer_plain_boxes = false;
   run.settings.LoadSettings();
   ASSERT_EQ(run.dialogs.boxes.size(), 1U);
@@ -306,10 +301,10 @@ TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
 
 TEST_F(SettingsTest, UnreadableContentIsCopiedBeforeItIsReplaced) {
   const std::string damaged = std::string("[General]\nFTPServer=a\n") + std::string(100, '\0');
-  Write(damaged);
-  std::ofstream(file_ + ".bad") << "older";
+  folder_.Write("corvane.ini", damaged);
+  folder_.Write("corvane.ini.bad", "older");
   const auto run = Start();
-  EXPECT_EQ(Read(file_ + ".bad"), damaged);
+  EXPECT_EQ(folder_.Read("corvane.ini.bad"), damaged);
   EXPECT_EQ(fs::status(file_ + ".bad").permissions() & fs::perms::group_read, fs::perms::none);
   EXPECT_EQ(run->form.Txt_FTPServer.text(), "a");
   ASSERT_EQ(run->dialogs.boxes.size(), 1U);
@@ -318,18 +313,18 @@ TEST_F(SettingsTest, UnreadableContentIsCopiedBeforeItIsReplaced) {
 }
 
 TEST_F(SettingsTest, ATooLargeFileIsCopiedToo) {
-  Write("[General]\n");
+  folder_.Write("corvane.ini", "[General]\n");
   fs::resize_file(file_, ProfileFile::kLargestFile + 1);
   EXPECT_EQ(Start()->dialogs.boxes.size(), 1U);
   EXPECT_EQ(fs::file_size(file_ + ".bad"), static_cast<std::uintmax_t>(ProfileFile::kLargestFile + 1));
 }
 
 TEST_F(SettingsTest, WhatCouldNotBeCopiedIsNotOverwritten) {
-  Write(std::string(10, '\0'));
+  folder_.Write("corvane.ini", std::string(10, '\0'));
   fs::create_directory(file_ + ".bad");
   const auto run = Start();
   EXPECT_FALSE(run->settings.SaveSettings());
-  EXPECT_EQ(Read(file_), std::string(10, '\0'));
+  EXPECT_EQ(folder_.Read("corvane.ini"), std::string(10, '\0'));
 }
 
 TEST_F(SettingsTest, AFailedSaveIsToldOnce) {

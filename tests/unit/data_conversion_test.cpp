@@ -236,7 +236,9 @@ TEST(Conversion, AFullDiskCancelAndCloseEndItAndLeaveTheOldFile) {
     EXPECT_FALSE(world.Exists("1.txt.part"));
     const std::vector<std::string> boxes = world.dialogs.Texts();
     EXPECT_EQ(boxes.size(), end == "full disk" ? 1U : 0U);
-    for (const std::string& box : boxes) EXPECT_NE(box.find("1.txt.part: "), std::string::npos) << box;
+    if (!boxes.empty()) {
+      EXPECT_NE(boxes[0].find("1.txt.part: "), std::string::npos) << boxes[0];
+    }
   }
 }
 

@@ -63,8 +63,9 @@ TEST(LifeCycle, EveryActivationActsOnTheSwitchesAgain) {
 }
 
 TEST(LifeCycle, DueDownloadOfTheTimeBeforeTheStartIsStartedNotForgotten) {
-  World world("[General]\nAutomatic=1\nNextDownload=12 Mar 2010 06:00\nHeartBeat=1\n[Ports]\nCOM1=/dev/base\n"
-              "[Units]\nNumUnits=1\n");
+  World world(
+      "[General]\nAutomatic=1\nNextDownload=12 Mar 2010 06:00\nHeartBeat=1\n[Ports]\nCOM1=/dev/base\n"
+      "[Units]\nNumUnits=1\n");
   world.Start();
   world.app().life().OnWindowActivate("");
   EXPECT_EQ(world.form().Lbl_NextDownload.text(), "12 Mar 2010 06:00");
@@ -107,10 +108,9 @@ TEST(Commands, KeysAreTracedAndTheSpaceBarDoesNotCancel) {
   EXPECT_FALSE(world.form().Cmd_Cancel.Key(13, true));
   EXPECT_FALSE(world.form().Frm_Main.Key(65, true));
   EXPECT_TRUE(world.form().Frm_Main.Key(97, false));
-  for (const char* line :
-       {"Cmd_Cancel_KeyPress KeyCode: 32 DoingSomething: False", "space, so set ai_KeyAscii = 0",
-        "cmd_Cancel_KeyDown KeyCode: 13 DoingSomething: False", "Form_KeyDown KeyCode: 65",
-        "Form_KeyPress KeyAscii set to zero: 97"}) {
+  for (const char* line : {"Cmd_Cancel_KeyPress KeyCode: 32 DoingSomething: False", "space, so set ai_KeyAscii = 0",
+                           "cmd_Cancel_KeyDown KeyCode: 13 DoingSomething: False", "Form_KeyDown KeyCode: 65",
+                           "Form_KeyPress KeyAscii set to zero: 97"}) {
     EXPECT_TRUE(world.Logged(line)) << line;
   }
 }

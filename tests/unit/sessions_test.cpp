@@ -69,17 +69,30 @@ TEST_P(SessionFailures, EndAsTold) {
 
 const std::string kBadLine = "$2010/3/12 8:00,12500,29310,1,1500,900,29300*00\r\n";
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, SessionFailures,
-    ::testing::Values(
-        FailureCase{"ErrorTwiceThenData", {"ERROR 2\r\n", "error 2\r\n"}, 4, "Finished (1 unit(s) with problems)...", "1",
-                    0, true},
-        FailureCase{"ErrorToTheLimit", {"ERROR 2\r\n", "ERROR 5\r\n", "ERROR\r\n"}, 4,
-                    "Finished (1 unit(s) with problems)...", "1", 1, true},
-        FailureCase{"SilenceEndsTheSession", {""}, 1, "Finished...", "1", 2, false},
-        FailureCase{"BadLineEndsTheSessionByTimeout",
-                    {Framed("V2,00001,4,3,2,2010/3/12 10:00") + kBadLine}, 1, "Finished...", "1", 2, false}),
-    [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Rows, SessionFailures,
+                         ::testing::Values(FailureCase{"ErrorTwiceThenData",
+                                                       {"ERROR 2\r\n", "error 2\r\n"},
+                                                       4,
+                                                       "Finished (1 unit(s) with problems)...",
+                                                       "1",
+                                                       0,
+                                                       true},
+                                           FailureCase{"ErrorToTheLimit",
+                                                       {"ERROR 2\r\n", "ERROR 5\r\n", "ERROR\r\n"},
+                                                       4,
+                                                       "Finished (1 unit(s) with problems)...",
+                                                       "1",
+                                                       1,
+                                                       true},
+                                           FailureCase{"SilenceEndsTheSession", {""}, 1, "Finished...", "1", 2, false},
+                                           FailureCase{"BadLineEndsTheSessionByTimeout",
+                                                       {Framed("V2,00001,4,3,2,2010/3/12 10:00") + kBadLine},
+                                                       1,
+                                                       "Finished...",
+                                                       "1",
+                                                       2,
+                                                       false}),
+                         [](const auto& row) { return row.param.name; });
 
 TEST(Sessions, LastUnitThatAlwaysFailsLeavesTheTryLabelAboveTheLimit) {
   World world(SmallNetwork(1));

@@ -108,8 +108,9 @@ TEST(TimedMessage, AnswersByPositionAndAtTheEndOfTheCountDown) {
     std::vector<std::int32_t> by_position;
     std::int32_t at_timeout;
   };
-  const std::vector<Row> rows = {{kOkOnly, {1}, 1},          {kOkCancel, {1, 2}, 1},     {kAbortRetryIgnore, {3, 5, 5}, 3},
-                                 {kYesNoCancel, {6, 7, 2}, 6}, {kYesNo, {6, 7}, 6},       {kRetryCancel, {4, 2}, 2}};
+  const std::vector<Row> rows = {
+      {kOkOnly, {1}, 1},   {kOkCancel, {1, 2}, 1},   {kAbortRetryIgnore, {3, 5, 5}, 3}, {kYesNoCancel, {6, 7, 2}, 6},
+      {kYesNo, {6, 7}, 6}, {kRetryCancel, {4, 2}, 2}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.style);
     Lower lower;

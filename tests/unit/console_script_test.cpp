@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/run_flags.h"
+#include "console/options.h"
+#include "console/script.h"
+#include "console/script_runner.h"
+#include "form/form.h"
+#include "support/fake_loop.h"
+
+namespace corvane::console {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class ScriptTest : public testing::Test, public FormView {
+ protected:
+  ScriptTest() { form_.SetView(this); }
+  ~ScriptTest() override { form_.SetView(nullptr); }
+
+  ScriptResult Run(const std::string& text) { return runner_.Run(ParseScript("s", text, form_)); }
+  /// The error of a script that is refused before it runs.
+  std::string Refusal(const std::string& text) {
+    try {
+      static_cast<void>(ParseScript("s", text, form_));
+    } catch (const UsageError& error) {
+      return error.what();
+    }
+    return "accepted";
+  }
+  void ControlChanged(const Control& control, Aspect, std::size_t) override { runner_.OnChange(control); }
+  void RepaintNow(const Control&) override {}
+
+  Form form_;
+  test::FakeLoop loop_;
+  RunFlags flags_;
+  Texts answers_;
+  Texts printed_;
+  ScriptRunner runner_{form_,
+                       loop_,
+                       flags_,
+                       {[this](const std::string& text) { answers_.push_back(text); }, [](const std::string&) {},
+                        [this](const std::string& text) { printed_.push_back(text); }}};
+};
+
+TEST_F(ScriptTest, SetsControlsOfEveryKindAsAPersonDoes) {
+  int left = 0;
+  form_.Txt_Timeout[0].on_leave = [&left] { ++left; };
+  form_.Cmb_Port[0].Add("COM1", 1);
+  form_.Cmb_Port[0].Add("COM7", 7);
+  form_.Cmb_LogPeriod.Add("00:15");
+  const ScriptResult result =
+      Run("# comment\r\n\n"
+          "  set txt_timeout_0 30\r\n"
+          "set Txt_UnitName  North  field # 2 \n"
+          "set Txt_Prefix \" a\"\n"
+          "set Lbl_Mode M1\n"
+          "set Chk_Backup 1\n"
+          "set Opt_WhichFile 2\n"
+          "set Cmb_Port_0 7\n"
+          "set Cmb_LogPeriod 00:20\n"
+          "set Frm_Main 1\n"
+          "answer yes\n");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(form_.Txt_Timeout[0].text(), "30");
+  EXPECT_EQ(left, 1);
+  EXPECT_EQ(form_.Txt_UnitName.text(), "North  field # 2");
+  EXPECT_EQ(form_.Txt_Prefix.text(), " a");
+  EXPECT_EQ(form_.Lbl_Mode.text(), "M1");
+  EXPECT_TRUE(form_.Chk_Backup.ticked());
+  EXPECT_EQ(form_.Opt_WhichFile.GetOptionIndex(), 2);
+  EXPECT_EQ(form_.Cmb_Port[0].shown_text(), "COM7");
+  EXPECT_EQ(form_.Cmb_LogPeriod.shown_text(), "00:20");
+  EXPECT_TRUE(form_.Frm_Main.minimised());
+  EXPECT_EQ(answers_, Texts{"yes"});
+}
+
+TEST_F(ScriptTest, WorksRowsButtonsAndMenus) {
+  for (List* list : {&form_.Lst_Units, &form_.Lst_LocalFiles}) list->SetRows({"a", "b", "c"});
+  Texts clicks;
+  form_.Cmd_Process[3].on_click = [&clicks] { clicks.push_back("button"); };
+  form_.mnu_File.SetEntries({{"&Backup"}, {"E&xit"}});
+  form_.mnu_File.on_click = [&clicks](std::int64_t index) { clicks.push_back("menu " + std::to_string(index)); };
+  form_.Lst_LocalFiles.on_open = [&clicks] { clicks.push_back("open"); };
+  const ScriptResult result =
+      Run("select Lst_Units 1\ncheck Lst_Units 2 1\nopen Lst_LocalFiles 0\nselect Lst_LocalFiles 0 2\n"
+          "click Cmd_Process 3\nmenu mnu_File 1\nshow Lst_Units\nshow Lst_LocalFiles\n");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(clicks, (Texts{"open", "button", "menu 1"}));
+  EXPECT_EQ(printed_, (Texts{"Lst_Units[0]: a", "Lst_Units[1]: > b", "Lst_Units[2]: [x] c", "Lst_LocalFiles[0]: > a",
+                             "Lst_LocalFiles[1]: b", "Lst_LocalFiles[2]: > c"}));
+}
+
+TEST_F(ScriptTest, RefusesBadLinesBeforeAnythingRuns) {
+  struct Row {
+    const char* script;
+    const char* says;
+  };
+  const Row rows[] = {
+      {"set Chk_Backup 1\nsett X 1", "s:2: there is no statement \"sett\""},
+      {"set Nope 1", "s:1: there is no control \"Nope\""},
+      {"set", "needs the name of a control"},
+      {"set Lbl_Status x", "Lbl_Status cannot be used with set"},
+      {"click Lst_Units", "cannot be used with click"},
+      {"click Cmd_Process 9", "there is no control \"Cmd_Process_9\""},
+      {"check Lst_Units 0 2", "from 0 to 1"},
+      {"open Lst_Units -1", "is no whole number"},
+      {"wait soon", "is no whole number"},
+      {"wait 1 2", "\"2\" is too much"},
+      {"wait-for Lbl_Status 5", "wait-for needs NAME TEXT SECONDS"},
+  };
+  for (const Row& row : rows) EXPECT_NE(Refusal(row.script).find(row.says), std::string::npos) << Refusal(row.script);
+  EXPECT_FALSE(form_.Chk_Backup.ticked());
+}
+
+TEST_F(ScriptTest, StopsAtWhatAPersonCouldNotDo) {
+  form_.Lst_Units.SetRows({"a"});
+  form_.Cmd_Convert.SetEnabled(false);
+  form_.Txt_OstrelHost.SetVisible(false);
+  form_.mnu_File.SetEntries({{"-"}, {"E&xit", false}});
+  struct Row {
+    const char* statement;
+    const char* says;
+  };
+  const Row rows[] = {
+      {"click Cmd_Convert", "Cmd_Convert is disabled now"},
+      {"set Txt_OstrelHost x", "Txt_OstrelHost is not shown"},
+      {"select Lst_Units 1", "Lst_Units has no row 1"},
+      {"select Lst_Units 0 0", "Lst_Units takes one row"},
+      {"menu mnu_File 0", "mnu_File entry 0 does not exist"},
+      {"menu mnu_File 1", "mnu_File entry 1 is disabled now"},
+      {"set Opt_WhichFile 3", "from 0 to 2"},
+      {"set Cmb_Port_0 COM99", "Cmb_Port_0 has no entry \"COM99\""},
+  };
+  for (const Row& row : rows) {
+    const ScriptResult result = Run(std::string("\n") + row.statement + "\nset Chk_Backup 1\n");
+    EXPECT_EQ(result.error.substr(0, 5), "s:2: ") << row.statement;
+    EXPECT_NE(result.error.find(row.says), std::string::npos) << result.error;
+  }
+  EXPECT_FALSE(form_.Chk_Backup.ticked());
+}
+
+TEST_F(ScriptTest, WaitsUntilATextShowsOrTimeRunsOut) {
+  loop_.After(3000, [this] {
+    form_.Lbl_Status.SetText("Download: Site 1");
+    form_.Lbl_Status.SetText("gone again");
+  });
+  EXPECT_EQ(Run("wait-for Lbl_Status Site 1 10").error, "");
+  EXPECT_EQ(loop_.MonotonicMilliseconds(), 3000);
+  EXPECT_EQ(Run("wait 500\nwait-for Lbl_Status \"Site 1\" 2").error,
+            "s:2: Lbl_Status did not show \"Site 1\" within 2 s; it shows \"gone again\"");
+}
+
+TEST_F(ScriptTest, EndsWhenTheProgramClosesAndAddsUpProblems) {
+  form_.Cmd_Convert.on_click = [this] { flags_.problems = 2; };
+  form_.Cmd_Close.on_click = [this] { flags_.closing = true; };
+  const ScriptResult result = Run("click Cmd_Convert\nclick Cmd_Convert\nclick Cmd_Close\nset Chk_Backup 1\n");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.problems, 4);
+  EXPECT_FALSE(form_.Chk_Backup.ticked());
+}
+
+}  // namespace
+}  // namespace corvane::console
