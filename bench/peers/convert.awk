@@ -1,37 +1,38 @@
 # The calibrated conversion as a script writer would do it: every reading, Kelvin and uncorrected moisture on, factors 2.5 and 1.5.
 # usage: cd FOLDER && mawk -f convert.awk 00001.epd >OUTPUT
 
-# Reads table number t: x, y, slope and offset of each segment; returns nothing.
-function read_table(t, name,   parts, n, i) {
+# Reads a table: x, y, slope and offset of each segment; returns the number of points.
+function read_table(name, x, y, slope, offset,   n, i, parts) {
   while ((getline < name) > 0) {
     split($0, parts, /,/)
-    n = ++points[t]
-    x[t, n] = parts[1] + 0
-    y[t, n] = parts[2] + 0
+    x[++n] = parts[1] + 0
+    y[n] = parts[2] + 0
   }
   for (i = 1; i < n; i++) {
-    slope[t, i] = (y[t, i + 1] - y[t, i]) / (x[t, i + 1] - x[t, i])
-    offset[t, i] = y[t, i] - slope[t, i] * x[t, i]
+    slope[i] = (y[i + 1] - y[i]) / (x[i + 1] - x[i])
+    offset[i] = y[i] - slope[i] * x[i]
   }
-  slope[t, 0] = slope[t, n] = 0
-  offset[t, 0] = y[t, 1]
-  offset[t, n] = y[t, n]
-  at[t] = 1
+  slope[0] = slope[n] = 0
+  offset[0] = y[1]
+  offset[n] = y[n]
+  return n
 }
 
-# The value of table t at v; the search starts where the last one ended.
-function value(t, v,   i) {
-  i = at[t]
-  while (i > 0 && v < x[t, i]) i--
-  while (i < points[t] && v >= x[t, i + 1]) i++
-  at[t] = i
-  return v * slope[t, i] + offset[t, i]
+# The table's value at v, its segment found by halving.
+function value(v, x, slope, offset, last,   first, middle) {
+  first = 0
+  while (first < last) {
+    middle = int((first + last + 1) / 2)
+    if (v < x[middle]) last = middle - 1
+    else first = middle
+  }
+  return v * slope[first] + offset[first]
 }
 
 BEGIN {
-  read_table(1, "moisture.lkp")
-  read_table(2, "salinity.lkp")
-  read_table(3, "salcorr.lkp")
+  moistures = read_table("moisture.lkp", mx, my, ms, mo)
+  salinities = read_table("salinity.lkp", sx, sy, ss, so)
+  corrections = read_table("salcorr.lkp", cx, cy, cs, co)
   split("Jan,Feb,Mar,Apr,May,Jun,Jul,Aug,Sep,Oct,Nov,Dec", name, /,/)
   FS = ","
 }
@@ -44,9 +45,9 @@ NF == wanted {
          $3 / 100 - 273, $4
   for (i = fixed + 1; i < wanted; i += 3) {
     warmer = ($(i + 2) - 29300) / 100
-    um = value(1, $i - 2.5 * warmer)
-    sal = value(2, $(i + 1) - 1.5 * warmer)
-    printf ", %.2f, %.2f, %.3f, %.2f", um, um + value(3, sal), sal, $(i + 2) / 100 - 273
+    um = value($i - 2.5 * warmer, mx, ms, mo, moistures)
+    sal = value($(i + 1) - 1.5 * warmer, sx, ss, so, salinities)
+    printf ", %.2f, %.2f, %.3f, %.2f", um, um + value(sal, cx, cs, co, corrections), sal, $(i + 2) / 100 - 273
   }
   print ""
 }
