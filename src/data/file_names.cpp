@@ -15,11 +15,14 @@ FileNames::FileNames(const Form& av_Form, const Registry& av_Registry, const App
     : form_(av_Form), registry_(av_Registry), app_(av_App) {}
 
 std::string FileNames::DataFileName(std::int32_t al_UnitIndex, bool ab_Calibrated) const {
-  return ClientFolder(al_UnitIndex) + DataFileShortName(al_UnitIndex, ab_Calibrated);
+  const std::string name = DataFileShortName(al_UnitIndex, ab_Calibrated);
+  return name.empty() ? name : ClientFolder(al_UnitIndex) + name;
 }
 
 std::string FileNames::DataFileShortName(std::int32_t al_UnitIndex, bool ab_Calibrated) const {
-  const std::int32_t id = registry_.Units.Has(al_UnitIndex) ? registry_.Units[al_UnitIndex].ID : kExampleID;
+  const bool example = al_UnitIndex == kExample;
+  if (!example && !registry_.Units.Has(al_UnitIndex)) return {};
+  const std::int32_t id = example ? kExampleID : registry_.Units[al_UnitIndex].ID;
   return form_.Txt_Prefix.text() + ZeroPadded(id, kIDDigits) + "." + DataFileExtension(ab_Calibrated);
 }
 
