@@ -21,9 +21,7 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
     port_.ClosePort();
   }
   link_.TestingPort = false;
-  const bool cancelled = link_.UserCancel;
   port_.ClearEverything();
-  link_.UserCancel = cancelled;
   return answered;
 }
 
