@@ -25,7 +25,7 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
   return answered;
 }
 
-void PortFinder::FindPort(std::int16_t ai_Index) {
+bool PortFinder::FindPort(std::int16_t ai_Index) {
   Selector& ports = form_.Cmb_Port[ai_Index];
   const std::int32_t remembered = ports.SelectedItemData();
   bars_.Unit.Initialise(ports.count());
@@ -44,6 +44,7 @@ void PortFinder::FindPort(std::int16_t ai_Index) {
     trace_.Status("Pelvaro not found");
   }
   bars_.Unit.Clear();
+  return found;
 }
 
 }  // namespace corvane

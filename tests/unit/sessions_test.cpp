@@ -47,6 +47,10 @@ struct FailureCase {
   bool unit2_stored;
 };
 
+void PrintTo(const FailureCase& row, std::ostream* out) {
+  *out << row.name;
+}
+
 class SessionFailures : public ::testing::TestWithParam<FailureCase> {};
 
 TEST_P(SessionFailures, EndAsTold) {
