@@ -44,6 +44,7 @@ bool PortFinder::FindPort(std::int16_t ai_Index) {
     trace_.Status("Pelvaro not found");
   }
   bars_.Unit.Clear();
+  bars_.Unit.Hide();
   return found;
 }
 
