@@ -91,7 +91,13 @@ bool TermiosPort::IsOpen() const {
 }
 
 std::string TermiosPort::ReadAll() {
-  if (input_paused_ && device_) WatchInput();
+  if (device_) {
+    LineMarks marks;
+    // A device that has gone is reported from the loop.
+    static_cast<void>(ReadDevice(marks));
+    QueueMarks(marks);
+    if (input_paused_) WatchInput();
+  }
   return std::exchange(received_, {});
 }
 

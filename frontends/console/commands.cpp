@@ -186,9 +186,9 @@ int ConsoleCommands::FindPort(const Options& options) {
   const std::int16_t index = PortIndexOf(options);
   app_.flags().automatic_run = true;
   app_.commands().FindPort(index);
-  const bool found = app_.form().Lbl_Status.text().starts_with("Found");
-  if (found) output_.Line("Kept in the settings: " + PortText(index));
-  return found ? kAllWell : kProblems;
+  problems_ = app_.flags().problems;
+  if (problems_ == 0) output_.Line("Kept in the settings: " + PortText(index));
+  return OperationStatus();
 }
 
 std::string ConsoleCommands::PortText(int index) const {

@@ -31,7 +31,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       port_link_(form_, link_, av_Platform.port, devices_, states_, writer_, reply_timer_, bars_, trace_),
       schedule_(form_, flags_, slot_, loop_, trace_),
       lookups_(messages_),
-      converter_(form_, flags_, link_, download_, registry_, lookups_, loop_, bars_, messages_, trace_),
+      converter_(form_, flags_, download_, registry_, lookups_, loop_, bars_, messages_, trace_),
       conversion_(form_, flags_, link_, registry_, names_, file_list_, files_, lookups_, converter_, units_, port_link_,
                   loop_, bars_, messages_, trace_),
       session_({form_, registry_, link_, download_, loop_, port_link_, reply_timer_, exchange_, capture_, names_, bars_,

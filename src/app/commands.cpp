@@ -73,7 +73,9 @@ bool Commands::TestPort(std::int16_t ai_Index) {
 }
 
 bool Commands::FindPort(std::int16_t ai_Index) {
-  return RunOperation("Find Port", [&] { p_.finder.FindPort(ai_Index); });
+  return RunOperation("Find Port", [&] {
+    if (!p_.finder.FindPort(ai_Index)) ++p_.flags.problems;
+  });
 }
 
 void Commands::Cancel() {

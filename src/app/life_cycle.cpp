@@ -86,6 +86,7 @@ void LifeCycle::ActOnSwitches(std::string_view as_Switches) {
 
 void LifeCycle::OnWindowClose() {
   p_.schedule.StopHeartbeat();
+  p_.flags.releasing = true;
   p_.commands.StoreEditors();
   p_.settings.SaveSettings();
   p_.link.UserCancel = true;

@@ -8,6 +8,7 @@ namespace corvane {
 struct RunFlags {
   bool automatic_run = false;    ///< an automatic download runs ("/D", the schedule or the console)
   bool closing = false;          ///< the close was asked for: loops unwind
+  bool releasing = false;        ///< the close steps run: nothing has to unwind any more
   bool ending_silently = false;  ///< ended by a signal or the session: no box is shown any more
   bool loading = true;           ///< the window is still being created
   bool converting = false;

@@ -74,14 +74,14 @@ class Descriptor {
 
 Status OpenForReading(const std::string& path, int& descriptor) {
   if (Status full = CheckFullPath(path); !full.ok()) return full;
-  descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+  // A pipe without a writer would hold the program for ever.
+  descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
   if (descriptor < 0) return Status::FromErrno(path, errno);
   struct stat found {};
-  if (fstat(descriptor, &found) == 0 && S_ISDIR(found.st_mode)) {
-    close(std::exchange(descriptor, -1));
-    return Status::FromErrno(path, EISDIR);
-  }
-  return Status::Ok();
+  if (fstat(descriptor, &found) == 0 && S_ISREG(found.st_mode)) return Status::Ok();
+  close(std::exchange(descriptor, -1));
+  if (S_ISDIR(found.st_mode)) return Status::FromErrno(path, EISDIR);
+  return {EINVAL, path + ": is not a plain file"};
 }
 
 /// Reads up to `length` bytes at `offset` (-1: from where the file stands); fewer at the end of the file.
@@ -250,7 +250,6 @@ LineReader::~LineReader() {
 Status LineReader::Open(const std::string& path) {
   Close();
   begin_ = end_ = 0;
-  position_ = 0;
   at_end_ = terminated_ = false;
   status_ = Status::Ok();
   path_ = path;
@@ -288,17 +287,14 @@ const char* LineReader::FindLineEnd(std::size_t& length) {
   }
 }
 
-void LineReader::Consume(std::size_t length) {
-  begin_ += length;
-  position_ += static_cast<std::int64_t>(length);
-}
-
 bool LineReader::DropRest() {
   while (true) {
     const char* const rest = block_.get() + begin_;
     const void* const found = std::memchr(rest, '\n', end_ - begin_);
-    Consume(found != nullptr ? static_cast<std::size_t>(static_cast<const char*>(found) - rest) + 1 : end_ - begin_);
-    if (found != nullptr) return true;
+    if (found != nullptr) {
+      begin_ += static_cast<std::size_t>(static_cast<const char*>(found) - rest) + 1;
+      return true;
+    }
     begin_ = end_ = kLongestLine;
     if (!ReadMore()) return false;
   }
@@ -311,11 +307,11 @@ bool LineReader::Next(std::string_view& line) {
   if (!terminated_ && length > kLongestLine) {
     MoveToFront();
     line = {block_.get(), kLongestLine};
-    Consume(kLongestLine);
+    begin_ += kLongestLine;
     terminated_ = DropRest();
   } else {
     line = {block_.get() + begin_, std::min(length, kLongestLine)};
-    Consume(length + (terminated_ ? 1 : 0));
+    begin_ += length + (terminated_ ? 1 : 0);
   }
   if (line.ends_with('\r')) line.remove_suffix(1);
   return status_.ok();

@@ -121,8 +121,6 @@ class LineReader {
   [[nodiscard]] bool terminated() const { return terminated_; }
   /// Ok unless reading failed.
   [[nodiscard]] const Status& status() const { return status_; }
-  /// Bytes consumed so far: where the next line begins.
-  [[nodiscard]] std::int64_t position() const { return position_; }
   void Close();
 
  private:
@@ -135,14 +133,12 @@ class LineReader {
   /// Drops what follows up to the line's end, keeping the first `kLongestLine` bytes of the block; false at the file's
   /// end.
   bool DropRest();
-  void Consume(std::size_t length);
 
   int descriptor_ = -1;
   std::string path_;
   std::unique_ptr<char[]> block_;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
-  std::int64_t position_ = 0;
   bool terminated_ = false;
   bool at_end_ = false;
   Status status_;

@@ -57,13 +57,11 @@ struct CalibratedConverter::Run {
   bool HeaderWritten = false;
 };
 
-CalibratedConverter::CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const LinkState& av_Link,
-                                         const DownloadState& av_Download, const Registry& av_Registry,
-                                         Lookups& av_Lookups, EventLoop& av_Loop, ProgressBars& av_Bars,
-                                         Messages& av_Messages, Trace& av_Trace)
+CalibratedConverter::CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const DownloadState& av_Download,
+                                         const Registry& av_Registry, Lookups& av_Lookups, EventLoop& av_Loop,
+                                         ProgressBars& av_Bars, Messages& av_Messages, Trace& av_Trace)
     : form_(av_Form),
       flags_(av_Flags),
-      link_(av_Link),
       download_(av_Download),
       registry_(av_Registry),
       lookups_(av_Lookups),
@@ -185,7 +183,7 @@ bool CalibratedConverter::GoOn(Run& av_Run) {
     loop_.Poll();
     av_Run.NextPoll = loop_.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
   }
-  return !link_.UserCancel && !flags_.closing;
+  return !flags_.closing;
 }
 
 void CalibratedConverter::TraceFinish(bool ab_Opened) {

@@ -23,15 +23,16 @@ namespace corvane {
 /// docs/formats/calibrated-file.md.
 class CalibratedConverter {
  public:
-  CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const LinkState& av_Link, const DownloadState& av_Download,
-                      const Registry& av_Registry, Lookups& av_Lookups, EventLoop& av_Loop, ProgressBars& av_Bars,
-                      Messages& av_Messages, Trace& av_Trace);
+  CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const DownloadState& av_Download, const Registry& av_Registry,
+                      Lookups& av_Lookups, EventLoop& av_Loop, ProgressBars& av_Bars, Messages& av_Messages,
+                      Trace& av_Trace);
 
   /// Converts `as_RawFile` (a full name) with the correction factors of the unit selected in the unit list.
   ///
   /// True when it ran to the end, also when the raw file is missing (which is shown). Counts bad lines and data lines
-  /// in the run flags. The calibrated file is replaced when whole; after a cancel or an error the old one stays.
-  /// Memory does not grow with the file. **Yields** about every 20 ms; a cancel ends it.
+  /// in the run flags. The calibrated file is replaced when whole; after a close or an error the old one stays.
+  /// Memory does not grow with the file. **Yields** about every 20 ms.
+  // Intended: only the program's end breaks a file off; a cancel is for the caller, who stops after the current file.
   bool ConvertToCalibrated(const std::string& as_RawFile);
 
  private:
@@ -43,13 +44,12 @@ class CalibratedConverter {
   void TakeLine(Run& av_Run, std::string_view as_Line);
   void TakeHeader(Run& av_Run);
   void TakeReading(Run& av_Run, std::string_view as_Line);
-  /// Handles events about every 20 ms; false when the conversion was cancelled or the program closes.
+  /// Handles events about every 20 ms; false when the program closes.
   [[nodiscard]] bool GoOn(Run& av_Run);
   void TraceFinish(bool ab_Opened);
 
   Form& form_;
   RunFlags& flags_;
-  const LinkState& link_;
   const DownloadState& download_;
   const Registry& registry_;
   Lookups& lookups_;

@@ -17,8 +17,8 @@ class FileNames {
 
   FileNames(const Form& av_Form, const Registry& av_Registry, const AppInfo& av_App);
 
-  /// The full name of a unit's raw or calibrated file; `al_UnitIndex` from 1, or `kExample`. Empty when there is no such
-  /// unit.
+  /// The full name of a unit's raw or calibrated file; `al_UnitIndex` from 1, or `kExample`. Empty when there is no
+  /// such unit.
   [[nodiscard]] std::string DataFileName(std::int32_t al_UnitIndex, bool ab_Calibrated) const;
   /// The file name without folder: prefix, unit ID with at least five digits, extension.
   [[nodiscard]] std::string DataFileShortName(std::int32_t al_UnitIndex, bool ab_Calibrated) const;

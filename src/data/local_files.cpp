@@ -1,5 +1,7 @@
 #include "data/local_files.h"
 
+#include <vector>
+
 #include "base/files.h"
 #include "base/format.h"
 #include "base/paths.h"
@@ -73,14 +75,14 @@ void LocalFiles::UpdateFileExamples() {
 void LocalFiles::DeleteFiles() {
   std::string full;
   std::string name;
+  std::vector<std::string> chosen;  // the list may be filled anew while the question waits
   const bool several = file_list_.SelCount() > 1;
   if (!several && !file_list_.GetCurrent(full, name)) return;
+  if (!several) chosen.push_back(full);
+  while (several && file_list_.GetNextSelected(full, name)) chosen.push_back(full);
   if (!messages_.Confirm(several ? "Delete all selected files" : "Delete: " + full)) return;
-  Status removed = several ? Status::Ok() : RemoveFile(full);
-  while (several && removed.ok() && file_list_.GetNextSelected(full, name)) removed = RemoveFile(full);
-  if (!removed.ok()) {
-    file_list_.ReportError(removed.text(), "Delete");
-    return;
+  for (const std::string& file : chosen) {
+    if (const Status removed = RemoveFile(file); !removed.ok()) return file_list_.ReportError(removed.text(), "Delete");
   }
   RefreshFileListBox();
 }

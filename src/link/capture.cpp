@@ -157,7 +157,7 @@ void DownloadCapture::FailDownload(const std::string& as_Reason) {
   const std::string error = "The raw file " + download_.OutputFileName + " cannot be written (" + as_Reason +
                             "). Make room on its disk or repair the disk; the unit is asked again for what is missing";
   if (link_.HalvexError) {
-    trace_.TraceDecision(error);
+    trace_.AErrorReport(error);
     return;
   }
   Abort(error);

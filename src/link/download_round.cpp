@@ -64,12 +64,17 @@ void DownloadRound::CurrentUnitRound() {
 }
 
 void DownloadRound::FetchEverything(bool ab_All) {
-  FetchAndConvert(ab_All, kFromFtp);
-  if (link_.ContinueOk()) FetchAndConvert(ab_All, kFromWebData);
+  const bool by_ftp = flows_.FetchAllUnits(ab_All, kFromFtp);
+  const bool by_web_data = link_.ContinueOk() && flows_.FetchAllUnits(ab_All, kFromWebData);
+  if (by_ftp) ConvertFetched(ab_All, kFromFtp);
+  if (by_web_data) ConvertFetched(ab_All, kFromWebData);
 }
 
 void DownloadRound::FetchAndConvert(bool ab_All, std::int32_t al_Source) {
-  if (!flows_.FetchAllUnits(ab_All, al_Source)) return;
+  if (flows_.FetchAllUnits(ab_All, al_Source)) ConvertFetched(ab_All, al_Source);
+}
+
+void DownloadRound::ConvertFetched(bool ab_All, std::int32_t al_Source) {
   const bool raw = form_.Opt_WebFileType.GetOptionIndex() == 0;
   if (raw && link_.ContinueOk()) conversion_.ConvertAllUnits(ab_All, al_Source, kAnyClient);
 }

@@ -27,6 +27,7 @@ class DownloadRound {
   void HandHeldRound(bool ab_All);
   void CurrentUnitRound();
   void FetchEverything(bool ab_All);
+  void ConvertFetched(bool ab_All, std::int32_t al_Source);
   void SendEverything(bool ab_All, std::int32_t al_GetFrom);
 
   Form& form_;

@@ -21,13 +21,11 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
     port_.ClosePort();
   }
   link_.TestingPort = false;
-  const bool cancelled = link_.UserCancel;
   port_.ClearEverything();
-  link_.UserCancel = cancelled;
   return answered;
 }
 
-void PortFinder::FindPort(std::int16_t ai_Index) {
+bool PortFinder::FindPort(std::int16_t ai_Index) {
   Selector& ports = form_.Cmb_Port[ai_Index];
   const std::int32_t remembered = ports.SelectedItemData();
   bars_.Unit.Initialise(ports.count());
@@ -46,6 +44,8 @@ void PortFinder::FindPort(std::int16_t ai_Index) {
     trace_.Status("Pelvaro not found");
   }
   bars_.Unit.Clear();
+  bars_.Unit.Hide();
+  return found;
 }
 
 }  // namespace corvane

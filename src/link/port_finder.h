@@ -19,8 +19,8 @@ class PortFinder {
 
   /// Probes the port selected in `Cmb_Port[ai_Index]`: true when something answered. **Yields.**
   bool TestBaseUnit(std::int16_t ai_Index);
-  /// Tries the ports of `Cmb_Port[ai_Index]` until one answers, which stays selected. **Yields.**
-  void FindPort(std::int16_t ai_Index);
+  /// Tries the ports of `Cmb_Port[ai_Index]` until one answers, which stays selected; false when none did. **Yields.**
+  bool FindPort(std::int16_t ai_Index);
 
  private:
   Form& form_;

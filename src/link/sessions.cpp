@@ -77,7 +77,7 @@ bool Sessions::RunOneUnit(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Co
     p_.pauser.Pause(std::llround(LeadingNumber(p_.form.Txt_Timeout[2].text()) * 1000));
     p_.bars.Unit.Increment();
     p_.files.RefreshFileListBox();
-    if (p_.link.UserCancel) return false;
+    if (EndsSession(av_Run)) return false;
     if (!failed) return true;
     p_.form.Lbl_Try.SetText(std::to_string(++attempt));
     if (static_cast<double>(attempt) > LeadingNumber(p_.form.Txt_MaxRetries.text())) return true;

@@ -35,7 +35,7 @@ std::string DownloadSummary::Values() const {
   std::string line = flags_.automatic_run ? "Auto" : "Manual";
   line += ", " + form_.Lbl_Try.text() + "/" + form_.Txt_MaxRetries.text();
   line += ", " + GeneralDate(loop_.Now());
-  line += ", " + link_.CurrentCommand;
+  line += ", " + Visible(link_.CurrentCommand);
   const auto items = Split(download_.HeaderLine, ',');
   for (std::size_t item = 0; item < kHeaderColumns; ++item) {
     line += ", ";

@@ -50,7 +50,7 @@ Messages::Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, 
     : form_(av_Form), flags_(av_Flags), loop_(av_Loop), dialogs_(av_Dialogs), trace_(av_Trace) {}
 
 void Messages::Show(std::string_view as_Text, std::string_view as_Kind) {
-  const bool unattended = flags_.automatic_run || form_.Chk_Automatic.ticked();
+  const bool unattended = flags_.automatic_run || flags_.releasing || form_.Chk_Automatic.ticked();
   if (unattended) {
     const bool first = shown_kinds_.emplace(as_Kind.empty() ? as_Text : as_Kind).second;
     if (first) {
@@ -116,7 +116,7 @@ int Messages::RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bo
   });
   box = dialogs_.OpenBox(av_Contents, [answer](int position) { *answer = {true, position}; });
   if (al_Seconds > 0) timer->Start(1000);
-  while (!answer->given && !out_of_time && !flags_.closing) loop_.Yield();
+  while (!answer->given && !out_of_time && !MustUnwind()) loop_.Yield();
   timer->Stop();
   if (!answer->given) dialogs_.CloseBox(box);
   return answer->position;

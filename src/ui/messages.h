@@ -45,8 +45,8 @@ class Messages {
 
   /// Shows a message with one button and waits for it. **Yields.**
   ///
-  /// In an automatic run and while automatic download is on it goes through the timed box, once for each kind
-  /// (`as_Kind`; the text itself when empty) and round; the rest goes to the log only.
+  /// In an automatic run, while automatic download is on and in the close steps it goes through the timed box, once for
+  /// each kind (`as_Kind`; the text itself when empty) and round; the rest goes to the log only.
   void Show(std::string_view as_Text, std::string_view as_Kind = {});
   /// Asks `as_Question` + " ?"; true only for Yes. Unanswered for 5 minutes, or while closing, it is No. **Yields.**
   [[nodiscard]] bool Confirm(std::string_view as_Question);
@@ -60,7 +60,8 @@ class Messages {
   void StartRound() { shown_kinds_.clear(); }
 
  private:
-  /// The position clicked; 0 after `al_Seconds` (0: no limit) or when the program closes.
+  [[nodiscard]] bool MustUnwind() const { return flags_.ending_silently || (flags_.closing && !flags_.releasing); }
+  /// The position clicked; 0 after `al_Seconds` (0: no limit) or when what runs has to unwind.
   int RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bool ab_ShowCountDown);
 
   Form& form_;

@@ -19,6 +19,7 @@ void CProgressBar::Initialise(std::int64_t al_Max) {
   scale_ = al_Max == 0 ? 1 : 100.0 / static_cast<double>(al_Max);
   skipping_ = do_skip_ && scale_ < 1;
   step_ = skipping_ ? al_Max / 30 : 1;
+  bar_->SetVisible(true);
   bar_->SetValue(0);
   UpdateTitle();
 }

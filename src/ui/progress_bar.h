@@ -21,7 +21,7 @@ class CProgressBar {
   [[nodiscard]] std::int64_t Maximum() const;
   /// Asks for thinned-out updates (about 30 steps) at the next `Initialise`.
   void SetDoSkip(bool ab_Skip) { do_skip_ = ab_Skip; }
-  /// Starts at 0 with the caller's range 0 to `al_Max`.
+  /// Shows the bar and starts it at 0 with the caller's range 0 to `al_Max`.
   void Initialise(std::int64_t al_Max);
   void Increment() { SetValue(Value() + 1); }
   /// In skip mode only multiples of the step are shown.
@@ -30,7 +30,7 @@ class CProgressBar {
   /// Counts down: the bar shows what is left when `al_Value` is done.
   void SetReverseValue(std::int64_t al_Value);
   void Clear();
-  void Show(bool ab_Visible) { bar_->SetVisible(ab_Visible); }
+  void Hide() { bar_->SetVisible(false); }
 
  private:
   void UpdateTitle() const;

@@ -13,6 +13,7 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -123,6 +124,14 @@ TEST_F(TermiosPortTest, DeliversWhatArrivesAfterOpening) {
   }
   EXPECT_EQ(data, "first line\r\nsecond\r\n\xFF\0\xFF\xFF\r\n"s);
   EXPECT_EQ(events, Events(events.size(), kPortDataReceived));
+
+  pty.Send("late");
+  std::string waiting;
+  for (int tries = 0; waiting.size() < 4 && tries < 2000; ++tries) {
+    poll(nullptr, 0, 1);
+    waiting += port.ReadAll();
+  }
+  EXPECT_EQ(waiting, "late") << "what the device holds is taken without the loop";
 }
 
 TEST_F(TermiosPortTest, KeepsWhatNobodyTakesWithinItsLimit) {

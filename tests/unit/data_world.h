@@ -65,7 +65,7 @@ struct DataWorld {
   CFileListbox file_list{form, messages};
   LocalFiles files{form, flags, slot, app, names, file_list, loop, dialogs, shell, messages};
   Lookups lookups{messages};
-  CalibratedConverter converter{form, flags, link, download, registry, lookups, loop, bars, messages, trace};
+  CalibratedConverter converter{form, flags, download, registry, lookups, loop, bars, messages, trace};
 };
 
 }  // namespace corvane::test

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "support/world.h"
@@ -89,6 +91,22 @@ TEST(LifeCycle, CloseDuringADownloadStopsTheUnitAndUnwinds) {
   world.app().life().OnWindowClose();
   EXPECT_NE(world.home.Read("00001.epd").find("2010/3/12 8:00"), std::string::npos);
   EXPECT_NE(world.home.Read("corvane.ini").find("NumUnits=5"), std::string::npos);
+}
+
+TEST(LifeCycle, AFailedSaveAtCloseIsSeenButHoldsNothingUp) {
+  for (const bool silently : {false, true}) {
+    SCOPED_TRACE(silently);
+    World world;
+    world.Start();
+    world.dialogs.answer_plain_boxes = false;
+    std::filesystem::create_directories(world.home.Name("corvane.ini/full"));
+    world.app().commands().Close(silently);
+    world.app().life().OnWindowClose();
+    const std::vector<std::string> shown(silently ? 0 : 1, "Cannot save INI file");
+    EXPECT_EQ(world.dialogs.Texts(), shown);
+    EXPECT_EQ(world.loop.MonotonicMilliseconds(), silently ? 0 : 10000);
+    EXPECT_TRUE(world.Logged("Message: Cannot save INI file"));
+  }
 }
 
 TEST(Commands, CancelWhileIdleTellsTheBaseStationToStop) {

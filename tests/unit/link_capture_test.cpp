@@ -121,8 +121,10 @@ TEST_F(CaptureTest, AbortsOnBadLines) {
     Line(Frame(kFirst));
     EXPECT_TRUE(Logged("No save:" + kFirst)) << row.name;
     EXPECT_EQ(folder.Read("00001.epd"), row.file_opened ? kHeader + "\r\n" : "") << row.name;
+    Line("ERROR 4");
     Finish();
   }
+  EXPECT_NE(folder.Read("summary.csv").find(", [27], V2, 00001, "), std::string::npos);
 }
 
 TEST_F(CaptureTest, ForgivesOneBadLineForEachOverrun) {

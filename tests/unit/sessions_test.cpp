@@ -47,6 +47,10 @@ struct FailureCase {
   bool unit2_stored;
 };
 
+void PrintTo(const FailureCase& row, std::ostream* out) {
+  *out << row.name;
+}
+
 class SessionFailures : public ::testing::TestWithParam<FailureCase> {};
 
 TEST_P(SessionFailures, EndAsTold) {
@@ -182,10 +186,12 @@ TEST(Sessions, NobodyToAskOpensNoPort) {
 TEST(Sessions, CancelStopsEverythingAndLeavesTheStatusLine) {
   World world(SmallNetwork(3));
   world.Start();
+  world.form().Chk_Trace[kTraceDecision].SetTicked(true);
   world.loop.After(500, [&] { world.form().Cmd_Cancel.Click(); });
   EXPECT_TRUE(world.app().commands().DownloadAll(true, kRadioUnits, false));
   EXPECT_EQ(world.port.lines.size(), 1U);
   EXPECT_EQ(world.form().Lbl_Status.text(), "Cancel...");
+  EXPECT_TRUE(world.Logged("UserCancel, so quit all units"));
   EXPECT_EQ(world.app().flags().problems, 2);
   EXPECT_TRUE(world.form().Cmd_DownloadAll[1].enabled());
   EXPECT_FALSE(world.app().commands().DownloadAll(true, kRadioUnits, false) && world.app().link().UserCancel);

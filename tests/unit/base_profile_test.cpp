@@ -1,0 +1,133 @@
+#include "base/profile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/temp_folder.h"
+
+namespace corvane::test {
+namespace {
+
+using namespace std::string_literals;
+
+/// A profile loaded from `text`.
+ProfileFile Loaded(const TempFolder& folder, const std::string& text) {
+  ProfileFile profile;
+  EXPECT_TRUE(profile.Load(folder.Write("corvane.ini", text)).ok());
+  return profile;
+}
+
+struct ReadCase {
+  const char* name;
+  std::string text;
+  const char* expected;  ///< of the key "Name1" in "Units", "-" when it is missing
+  bool broken;
+};
+
+const ReadCase kReads[] = {
+    {"letter case", "[UNITS]\nnAME1=a\n", "a", false},
+    {"blanks around", " [ Units ]\t\n  Name1 \t= a b \n", "a b", false},
+    {"one pair of quotes", "[Units]\nName1=\"\" a \"\"\n", "\" a \"", false},
+    {"an equals sign in the value", "[Units]\nName1=a=b;c\n", "a=b;c", false},
+    {"the first of double keys", "[Units]\nName1=a\nNAME1=b\n", "a", false},
+    {"the first of double sections", "[Units]\nID1=1\n[x]\n[units]\nName1=b\n", "-", false},
+    {"an empty value", "[Units]\nName1=\n", "", false},
+    {"comments", "[Units]\n;Name1=a\n # Name1=b\n", "-", false},
+    {"a comment behind the heading", "[General]\n[Units] ; of [1]\nName1=a\n", "a", false},
+    {"no last line end", "[Units]\r\nName1=a", "a", false},
+    {"mixed line ends", "[Units]\r\n\nName1=a\nID1=1\r\n", "a", false},
+    {"a byte-order mark", "\xEF\xBB\xBF[Units]\nName1=a\n", "a", false},
+    {"NUL bytes", "[Units]\nName1=a\0\0b\0\n"s, "a  b", false},
+    {"a torn heading", "[Units\nName1=a\n", "-", true},
+    {"a line without a key", "[Units]\nName1=a\n=5\n", "a", true},
+    {"a line of words", "what\n[Units]\nName1=a\n", "a", true},
+};
+
+TEST(ProfileFiles, AreReadTolerantly) {
+  const TempFolder folder;
+  for (const ReadCase& row : kReads) {
+    SCOPED_TRACE(row.name);
+    const ProfileFile profile = Loaded(folder, row.text);
+    EXPECT_EQ(profile.Get("Units", "Name1", "-"), row.expected);
+    EXPECT_EQ(profile.Has("units", "NAME1"), std::string(row.expected) != "-");
+    EXPECT_EQ(profile.has_broken_lines(), row.broken);
+  }
+}
+
+struct SetCase {
+  const char* name;
+  const char* before;
+  const char* after;  ///< with "new" under "Key" of "General"
+};
+
+constexpr SetCase kSets[] = {
+    {"an empty file", "", "[General]\nKey=new\n"},
+    {"only the value changes", ";c\r\n[general]\r\n  KEY = \"old\" \r\nother\r\n",
+     ";c\r\n[general]\r\n  KEY = new\r\nother\r\n"},
+    {"the first of doubles", "[General]\nKey=1\nKey=2\n", "[General]\nKey=new\nKey=2\n"},
+    {"before blank lines", "[General]\nA=1\n\n \n[B]\n", "[General]\nA=1\nKey=new\n\n \n[B]\n"},
+    {"an empty section", "[General]\n[B]\nKey=1", "[General]\nKey=new\n[B]\nKey=1\n"},
+    {"a new section", "[B]\nC=1", "[B]\nC=1\n\n[General]\nKey=new\n"},
+    {"a byte-order mark", "\xEF\xBB\xBF[General]\r\nA=1", "\xEF\xBB\xBF[General]\r\nA=1\r\nKey=new\r\n"},
+};
+
+TEST(ProfileFiles, KeepEverythingElseOnASave) {
+  const TempFolder folder;
+  for (const SetCase& row : kSets) {
+    SCOPED_TRACE(row.name);
+    ProfileFile profile = Loaded(folder, row.before);
+    profile.Set("General", "Key", "new");
+    ASSERT_TRUE(profile.Save(folder.Name("corvane.ini")).ok());
+    EXPECT_EQ(folder.Read("corvane.ini"), row.after);
+  }
+}
+
+TEST(ProfileFiles, BringValuesBack) {
+  const TempFolder folder;
+  const std::pair<std::string, std::string> rows[] = {
+      {"", ""},
+      {" blanks ", " blanks "},
+      {"\t", "\t"},
+      {"\"quoted\"", "\"quoted\""},
+      {"\"", "\""},
+      {"\"\"", "\"\""},
+      {"[x]", "[x]"},
+      {"; a=b", "; a=b"},
+      {"gr\xC3\xBC\xC3\x9F", "gr\xC3\xBC\xC3\x9F"},
+      {"a\r\nb\0c"s, "a  b c"},
+      {"end\n", "end "},
+      {std::string(1'000'000, 'x'), std::string(1'000'000, 'x')},
+  };
+  for (const auto& [value, expected] : rows) {
+    ProfileFile profile;
+    profile.Set("S", "Key", "other");
+    profile.Set("S", "Key", value);
+    ASSERT_TRUE(profile.Save(folder.Name("corvane.ini")).ok());
+    ASSERT_TRUE(profile.Load(folder.Name("corvane.ini")).ok());
+    EXPECT_EQ(profile.Get("S", "Key", "-"), expected);
+    EXPECT_EQ(profile.Keys("s"), std::vector<std::string>{"Key"});
+  }
+}
+
+/// A file that is there but cannot be read must not pass for a missing one: the next save would replace it.
+TEST(ProfileFiles, FailUnlessReadOrMissing) {
+  const TempFolder folder;
+  ProfileFile profile;
+  profile.Set("A", "B", "old");
+  EXPECT_TRUE(profile.Load(folder.Name("missing.ini")).ok());
+  EXPECT_FALSE(profile.Has("A", "B"));
+  std::filesystem::create_symlink(folder.Name("loop.ini"), folder.Name("loop.ini"));
+  folder.Write("file", "");
+  std::filesystem::resize_file(folder.Write("huge.ini", ""), ProfileFile::kLargestFile + 1);
+  for (const std::string& path : {folder.Name("loop.ini"), folder.Name("file/corvane.ini"), folder.Name("huge.ini"),
+                                  folder.path(), std::string("corvane.ini")}) {
+    EXPECT_FALSE(profile.Load(path).ok()) << path;
+  }
+}
+
+}  // namespace
+}  // namespace corvane::test
