@@ -11,9 +11,9 @@
 
 #include "data/calibrated_converter.h"
 #include "form/form.h"
-#include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/shell.h"
+#include "printing_dialogs.h"
 #include "trace/trace.h"
 #include "ui/messages.h"
 #include "ui/progress_bar.h"
@@ -44,23 +44,6 @@ class ClockLoop : public EventLoop {
     [[nodiscard]] bool Running() const override { return false; }
     [[nodiscard]] std::int64_t Interval() const override { return 0; }
   };
-};
-
-/// Prints every box and answers it at once.
-class PrintingDialogs : public Dialogs {
- public:
-  BoxId OpenBox(const BoxContents& contents, std::function<void(int)> on_click) override {
-    std::fprintf(stderr, "%s\n", contents.text.c_str());
-    on_click(1);
-    return 1;
-  }
-  void SetCountDown(BoxId, const std::string&) override {}
-  void CloseBox(BoxId) override {}
-  std::optional<std::string> AskText(const std::string&, const std::string&, const std::string&) override { return {}; }
-  std::optional<std::string> ChooseFile(const std::string&, const std::string&, const std::string&) override {
-    return {};
-  }
-  std::optional<std::string> ChooseFolder(const std::string&, const std::string&) override { return {}; }
 };
 
 class NoShell : public Shell {

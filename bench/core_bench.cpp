@@ -13,27 +13,11 @@
 #include "posix/posix_loop.h"
 #include "posix/posix_shell.h"
 #include "posix/termios_port.h"
+#include "printing_dialogs.h"
 
 namespace {
 
 using namespace corvane;
-
-/// Nobody is asked anything here.
-class NoDialogs : public Dialogs {
- public:
-  BoxId OpenBox(const BoxContents& contents, std::function<void(int)> on_click) override {
-    std::fprintf(stderr, "%s\n", contents.text.c_str());
-    on_click(1);
-    return 0;
-  }
-  void SetCountDown(BoxId, const std::string&) override {}
-  void CloseBox(BoxId) override {}
-  std::optional<std::string> AskText(const std::string&, const std::string&, const std::string&) override { return {}; }
-  std::optional<std::string> ChooseFile(const std::string&, const std::string&, const std::string&) override {
-    return {};
-  }
-  std::optional<std::string> ChooseFolder(const std::string&, const std::string&) override { return {}; }
-};
 
 double Seconds(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
@@ -53,7 +37,7 @@ int MeasureSettings(int units, const std::string& folder) {
   PosixLoop loop;
   TermiosPort port(loop, loop);
   PosixShell shell("corvane-bench-core", folder);
-  NoDialogs dialogs;
+  PrintingDialogs dialogs;
   Application app(Platform{loop, port, shell, dialogs}, folder);
   const double load = Seconds([&app] { app.life().OnWindowCreate(); });
   const double save = Seconds([&app] { app.life().OnWindowClose(); });

@@ -88,7 +88,7 @@ bool CreatePath(std::string_view path) {
     const std::string part = whole.substr(0, end);
     const auto existing = ExamineFile(part);
     if (!existing || !existing->is_folder) {
-      if (const Status made = MakeFolder(part); !made.ok()) throw RunTimeError(made);
+      Require(MakeFolder(part));
     }
     if (end == std::string::npos || end + 1 == whole.size()) return true;
   }

@@ -37,4 +37,9 @@ class RunTimeError : public std::runtime_error {
   explicit RunTimeError(const Status& status) : std::runtime_error(status.text()) {}
 };
 
+/// Throws `RunTimeError` with the text of a failure.
+inline void Require(const Status& status) {
+  if (!status.ok()) throw RunTimeError(status);
+}
+
 }  // namespace corvane

@@ -25,10 +25,6 @@ float HeldCorrection(float ad_Factor) {
   return ad_Factor >= 0 && ad_Factor <= kLargestCorrection ? ad_Factor : 0;
 }
 
-void Check(const Status& av_Status) {
-  if (!av_Status.ok()) throw RunTimeError(av_Status);
-}
-
 /// The calibrated file of a raw file; never the raw file itself.
 std::string CalibratedNameOf(const std::string& as_RawFile, const std::string& as_Extension) {
   std::string name = WithExtension(as_RawFile, as_Extension);
@@ -97,17 +93,17 @@ bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_
   Run run(CalibratedNameOf(as_RawFile, form_.Txt_CalibratedFileExtension.text()), ReadSettings(), lookups_);
   run.Schedule = ReadSchedule();
   run.RawSize = al_RawSize;
-  Check(run.Raw.Open(as_RawFile));
-  Check(run.Output.Open());
+  Require(run.Raw.Open(as_RawFile));
+  Require(run.Output.Open());
   bars_.Download.SetProcessText("Convert: " + as_RawFile);
   std::string_view line;
   while (run.Raw.Next(line)) {
     TakeLine(run, line);
-    Check(run.Output.FlushWhenFull());
+    Require(run.Output.FlushWhenFull());
     if (!GoOn(run)) return false;
   }
-  Check(run.Raw.status());
-  Check(run.Output.Commit());
+  Require(run.Raw.status());
+  Require(run.Output.Commit());
   return true;
 }
 

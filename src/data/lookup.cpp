@@ -52,7 +52,7 @@ void CLookup::ReadPoints() {
   points_.assign(1, Point{});
   points_[0].X = -std::numeric_limits<double>::infinity();
   LineReader reader;
-  if (const Status opened = reader.Open(file_name_); !opened.ok()) throw RunTimeError(opened);
+  Require(reader.Open(file_name_));
   std::string_view line;
   std::vector<std::string_view> fields;
   for (std::int64_t number = 1; reader.Next(line); ++number) {
@@ -64,7 +64,7 @@ void CLookup::ReadPoints() {
     point.Y = NumberIn(fields[1], number);
     points_.push_back(point);
   }
-  if (!reader.status().ok()) throw RunTimeError(reader.status());
+  Require(reader.status());
 }
 
 void CLookup::ComputeSegments() {

@@ -13,10 +13,6 @@ constexpr std::size_t kFewestHeaderItems = 6;
 constexpr std::int64_t kShortestRawFile = 20;
 constexpr std::int64_t kSyncMilliseconds = 5000;
 
-void Require(const Status& av_Status) {
-  if (!av_Status.ok()) throw RunTimeError(av_Status);
-}
-
 }  // namespace
 
 DownloadCapture::DownloadCapture(Form& av_Form, LinkState& av_Link, DownloadState& av_Download, EventLoop& av_Loop,

@@ -40,10 +40,6 @@ const EventText* TextOf(int al_Code) {
   return found == kEventTexts.end() ? nullptr : found;
 }
 
-void Require(const Status& av_Status) {
-  if (!av_Status.ok()) throw RunTimeError(av_Status);
-}
-
 std::string CheckedDevice(int al_Number, const std::string& as_Device) {
   const std::string port = "COM" + std::to_string(al_Number);
   if (al_Number == 0) throw RunTimeError("No port is chosen. Choose one in the list of ports");

@@ -14,10 +14,6 @@ constexpr std::int64_t kBlockBytes = std::int64_t{64} * 1024;
 constexpr std::size_t kShortestReading = 11;
 constexpr int kMostProblems = 5;
 
-void Require(const Status& av_Status) {
-  if (!av_Status.ok()) throw RunTimeError(av_Status);
-}
-
 std::string ReadBlock(const std::string& as_File, std::int64_t al_Begin, std::int64_t al_End) {
   std::string block;
   Require(ReadAt(as_File, al_Begin, static_cast<std::size_t>(al_End - al_Begin), block));

@@ -19,28 +19,8 @@ std::int32_t FirstFreeID(const RecordArray<Client>& av_Clients) {
 }  // namespace
 
 ClientEditor::ClientEditor(const Parts& av_Parts)
-    : RecordEditor(av_Parts, av_Parts.form.Lst_Clients, av_Parts.form.Txt_ClientName, "Choose a Client") {}
-
-void ClientEditor::FillClientSelector() {
-  const SuppressEvents::Guard guard(form_.Suppress);
-  Selector& selector = form_.Cmb_Client;
-  const bool had_entry = selector.current() >= 0;
-  const std::int32_t number = selector.SelectedItemData();
-  selector.Clear();
-  selector.Add("None", 0);
-  for (const Client& client : registry_.Clients) selector.Add(client.Name, client.ID);
-  if (had_entry) selector.SelectByItemData(number);
-}
-
-const std::string& ClientEditor::NameOf(std::int64_t al_Index) const {
-  return registry_.Clients[al_Index].Name;
-}
-
-void ClientEditor::SetName(std::int64_t al_Index, std::string_view as_Name) {
-  if (registry_.Clients[al_Index].Name == as_Name) return;
-  registry_.Clients[al_Index].Name = as_Name;
-  FillClientSelector();
-}
+    : RecordEditorOf(av_Parts, av_Parts.registry.Clients, av_Parts.form.Lst_Clients, av_Parts.form.Txt_ClientName,
+                     "Choose a Client") {}
 
 void ClientEditor::ShowFields(std::int64_t al_Index) {
   const Client& client = registry_.Clients[al_Index];
@@ -70,14 +50,6 @@ void ClientEditor::AppendNew() {
   client.Name = "Client " + std::to_string(client.ID);
   client.Folder = "F" + std::to_string(client.ID);
   registry_.Clients.Append(std::move(client));
-}
-
-void ClientEditor::RemoveAt(std::int64_t al_Index) {
-  registry_.Clients.Remove(al_Index);
-}
-
-void ClientEditor::Swap(std::int64_t al_First, std::int64_t al_Second) {
-  std::swap(registry_.Clients[al_First], registry_.Clients[al_Second]);
 }
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "app/command_states.h"
 #include "app/operation_slot.h"
@@ -69,6 +70,8 @@ class RecordEditor {
   [[nodiscard]] virtual bool MayDelete() const { return true; }
   /// Runs after New, Delete and a move.
   virtual void AfterListChanged() {}
+  /// Runs after a record was given another name.
+  virtual void AfterNameChanged() {}
   /// The position in the array of the record in the editor, from 1; 0 when it shows none.
   [[nodiscard]] std::int64_t Shown() const { return shown_ + 1; }
 
@@ -91,6 +94,43 @@ class RecordEditor {
 
   std::string nothing_selected_;
   std::int64_t shown_ = -1;  ///< list position of the record in the editor, -1 none
+};
+
+/// What the editors do alike with their arrays of records.
+template <class Record>
+class RecordEditorOf : public RecordEditor {
+ protected:
+  RecordEditorOf(const Parts& av_Parts, RecordArray<Record>& av_Records, List& av_List, TextField& av_Name,
+                 std::string_view as_NothingSelected)
+      : RecordEditor(av_Parts, av_List, av_Name, as_NothingSelected), records_(av_Records) {}
+
+  /// Fills a selector of the unit editor with every record, after "None" where wanted; the entry with the same number
+  /// stays selected.
+  void RefillSelector(Selector& av_Selector, bool ab_WithNone) {
+    const SuppressEvents::Guard guard(form_.Suppress);
+    const bool had_entry = av_Selector.current() >= 0;
+    const std::int32_t number = av_Selector.SelectedItemData();
+    av_Selector.Clear();
+    if (ab_WithNone) av_Selector.Add("None", 0);
+    for (const Record& record : records_) av_Selector.Add(record.Name, record.ID);
+    if (had_entry) av_Selector.SelectByItemData(number);
+  }
+
+  [[nodiscard]] std::int64_t Count() const override { return records_.count(); }
+
+  RecordArray<Record>& records_;
+
+ private:
+  [[nodiscard]] const std::string& NameOf(std::int64_t al_Index) const override { return records_[al_Index].Name; }
+  void SetName(std::int64_t al_Index, std::string_view as_Name) override {
+    if (records_[al_Index].Name == as_Name) return;
+    records_[al_Index].Name = as_Name;
+    AfterNameChanged();
+  }
+  void RemoveAt(std::int64_t al_Index) override { records_.Remove(al_Index); }
+  void Swap(std::int64_t al_First, std::int64_t al_Second) override {
+    std::swap(records_[al_First], records_[al_Second]);
+  }
 };
 
 }  // namespace corvane

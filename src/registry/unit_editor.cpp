@@ -17,17 +17,10 @@ float SinglePrecision(std::string_view text) {
 }  // namespace
 
 UnitEditor::UnitEditor(const Parts& av_Parts)
-    : RecordEditor(av_Parts, av_Parts.form.Lst_Units, av_Parts.form.Txt_UnitName, "Choose a unit") {
+    : RecordEditorOf(av_Parts, av_Parts.registry.Units, av_Parts.form.Lst_Units, av_Parts.form.Txt_UnitName,
+                     "Choose a unit") {
   list_.on_check = [this](std::int64_t row) { OnCheck(row); };
   form_.Chk_UnitActive.on_change = [this] { OnActiveTicked(); };
-}
-
-const std::string& UnitEditor::NameOf(std::int64_t al_Index) const {
-  return registry_.Units[al_Index].Name;
-}
-
-void UnitEditor::SetName(std::int64_t al_Index, std::string_view as_Name) {
-  registry_.Units[al_Index].Name = as_Name;
 }
 
 bool UnitEditor::IsChecked(std::int64_t al_Index) const {
@@ -75,14 +68,6 @@ void UnitEditor::AppendNew() {
   unit.Name = "Site " + std::to_string(unit.ID);
   unit.Active = 1;
   registry_.Units.Append(std::move(unit));
-}
-
-void UnitEditor::RemoveAt(std::int64_t al_Index) {
-  registry_.Units.Remove(al_Index);
-}
-
-void UnitEditor::Swap(std::int64_t al_First, std::int64_t al_Second) {
-  std::swap(registry_.Units[al_First], registry_.Units[al_Second]);
 }
 
 void UnitEditor::OnCheck(std::int64_t al_Row) {

@@ -164,8 +164,7 @@ TEST(Sessions, SetDateNeedsTwoYes) {
 
 TEST(Sessions, UnansweredQuestionIsNoAfterFiveMinutes) {
   World world(SmallNetwork(1));
-  world.Start();
-  world.form().mnu_SetDate.Click(1);
+  world.Start().form().mnu_SetDate.Click(1);
   EXPECT_TRUE(world.port.lines.empty());
   EXPECT_EQ(world.loop.MonotonicMilliseconds(), 300000);
   EXPECT_EQ(world.dialogs.open_boxes, 0);
@@ -194,7 +193,6 @@ TEST(Sessions, CancelStopsEverythingAndLeavesTheStatusLine) {
   EXPECT_TRUE(world.Logged("UserCancel, so quit all units"));
   EXPECT_EQ(world.app().flags().problems, 2);
   EXPECT_TRUE(world.form().Cmd_DownloadAll[1].enabled());
-  EXPECT_FALSE(world.app().commands().DownloadAll(true, kRadioUnits, false) && world.app().link().UserCancel);
 }
 
 TEST(Sessions, SecondOperationIsRefusedWhileOneRuns) {
@@ -215,10 +213,7 @@ TEST(Sessions, PortThatDoesNotOpenIsAStatusAndAnErrorLineNeverABox) {
   World world(SmallNetwork(1));
   world.Start();
   world.port.open_result = {2, "/dev/base is not there"};
-  RecordingView view;
-  world.form().SetView(&view);
   world.form().mnu_Download.Click(1);
-  world.form().SetView(nullptr);
   EXPECT_TRUE(world.dialogs.boxes.empty());
   EXPECT_TRUE(world.Logged("A-error: "));
   EXPECT_TRUE(world.Logged("/dev/base is not there"));
