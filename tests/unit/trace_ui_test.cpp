@@ -33,7 +33,7 @@ TEST(Trace, FirstLineOfARunIsPrecededByTheVersion) {
 }
 
 /// One line of each category, in the order of the boxes, and what they leave in the log.
-constexpr std::array kCategoryLines = {"Status: a", ": b\r\n", "R>c", "D> UserCancel:False", "R>e"};
+constexpr std::array kCategoryLines = {": Status: a", ": b\r\n", "R>c", "D> UserCancel:False", "R>e"};
 void WriteAllCategories(Lower& lower) {
   lower.trace.Status("a");
   lower.trace.TraceSend("b");
