@@ -39,7 +39,8 @@ double NumberAtStart(std::string_view text, const char*& end) {
 }
 
 /// Appends `rounded`, the size of `number` scaled by `decimals` places, with its sign and point.
-void AppendRounded(std::string& out, double number, std::uint64_t rounded, int decimals) {
+template <class Unsigned>
+void AppendRounded(std::string& out, double number, Unsigned rounded, int decimals) {
   std::array<char, 24> digits;
   char* const end = digits.data() + digits.size();
   char* begin = end;
@@ -145,7 +146,7 @@ void AppendFixed(std::string& out, double number, int decimals) {
     const auto whole = static_cast<std::uint32_t>(scaled);
     const double above_half = scaled - whole - 0.5;
     if (std::abs(above_half) > kNearHalf) {
-      AppendRounded(out, number, whole + (above_half > 0 ? 1 : 0), decimals);
+      AppendRounded(out, number, whole + (above_half > 0 ? 1U : 0U), decimals);
       return;
     }
   }
