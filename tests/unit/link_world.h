@@ -3,29 +3,24 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
-#include "app/operation_slot.h"
 #include "link/capture.h"
 #include "link/exchange.h"
 #include "link/port_link.h"
 #include "link/reply_handler.h"
-#include "support/fake_loop.h"
-#include "support/recorders.h"
-#include "support/scripted_port.h"
-#include "support/temp_folder.h"
+#include "support/world.h"
 
 namespace corvane::test {
 
-/// "$" + items + "*" + checksum, computed here on its own.
+/// "$" + items + "*" + checksum.
 inline std::string Frame(const std::string& items) {
-  unsigned sum = 0;
-  for (const unsigned char c : items) sum ^= c;
-  char digits[3];
-  std::snprintf(digits, sizeof digits, "%02X", sum);
-  return "$" + items + "*" + digits;
+  return Framed(items).erase(items.size() + 4);
 }
 
 class LinkTest : public ::testing::Test {
@@ -40,10 +35,6 @@ class LinkTest : public ::testing::Test {
     form.Txt_Settings.SetText("9600,N,8,1");
     form.Txt_Timeout[0].SetText("45");
     form.Txt_Timeout[1].SetText("20");
-    form.Txt_MaxOveruns.SetText("3");
-    form.Txt_DateFormat.SetText("d mmm yyyy HH:MM");
-    form.Lst_Units.Add("North field");
-    form.Lst_Units.SetCurrent(0);
     port.SetEventHandler([this](int code) { port_link.OnPortEvent(code); });
     port_link.line_received = [this] {
       lines.push_back(link.ReplyLine);
@@ -51,15 +42,13 @@ class LinkTest : public ::testing::Test {
     };
   }
 
-  [[nodiscard]] std::string Log() const { return folder.Read("corvane.log"); }
-  [[nodiscard]] bool Logged(const std::string& text) const { return Log().find(text) != std::string::npos; }
-  /// How often `text` stands in the log.
   [[nodiscard]] int TimesLogged(const std::string& text) const {
-    const std::string log = Log();
+    const std::string log = folder.Read("corvane.log");
     int times = 0;
     for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) ++times;
     return times;
   }
+  [[nodiscard]] bool Logged(const std::string& text) const { return TimesLogged(text) > 0; }
   void Ask(std::int16_t command, const std::string& line = "00000:00001:00rt ") {
     ASSERT_TRUE(port_link.OpenPort(0));
     exchange.SendCommand(line);
@@ -77,7 +66,6 @@ class LinkTest : public ::testing::Test {
   PortDevices devices;
   ProgressBars bars;
   CommandStates states{form};
-  OperationSlot slot{link, states};
   Trace trace{form, link, loop, shell};
   LinkWriter writer{link, port, trace};
   ReplyTimer timer{form, link, loop, writer, trace};
