@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* kOk = "ok";
 constexpr const char* kConverting = "Convert: ";
+constexpr const char* kFinished = "Finished";
 
 const std::vector<Column>& ColumnsOf(UnitResults::Kind kind) {
   static const std::vector<Column> kDownload = {{"Unit"},      {"Tries", true},  {"Readings", true},
@@ -54,7 +55,7 @@ void UnitResults::OnChange(const Control& control) {
     converting_ = watched->first;
     errors_before_ = app_.flags().error_counter;
     watched->second.conversion_begun = true;
-  } else if (link.HalvexError || link.Timeout) {
+  } else if ((link.HalvexError || link.Timeout) && !text.starts_with(kFinished)) {
     watched->second.failure = text;
   }
 }

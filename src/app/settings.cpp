@@ -387,6 +387,9 @@ void Settings::ShowReport() {
   if (store_.HasBrokenLines()) {
     Report("Some lines are neither a section, a key nor a comment. They are not used and stay as they are.");
   }
+  if (store_.HasDoubledSections()) {
+    Report("Two sections have the same name. Only the first is used: move the lines of the second into it.");
+  }
   if (CutCharacters(app_.Folder(), kLongestFolder).size() < app_.Folder().size()) {
     Report("The name of the application folder is too long for the fields; choose one of at most " +
            std::to_string(kLongestFolder) + " characters.");

@@ -38,6 +38,8 @@ class SettingsStore {
   [[nodiscard]] std::vector<std::string> Keys(std::string_view as_Section) const { return profile_.Keys(as_Section); }
   /// True when the file has lines that are neither section, key, comment nor blank; they stay as they are.
   [[nodiscard]] bool HasBrokenLines() const { return profile_.has_broken_lines(); }
+  /// True when two sections have the same name; only the first is used.
+  [[nodiscard]] bool HasDoubledSections() const { return profile_.has_doubled_sections(); }
   /// Writes the file in one atomic step; a failure shows "Cannot save INI file" once. **Yields** then.
   bool Commit();
 

@@ -68,7 +68,7 @@ Status ProfileFile::Load(const std::string& path) {
 }
 
 ProfileFile::Section& ProfileFile::AddSection(std::string_view name, std::string_view heading) {
-  section_index_.emplace(ToLower(name), sections_.size());
+  if (!section_index_.emplace(ToLower(name), sections_.size()).second) has_doubled_sections_ = true;
   sections_.push_back({std::string(name), std::string(heading), {}, {}});
   return sections_.back();
 }

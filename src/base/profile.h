@@ -35,6 +35,8 @@ class ProfileFile {
   [[nodiscard]] std::vector<std::string> Keys(std::string_view section) const;
   /// True when a line was found that is neither section, key, comment nor blank.
   [[nodiscard]] bool has_broken_lines() const { return has_broken_lines_; }
+  /// True when two sections have the same name, of which only the first is used.
+  [[nodiscard]] bool has_doubled_sections() const { return has_doubled_sections_; }
 
  private:
   struct Line {
@@ -57,6 +59,7 @@ class ProfileFile {
   std::string start_;  ///< a byte-order mark the file begins with
   std::string line_end_ = "\n";
   bool has_broken_lines_ = false;
+  bool has_doubled_sections_ = false;
 };
 
 }  // namespace corvane
