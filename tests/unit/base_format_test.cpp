@@ -12,74 +12,47 @@
 namespace corvane::test {
 namespace {
 
-struct PatternCase {
-  const char* pattern;
-  const char* expected;  ///< for Friday 5 March 2010, 14:07:09
-};
-
-constexpr PatternCase kPatterns[] = {
-    {"d mmm yyyy HH:MM", "5 Mar 2010 14:07"},
-    {"yymmddHHNN", "1003051407"},
-    {"yymmddHHNNSS", "100305140709"},
-    {"DDDD, dd MMMM YYYY", "Friday, 05 March 2010"},
-    {"ddd d/m/yy", "Fri 5/3/10"},
-    {"h:n:s", "14:7:9"},
-    {"hh.mm dd.mm", "14.07 05.03"},
-    {"mm:ss", "07:09"},
-    {"hh:mmm", "14:Mar"},
-    {"hh:nn am/pm", "02:07 PM"},
-    {"[x]_\xC2\xB0 'q'", "[x]_\xC2\xB0 'q'"},
-    {"", ""},
-};
-
 TEST(DatePatterns, WriteEveryField) {
-  const DateTime when = DateTime::FromCivil(2010, 3, 5, 14, 7, 9);
-  for (const PatternCase& row : kPatterns) EXPECT_EQ(FormatDate(when, row.pattern), row.expected) << row.pattern;
-}
-
-TEST(DatePatterns, CountTwelveHoursFromTwelve) {
-  const DateTime midnight = DateTime::FromCivil(2010, 3, 5);
-  const std::pair<int, const char*> rows[] = {
-      {0, "12 AM"}, {1, "1 AM"}, {11, "11 AM"}, {12, "12 PM"}, {23, "11 PM"},
+  constexpr std::pair<const char*, const char*> kRows[] = {
+      {"d mmm yyyy HH:MM", "5 Mar 2010 14:07"},
+      {"yymmddHHNNSS", "100305140709"},
+      {"DDDD, dd MMMM YYYY", "Friday, 05 March 2010"},
+      {"ddd d/m/yy", "Fri 5/3/10"},
+      {"hh.mm dd.mm", "14.07 05.03"},
+      {"mm:ss", "07:09"},
+      {"hh:mmm", "14:Mar"},
+      {"hh:nn am/pm", "02:07 PM"},
+      {"[x]_\xC2\xB0 'q'", "[x]_\xC2\xB0 'q'"},
   };
-  for (const auto& [hour, expected] : rows) EXPECT_EQ(FormatDate(midnight + hour * 3600, "h am/pm"), expected);
+  const DateTime when = DateTime::FromCivil(2010, 3, 5, 14, 7, 9);
+  for (const auto& [pattern, expected] : kRows) EXPECT_EQ(FormatDate(when, pattern), expected) << pattern;
+  EXPECT_EQ(FormatDate(when.Midnight(), "h am/pm"), "12 AM");
+  EXPECT_EQ(FormatDate(when.Midnight() + kSecondsPerDay / 2, "h am/pm"), "12 PM");
 }
-
-struct DateCase {
-  const char* text;
-  const char* expected;  ///< in the general format, empty when the text is refused
-};
-
-constexpr DateCase kDates[] = {
-    {"12 Mar 2010 14:05", "2010-03-12 14:05:00"},
-    {"  1 december  1999 ", "1999-12-01 00:00:00"},
-    {"2010-03-12 14:05:09", "2010-03-12 14:05:09"},
-    {"2010/3/12 4:05", "2010-03-12 04:05:00"},
-    {"30 Feb 2010", "2010-03-02 00:00:00"},
-    {"29 Feb 2012 23:59:59", "2012-02-29 23:59:59"},
-    {"12 Mar 2010 +3:00", ""},
-    {"12 Mar 2010 14:05 x", ""},
-    {"-2010-03-12", ""},
-    {"2010/-3/12", ""},
-    {"2010/13/1", ""},
-    {"32 Mar 2010", ""},
-    {"12 Mrz 2010", ""},
-    {"", ""},
-};
 
 TEST(Dates, AreReadInTheFormsTheyAreWritten) {
-  for (const DateCase& row : kDates) {
-    const auto date = ParseDate(row.text);
-    EXPECT_EQ(date ? GeneralDate(*date) : "", row.expected) << row.text;
+  constexpr std::pair<const char*, const char*> kRows[] = {
+      {"  1 december  1999 ", "1999-12-01 00:00:00"},
+      {"2010-03-12 14:05:09", "2010-03-12 14:05:09"},
+      {"2010/3/12 4:05", "2010-03-12 04:05:00"},
+      {"30 Feb 2010 23:59:59", "2010-03-02 23:59:59"},
+      {"12 Mar 2010 +3:00", "refused"},
+      {"2010/-3/12", "refused"},
+      {"32 Mar 2010", "refused"},
+      {"12 Mrz 2010", "refused"},
+  };
+  for (const auto& [text, expected] : kRows) {
+    const auto date = ParseDate(text);
+    EXPECT_EQ(date ? GeneralDate(*date) : "refused", expected) << text;
   }
 }
 
 TEST(Dates, AreReadAsTimesOfDay) {
   constexpr std::int64_t kRefused = -1;
   const std::pair<const char*, std::int64_t> rows[] = {
-      {"3:00", 10800},     {" 03:00 ", 10800}, {"0:30", 1800},        {"23:59:59", 86399}, {"+3:00", kRefused},
-      {"-0:30", kRefused}, {"3:-5", kRefused}, {"24:00", kRefused},   {"3:60", kRefused},  {"3", kRefused},
-      {"3:", kRefused},    {":30", kRefused},  {"1:2:3:4", kRefused}, {"", kRefused},      {"a:b", kRefused},
+      {" 03:00 ", 10800}, {"0:30", 1800},      {"23:59:59", 86399},   {"+3:00", kRefused},
+      {"3:-5", kRefused}, {"24:00", kRefused}, {"3:60", kRefused},    {"3", kRefused},
+      {"3:", kRefused},   {":30", kRefused},   {"1:2:3:4", kRefused}, {"a:b", kRefused},
   };
   for (const auto& [text, expected] : rows) EXPECT_EQ(ParseTimeOfDay(text).value_or(kRefused), expected) << text;
 }
@@ -104,32 +77,22 @@ TEST(Dates, FollowTheCalendar) {
 }
 
 TEST(Dates, CountDaysFromTheirDayZero) {
-  EXPECT_TRUE(DateTime::FromCivil(1899, 12, 30).IsNone());
   EXPECT_EQ(DateTime::FromCivil(2010, 3, 12, 6).days(), 40249.25);
   EXPECT_EQ(DateTime::FromDays(40249.25), DateTime::FromCivil(2010, 3, 12, 6));
   EXPECT_EQ(DateTime(-1).TimeOfDay(), 86399);
   EXPECT_EQ(DateTime(-1).Midnight(), DateTime(-kSecondsPerDay));
   EXPECT_EQ(DurationText(-93784, true), "26:03:04");
-  EXPECT_EQ(DurationText(59, false), "00:00");
 }
 
-TEST(Texts, AreTrimmedSplitAndShown) {
+TEST(Texts, AreShownCutAndSplit) {
   const std::pair<std::string, const char*> rows[] = {
-      {std::string(Trim("\t a b ")), "a b"},
-      {std::string(Trim(" \t")), ""},
       {Visible("a\r\x1B~\x7F\x80\x81\xFF"), "a[13][27]~\x7F\x80[129][255]"},
       {ZeroPadded(-7, 3), "-007"},
-      {ZeroPadded(123456, 5), "123456"},
       {std::string(CutCharacters("\xC3\xA4\xC3\xB6\xC3\xBC", 2)), "\xC3\xA4\xC3\xB6"},
-      {std::string(CutCharacters("ab", 5)), "ab"},
-      {ToUpper("ok \xC3\xA4"), "OK \xC3\xA4"},
   };
   for (const auto& [text, expected] : rows) EXPECT_EQ(text, expected);
   EXPECT_EQ(Split(",a,", ','), (std::vector<std::string_view>{"", "a", ""}));
-  EXPECT_EQ(Split("", ',').size(), 1U);
   EXPECT_TRUE(LessNoCase("Unit", "unit 1"));
-  EXPECT_FALSE(LessNoCase("\xC3\xA4", "z"));
-  EXPECT_FALSE(StartsWithNoCase("A", "AM"));
 }
 
 }  // namespace
