@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "app/command_states.h"
 #include "form/form.h"
@@ -8,62 +9,45 @@
 namespace corvane {
 namespace {
 
-struct ListCase {
-  const char* name;
-  bool idle;
-  std::int64_t rows;
-  std::int64_t current;
-  std::string enabled;  ///< New, Delete, Move up, Move down; "1" is enabled
-};
-
-class ListCommands : public testing::TestWithParam<ListCase> {};
-
+/// Which of New, Delete, Move up and Move down are enabled, as "1" and "0"; the menu must agree.
 template <class Buttons>
-std::string StatesOf(Buttons& buttons) {
-  std::string states;
-  for (int index = 0; index < 4; ++index) states += buttons[index].enabled() ? '1' : '0';
-  return states;
+std::string Enabled(const Buttons& buttons, const MenuGroup& menu) {
+  std::string enabled;
+  for (int index = 0; index < 4; ++index) {
+    enabled += buttons[index].enabled() ? '1' : '0';
+    EXPECT_EQ(menu.entries()[static_cast<std::size_t>(index)].enabled, buttons[index].enabled()) << menu.name();
+  }
+  return enabled;
 }
 
-template <class Buttons>
-void ExpectStates(const ListCase& row, List& list, Buttons& buttons, MenuGroup& menu, CommandStates& states) {
-  menu.SetEntries({{"&New"}, {"&Delete"}, {"Move &Up"}, {"Move &down"}});
-  list.SetRows(std::vector<std::string>(static_cast<std::size_t>(row.rows), "A"));
-  list.SetCurrent(row.current);
-  states.SetIdle(row.idle);
-  states.UpdateCommandStates();
-  EXPECT_EQ(StatesOf(buttons), row.enabled) << list.name();
-  std::string entries;
-  for (const MenuGroup::Entry& entry : menu.entries()) entries += entry.enabled ? '1' : '0';
-  EXPECT_EQ(entries, row.enabled) << menu.name();
-  EXPECT_EQ(menu.enabled(), row.idle);
-}
-
-TEST_P(ListCommands, FollowTheSelectionAndTheRunningOperation) {
+TEST(CommandStates, ListCommandsFollowTheSelectionAndTheRunningOperation) {
   Form form;
   CommandStates states(form);
-  ExpectStates(GetParam(), form.Lst_Units, form.Cmd_Units, form.mnu_Units, states);
-  ExpectStates(GetParam(), form.Lst_Relays, form.Cmd_Relays, form.mnu_Relays, states);
-  ExpectStates(GetParam(), form.Lst_Clients, form.Cmd_Clients, form.mnu_Clients, states);
+  for (MenuGroup* menu : {&form.mnu_Units, &form.mnu_Relays, &form.mnu_Clients}) menu->SetEntries({{}, {}, {}, {}});
+  const std::tuple<bool, std::size_t, std::int64_t, std::string> rows[] = {
+      {true, 0, -1, "1000"}, {true, 2, -1, "1000"}, {true, 1, 0, "1100"},  {true, 3, 0, "1101"},
+      {true, 3, 1, "1111"},  {true, 3, 2, "1110"},  {false, 3, 1, "0000"},
+  };
+  for (const auto& [idle, count, current, enabled] : rows) {
+    for (List* list : {&form.Lst_Units, &form.Lst_Relays, &form.Lst_Clients}) {
+      list->SetRows(std::vector<std::string>(count, "A"));
+      list->SetCurrent(current);
+    }
+    states.SetIdle(idle);
+    states.UpdateCommandStates();
+    EXPECT_EQ(Enabled(form.Cmd_Units, form.mnu_Units), enabled);
+    EXPECT_EQ(Enabled(form.Cmd_Relays, form.mnu_Relays), enabled);
+    EXPECT_EQ(Enabled(form.Cmd_Clients, form.mnu_Clients), enabled);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, ListCommands,
-                         testing::Values(ListCase{"Empty", true, 0, -1, "1000"},
-                                         ListCase{"NothingSelected", true, 2, -1, "1000"},
-                                         ListCase{"OnlyOne", true, 1, 0, "1100"}, ListCase{"First", true, 3, 0, "1101"},
-                                         ListCase{"Middle", true, 3, 1, "1111"}, ListCase{"Last", true, 3, 2, "1110"},
-                                         ListCase{"Busy", false, 3, 1, "0000"}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(CommandStates, OneOperationDisablesEveryOtherButNotCancel) {
   Form form;
   CommandStates states(form);
   for (const bool idle : {false, true}) {
     states.SetIdle(idle);
-    for (const char* name :
-         {"Cmd_Close", "Cmd_Process_1", "Cmd_Process_7", "Cmd_ProcessAll_7", "Cmd_DownloadAll_0", "Cmd_Convert",
-          "Cmd_ConvertAll", "Cmd_EditTrace", "Cmd_EditDataFile", "Cmd_DeleteFile", "Cmd_GetFile_3", "Cmd_GetFolder",
-          "Cmd_TestBaseUnit_0", "Cmd_FindPort_1", "Lst_Units", "Lst_Relays", "mnu_Download", "mnu_SetDelays"}) {
+    for (const char* name : {"Cmd_Close", "Cmd_Process_7", "Cmd_ProcessAll_7", "Cmd_DownloadAll_0", "Cmd_ConvertAll",
+                             "Cmd_DeleteFile", "Cmd_GetFile_3", "Cmd_TestBaseUnit_0", "Lst_Units", "mnu_Download"}) {
       ASSERT_NE(form.Find(name), nullptr) << name;
       EXPECT_EQ(form.Find(name)->enabled(), idle) << name;
     }

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
+#include <fstream>
 #include <memory>
 
 #include "app/run_at_startup.h"
@@ -15,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::RegistryWorld;
-using test::Rows;
 using test::TempFolder;
 
 /// One run of the program on the settings file of a folder.
@@ -34,6 +33,13 @@ struct Program : RegistryWorld {
   Settings settings{{form, registry, app, ports, store, units, relays, clients, messages, trace}};
 };
 
+std::string Replaced(std::string text, const std::string& what, const std::string& with) {
+  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
 class SettingsTest : public testing::Test {
  protected:
   /// Starts the program on a file of these contents.
@@ -46,125 +52,32 @@ class SettingsTest : public testing::Test {
     run->settings.LoadSettings();
     return run;
   }
+  /// A file of tests/data, in which "@" stands for the application folder.
+  std::string Stored(const std::string& name) {
+    std::ifstream file(std::string(TEST_DATA_DIR) + "/" + name, std::ios::binary);
+    return Replaced({std::istreambuf_iterator<char>(file), {}}, "@", folder_.path());
+  }
 
   TempFolder folder_;
   std::string file_ = folder_.Name("corvane.ini");
 };
-
-std::string Replaced(std::string text, const std::string& what, const std::string& with) {
-  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
-    text.replace(at, what.size(), with);
-  }
-  return text;
-}
-
-// "@" stands for the application folder.
-constexpr const char* kFreshFile = R"([General]
-Folder=@
-WhichFile=1
-SortFile=0
-SortDirection=0
-Port=1
-PortHandHeld=1
-Settings=9600,N,8,1
-ShowReply=1
-MoistureLookupFile=@/moisture.lkp
-TemperatureLookupFile=@/salinity.lkp
-SalinityCorrection=@/salcorr.lkp
-UseLookup=1
-Kelvin=1
-ShowCorrectionFactors=0
-Language=@/hveng.lng
-Prefix=null
-RawFileExtension=epd
-CalibratedFileExtension=txt
-DateFormat=d mmm yyyy HH:MM
-Password=null
-WhichReadings=0
-StartAt=06:00
-Interval=01:00
-Average=0
-Timeout=45
-DataTimeout=10
-UnitWait=1
-MaxRetries=10
-MaxOveruns=10
-Uncorrected=1
-ShowTrace=0
-LogPeriod=03:00
-LastDownload=null
-NextDownload=null
-Automatic=0
-AutomaticInterval=03:00
-HeartBeat=0
-FTPServer=null
-FTPFolder=null
-FTPUserName=null
-FTPPassword=null
-ZIPFiles=0
-Anonymous=0
-FtpLogFilesSent=0
-ManualFTP=0
-WebFileType=0
-OstrelHost=localhost
-OstrelPort=4000
-PHPWebServer=0
-Backup=0
-BackupDestination=null
-Version=0.1.000
-)";
-
-std::string FreshRecords() {
-  std::string text = "\n[Units]\nNumUnits=5\n";
-  for (const char* index : {"1", "2", "3", "4", "5"}) {
-    text += Replaced(
-        "Name#=Site #\nID#=#\nActive#=1\nRelayID#=0\nftpFile#=0\nClientID#=0\nGetFrom#=0\n"
-        "MoistureCorrection#=0\nSalinityCorrection#=0\n",
-        "#", index);
-  }
-  return text +
-         "\n[Relays]\nNumRelays=2\nName1=Direct\nID1=0\nPasswordStyle1=0\nName2=Relay 2\nID2=1\nPasswordStyle2=0\n"
-         "\n[Clients]\nNumClients=2\nName1=Client 1\nID1=1\nFolder1=F1\nPassword1=null\nUserID1=null\n"
-         "Name2=Client 2\nID2=2\nFolder2=F2\nPassword2=null\nUserID2=null\n";
-}
 
 TEST_F(SettingsTest, FirstCloseWritesACompleteFileForItsOwner) {
   const auto run = Start();
   EXPECT_FALSE(run->form.Frame_OstrelWebData.visible());
   EXPECT_FALSE(run->form.Suppress.set());
   EXPECT_TRUE(run->settings.SaveSettings());
-  EXPECT_EQ(folder_.Read("corvane.ini"), Replaced(kFreshFile, "@", folder_.path()) + FreshRecords());
+  EXPECT_EQ(folder_.Read("corvane.ini"), Stored("fresh_settings.ini"));
   EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0600));
   EXPECT_TRUE(run->dialogs.boxes.empty());
 }
 
 TEST_F(SettingsTest, AFileComesBackAsItWas) {
-  std::string contents = std::string("; north valley\r\nstray line\r\n[Ports]\r\nCOM5=/dev/serial/by-id/usb-A\r\n") +
-                         kFreshFile + FreshRecords() + "[Future]\nKey = kept \n; end\n";
-  const std::pair<const char*, const char*> changes[] = {{"Folder=@", "Folder=données"},
-                                                         {"WhichFile=1", "WhichFile=2"},
-                                                         {"Port=1", "Port=5"},
-                                                         {"PortHandHeld=1", "porthandheld=36"},
-                                                         {"Kelvin=1", "Kelvin=0"},
-                                                         {"LogPeriod=03:00", "LogPeriod=04:17"},
-                                                         {"Timeout=45", "Timeout=2.5"},
-                                                         {"FTPServer=null", "FTPServer=a.b"},
-                                                         {"BackupDestination=null", "BackupDestination=/b"},
-                                                         {"LastDownload=null", "LastDownload=12 Mar 2010 14:05"},
-                                                         {"ID3=3", "ID3=-2147483648"},
-                                                         {"GetFrom4=0", "GetFrom4=3"},
-                                                         {"MoistureCorrection5=0", "MoistureCorrection5=0.1"},
-                                                         {"SalinityCorrection2=0", "SalinityCorrection2=-1.5e-07"},
-                                                         {"Active1=1", "Active1=0"},
-                                                         {"PasswordStyle2=0", "PasswordStyle2=2"},
-                                                         {"UserID2=null", "UserID2=me"},
-                                                         {"\n", "\r\n"},
-                                                         {"\r\r\n", "\r\n"}};
-  for (const auto& [from, to] : changes) contents = Replaced(contents, from, to);
-  contents = Replaced(contents, "@", folder_.path());
+  const std::string contents = Replaced(Stored("used_settings.ini"), "\n", "\r\n");
   const auto run = Load(contents);
   run->relays.FillRelaySelector();
   EXPECT_EQ(run->form.Txt_Folder.text(), "données");
+  EXPECT_EQ(run->form.Txt_FTPFolder.text(), "") << "null is empty";
   EXPECT_EQ(run->form.Cmb_LogPeriod.shown_text(), "04:17");
   EXPECT_EQ(run->form.Cmb_Port[1].SelectedItemData(), 36);
   EXPECT_EQ(run->ports.DeviceOf(5), "/dev/serial/by-id/usb-A");
@@ -187,103 +100,56 @@ TEST_F(SettingsTest, WhatTheEditorsShowIsSaved) {
   EXPECT_EQ(run->app.PreviousVersion(), AppInfo::VersionText());
 }
 
+std::string Times(int count, const std::string& text) {
+  return count == 0 ? "" : text + Times(count - 1, text);
+}
+
 struct InputCase {
-  const char* name;
-  const char* contents;
-  std::function<std::string(Program&)> value;
-  std::string expected;
+  std::string contents;
+  std::string saved;     ///< lines of the file after a load and a save
   std::string reported;  ///< a part of the box at the end of loading; empty: no box
 };
 
-std::string Timeout(Program& run) {
-  return run.form.Txt_Timeout[0].text();
-}
-std::string UnitCount(Program& run) {
-  return std::to_string(run.registry.Units.count());
-}
-std::string FirstUnit(Program& run) {
-  const Unit& unit = run.registry.Units[1];
-  return unit.Name + "," + std::to_string(unit.ID) + "," + std::to_string(unit.Active) + "," +
-         std::to_string(unit.MoistureCorrection);
-}
-std::string Relays(Program& run) {
-  std::string text;
-  for (const Relay& relay : run.registry.Relays) text += relay.Name + "=" + std::to_string(relay.ID) + ";";
-  return text;
-}
-std::string FileOptions(Program& run) {
-  return std::to_string(run.form.Opt_WhichFile.GetOptionIndex()) +
-         std::to_string(run.form.Opt_SortFile.GetOptionIndex());
-}
-std::string Port(Program& run) {
-  return std::to_string(run.form.Cmb_Port[0].SelectedItemData());
-}
-std::string Kelvin(Program& run) {
-  return run.form.Chk_Kelvin.ticked() ? "1" : "0";
-}
-std::string Server(Program& run) {
-  return run.form.Txt_FTPServer.text();
-}
-std::string Folder(Program& run) {
-  return run.form.Txt_Folder.text();
-}
-std::string WebHost(Program& run) {
-  return run.form.Txt_OstrelHost.text();
-}
-std::string FirstPort(Program& run) {
-  return run.ports.DeviceOf(1);
-}
+const InputCase kInputs[] = {
+    {"[Relays]\nNumRelays=0\n", "NumRelays=1\nName1=Direct\nID1=0\n", ""},
+    {"[Relays]\nNumRelays=1\nName1=Tower\nID1=7\n", "Name1=Direct\nID1=0\n", ""},
+    {"[Units]\nNumUnits=-3\n", "NumUnits=0\n", ""},
+    {"[Units]\nNumUnits=99999\n", "NumUnits=5\n", "NumUnits=99999 is not a whole number"},
+    {"[Units]\nNumUnits=1O\n", "NumUnits=5\n", "NumUnits=1O"},
+    {"[Units]\nID1=x\nActive1=70000\n", "ID1=1\nActive1=1\n", "Active1=70000 is not a whole number"},
+    {"[Units]\nMoistureCorrection1=2,5\n", "MoistureCorrection1=0\n", "=2,5 is not a number; 0 is used"},
+    {"[Units]\nMoistureCorrection1=1e40\n", "MoistureCorrection1=0\n", "1e40"},
+    {"[General]\nTimeout=soon\n", "Timeout=45\n", "Timeout=soon"},
+    {"[General]\nTimeout=null\n", "Timeout=45\n", "[General] Timeout= is not a number"},
+    {"[General]\nWhichFile=9\nSortFile=-4\n", "WhichFile=2\nSortFile=0\n", ""},
+    {"[General]\nWhichFile=raw\n", "WhichFile=1\n", "WhichFile=raw"},
+    {"[General]\nPort=51\n", "Port=0\n", ""},
+    {"[General]\nKelvin=yes\n", "Kelvin=0\n", "Kelvin=yes"},
+    {"[General]\nKelvin=-2\n", "Kelvin=1\n", ""},
+    {"[General]\nKelvin=\n", "Kelvin=0\n", ""},
+    {"[General]\nFTPServer=Null\n", "FTPServer=Null\n", ""},
+    {"[General\n[General]\nFTPServer\nFTPServer=a\n", "FTPServer=a\n", "Some lines"},
+    {"[General]\nFolder=C:\\data\n", "Folder=C:\\data\n", "Folder=C:\\data is not a path"},
+    {"[General]\nFolder=\\\\host\\data\n", "Folder=\\\\host\\data\n", "is not a path"},
+    {"[General]\nFolder=data\\north\n", "Folder=data\\north\n", ""},
+    {"[General]\nOstrelHost=elsewhere\n", "OstrelHost=localhost\n", ""},
+    {"[Ports]\nCOM1=ttyUSB0\n", "COM1=ttyUSB0\n", "COM1=ttyUSB0"},
+    {"[Ports]\nCOM51=/dev/x\n", "COM51=/dev/x\n", "COM51=/dev/x"},
+    {"[General]\nPrefix=" + Times(200, "é") + "\n", "Prefix=" + Times(126, "é") + "\n", ""},
+};
 
-class SettingsInput : public SettingsTest, public testing::WithParamInterface<InputCase> {};
-
-TEST_P(SettingsInput, IsTakenOrReported) {
-  const InputCase& row = GetParam();
-  const auto run = Load(row.contents);
-  EXPECT_EQ(row.value(*run), row.expected);
-  const auto texts = run->dialogs.Texts();
-  ASSERT_EQ(texts.size(), row.reported.empty() ? 0U : 1U);
-  if (row.reported.empty()) return;
-  EXPECT_NE(texts[0].find(row.reported), std::string::npos) << texts[0];
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, SettingsInput,
-    testing::Values(
-        InputCase{"NoRelay", "[Relays]\nNumRelays=0\n", Relays, "Direct=0;", ""},
-        InputCase{"FirstRelayIsDirect", "[Relays]\nNumRelays=1\nName1=Tower\nID1=7\n", Relays, "Direct=0;", ""},
-        InputCase{"NegativeCount", "[Units]\nNumUnits=-3\n", UnitCount, "0", ""},
-        InputCase{"HugeCount", "[Units]\nNumUnits=99999\n", UnitCount, "5", "NumUnits=99999 is not a whole number"},
-        InputCase{"LetterInCount", "[Units]\nNumUnits=1O\n", UnitCount, "5", "NumUnits=1O"},
-        InputCase{"WrongTypes", "[Units]\nID1=x\nActive1=70000\nMoistureCorrection1=2,5\n", FirstUnit,
-                  "Site 1,1,1,0.000000", "MoistureCorrection1=2,5 is not a number; 0 is used"},
-        InputCase{"HugeFactor", "[Units]\nMoistureCorrection1=1e40\n", FirstUnit, "Site 1,1,1,0.000000", "1e40"},
-        InputCase{"NumberInAField", "[General]\nTimeout=soon\n", Timeout, "45", "Timeout=soon"},
-        InputCase{"EmptyNumber", "[General]\nTimeout=null\n", Timeout, "45", "[General] Timeout= is not a number"},
-        InputCase{"OptionsAreHeld", "[General]\nWhichFile=9\nSortFile=-4\n", FileOptions, "20", ""},
-        InputCase{"OptionWithWords", "[General]\nWhichFile=raw\n", FileOptions, "10", "WhichFile=raw"},
-        InputCase{"UnknownPort", "[General]\nPort=51\n", Port, "0", ""},
-        InputCase{"BoxWithWord", "[General]\nKelvin=yes\n", Kelvin, "0", "Kelvin=yes"},
-        InputCase{"BoxWithNumber", "[General]\nKelvin=-2\n", Kelvin, "1", ""},
-        InputCase{"EmptyBox", "[General]\nKelvin=\n", Kelvin, "0", ""},
-        InputCase{"NullIsEmpty", "[General]\nFTPServer=null\nFolder=null\n", Folder, "", ""},
-        InputCase{"OnlyNullIsNull", "[General]\nFTPServer=Null\n", Server, "Null", ""},
-        InputCase{"NoLastLineEnd", "[general]\r\nftpserver = a.b ", Server, "a.b", ""},
-        InputCase{"BrokenLines", "]x\n[General\nFTPServer\n=\n[General]\nFTPServer=a\n", Server, "a", "Some lines"},
-        InputCase{"ForeignFolder", "[General]\nFolder=C:\\data\n", Folder, "C:\\data", "Folder=C:\\data is not a path"},
-        InputCase{"ForeignShare", "[General]\nFolder=\\\\host\\data\n", Folder, "\\\\host\\data", "is not a path"},
-        InputCase{"BackslashesAreFine", "[General]\nFolder=data\\north\n", Folder, "data\\north", ""},
-        InputCase{"WebHostIsNotRead", "[General]\nOstrelHost=elsewhere\n", WebHost, "localhost", ""},
-        InputCase{"DeviceOfAPort", "[Ports]\ncom1=/dev/x\n", FirstPort, "/dev/x", ""},
-        InputCase{"DeviceWithoutFolder", "[Ports]\nCOM1=ttyUSB0\n", FirstPort, "/dev/ttyS0", "COM1=ttyUSB0"},
-        InputCase{"NoSuchPort", "[Ports]\nCOM51=/dev/x\n", FirstPort, "/dev/ttyS0", "COM51=/dev/x"}),
-    [](const auto& row) { return std::string(row.param.name); });
-
-TEST_F(SettingsTest, ValuesAreCutAt126Characters) {
-  std::string accents;
-  for (int count = 0; count < 200; ++count) accents += "é";
-  const auto run = Load("[General]\nPassword=" + std::string(200, 'x') + "\nPrefix=" + accents + "\n");
-  EXPECT_EQ(run->form.txt_Password.text(), std::string(126, 'x'));
-  EXPECT_EQ(run->form.Txt_Prefix.text(), accents.substr(0, 252));
+TEST_F(SettingsTest, InputIsTakenOrReported) {
+  for (const InputCase& row : kInputs) {
+    SCOPED_TRACE(row.contents);
+    const auto run = Load(row.contents);
+    EXPECT_EQ(run->ports.DeviceOf(1), "/dev/ttyS0");
+    const auto texts = run->dialogs.Texts();
+    ASSERT_EQ(texts.size(), row.reported.empty() ? 0U : 1U);
+    for (const std::string& text : texts) EXPECT_NE(text.find(row.reported), std::string::npos) << text;
+    EXPECT_TRUE(run->settings.SaveSettings());
+    const std::string saved = folder_.Read("corvane.ini");
+    EXPECT_NE(saved.find("\n" + row.saved), std::string::npos) << saved;
+  }
 }
 
 TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
@@ -299,51 +165,27 @@ TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
   EXPECT_EQ(run.registry.Units[1000].ID, 1000);
 }
 
-TEST_F(SettingsTest, UnreadableContentIsCopiedBeforeItIsReplaced) {
+TEST_F(SettingsTest, WhatIsNoSettingsFileIsCopiedBeforeItIsReplaced) {
   const std::string damaged = std::string("[General]\nFTPServer=a\n") + std::string(100, '\0');
-  folder_.Write("corvane.ini", damaged);
   folder_.Write("corvane.ini.bad", "older");
-  const auto run = Start();
+  auto run = Load(damaged);
   EXPECT_EQ(folder_.Read("corvane.ini.bad"), damaged);
   EXPECT_EQ(fs::status(file_ + ".bad").permissions() & fs::perms::group_read, fs::perms::none);
   EXPECT_EQ(run->form.Txt_FTPServer.text(), "a");
   ASSERT_EQ(run->dialogs.boxes.size(), 1U);
   EXPECT_NE(run->dialogs.boxes[0].text.find("corvane.ini.bad"), std::string::npos);
   EXPECT_TRUE(run->settings.SaveSettings());
-}
-
-TEST_F(SettingsTest, ATooLargeFileIsCopiedToo) {
-  folder_.Write("corvane.ini", "[General]\n");
   fs::resize_file(file_, ProfileFile::kLargestFile + 1);
   EXPECT_EQ(Start()->dialogs.boxes.size(), 1U);
   EXPECT_EQ(fs::file_size(file_ + ".bad"), static_cast<std::uintmax_t>(ProfileFile::kLargestFile + 1));
 }
 
 TEST_F(SettingsTest, WhatCouldNotBeCopiedIsNotOverwritten) {
-  folder_.Write("corvane.ini", std::string(10, '\0'));
   fs::create_directory(file_ + ".bad");
-  const auto run = Start();
+  const auto run = Load(std::string(10, '\0'));
   EXPECT_FALSE(run->settings.SaveSettings());
+  EXPECT_EQ(run->dialogs.Texts().back(), "Cannot save INI file");
   EXPECT_EQ(folder_.Read("corvane.ini"), std::string(10, '\0'));
-}
-
-TEST_F(SettingsTest, AFailedSaveIsToldOnce) {
-  fs::create_directories(file_ + "/full");
-  const auto run = Start();
-  ASSERT_EQ(run->dialogs.boxes.size(), 1U);
-  EXPECT_FALSE(run->settings.SaveSettings());
-  ASSERT_EQ(run->dialogs.boxes.size(), 2U);
-  EXPECT_EQ(run->dialogs.boxes[1].text, "Cannot save INI file");
-}
-
-TEST_F(SettingsTest, TenThousandUnitsComeBack) {
-  auto run = Start();
-  run->registry.Units.Resize(10000);
-  for (std::int32_t index = 1; index <= 10000; ++index) run->registry.Units[index].Name = "U" + std::to_string(index);
-  EXPECT_TRUE(run->settings.SaveSettings());
-  run = Start();
-  EXPECT_EQ(run->form.Lst_Units.count(), 10000);
-  EXPECT_EQ(run->form.Lst_Units.text(9999), "U10000");
 }
 
 TEST(RunAtStartup, WritesAndRemovesTheEntry) {

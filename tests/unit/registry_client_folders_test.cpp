@@ -11,36 +11,22 @@ namespace corvane {
 namespace {
 
 namespace fs = std::filesystem;
-using Texts = std::vector<std::string>;
 
-struct ClientFoldersTest : testing::Test, test::RegistryWorld {
-  /// Runs the command for clients with these folders; what was shown.
-  Texts Create(const Texts& folders) {
-    registry.Clients = {};
-    for (const std::string& client_folder : folders) registry.Clients.Append({"C", 1, client_folder, "", ""});
-    dialogs.boxes.clear();
-    form.Txt_Folder.SetText("data");
-    CreateLocalFolders(registry, FileNames(form, registry, app), messages);
-    return dialogs.Texts();
-  }
-
-  test::TempFolder folder;
-  AppInfo app{folder.path()};
-};
-
-TEST_F(ClientFoldersTest, MissingOnesAreCreatedAndCounted) {
-  EXPECT_EQ(Create({"F1", "north\\F2", "F1"}), Texts({"2 folder(s) created"}));
-  EXPECT_TRUE(fs::is_directory(folder.Name("data/north/F2")));
-  EXPECT_EQ(Create({"F1", "", "north/F2"}), Texts({"0 folder(s) created"}));
-}
-
-TEST_F(ClientFoldersTest, AFailureEndsTheCommandAndKeepsTheCount) {
+TEST(ClientFolders, AreCreatedAndCountedUpToAFailure) {
+  test::RegistryWorld world;
+  const test::TempFolder folder;
+  const AppInfo app(folder.path());
+  world.form.Txt_Folder.SetText("data");
   folder.Write("data/taken", "a file");
-  const Texts shown = Create({"F1", "taken", "F3"});
+  for (const char* to : {"F1", "", "north\\F2", "F1", "taken", "F3"})
+    world.registry.Clients.Append({"", 1, to, "", ""});
+  CreateLocalFolders(world.registry, FileNames(world.form, world.registry, app), world.messages);
+  EXPECT_TRUE(fs::is_directory(folder.Name("data/north/F2")));
+  EXPECT_FALSE(fs::exists(folder.Name("data/F3")));
+  const std::vector<std::string> shown = world.dialogs.Texts();
   ASSERT_EQ(shown.size(), 2U);
   EXPECT_NE(shown[0].find("data/taken"), std::string::npos) << shown[0];
-  EXPECT_EQ(shown[1], "1 folder(s) created");
-  EXPECT_FALSE(fs::exists(folder.Name("data/F3")));
+  EXPECT_EQ(shown[1], "2 folder(s) created");
 }
 
 }  // namespace
