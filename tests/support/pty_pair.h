@@ -24,11 +24,10 @@ inline bool RunUntil(EventLoop& loop, const std::function<bool()>& done) {
 
 /// How often `loop` comes back from waiting within 20 ms; a descriptor that is ready for ever makes it many.
 inline int YieldsIn20Milliseconds(EventLoop& loop) {
-  bool over = false;
-  const auto timer = loop.MakeTimer([&] { over = true; });
-  timer->Start(20);
   int yields = 0;
-  for (; !over; ++yields) loop.Yield();
+  const auto timer = loop.MakeTimer([] {});
+  timer->Start(20);
+  for (const auto end = loop.MonotonicMilliseconds() + 20; loop.MonotonicMilliseconds() < end; ++yields) loop.Yield();
   return yields;
 }
 
@@ -55,15 +54,11 @@ class PtyPair {
   /// What the code under test has written and nobody has taken yet.
   [[nodiscard]] std::string Take() const {
     std::string all;
-    char piece[4096];
-    for (ssize_t got = 1; got > 0; all.append(piece, static_cast<std::size_t>(got > 0 ? got : 0))) {
-      got = read(far_end_, piece, sizeof piece);
-    }
+    for (char byte = 0; read(far_end_, &byte, 1) == 1;) all += byte;
     return all;
   }
   /// Unplugs the device.
   void HangUp() {
-    if (far_end_ < 0) return;
     close(near_end_);
     close(far_end_);
     far_end_ = near_end_ = -1;
