@@ -49,6 +49,7 @@ TEST(ProfileFiles, AreReadTolerantly) {
     const ProfileFile profile = Loaded(folder, row.text);
     EXPECT_EQ(profile.Get("Units", "Name1", "-"), row.expected) << row.name;
     EXPECT_EQ(profile.has_broken_lines(), row.broken) << row.name;
+    EXPECT_EQ(profile.has_doubled_sections(), row.name == "the first of double sections"s) << row.name;
   }
 }
 
