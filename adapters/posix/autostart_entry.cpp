@@ -7,9 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-#include <fcntl.h>
-#include <unistd.h>
-
+#include "base/files.h"
 #include "base/text.h"
 
 namespace corvane {
@@ -42,21 +40,6 @@ bool HasControlCharacters(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char letter) { return static_cast<unsigned char>(letter) < ' '; });
 }
 
-/// Writes all of `text` to the disk; returns 0 or an errno.
-int WriteSynced(const std::string& path, std::string_view text) {
-  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (descriptor < 0) return errno;
-  int error = 0;
-  while (error == 0 && !text.empty()) {
-    const ssize_t written = write(descriptor, text.data(), text.size());
-    if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
-    if (written < 0 && errno != EINTR) error = errno;
-  }
-  if (error == 0 && fsync(descriptor) != 0) error = errno;
-  if (close(descriptor) != 0 && error == 0) error = errno;
-  return error;
-}
-
 }  // namespace
 
 bool IsEntryActive(const std::string& path) {
@@ -80,13 +63,8 @@ Status WriteEntry(const std::string& path, const AutostartEntry& entry) {
   fs::create_directories(fs::path(path).parent_path(), folders);
   if (folders) return Status::FromErrno("creating the folder of " + path, folders.value());
 
-  const std::string temporary = path + ".new";
-  int error = WriteSynced(
-      temporary, "[Desktop Entry]\nType=Application\nName=" + entry.name + "\nExec=" + exec + "\nTerminal=false\n");
-  if (error == 0 && rename(temporary.c_str(), path.c_str()) != 0) error = errno;
-  if (error == 0) return Status::Ok();
-  unlink(temporary.c_str());
-  return Status::FromErrno("writing " + path, error);
+  return WriteFileAtomically(
+      path, "[Desktop Entry]\nType=Application\nName=" + entry.name + "\nExec=" + exec + "\nTerminal=false\n");
 }
 
 }  // namespace corvane
