@@ -64,6 +64,11 @@ Status PosixShell::OpenEditor(const std::string& file) {
   return Status::FromErrno("no editor started, set VISUAL to an installed one (" + editor + ")", error);
 }
 
+Status PosixShell::OpenDocument(const std::string& file) {
+  const int error = SpawnDetached({"xdg-open", file});
+  return error == 0 ? Status::Ok() : Status::FromErrno("xdg-open is needed to show " + file, error);
+}
+
 bool PosixShell::HasLogOnEntry() const {
   return IsEntryActive(EntryPath());
 }

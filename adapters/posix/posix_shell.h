@@ -18,6 +18,8 @@ class PosixShell : public Shell {
   [[nodiscard]] std::string ProgramName() const override;
   /// Starts `$VISUAL` (split at blanks, not read by a shell), else xdg-open, without a terminal.
   Status OpenEditor(const std::string& file) override;
+  /// Starts xdg-open.
+  Status OpenDocument(const std::string& file) override;
   /// True when the user's autostart entry exists and is not marked Hidden.
   [[nodiscard]] bool HasLogOnEntry() const override;
   Status WriteLogOnEntry(const std::string& arguments) override;

@@ -56,6 +56,7 @@ struct Platform {
   SerialPort& port;
   Shell& shell;
   Dialogs& dialogs;
+  HelpFiles help = {};  ///< what the help menu opens
 };
 
 class Application {
@@ -90,6 +91,7 @@ class Application {
   DownloadState download_;
   Registry registry_;
   RunFlags flags_;
+  HelpFiles help_;
   AppInfo app_;
   PortDevices devices_;
   ProgressBars bars_;

@@ -3,6 +3,10 @@
 namespace corvane {
 namespace {
 
+/// Nothing sends, fetches or backs up yet: those commands stand there, disabled.
+constexpr bool kHasTransfer = false;
+constexpr int kCreateRemoteFolders = 5;
+
 /// New, Delete, Move up and Move down of one list; the menu follows its buttons.
 template <class Buttons>
 void UpdateOneList(bool idle, const List& list, Buttons& buttons, MenuGroup& menu) {
@@ -13,6 +17,7 @@ void UpdateOneList(bool idle, const List& list, Buttons& buttons, MenuGroup& men
   buttons[2].SetEnabled(selected && current > 0);
   buttons[3].SetEnabled(selected && current < list.count() - 1);
   for (int index = Buttons::first() + 4; index <= Buttons::last(); ++index) buttons[index].SetEnabled(idle);
+  if constexpr (Buttons::last() >= kCreateRemoteFolders) buttons[kCreateRemoteFolders].SetEnabled(idle && kHasTransfer);
   menu.SetEnabled(idle);
   for (int index = Buttons::first(); index <= Buttons::last(); ++index) {
     menu.SetEntryEnabled(index, buttons[index].enabled());
@@ -33,12 +38,23 @@ void CommandStates::SetIdle(bool ab_Enabled) {
                          &form_.Cmd_DeleteFile, &form_.Cmd_GetFolder}) {
     button->SetEnabled(ab_Enabled);
   }
+  for (Button* button : {&form_.Cmd_Hex, &form_.Cmd_BackupFolder, &form_.Cmd_Mode}) button->SetEnabled(ab_Enabled);
   form_.Lst_Units.SetEnabled(ab_Enabled);
   form_.Lst_Relays.SetEnabled(ab_Enabled);
   for (MenuGroup* menu : {&form_.mnu_Download, &form_.mnu_ftpFile, &form_.mnu_Convert, &form_.mnu_GetDate,
                           &form_.mnu_SetDate, &form_.mnu_SetLogPeriod, &form_.mnu_setMode, &form_.mnu_SetDelays}) {
     menu->SetEnabled(ab_Enabled);
   }
+}
+
+void CommandStates::EnableTransfer(bool ab_Enabled) {
+  form_.mnu_File.SetEntryEnabled(0, ab_Enabled);
+  form_.mnu_Download.SetEntryEnabled(3, ab_Enabled);
+  form_.mnu_Download.SetEntryEnabled(4, ab_Enabled);
+  form_.mnu_ftpFile.SetEnabled(ab_Enabled);
+  form_.mnu_ftp.SetEnabled(ab_Enabled);
+  for (Button& button : form_.Cmd_FTP) button.SetEnabled(ab_Enabled);
+  form_.Lst_RemoteFiles.SetEnabled(ab_Enabled);
 }
 
 void CommandStates::UpdateListCommands() {
@@ -49,6 +65,7 @@ void CommandStates::UpdateListCommands() {
 
 void CommandStates::UpdateCommandStates() {
   UpdateListCommands();
+  EnableTransfer(Idle() && kHasTransfer);
 }
 
 }  // namespace corvane

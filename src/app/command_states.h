@@ -19,6 +19,8 @@ class CommandStates {
   void UpdateCommandStates();
 
  private:
+  void EnableTransfer(bool ab_Enabled);
+
   Form& form_;
 };
 

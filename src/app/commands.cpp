@@ -97,6 +97,7 @@ void Commands::Close(bool ab_Silently) {
   p_.flags.ending_silently = p_.flags.ending_silently || ab_Silently;
   if (p_.flags.closing) return;
   p_.flags.closing = true;
+  if (on_close) on_close();
   if (!p_.slot.Taken()) return;
   p_.link.UserCancel = true;
   if (!p_.port.IsOpen()) return;
@@ -163,8 +164,19 @@ void Commands::ClientCommand(std::int16_t ai_Command) {
   });
 }
 
+void Commands::FtpCommand(std::int16_t /*ai_Command*/) {}
+
+void Commands::AskMode(std::int16_t /*ai_Unused*/) {
+  const auto mode = p_.dialogs.AskText("Set Mode", "Mode that is sent to the units:", p_.form.Lbl_Mode.text());
+  if (mode) p_.form.Lbl_Mode.SetText(*mode);
+}
+
 void Commands::Help(std::int16_t ai_Entry) {
-  p_.messages.Show(ai_Entry == 3 ? AppInfo::AboutText() : "There is no Help associated with this project");
+  if (ai_Entry == 3) return p_.messages.Show(AppInfo::AboutText());
+  const std::string& page = ai_Entry == 0 ? p_.help.contents : p_.help.index;
+  if (page.empty()) return p_.messages.Show("There is no Help associated with this project");
+  const Status opened = p_.shell.OpenDocument(page);
+  if (!opened.ok()) p_.messages.Show(opened.text(), "Help");
 }
 
 void Commands::FileCommand(std::int16_t ai_Entry) {
@@ -179,8 +191,11 @@ void Commands::FileCommand(std::int16_t ai_Entry) {
       case 2:
         p_.files.EditTrace();
         break;
-      default:
+      case 3:
         p_.files.GetFolder();
+        break;
+      default:
+        p_.files.GetBackupFolder();
     }
   });
 }

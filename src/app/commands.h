@@ -16,6 +16,8 @@
 #include "link/port_finder.h"
 #include "link/schedule.h"
 #include "link/sessions.h"
+#include "platform/dialogs.h"
+#include "platform/shell.h"
 #include "registry/client_editor.h"
 #include "registry/client_folders.h"
 #include "registry/relay_editor.h"
@@ -23,6 +25,12 @@
 #include "transfer/flows.h"
 
 namespace corvane {
+
+/// The pages of the user guide as full paths; empty where the program was installed without them.
+struct HelpFiles {
+  std::string contents;
+  std::string index;
+};
 
 /// The commands of the main window: what each menu entry, button and key starts.
 ///
@@ -51,6 +59,9 @@ class Commands {
     RunAtStartup& run_at_startup;
     TransferFlows& flows;
     EventLoop& loop;
+    Dialogs& dialogs;
+    Shell& shell;
+    const HelpFiles& help;
     Messages& messages;
     Trace& trace;
   };
@@ -78,6 +89,8 @@ class Commands {
   ///
   /// `ab_Silently`: ended by a signal or the session; no box is shown any more.
   void Close(bool ab_Silently);
+  /// Called once when the end is asked for, by whatever way.
+  std::function<void()> on_close;
 
  private:
   struct MenuRow;
@@ -96,6 +109,8 @@ class Commands {
   void UnitCommand(std::int16_t ai_Command);
   void RelayCommand(std::int16_t ai_Command);
   void ClientCommand(std::int16_t ai_Command);
+  void FtpCommand(std::int16_t ai_Command);
+  void AskMode(std::int16_t ai_Unused);
   void Help(std::int16_t ai_Entry);
   void FileCommand(std::int16_t ai_Entry);
   void GetFile(std::int16_t ai_Index);

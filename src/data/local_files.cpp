@@ -103,14 +103,20 @@ void LocalFiles::EditTrace() {
 
 void LocalFiles::GetFile(std::int16_t ai_Index) {
   const std::string folder(FolderOf(SettingsFile(ai_Index)));
-  const auto chosen =
-      dialogs_.ChooseFile("Choose a file", ai_Index == kLanguageFile ? kLanguageFilter : kLookupFilter, folder);
-  if (chosen) TakePath(*chosen, form_.Txt_File[ai_Index]);
+  const char* filter = ai_Index == kLanguageFile ? kLanguageFilter : kLookupFilter;
+  TakePath(dialogs_.ChooseFile("Choose a file", filter, folder),
+           [this, ai_Index](const std::string& path) { form_.Txt_File[ai_Index].SetText(path); });
 }
 
 void LocalFiles::GetFolder() {
-  const auto chosen = dialogs_.ChooseFolder("Choose the folder of the data files", names_.DataFolder());
-  if (chosen) TakePath(*chosen, form_.Txt_Folder);
+  TakePath(dialogs_.ChooseFolder("Choose the folder of the data files", names_.DataFolder()),
+           [this](const std::string& path) { form_.Txt_Folder.SetText(path); });
+}
+
+void LocalFiles::GetBackupFolder() {
+  const std::string present = WithSlashes(form_.Lbl_BackupDestination.text());
+  TakePath(dialogs_.ChooseFolder("Choose the folder of the backups", app_.AppPath(present)),
+           [this](const std::string& path) { form_.Lbl_BackupDestination.SetText(path); });
 }
 
 std::string LocalFiles::SettingsFile(std::int16_t ai_Index) const {
@@ -122,12 +128,14 @@ void LocalFiles::OpenInEditor(const std::string& as_File) {
   if (!opened.ok()) messages_.Show(opened.text(), "Editor");
 }
 
-void LocalFiles::TakePath(const std::string& as_Path, TextField& av_Field) {
-  if (as_Path.size() > CutCharacters(as_Path, TextField::kLongestText).size()) {
-    messages_.Show("This name is too long for the settings, choose a shorter path: " + as_Path);
+void LocalFiles::TakePath(const std::optional<std::string>& as_Path,
+                          const std::function<void(const std::string&)>& av_Take) {
+  if (!as_Path) return;
+  if (as_Path->size() > CutCharacters(*as_Path, TextField::kLongestText).size()) {
+    messages_.Show("This name is too long for the settings, choose a shorter path: " + *as_Path);
     return;
   }
-  av_Field.SetText(as_Path);
+  av_Take(*as_Path);
 }
 
 }  // namespace corvane

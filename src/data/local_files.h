@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "app/app_info.h"
@@ -43,12 +45,15 @@ class LocalFiles {
   void GetFile(std::int16_t ai_Index);
   /// Lets the user choose the data folder. **Yields.**
   void GetFolder();
+  /// Lets the user choose the folder of the backups. **Yields.**
+  void GetBackupFolder();
   /// The full name of the file in `Txt_File[ai_Index]`.
   [[nodiscard]] std::string SettingsFile(std::int16_t ai_Index) const;
 
  private:
   void OpenInEditor(const std::string& as_File);
-  void TakePath(const std::string& as_Path, TextField& av_Field);
+  /// Calls `av_Take` with a chosen path, or reports one that is too long for the settings.
+  void TakePath(const std::optional<std::string>& as_Path, const std::function<void(const std::string&)>& av_Take);
 
   Form& form_;
   const RunFlags& flags_;

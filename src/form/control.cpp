@@ -215,11 +215,22 @@ void MenuGroup::SetEntries(std::vector<Entry> entries) {
   Tell(Aspect::Rows);
 }
 
+MenuGroup::Entry* MenuGroup::EntryAt(std::int64_t index) {
+  const bool there = index >= 0 && index < static_cast<std::int64_t>(entries_.size());
+  return there ? &entries_[static_cast<std::size_t>(index)] : nullptr;
+}
+
 void MenuGroup::SetEntryEnabled(std::int64_t index, bool enabled) {
-  if (index < 0 || index >= static_cast<std::int64_t>(entries_.size())) return;
-  Entry& entry = entries_[static_cast<std::size_t>(index)];
-  if (entry.enabled == enabled) return;
-  entry.enabled = enabled;
+  Entry* entry = EntryAt(index);
+  if (entry == nullptr || entry->enabled == enabled) return;
+  entry->enabled = enabled;
+  Tell(Aspect::Row, static_cast<std::size_t>(index));
+}
+
+void MenuGroup::SetEntryCaption(std::int64_t index, std::string_view caption) {
+  Entry* entry = EntryAt(index);
+  if (entry == nullptr || entry->caption == caption) return;
+  entry->caption = caption;
   Tell(Aspect::Row, static_cast<std::size_t>(index));
 }
 

@@ -229,11 +229,14 @@ class MenuGroup : public Control {
     std::string caption;  ///< "-" is a separator
     bool enabled = true;
     bool visible = true;
+    std::int32_t text_id = 0;
+    const MenuGroup* submenu = nullptr;  ///< what the entry opens instead of starting a command
   };
   MenuGroup(ControlRegistry& registry, std::string name) : Control(registry, std::move(name), ControlKind::Menu) {}
   [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
   void SetEntries(std::vector<Entry> entries);
   void SetEntryEnabled(std::int64_t index, bool enabled);
+  void SetEntryCaption(std::int64_t index, std::string_view caption);
   /// The person chose an entry; nothing happens when the group or the entry is disabled, hidden or a separator.
   /// **Yields** when its command does.
   void Click(std::int64_t index) const;
@@ -241,6 +244,8 @@ class MenuGroup : public Control {
   std::function<void(std::int64_t index)> on_click;
 
  private:
+  [[nodiscard]] Entry* EntryAt(std::int64_t index);
+
   std::vector<Entry> entries_;
 };
 

@@ -91,9 +91,12 @@ struct Form : ControlRegistry {
   Label Lbl_HeaderLine{*this, "Lbl_HeaderLine"};
   CheckBox Chk_Direct{*this, "Chk_Direct"};
   List Lst_Direct{*this, "Lst_Direct"};
+  TextField Txt_Direct{*this, "Txt_Direct"};
+  Button Cmd_Direct{*this, "Cmd_Direct"};
   TextField txt_Password{*this, "txt_Password"};
   Selector Cmb_LogPeriod{*this, "Cmb_LogPeriod", true};
   Label Lbl_Mode{*this, "Lbl_Mode"};
+  Button Cmd_Mode{*this, "Cmd_Mode"};
   TextField Txt_Delays{*this, "Txt_Delays"};
   ControlArray<Button, 1, 7> Cmd_Process{*this, "Cmd_Process"};
   ControlArray<Button, 1, 7> Cmd_ProcessAll{*this, "Cmd_ProcessAll"};
@@ -123,6 +126,7 @@ struct Form : ControlRegistry {
   Button Cmd_DeleteFile{*this, "Cmd_DeleteFile"};
   Button Cmd_Convert{*this, "Cmd_Convert"};
   Button Cmd_ConvertAll{*this, "Cmd_ConvertAll"};
+  Button Cmd_Hex{*this, "Cmd_Hex"};
   ControlArray<TextField, 0, 3> Txt_File{*this, "Txt_File"};
   ControlArray<Button, 0, 3> Cmd_GetFile{*this, "Cmd_GetFile"};
   ControlArray<Button, 0, 3> Cmd_EditFile{*this, "Cmd_EditFile"};
@@ -142,15 +146,19 @@ struct Form : ControlRegistry {
   TextField Txt_FTPPassword{*this, "Txt_FTPPassword"};
   CheckBox Chk_Anonymous{*this, "Chk_Anonymous"};
   CheckBox Chk_ZIPFiles{*this, "Chk_ZIPFiles"};
-  ControlArray<CheckBox, 0, 0> Chk_FTPTrace{*this, "Chk_FTPTrace"};
+  ControlArray<CheckBox, 0, 2> Chk_FTPTrace{*this, "Chk_FTPTrace"};
   OptionGroup Opt_WebFileType{*this, "Opt_WebFileType", 2};
   CheckBox Chk_ManualFTP{*this, "Chk_ManualFTP"};
+  List Lst_RemoteFiles{*this, "Lst_RemoteFiles"};
+  Label Lbl_ftpRemoteFolder{*this, "Lbl_ftpRemoteFolder"};
+  ControlArray<Button, 0, 3> Cmd_FTP{*this, "Cmd_FTP"};
   Label Frame_OstrelWebData{*this, "Frame_OstrelWebData"};
   TextField Txt_OstrelHost{*this, "Txt_OstrelHost"};
   TextField Txt_OstrelPort{*this, "Txt_OstrelPort"};
   CheckBox Chk_PHPWebServer{*this, "Chk_PHPWebServer"};
   CheckBox Chk_Backup{*this, "Chk_Backup"};
   Label Lbl_BackupDestination{*this, "Lbl_BackupDestination"};
+  Button Cmd_BackupFolder{*this, "Cmd_BackupFolder"};
 
   // Trace
   ControlArray<CheckBox, 0, 4> Chk_Trace{*this, "Chk_Trace"};

@@ -20,6 +20,8 @@ class Shell {
   [[nodiscard]] virtual std::string ProgramName() const = 0;
   /// Starts the user's text editor on `file` and does not wait for it.
   virtual Status OpenEditor(const std::string& file) = 0;
+  /// Opens a document (a page of the user guide) in the viewer that the desktop has for it; does not wait.
+  virtual Status OpenDocument(const std::string& file) = 0;
   /// True when an entry starts the program at log-on.
   [[nodiscard]] virtual bool HasLogOnEntry() const = 0;
   /// Writes the log-on entry with `arguments` behind the program's path.

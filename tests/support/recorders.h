@@ -77,6 +77,10 @@ class FakeShell : public Shell {
     edited.push_back(file);
     return Status::Ok();
   }
+  Status OpenDocument(const std::string& file) override {
+    opened.push_back(file);
+    return Status::Ok();
+  }
   [[nodiscard]] bool HasLogOnEntry() const override { return log_on_entry.has_value(); }
   Status WriteLogOnEntry(const std::string& arguments) override {
     if (write_result.ok()) log_on_entry = arguments;
@@ -91,6 +95,7 @@ class FakeShell : public Shell {
 
   std::string program_folder = "/nowhere";
   std::vector<std::string> edited;
+  std::vector<std::string> opened;
   std::optional<std::string> log_on_entry;
   Status write_result;
   bool lock_free = true;
