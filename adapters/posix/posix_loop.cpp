@@ -66,21 +66,11 @@ PosixLoop::~PosixLoop() {
 }
 
 DateTime PosixLoop::Now() const {
-  timespec now{};
-  clock_gettime(CLOCK_REALTIME, &now);
-  if (cached_second_ == now.tv_sec) return cached_now_;
-  // A program that runs for months follows a change of the machine's time zone.
-  tzset();
-  std::tm local{};
-  localtime_r(&now.tv_sec, &local);
-  cached_now_ = DateTime::FromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-                                    std::min(local.tm_sec, 59));
-  cached_second_ = now.tv_sec;
-  return cached_now_;
+  return clock_.Now();
 }
 
 std::int64_t PosixLoop::MonotonicMilliseconds() const {
-  return MonotonicNanoseconds() / kNanosecondsPerMillisecond;
+  return LocalClock::MonotonicMilliseconds();
 }
 
 std::unique_ptr<Timer> PosixLoop::MakeTimer(std::function<void()> on_tick) {

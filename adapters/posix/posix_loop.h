@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 #include <deque>
 #include <functional>
 #include <initializer_list>
@@ -19,6 +18,7 @@
 #include "base/status.h"
 #include "platform/event_loop.h"
 #include "posix/descriptor_watcher.h"
+#include "posix/local_clock.h"
 
 namespace corvane {
 
@@ -77,8 +77,7 @@ class PosixLoop : public EventLoop, public DescriptorWatcher {
   int signal_descriptor_ = -1;
   sigset_t earlier_mask_{};
   std::function<void(int)> on_signal_;
-  mutable std::optional<std::time_t> cached_second_;
-  mutable DateTime cached_now_;
+  LocalClock clock_;
 };
 
 }  // namespace corvane

@@ -6,12 +6,9 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <utility>
 
 #include "app/application.h"
-#include "app/home_folder.h"
 #include "base/files.h"
 #include "base/format.h"
 #include "base/paths.h"
@@ -19,6 +16,7 @@
 #include "console_dialogs.h"
 #include "console_output.h"
 #include "console_view.h"
+#include "posix/application_folder.h"
 #include "posix/posix_loop.h"
 #include "posix/posix_shell.h"
 #include "posix/termios_port.h"
@@ -34,24 +32,6 @@ class ConsoleShell : public PosixShell {
     return {EPERM, "corvanectl does not start at log-on; use corvane, or a systemd unit with corvanectl run"};
   }
 };
-
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
-std::string ChooseFolder(const Options& options, const Shell& shell) {
-  std::error_code error;
-  HomeChoice choice;
-  choice.option = options.home;
-  choice.corvane_home = Environment("CORVANE_HOME");
-  choice.xdg_data_home = Environment("XDG_DATA_HOME");
-  choice.user_home = Environment("HOME");
-  choice.current_folder = std::filesystem::current_path(error).string();
-  choice.program_folder = shell.ProgramFolder();
-  choice.program_folder_has_settings = ExamineFile(AddBackslash(choice.program_folder) + "corvane.ini").has_value();
-  return ApplicationFolder(choice);
-}
 
 /// Writes all of `text`. `patient`: waits for a slow reader; else what the reader does not take at once is lost.
 void WriteOut(int descriptor, std::string_view text, bool patient) {
@@ -163,15 +143,8 @@ class Program {
   }
 
   bool PrepareFolder() {
-    try {
-      CreatePath(folder_);
-    } catch (const RunTimeError& error) {
-      output_.Error("corvanectl: the application folder cannot be used: " + std::string(error.what()));
-      return false;
-    }
-    if (access(folder_.c_str(), W_OK | X_OK) != 0) {
-      output_.Error("corvanectl: " +
-                    Status::FromErrno("the application folder cannot be used: " + folder_, errno).text());
+    if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) {
+      output_.Error("corvanectl: " + prepared.text());
       return false;
     }
     if (shell_.TakeInstanceLock(folder_)) return true;
@@ -206,7 +179,7 @@ class Program {
 
 int RunProgram(const Options& options) {
   try {
-    const std::string folder = ChooseFolder(options, PosixShell("corvane"));
+    const std::string folder = ChooseApplicationFolder(options.home, PosixShell("corvane"));
     return Program(options, folder).Run();
   } catch (const RunTimeError& error) {
     WriteOut(STDERR_FILENO, std::string("corvanectl: ") + error.what() + "\n", true);

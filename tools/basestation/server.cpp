@@ -67,6 +67,7 @@ void Server::TakeInput(std::string_view bytes) {
 void Server::TakeLine() {
   const std::string line = std::exchange(line_, {});
   log_.Write("< " + line);
+  EndAnswerThatIsOut();
   if (exchange_ && !exchange_->stubborn()) {
     log_.Write("busy");
     Interrupt(ErrorLine(kBusy), true);
@@ -79,8 +80,15 @@ void Server::TakeLine() {
   Refill();
 }
 
+/// The application reads an answer's last carriage return before the line feed behind it has left a paced line.
+void Server::EndAnswerThatIsOut() {
+  const bool over = exchange_ && step_ && step_->kind == Step::Kind::kEnd;
+  if (over && out_.size() - sent_ <= 1) ActOnStep();
+}
+
 void Server::TakeEscape() {
   line_.clear();
+  EndAnswerThatIsOut();
   if (exchange_ && !exchange_->stubborn()) {
     log_.Write("< escape, stopped");
     Interrupt(ErrorLine(kCancelled), false);

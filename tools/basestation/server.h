@@ -38,6 +38,7 @@ class Server {
 
   void TakeInput(std::string_view bytes);
   void TakeLine();
+  void EndAnswerThatIsOut();
   void TakeEscape();
   void Interrupt(std::string_view line, bool keep_rest);
   void Refill();

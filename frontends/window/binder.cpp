@@ -1,0 +1,40 @@
+#include "window/binder.h"
+
+#include <utility>
+
+namespace corvane::window {
+namespace {
+
+constexpr std::int64_t kRepaintMilliseconds = 20;
+
+QWidget& WidgetOf(const Control& control, QWidget& window) {
+  const QString name = QString::fromStdString(control.name());
+  if (window.objectName() == name) return window;
+  auto* widget = window.findChild<QWidget*>(name);
+  if (widget == nullptr) throw RunTimeError("The window has no " + control.name());
+  return *widget;
+}
+
+}  // namespace
+
+Binder::Binder(Form& form, BindingContext context) : context_(std::move(context)) {
+  for (Control* control : form.controls()) {
+    bindings_.emplace(control, MakeBinding(*control, WidgetOf(*control, context_.window), context_));
+  }
+}
+
+void Binder::ControlChanged(const Control& control, Aspect aspect, std::size_t row) {
+  Binding& binding = *bindings_.at(&control);
+  if (aspect == Aspect::Enabled) return binding.ShowEnabled(control.enabled());
+  if (aspect == Aspect::Visible) return binding.ShowVisible(control.visible());
+  binding.Show(aspect, row);
+}
+
+void Binder::RepaintNow(const Control& control) {
+  const std::int64_t now = context_.loop.MonotonicMilliseconds();
+  if (now - last_repaint_ < kRepaintMilliseconds) return;
+  last_repaint_ = now;
+  bindings_.at(&control)->widget()->repaint();
+}
+
+}  // namespace corvane::window

@@ -1,0 +1,179 @@
+#include "window/binding.h"
+
+#include <cmath>
+
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <QRadioButton>
+#include <QSignalBlocker>
+
+namespace corvane::window {
+namespace {
+
+/// A label, or a group box that is only shown and hidden.
+class LabelBinding : public Binding {
+ public:
+  LabelBinding(Label& label, QWidget& widget)
+      : Binding(&widget), control_(label), label_(qobject_cast<QLabel*>(&widget)) {}
+  void Show(Aspect aspect, std::size_t /*row*/) override {
+    if (aspect == Aspect::Value && label_ != nullptr) label_->setText(QString::fromStdString(control_.text()));
+  }
+
+ private:
+  Label& control_;
+  QLabel* label_;
+};
+
+class CheckBinding : public Binding {
+ public:
+  CheckBinding(CheckBox& box, QWidget& widget)
+      : Binding(&widget), control_(box), box_(WidgetAs<QAbstractButton>(widget)) {
+    QObject::connect(box_, &QAbstractButton::toggled, box_, [this](bool ticked) { control_.SetTicked(ticked); });
+  }
+  void Show(Aspect aspect, std::size_t /*row*/) override {
+    const QSignalBlocker quiet(box_);
+    if (aspect == Aspect::Value) box_->setChecked(control_.ticked());
+  }
+
+ private:
+  CheckBox& control_;
+  QAbstractButton* box_;
+};
+
+/// Radio buttons named "<group>_<index>" within the widget of the group.
+class OptionsBinding : public Binding {
+ public:
+  OptionsBinding(OptionGroup& options, QWidget& widget) : Binding(&widget), control_(options) {
+    for (int index = 0; index < options.count(); ++index) {
+      const QString name = QString("%1_%2").arg(QString::fromStdString(options.name())).arg(index);
+      auto* button = widget.findChild<QRadioButton*>(name);
+      if (button == nullptr) throw RunTimeError("There is no radio button " + name.toStdString());
+      group_.addButton(button, index);
+    }
+    QObject::connect(&group_, &QButtonGroup::idToggled, &widget, [this](int index, bool on) {
+      if (on) control_.SetOptionIndex(index);
+    });
+  }
+  void Show(Aspect aspect, std::size_t /*row*/) override {
+    const QSignalBlocker quiet(&group_);
+    if (aspect == Aspect::Value) group_.button(control_.GetOptionIndex())->setChecked(true);
+  }
+
+ private:
+  OptionGroup& control_;
+  QButtonGroup group_;
+};
+
+class ButtonBinding : public Binding {
+ public:
+  ButtonBinding(Button& button, QWidget& widget, const BindingContext& context)
+      : Binding(&widget), control_(button), button_(WidgetAs<QAbstractButton>(widget)) {
+    QObject::connect(button_, &QAbstractButton::clicked, button_,
+                     [&button, &loop = context.loop] { loop.Post([&button] { button.Click(); }); });
+  }
+  void Show(Aspect aspect, std::size_t /*row*/) override {
+    if (aspect == Aspect::Caption) button_->setText(QString::fromStdString(control_.caption()));
+  }
+
+ private:
+  Button& control_;
+  QAbstractButton* button_;
+};
+
+class ProgressBinding : public Binding {
+ public:
+  ProgressBinding(ProgressBar& bar, QWidget& widget)
+      : Binding(&widget), control_(bar), bar_(WidgetAs<QProgressBar>(widget)) {}
+  void Show(Aspect /*aspect*/, std::size_t /*row*/) override {
+    const double range = control_.maximum() - control_.minimum();
+    const double share = range > 0 ? (control_.value() - control_.minimum()) / range : 0;
+    bar_->setValue(static_cast<int>(std::lround(share * 100)));
+  }
+
+ private:
+  ProgressBar& control_;
+  QProgressBar* bar_;
+};
+
+class WindowBinding : public Binding {
+ public:
+  WindowBinding(Window& window, QWidget& widget) : Binding(&widget), control_(window) {}
+  void Show(Aspect aspect, std::size_t /*row*/) override {
+    if (aspect == Aspect::Caption) ShowTitle();
+    if (aspect != Aspect::Value) return;
+    ShowPointer();
+    if (control_.minimised() != widget()->isMinimized() && widget()->isVisible()) {
+      control_.minimised() ? widget()->showMinimized() : widget()->showNormal();
+    }
+  }
+
+ private:
+  void ShowTitle() {
+    widget()->setWindowTitle(control_.title().empty() ? "Corvane" : QString::fromStdString(control_.title()));
+  }
+  void ShowPointer() {
+    if (control_.pointer() == PointerShape::Busy) {
+      widget()->setCursor(Qt::BusyCursor);
+    } else {
+      widget()->unsetCursor();
+    }
+  }
+
+  Window& control_;
+};
+
+std::unique_ptr<Binding> BindByKind(Control& control, QWidget& widget, const BindingContext& context) {
+  switch (control.kind()) {
+    case ControlKind::Label:
+      return std::make_unique<LabelBinding>(dynamic_cast<Label&>(control), widget);
+    case ControlKind::Text:
+      return BindTextField(dynamic_cast<TextField&>(control), widget, context);
+    case ControlKind::Check:
+      return std::make_unique<CheckBinding>(dynamic_cast<CheckBox&>(control), widget);
+    case ControlKind::Options:
+      return std::make_unique<OptionsBinding>(dynamic_cast<OptionGroup&>(control), widget);
+    case ControlKind::List:
+      return BindList(dynamic_cast<List&>(control), widget);
+    case ControlKind::Selector:
+      return BindSelector(dynamic_cast<Selector&>(control), widget, context);
+    case ControlKind::Button:
+      return std::make_unique<ButtonBinding>(dynamic_cast<Button&>(control), widget, context);
+    case ControlKind::Menu:
+      return BindMenu(dynamic_cast<MenuGroup&>(control), widget, context);
+    case ControlKind::Progress:
+      return std::make_unique<ProgressBinding>(dynamic_cast<ProgressBar&>(control), widget);
+    case ControlKind::Window:
+      return std::make_unique<WindowBinding>(dynamic_cast<Window&>(control), widget);
+  }
+  throw RunTimeError("There is no binding for " + control.name());
+}
+
+}  // namespace
+
+void Binding::ShowEnabled(bool enabled) {
+  widget_->setEnabled(enabled);
+}
+
+void Binding::ShowVisible(bool visible) {
+  widget_->setVisible(visible);
+  const auto labels = widget_->window()->findChildren<QLabel*>();
+  for (QLabel* label : labels) {
+    if (label->buddy() == widget_) label->setVisible(visible);
+  }
+}
+
+std::unique_ptr<Binding> MakeBinding(Control& control, QWidget& widget, const BindingContext& context) {
+  auto binding = BindByKind(control, widget, context);
+  for (const Aspect aspect : {Aspect::Rows, Aspect::Caption, Aspect::Range, Aspect::Selection, Aspect::Value}) {
+    binding->Show(aspect, 0);
+  }
+  if (!control.enabled()) binding->ShowEnabled(false);
+  if (!control.visible()) binding->ShowVisible(false);
+  return binding;
+}
+
+}  // namespace corvane::window

@@ -1,0 +1,134 @@
+#include "window/captions.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include <QAbstractButton>
+#include <QAbstractItemModel>
+#include <QAction>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMenu>
+#include <QTabWidget>
+#include <QTreeView>
+
+namespace corvane::window {
+namespace {
+
+constexpr const char* kTitleLine = "Corvane captions: ID~original~text~tool tip";
+
+/// A text as it can stand in one field of one line.
+std::string FieldText(const QString& text) {
+  QString field = text;
+  field.replace('~', '-').replace('\n', ' ');
+  return field.toStdString();
+}
+
+}  // namespace
+
+std::int64_t Captions::CaptionCount() const {
+  return static_cast<std::int64_t>(Items().size());
+}
+
+CaptionedWindow::Caption Captions::CaptionAt(std::int64_t position) const {
+  const Item& item = Items()[static_cast<std::size_t>(position)];
+  return {item.text_id, item.tabs};
+}
+
+void Captions::SetCaption(std::int64_t position, int tab, const std::string& text) {
+  const Item& item = Items()[static_cast<std::size_t>(position)];
+  if (item.set_caption) item.set_caption(tab, QString::fromStdString(text));
+}
+
+void Captions::SetToolTip(std::int64_t position, const std::string& text) {
+  Items()[static_cast<std::size_t>(position)].set_tool_tip(QString::fromStdString(text));
+}
+
+const std::vector<Captions::Item>& Captions::Items() const {
+  if (!items_.empty()) return items_;
+  auto* self = const_cast<Captions*>(this);
+  const auto widgets = window_.findChildren<QWidget*>();
+  for (QWidget* widget : widgets) self->AddWidget(*widget);
+  for (Control* control : form_.controls()) {
+    if (control->kind() == ControlKind::Menu) self->AddMenuEntries(dynamic_cast<MenuGroup&>(*control));
+  }
+  return items_;
+}
+
+void Captions::AddWidget(QWidget& widget) {
+  const int text_id = widget.property("textId").toInt();
+  if (text_id == 0) return;
+  Item item;
+  item.text_id = text_id;
+  item.tool_tip = [&widget] { return widget.toolTip(); };
+  item.set_tool_tip = [&widget](const QString& text) { widget.setToolTip(text); };
+  if (auto* tabs = qobject_cast<QTabWidget*>(&widget)) {
+    item.tabs = tabs->count();
+    item.caption = [tabs](int tab) { return tabs->tabText(tab); };
+    item.set_caption = [tabs](int tab, const QString& text) { tabs->setTabText(tab, text); };
+  } else if (auto* table = qobject_cast<QTreeView*>(&widget)) {
+    item.tabs = table->model()->columnCount();
+    item.caption = [table](int tab) { return table->model()->headerData(tab, Qt::Horizontal).toString(); };
+    item.set_caption = [table](int tab, const QString& text) {
+      table->model()->setHeaderData(tab, Qt::Horizontal, text);
+    };
+  } else if (auto* button = dynamic_cast<Button*>(form_.Find(widget.objectName().toStdString()))) {
+    item.caption = [button](int) { return QString::fromStdString(button->caption()); };
+    item.set_caption = [button](int, const QString& text) { button->SetCaption(text.toStdString()); };
+  } else if (auto* plain_button = qobject_cast<QAbstractButton*>(&widget)) {
+    item.caption = [plain_button](int) { return plain_button->text(); };
+    item.set_caption = [plain_button](int, const QString& text) { plain_button->setText(text); };
+  } else if (auto* group = qobject_cast<QGroupBox*>(&widget)) {
+    item.caption = [group](int) { return group->title(); };
+    item.set_caption = [group](int, const QString& text) { group->setTitle(text); };
+  } else if (auto* menu = qobject_cast<QMenu*>(&widget)) {
+    item.caption = [menu](int) { return menu->title(); };
+    item.set_caption = [menu](int, const QString& text) { menu->setTitle(text); };
+  } else if (auto* label = qobject_cast<QLabel*>(&widget);
+             label != nullptr && form_.Find(label->objectName().toStdString()) == nullptr) {
+    item.caption = [label](int) { return label->text(); };
+    item.set_caption = [label](int, const QString& text) { label->setText(text); };
+  }
+  items_.push_back(std::move(item));
+}
+
+QAction* Captions::ActionOf(const MenuGroup& menu, std::size_t row) const {
+  const auto* widget = window_.findChild<QMenu*>(QString::fromStdString(menu.name()));
+  return widget->actions().value(static_cast<qsizetype>(row));
+}
+
+void Captions::AddMenuEntries(MenuGroup& menu) {
+  for (std::size_t row = 0; row < menu.entries().size(); ++row) {
+    const MenuGroup::Entry& entry = menu.entries()[row];
+    if (entry.text_id == 0 || !entry.visible) continue;
+    QAction* action = ActionOf(menu, row);
+    Item item;
+    item.text_id = entry.text_id;
+    item.caption = [&menu, row](int) { return QString::fromStdString(menu.entries()[row].caption); };
+    item.set_caption = [&menu, row](int, const QString& text) {
+      menu.SetEntryCaption(static_cast<std::int64_t>(row), text.toStdString());
+    };
+    // An action without a tool tip of its own shows its text as one.
+    item.tool_tip = [] { return QString(); };
+    item.set_tool_tip = [action](const QString& text) { action->setToolTip(text); };
+    items_.push_back(std::move(item));
+  }
+}
+
+std::string Captions::LanguageTemplate() const {
+  std::map<std::int32_t, std::string> lines;
+  for (const Item& item : Items()) {
+    for (int tab = 0; tab < std::max(1, item.tabs); ++tab) {
+      const std::string caption = item.caption ? FieldText(item.caption(tab)) : std::string();
+      const std::int32_t text_id = item.text_id + tab;
+      lines[text_id] = std::to_string(text_id) + "~" + caption + "~" + caption + "~" +
+                       (tab == 0 ? FieldText(item.tool_tip()) : std::string());
+    }
+  }
+  std::string file = std::string(kTitleLine) + "\n";
+  for (const auto& [text_id, line] : lines) file += line + "\n";
+  return file;
+}
+
+}  // namespace corvane::window

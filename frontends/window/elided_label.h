@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QLabel>
+
+/// A label that shortens a text that does not fit in its middle and shows all of it as the tool tip.
+class ElidedLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  bool event(QEvent* event) override;
+
+ private:
+  [[nodiscard]] QString Shortened() const;
+};

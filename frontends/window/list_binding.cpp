@@ -1,0 +1,157 @@
+#include <QAbstractItemView>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QListView>
+#include <QScrollBar>
+#include <QTimer>
+#include <QTreeView>
+
+#include "window/binding.h"
+#include "window/list_model.h"
+
+namespace corvane::window {
+namespace {
+
+/// Appended rows (a trace, a reply) are shown so often at most.
+constexpr int kAppendMilliseconds = 50;
+
+/// Rows in a list or table view. The view's property "headings" names the columns, "checkable" gives check marks.
+class ListBinding : public QObject, public Binding {
+ public:
+  ListBinding(List& list, QWidget& widget)
+      : Binding(&widget),
+        control_(list),
+        view_(WidgetAs<QAbstractItemView>(widget)),
+        model_(list, view_->property("headings").toStringList(), view_->property("checkable").toBool(), view_) {
+    view_->setModel(&model_);
+    if (auto* rows = qobject_cast<QListView*>(view_)) rows->setUniformItemSizes(true);
+    SizeColumns();
+    append_timer_.setSingleShot(true);
+    connect(&append_timer_, &QTimer::timeout, this, [this] { ShowAppended(); });
+    connect(view_, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) { Open(index); });
+    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& index) { TakeCurrent(index); });
+    connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this](const QItemSelection& added, const QItemSelection& removed) {
+              TakeSelection(removed, false);
+              TakeSelection(added, true);
+            });
+    view_->installEventFilter(this);
+  }
+
+  void Show(Aspect aspect, std::size_t row) override {
+    if (taking_ > 0 && aspect == Aspect::Selection) return;
+    const Scope showing(showing_);
+    if (aspect == Aspect::Rows) {
+      ShowRows(row);
+    } else if (aspect == Aspect::Selection) {
+      ShowSelection(row);
+    } else {
+      model_.TakeRow(row);
+    }
+  }
+  void ShowEnabled(bool /*enabled*/) override { model_.TakeEnabled(); }
+
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) return false;
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
+    Open(view_->currentIndex());
+    return true;
+  }
+
+ private:
+  /// Tells what the program shows from what the person does, for a scope.
+  class Scope {
+   public:
+    explicit Scope(int& depth) : depth_(depth) { ++depth_; }
+    ~Scope() { --depth_; }
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    int& depth_;
+  };
+
+  void SizeColumns() {
+    auto* table = qobject_cast<QTreeView*>(view_);
+    if (table == nullptr) return;
+    const QFontMetrics metrics(table->font());
+    table->header()->setStretchLastSection(false);
+    table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    for (int column = 1; column < model_.columnCount(); ++column) {
+      table->setColumnWidth(column, metrics.horizontalAdvance(column == 1 ? "000,000 Kb" : "0000-00-00 00:00:00") + 24);
+    }
+  }
+
+  void ShowRows(std::size_t row) {
+    if (model_.OnlyAppended(row)) {
+      if (!append_timer_.isActive()) append_timer_.start(kAppendMilliseconds);
+      return;
+    }
+    const int scrolled = view_->verticalScrollBar()->value();
+    model_.TakeAll();
+    view_->verticalScrollBar()->setValue(scrolled);
+    ShowSelection(0);
+  }
+  void ShowAppended() {
+    const Scope showing(showing_);
+    model_.TakeAppended();
+    ShowSelection(0);
+  }
+
+  void ShowSelection(std::size_t row) {
+    auto* selection = view_->selectionModel();
+    if (control_.multi_select() && row < static_cast<std::size_t>(model_.rowCount())) {
+      const auto how = control_.selected(static_cast<std::int64_t>(row)) ? QItemSelectionModel::Select
+                                                                         : QItemSelectionModel::Deselect;
+      selection->select(model_.index(static_cast<int>(row), 0), how | QItemSelectionModel::Rows);
+    }
+    const auto current = static_cast<int>(control_.current());
+    if (current >= model_.rowCount()) return;  // appended and not shown yet
+    const QModelIndex index = current < 0 ? QModelIndex() : model_.index(current, 0);
+    if (index.row() == view_->currentIndex().row() && !index.isValid()) return;
+    selection->setCurrentIndex(index, control_.multi_select()
+                                          ? QItemSelectionModel::NoUpdate
+                                          : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    if (index.isValid()) view_->scrollTo(index);
+  }
+
+  void TakeCurrent(const QModelIndex& index) {
+    if (showing_ > 0 || !control_.enabled()) return;
+    {
+      const Scope taking(taking_);
+      control_.SetCurrent(index.isValid() ? index.row() : -1);
+    }
+    // The control may have refused it or moved on.
+    if (control_.current() != index.row()) Show(Aspect::Selection, 0);
+  }
+  void TakeSelection(const QItemSelection& ranges, bool selected) {
+    if (showing_ > 0 || !control_.multi_select()) return;
+    const Scope taking(taking_);
+    for (const QItemSelectionRange& range : ranges) {
+      for (int row = range.top(); row <= range.bottom() && row < control_.count(); ++row) {
+        control_.SetSelected(row, selected);
+      }
+    }
+  }
+  void Open(const QModelIndex& index) {
+    if (index.isValid() && index.row() < control_.count()) control_.Open(index.row());
+  }
+
+  List& control_;
+  QAbstractItemView* view_;
+  ListModel model_;
+  QTimer append_timer_;
+  int showing_ = 0;
+  int taking_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Binding> BindList(List& list, QWidget& widget) {
+  return std::make_unique<ListBinding>(list, widget);
+}
+
+}  // namespace corvane::window

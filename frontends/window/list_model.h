@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+
+#include <QAbstractTableModel>
+#include <QStringList>
+
+#include "form/control.h"
+
+namespace corvane::window {
+
+/// The rows of a `List` control as a toolkit model; the texts stay in the control, columns are separated by tabs.
+class ListModel : public QAbstractTableModel {
+ public:
+  /// `checkable`: the rows have check marks. `list` must outlive the model.
+  ListModel(List& list, const QStringList& headings, bool checkable, QObject* parent);
+
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  bool setHeaderData(int section, Qt::Orientation orientation, const QVariant& value, int role) override;
+  /// Rows of a disabled list can be looked at and scrolled, but neither chosen nor ticked.
+  [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+
+  /// True when rows were only appended since the model last looked.
+  [[nodiscard]] bool OnlyAppended(std::size_t first_changed_row) const;
+  /// Takes over rows that were appended.
+  void TakeAppended();
+  /// Takes over any other change of the rows.
+  void TakeAll();
+  void TakeRow(std::size_t row);
+  /// The list was enabled or disabled.
+  void TakeEnabled();
+
+ private:
+  List& list_;
+  QStringList headings_;
+  bool checkable_;
+  int shown_;  ///< rows that the views know of
+};
+
+}  // namespace corvane::window

@@ -1,0 +1,53 @@
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+
+#include "app/app_info.h"
+#include "window/options.h"
+#include "window/program.h"
+
+namespace {
+
+std::vector<std::string> Arguments(const QStringList& all) {
+  std::vector<std::string> arguments;
+  for (qsizetype i = 1; i < all.size(); ++i) arguments.push_back(all[i].toStdString());
+  return arguments;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  using namespace corvane::window;
+  std::signal(SIGPIPE, SIG_IGN);
+  const auto given = [argc, argv](const char* option) {
+    return std::any_of(argv + (argc > 0 ? 1 : 0), argv + argc,
+                       [option](const char* text) { return std::strcmp(text, option) == 0; });
+  };
+  // These need no display.
+  if (given("--help")) {
+    std::cout << HelpText();
+    return kClosed;
+  }
+  if (given("--version")) {
+    std::cout << "corvane " << corvane::AppInfo::VersionText() << "\n";
+    return kClosed;
+  }
+  if (given("--language-template")) qputenv("QT_QPA_PLATFORM", "offscreen");
+
+  QApplication toolkit(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setApplicationName("corvane");
+  QApplication::setDesktopFileName("corvane");
+  try {
+    const Options options = ParseOptions(Arguments(QCoreApplication::arguments()));
+    return options.language_template ? PrintLanguageTemplate() : RunProgram(options);
+  } catch (const UsageError& error) {
+    std::cerr << "corvane: " << error.what() << "\nTry: corvane --help\n";
+    return kUsage;
+  }
+}

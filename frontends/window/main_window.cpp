@@ -1,0 +1,102 @@
+#include "window/main_window.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QShortcut>
+
+#include "ui_main_window.h"
+#include "window/key_codes.h"
+
+namespace corvane::window {
+namespace {
+
+constexpr QColor kListColour(255, 251, 240);
+constexpr QColor kListText(32, 30, 26);
+constexpr QColor kDisabledListText(128, 122, 110);
+
+/// Hands a key to a control: the key that went down, then the character that it types. True when it is discarded.
+template <class Target>
+bool HandKey(Target& target, const QKeyEvent& event) {
+  if (target.Key(KeyCode(event.key()), true)) return true;
+  const QString typed = event.text();
+  return !typed.isEmpty() && target.Key(typed.at(0).unicode(), false);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Application& app, EventLoop& loop)
+    : app_(app), loop_(loop), ui_(std::make_unique<Ui::MainWindow>()), captions_(app.form(), *this) {
+  ui_->setupUi(this);
+  ui_->splitter->setStretchFactor(0, 0);
+  ui_->splitter->setStretchFactor(1, 1);
+  ApplyListColours();
+  AddTabShortcuts();
+  ui_->Cmd_Cancel->installEventFilter(this);
+  connect(ui_->portsButton, &QAbstractButton::clicked, this, [this] {
+    if (on_ports) on_ports();
+  });
+  binder_ = std::make_unique<Binder>(app_.form(), Context());
+  app_.form().SetView(binder_.get());
+}
+
+MainWindow::~MainWindow() {
+  app_.form().SetView(nullptr);
+}
+
+BindingContext MainWindow::Context() {
+  return {
+      .window = *this,
+      .loop = loop_,
+      .port_text =
+          [this](int number) { return "COM" + std::to_string(number) + "  " + app_.devices().DeviceOf(number); },
+      .problem_of = [](const TextField&) { return std::string(); },
+      .show_hint = [this](const std::string& problem) { ui_->hintLabel->setText(QString::fromStdString(problem)); },
+  };
+}
+
+void MainWindow::ApplyListColours() {
+  const auto widgets = findChildren<QWidget*>();
+  for (QWidget* widget : widgets) {
+    if (!widget->property("cream").toBool()) continue;
+    QPalette colours = widget->palette();
+    for (const auto role : {QPalette::Base, QPalette::AlternateBase, QPalette::Button}) {
+      colours.setColor(role, kListColour);
+    }
+    for (const auto role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText}) {
+      colours.setColor(role, kListText);
+      colours.setColor(QPalette::Disabled, role, kDisabledListText);
+    }
+    widget->setPalette(colours);
+  }
+}
+
+void MainWindow::AddTabShortcuts() {
+  for (int tab = 0; tab < ui_->tabs->count(); ++tab) {
+    auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(Qt::Key_1 + tab)), this);
+    connect(shortcut, &QShortcut::activated, this, [this, tab] { ui_->tabs->setCurrentIndex(tab); });
+  }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  // What runs has to unwind first; then the main loop ends.
+  event->ignore();
+  loop_.Post([this] { app_.commands().Close(false); });
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::WindowStateChange) app_.form().Frm_Main.SetMinimised(isMinimized());
+  QMainWindow::changeEvent(event);
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+  if (!HandKey(app_.form().Frm_Main, *event)) QMainWindow::keyPressEvent(event);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress) return HandKey(app_.form().Cmd_Cancel, static_cast<QKeyEvent&>(*event));
+  // A space bar that went down without effect comes up without one.
+  if (event->type() == QEvent::KeyRelease) return static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space;
+  return QMainWindow::eventFilter(watched, event);
+}
+
+}  // namespace corvane::window

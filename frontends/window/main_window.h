@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QMainWindow>
+
+#include "app/application.h"
+#include "window/binder.h"
+#include "window/captions.h"
+
+namespace Ui {
+class MainWindow;
+}
+
+namespace corvane::window {
+
+/// The main window: the Form shown in widgets, and the window's own events handed to it. No logic of its own.
+class MainWindow : public QMainWindow {
+ public:
+  /// Shows the Form of `app` until it is destroyed; both must outlive the window.
+  MainWindow(Application& app, EventLoop& loop);
+  ~MainWindow() override;
+
+  [[nodiscard]] Captions& captions() { return captions_; }
+  [[nodiscard]] const Captions& captions() const { return captions_; }
+  /// Called when the person asks for the dialog that gives port numbers their devices.
+  std::function<void()> on_ports;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  [[nodiscard]] BindingContext Context();
+  void ApplyListColours();
+  void AddTabShortcuts();
+
+  Application& app_;
+  EventLoop& loop_;
+  std::unique_ptr<Ui::MainWindow> ui_;
+  Captions captions_;
+  std::unique_ptr<Binder> binder_;
+};
+
+}  // namespace corvane::window

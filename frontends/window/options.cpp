@@ -1,0 +1,55 @@
+#include "window/options.h"
+
+#include <cstddef>
+
+namespace corvane::window {
+namespace {
+
+constexpr std::string_view kHomeOption = "--home";
+
+}  // namespace
+
+Options ParseOptions(const std::vector<std::string>& arguments) {
+  Options options;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument == kHomeOption) {
+      if (++i == arguments.size() || arguments[i].empty()) throw UsageError("--home needs a folder");
+      options.home = arguments[i];
+    } else if (argument.starts_with(std::string(kHomeOption) + "=")) {
+      options.home = argument.substr(kHomeOption.size() + 1);
+      if (options.home.empty()) throw UsageError("--home needs a folder");
+    } else if (argument == "--help") {
+      options.help = true;
+    } else if (argument == "--version") {
+      options.version = true;
+    } else if (argument == "--language-template") {
+      options.language_template = true;
+    } else if (argument.starts_with("--")) {
+      throw UsageError("there is no option " + argument);
+    } else if (!argument.starts_with("-")) {
+      options.switches += (options.switches.empty() ? "" : " ") + argument;
+    }
+  }
+  return options;
+}
+
+std::string_view HelpText() {
+  return R"(Usage: corvane [OPTION]... [/M] [/D] [/Q]
+
+Collects the readings of field data loggers: the window. For servers and scripts there is corvanectl.
+
+  /M                    start minimised
+  /D                    download all active radio units at once, then do what follows a download
+  /Q                    close when that is done
+  --home DIR            the application folder: settings, log, tables and, by default, the data
+  --language-template   print the language file that holds the captions of this version
+  --version             print the version
+  --help                print this text
+
+The switches count in either letter case and anywhere in the command line; "/m/d" is both.
+Exit status: 0 closed in order, 2 usage, 3 could not start.
+)";
+}
+
+}  // namespace corvane::window

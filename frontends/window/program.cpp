@@ -1,0 +1,153 @@
+#include "window/program.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <QApplication>
+#include <QFile>
+#include <QSessionManager>
+
+#include "app/application.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "posix/application_folder.h"
+#include "posix/posix_shell.h"
+#include "posix/termios_port.h"
+#include "qt/qt_dialogs.h"
+#include "qt/qt_loop.h"
+#include "window/main_window.h"
+
+namespace corvane::window {
+namespace {
+
+constexpr const char* kLanguageFileName = "hveng.lng";
+constexpr const char* kLanguageResource = ":/hveng.lng";
+
+/// The pages of the user guide, where they are installed or built beside the program.
+HelpFiles FindHelp(const std::string& program_folder) {
+  for (const char* place : {"/../share/doc/corvane/guide/", "/../../guide/"}) {
+    const std::string folder = program_folder + place;
+    if (ExamineFile(folder + "index.html")) return {folder + "index.html", folder + "index-of-words.html"};
+  }
+  return {};
+}
+
+/// Gives a new application folder the language file; one that is there stays as it is.
+void ProvideLanguageFile(const std::string& folder) {
+  const std::string path = AddBackslash(folder) + kLanguageFileName;
+  if (ExamineFile(path)) return;
+  QFile resource(kLanguageResource);
+  if (!resource.open(QIODevice::ReadOnly)) return;
+  // Without it the built-in texts stay, and the loader says so.
+  static_cast<void>(WriteFileAtomically(path, resource.readAll().toStdString()).ok());
+}
+
+/// Everything that lives while the window does.
+class Program {
+ public:
+  Program(const Options& options, std::string folder)
+      : switches_(options.switches),
+        folder_(std::move(folder)),
+        shell_("corvane", options.home.empty() ? "" : folder_),
+        port_(loop_, loop_),
+        dialogs_(loop_) {}
+
+  int Run() {
+    if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) return Refuse(prepared.text());
+    if (!shell_.TakeInstanceLock(folder_)) return Refuse(shell_.ProgramName() + " is already running");
+    ProvideLanguageFile(folder_);
+    app_ = std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, FindHelp(shell_.ProgramFolder())},
+                                         folder_);
+    window_ = std::make_unique<MainWindow>(*app_, loop_);
+    app_->commands().on_close = [this] { EndMainLoop(); };
+    app_->life().OnWindowCreate();
+    ShowWindow();
+    if (!app_->flags().closing) QApplication::exec();
+    Finish();
+    return kClosed;
+  }
+
+ private:
+  /// Says why the program does not start. **Yields.**
+  int Refuse(const std::string& why) {
+    std::cerr << why << "\n";
+    bool answered = false;
+    BoxContents contents;
+    contents.title = kProductName;
+    contents.text = why;
+    contents.buttons = {"Ok"};
+    contents.icon = BoxIcon::Exclamation;
+    dialogs_.OpenBox(contents, [&answered](int) { answered = true; });
+    while (!answered) loop_.Yield();
+    return kNotStarted;
+  }
+
+  void ShowWindow() {
+    dialogs_.SetParent(window_.get());
+    dialogs_.on_closed = [this] { OnDialogClosed(); };
+    window_->show();
+    loop_.Post([this] { Activate(); });
+  }
+
+  void OnDialogClosed() {
+    // One that arises while an operation or another activation runs is dropped.
+    if (!app_->slot().Taken() && !activating_ && !app_->flags().closing) loop_.Post([this] { Activate(); });
+  }
+
+  void Activate() {
+    if (activating_) return;
+    activating_ = true;
+    app_->life().OnWindowActivate(switches_);
+    activating_ = false;
+  }
+
+  void EndMainLoop() {
+    dialogs_.CloseAll();
+    QCoreApplication::exit();
+  }
+
+  void Finish() {
+    dialogs_.on_closed = nullptr;
+    app_->life().OnWindowClose();
+    window_.reset();
+  }
+
+  std::string switches_;
+  std::string folder_;
+  QtLoop loop_;
+  PosixShell shell_;
+  TermiosPort port_;
+  QtDialogs dialogs_;
+  std::unique_ptr<Application> app_;
+  std::unique_ptr<MainWindow> window_;
+  bool activating_ = false;
+};
+
+}  // namespace
+
+int PrintLanguageTemplate() {
+  QtLoop loop;
+  PosixShell shell("corvane");
+  TermiosPort port(loop, loop);
+  QtDialogs dialogs(loop);
+  Application app(Platform{loop, port, shell, dialogs, {}}, shell.ProgramFolder());
+  app.commands().Bind();
+  const MainWindow window(app, loop);
+  std::cout << window.captions().LanguageTemplate();
+  return kClosed;
+}
+
+int RunProgram(const Options& options) {
+  try {
+    return Program(options, ChooseApplicationFolder(options.home, PosixShell("corvane"))).Run();
+  } catch (const RunTimeError& error) {
+    std::cerr << "corvane: " << error.what() << "\n";
+    return kNotStarted;
+  }
+}
+
+}  // namespace corvane::window

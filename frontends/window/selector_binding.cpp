@@ -1,0 +1,78 @@
+#include <QComboBox>
+#include <QEvent>
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+#include "window/binding.h"
+
+namespace corvane::window {
+namespace {
+
+/// A drop-down list. Port selectors show beside each number the device behind it and whether it is there.
+class SelectorBinding : public QObject, public Binding {
+ public:
+  SelectorBinding(Selector& selector, QWidget& widget, const BindingContext& context)
+      : Binding(&widget),
+        control_(selector),
+        box_(WidgetAs<QComboBox>(widget)),
+        context_(context),
+        shows_ports_(selector.name().starts_with("Cmb_Port_")) {
+    box_->setEditable(selector.editable());
+    box_->setInsertPolicy(QComboBox::NoInsert);
+    box_->setFocusPolicy(Qt::StrongFocus);
+    connect(box_, &QComboBox::activated, this, [this](int row) { control_.SetCurrent(row); });
+    if (selector.editable()) {
+      box_->lineEdit()->setMaxLength(static_cast<int>(TextField::kLongestText));
+      connect(box_, &QComboBox::editTextChanged, this,
+              [this](const QString& text) { control_.SetShownText(text.toStdString()); });
+    }
+    box_->installEventFilter(this);
+  }
+
+  void Show(Aspect aspect, std::size_t /*row*/) override {
+    const QSignalBlocker quiet(box_);
+    if (aspect == Aspect::Rows) ShowRows();
+    box_->setCurrentIndex(static_cast<int>(control_.current()));
+    if (!control_.editable()) return;
+    const QString shown = QString::fromStdString(control_.shown_text());
+    if (box_->currentText() != shown) box_->setEditText(shown);
+  }
+
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    // The wheel scrolls the page; a setting is not to change because it passed under the pointer.
+    if (event->type() == QEvent::Wheel && !box_->hasFocus()) {
+      event->ignore();
+      return true;
+    }
+    if (shows_ports_ && (event->type() == QEvent::FocusIn || event->type() == QEvent::Enter)) ShowPortTexts();
+    return false;
+  }
+
+ private:
+  [[nodiscard]] QString TextOf(std::int64_t row) const {
+    if (shows_ports_) return QString::fromStdString(context_.port_text(control_.number(row)));
+    return QString::fromStdString(control_.text(row));
+  }
+  void ShowRows() {
+    box_->clear();
+    for (std::int64_t row = 0; row < control_.count(); ++row) box_->addItem(TextOf(row));
+  }
+  void ShowPortTexts() {
+    for (int row = 0; row < box_->count() && row < control_.count(); ++row) {
+      if (const QString text = TextOf(row); text != box_->itemText(row)) box_->setItemText(row, text);
+    }
+  }
+
+  Selector& control_;
+  QComboBox* box_;
+  const BindingContext& context_;
+  bool shows_ports_;
+};
+
+}  // namespace
+
+std::unique_ptr<Binding> BindSelector(Selector& selector, QWidget& widget, const BindingContext& context) {
+  return std::make_unique<SelectorBinding>(selector, widget, context);
+}
+
+}  // namespace corvane::window

@@ -1,0 +1,135 @@
+// Takes the pictures of the user guide from the window itself, while it works on a simulated network.
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QApplication>
+#include <QStyleFactory>
+#include <QTabWidget>
+
+#include "app/application.h"
+#include "base/status.h"
+#include "posix/posix_shell.h"
+#include "posix/termios_port.h"
+#include "qt/qt_dialogs.h"
+#include "qt/qt_loop.h"
+#include "window/main_window.h"
+
+namespace corvane::window {
+namespace {
+
+constexpr QSize kWindowSize(1120, 680);
+constexpr int kSettingsTab = 5;
+
+QPalette DarkColours() {
+  const QColor dark(45, 45, 48);
+  const QColor light(225, 225, 225);
+  QPalette colours(dark);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+    colours.setColor(role, light);
+    colours.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
+  }
+  colours.setColor(QPalette::Base, QColor(30, 30, 32));
+  colours.setColor(QPalette::AlternateBase, dark);
+  colours.setColor(QPalette::Highlight, QColor(42, 100, 160));
+  colours.setColor(QPalette::HighlightedText, Qt::white);
+  return colours;
+}
+
+/// The program as it runs for a person, on a folder and a network made for the pictures.
+class Photographer {
+ public:
+  Photographer(std::string folder, QString target)
+      : port_(loop_, loop_),
+        dialogs_(loop_),
+        app_(Platform{loop_, port_, shell_, dialogs_, {}}, std::move(folder)),
+        window_(app_, loop_),
+        target_(std::move(target)) {
+    window_.resize(kWindowSize);
+  }
+
+  void TakeAll() {
+    app_.life().OnWindowCreate();
+    window_.show();
+    app_.life().OnWindowActivate("");
+    Form& form = app_.form();
+    form.Cmd_DownloadAll[1].Click();
+    form.Lst_Units.SetCurrent(2);
+    Take("unit");
+    TakeTabs();
+    TakeWhileDownloading();
+  }
+
+ private:
+  void TakeTabs() {
+    const std::vector<std::pair<int, const char*>> tabs = {{1, "relays"}, {2, "clients"}, {3, "files"},
+                                                           {4, "ftp"},    {6, "log"},     {7, "terminal"}};
+    for (const auto& [tab, name] : tabs) {
+      ShowTab("tabs", tab);
+      Take(name);
+    }
+    ShowTab("tabs", kSettingsTab);
+    const std::vector<const char*> groups = {"settings-folders", "settings-readings", "settings-lookups",
+                                             "settings-ports", "settings-schedule"};
+    for (std::size_t group = 0; group < groups.size(); ++group) {
+      ShowTab("settingsTabs", static_cast<int>(group));
+      Take(groups[group]);
+    }
+  }
+
+  void ShowTab(const char* tabs, int tab) { window_.findChild<QTabWidget*>(tabs)->setCurrentIndex(tab); }
+
+  void Take(const QString& name) {
+    for (int pass = 0; pass < 5; ++pass) loop_.Poll();
+    const QString path = target_ + "/" + name + ".png";
+    if (!window_.grab().save(path)) throw RunTimeError("cannot write " + path.toStdString());
+    std::cout << path.toStdString() << "\n";
+  }
+
+  /// The main picture is taken in the middle of a round, once in each colour scheme.
+  void TakeWhileDownloading() {
+    const Form& form = app_.form();
+    ShowTab("tabs", 0);
+    bool taken = false;
+    const auto watch = loop_.MakeTimer([this, &form, &taken] {
+      if (taken || form.Bar_Unit.value() < 40 || form.Bar_Download.value() < 40) return;
+      taken = true;
+      Take("main");
+      QApplication::setPalette(DarkColours());
+      Take("main-dark");
+      app_.commands().Cancel();
+    });
+    watch->Start(20);
+    app_.commands().DownloadAll(true, kRadioUnits, false);
+    if (!taken) throw RunTimeError("the network did not answer");
+  }
+
+  QtLoop loop_;
+  PosixShell shell_{"corvane"};
+  TermiosPort port_;
+  QtDialogs dialogs_;
+  Application app_;
+  MainWindow window_;
+  QString target_;
+};
+
+}  // namespace
+}  // namespace corvane::window
+
+int main(int argc, char** argv) {
+  QApplication toolkit(argc, argv);
+  QApplication::setStyle("Fusion");
+  const QStringList arguments = QCoreApplication::arguments();
+  if (arguments.size() != 3) {
+    std::cerr << "usage: corvane-pictures APPLICATION-FOLDER TARGET-FOLDER\n";
+    return 2;
+  }
+  try {
+    corvane::window::Photographer(arguments[1].toStdString(), arguments[2]).TakeAll();
+  } catch (const corvane::RunTimeError& error) {
+    std::cerr << "corvane-pictures: " << error.what() << "\n";
+    return 1;
+  }
+  return 0;
+}
