@@ -16,19 +16,21 @@ namespace {
 /// Appended rows (a trace, a reply) are shown so often at most.
 constexpr int kAppendMilliseconds = 50;
 
-/// Rows in a list or table view. The view's property "headings" names the columns, "checkable" gives check marks.
+/// Rows in a list or table view. The view's property "headings" names the columns, "checkable" gives check marks, and
+/// "streaming" says that rows may come faster than the eye sees.
 class ListBinding : public QObject, public Binding {
  public:
   ListBinding(List& list, QWidget& widget)
       : Binding(&widget),
         control_(list),
         view_(WidgetAs<QAbstractItemView>(widget)),
+        streaming_(view_->property("streaming").toBool()),
         model_(list, view_->property("headings").toStringList(), view_->property("checkable").toBool(), view_) {
     view_->setModel(&model_);
     if (auto* rows = qobject_cast<QListView*>(view_)) rows->setUniformItemSizes(true);
     SizeColumns();
     append_timer_.setSingleShot(true);
-    connect(&append_timer_, &QTimer::timeout, this, [this] { ShowAppended(); });
+    connect(&append_timer_, &QTimer::timeout, this, [this] { ShowAppendedNow(); });
     connect(view_, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) { Open(index); });
     connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& index) { TakeCurrent(index); });
@@ -78,24 +80,27 @@ class ListBinding : public QObject, public Binding {
     auto* table = qobject_cast<QTreeView*>(view_);
     if (table == nullptr) return;
     const QFontMetrics metrics(table->font());
-    table->header()->setStretchLastSection(false);
-    table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    const bool wide = model_.columnCount() > 3;
+    table->header()->setStretchLastSection(wide);
+    table->header()->setSectionResizeMode(0, wide ? QHeaderView::Interactive : QHeaderView::Stretch);
+    if (wide) table->setColumnWidth(0, metrics.horizontalAdvance(QString(24, 'n')));
     for (int column = 1; column < model_.columnCount(); ++column) {
       table->setColumnWidth(column, metrics.horizontalAdvance(column == 1 ? "000,000 Kb" : "0000-00-00 00:00:00") + 24);
     }
   }
 
   void ShowRows(std::size_t row) {
-    if (model_.OnlyAppended(row)) {
-      if (!append_timer_.isActive()) append_timer_.start(kAppendMilliseconds);
-      return;
-    }
+    if (model_.OnlyAppended(row)) return ShowAppended();
     const int scrolled = view_->verticalScrollBar()->value();
     model_.TakeAll();
     view_->verticalScrollBar()->setValue(scrolled);
     ShowSelection(0);
   }
   void ShowAppended() {
+    if (!streaming_) return model_.TakeAppended();
+    if (!append_timer_.isActive()) append_timer_.start(kAppendMilliseconds);
+  }
+  void ShowAppendedNow() {
     const Scope showing(showing_);
     model_.TakeAppended();
     ShowSelection(0);
@@ -142,6 +147,7 @@ class ListBinding : public QObject, public Binding {
 
   List& control_;
   QAbstractItemView* view_;
+  bool streaming_;
   ListModel model_;
   QTimer append_timer_;
   int showing_ = 0;

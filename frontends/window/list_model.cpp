@@ -59,7 +59,8 @@ Qt::ItemFlags ListModel::flags(const QModelIndex& /*index*/) const {
 }
 
 bool ListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-  if (role != Qt::CheckStateRole || !checkable_ || !list_.enabled() || index.row() >= list_.count()) return false;
+  const bool there = index.isValid() && index.row() < list_.count();
+  if (role != Qt::CheckStateRole || !checkable_ || !list_.enabled() || !there) return false;
   list_.SetChecked(index.row(), value.toInt() == Qt::Checked);
   return true;
 }
