@@ -1,11 +1,7 @@
 #include "posix/posix_loop.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
-
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace corvane {
 
@@ -59,12 +55,6 @@ class PosixLoop::PeriodicTimer : public Timer {
   std::int64_t due_ = 0;
 };
 
-PosixLoop::~PosixLoop() {
-  if (signal_descriptor_ < 0) return;
-  close(signal_descriptor_);
-  pthread_sigmask(SIG_SETMASK, &earlier_mask_, nullptr);
-}
-
 DateTime PosixLoop::Now() const {
   return clock_.Now();
 }
@@ -117,7 +107,7 @@ PosixLoop::PeriodicTimer* PosixLoop::NextTimer() const {
 }
 
 bool PosixLoop::NothingCanCome() const {
-  const std::size_t signal_watches = signal_descriptor_ >= 0 ? 1 : 0;
+  const std::size_t signal_watches = signals_.Running() ? 1 : 0;
   return watches_.size() == signal_watches && running_timers_.empty() && posted_.empty();
 }
 
@@ -201,28 +191,7 @@ bool PosixLoop::RunPosted() {
 }
 
 Status PosixLoop::WatchSignals(std::initializer_list<int> signals, std::function<void(int)> handler) {
-  if (signal_descriptor_ >= 0) return {EBUSY, "signals are watched already"};
-  sigset_t watched;
-  sigemptyset(&watched);
-  for (const int signal : signals) {
-    struct sigaction action {};
-    if (sigaction(signal, nullptr, &action) != 0) return Status::FromErrno("watching signals", errno);
-    if (action.sa_handler != SIG_IGN) sigaddset(&watched, signal);
-  }
-  const int descriptor = signalfd(-1, &watched, SFD_NONBLOCK | SFD_CLOEXEC);
-  if (descriptor < 0) return Status::FromErrno("watching signals", errno);
-  pthread_sigmask(SIG_BLOCK, &watched, &earlier_mask_);
-  signal_descriptor_ = descriptor;
-  on_signal_ = std::move(handler);
-  WatchRead(signal_descriptor_, [this] { ReadSignals(); });
-  return Status::Ok();
-}
-
-void PosixLoop::ReadSignals() {
-  signalfd_siginfo info{};
-  while (read(signal_descriptor_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-    on_signal_(static_cast<int>(info.ssi_signo));
-  }
+  return signals_.Start(signals, std::move(handler));
 }
 
 }  // namespace corvane

@@ -13,19 +13,18 @@
 #include <vector>
 
 #include <poll.h>
-#include <signal.h>
 
 #include "base/status.h"
 #include "platform/event_loop.h"
 #include "posix/descriptor_watcher.h"
 #include "posix/local_clock.h"
+#include "posix/signal_watch.h"
 
 namespace corvane {
 
 class PosixLoop : public EventLoop, public DescriptorWatcher {
  public:
   PosixLoop() = default;
-  ~PosixLoop() override;
 
   [[nodiscard]] DateTime Now() const override;
   [[nodiscard]] std::int64_t MonotonicMilliseconds() const override;
@@ -43,10 +42,7 @@ class PosixLoop : public EventLoop, public DescriptorWatcher {
   void WatchWrite(int descriptor, std::function<void()> handler) override;
   void Unwatch(int descriptor) override;
 
-  /// Delivers these signals to `handler` as events of this loop; once per loop, before other threads start.
-  ///
-  /// A signal that the process was started to ignore (as nohup does) stays ignored. Children inherit the signals
-  /// blocked and must clear their mask.
+  /// Delivers these signals to `handler` as events of this loop; see `SignalWatch::Start`.
   Status WatchSignals(std::initializer_list<int> signals, std::function<void(int)> handler);
 
  private:
@@ -67,17 +63,14 @@ class PosixLoop : public EventLoop, public DescriptorWatcher {
   bool HandleReady(const pollfd& ready, std::uint64_t id);
   bool RunDueTimers();
   bool RunPosted();
-  void ReadSignals();
 
   std::map<int, Watch> watches_;
   std::uint64_t last_watch_id_ = 0;
   std::uint64_t polls_ = 0;
   std::vector<PeriodicTimer*> running_timers_;
   std::deque<std::function<void()>> posted_;
-  int signal_descriptor_ = -1;
-  sigset_t earlier_mask_{};
-  std::function<void(int)> on_signal_;
   LocalClock clock_;
+  SignalWatch signals_{*this};  // last: it leaves the watches above
 };
 
 }  // namespace corvane

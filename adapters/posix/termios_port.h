@@ -7,12 +7,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/event_loop.h"
 #include "platform/serial_port.h"
 #include "posix/descriptor_watcher.h"
 #include "posix/line_settings.h"
 #include "posix/parmrk_decoder.h"
+#include "posix/port_catalogue.h"
 #include "posix/serial_device.h"
 
 namespace corvane {
@@ -47,6 +49,8 @@ class TermiosPort : public SerialPort {
   [[nodiscard]] bool IsOpen() const override;
   [[nodiscard]] std::string ReadAll() override;
   Status Write(std::string_view text) override;
+  [[nodiscard]] std::vector<SerialDeviceInfo> ListDevices() const override { return catalogue_.ListDevices(); }
+  [[nodiscard]] DeviceState LookAt(const std::string& path) const override { return catalogue_.LookAt(path); }
   void SetEventHandler(std::function<void(int code)> handler) override;
 
  private:
@@ -68,6 +72,7 @@ class TermiosPort : public SerialPort {
   DescriptorWatcher& watcher_;
   DeviceOpener open_device_;
   SerialTimes times_;
+  PortCatalogue catalogue_;
   std::unique_ptr<Timer> counter_timer_;
   std::unique_ptr<Timer> stall_timer_;
   std::function<void(int)> handler_;

@@ -1,8 +1,6 @@
-#include <array>
 #include <cerrno>
 
 #include <fcntl.h>
-#include <grp.h>
 #include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -11,6 +9,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "posix/device_texts.h"
 #include "posix/serial_device.h"
 
 namespace corvane {
@@ -57,30 +56,13 @@ bool IsPseudoTerminal(const struct stat& about) {
   return major(about.st_rdev) >= kFirstPtyMajor && major(about.st_rdev) <= kLastPtyMajor;
 }
 
-std::string GroupName(gid_t id) {
-  group entry{};
-  group* found = nullptr;
-  std::array<char, 16384> texts{};
-  getgrgid_r(id, &entry, texts.data(), texts.size(), &found);
-  return found != nullptr ? found->gr_name : std::to_string(id);
-}
-
-Status NoPermission(const std::string& path, const struct stat& about) {
-  constexpr mode_t kGroupMayUse = S_IRGRP | S_IWGRP;
-  const std::string text = "no permission to use " + path + ": ";
-  if ((about.st_mode & kGroupMayUse) != kGroupMayUse || about.st_gid == 0) {
-    return {EACCES, text + "ask the administrator for the right to read and write it"};
-  }
-  return {EACCES, text + "add yourself to the group " + GroupName(about.st_gid) + " and log in again"};
-}
-
 Status OpenFailure(const std::string& path, int error, const struct stat& about) {
-  if (error == EACCES || error == EPERM) return NoPermission(path, about);
+  if (error == EACCES || error == EPERM) return {EACCES, NoPermissionText(path, about)};
   if (error == EBUSY || error == EWOULDBLOCK) {
     return {EBUSY, path + " is in use by another program: close that program or choose another port"};
   }
   if (error == ENOENT || error == ENXIO || error == ENODEV) {
-    return {error, path + " is not there: plug the adapter in or choose another port"};
+    return {error, NotThereText(path)};
   }
   return Status::FromErrno("opening " + path, error);
 }
@@ -90,7 +72,7 @@ Status OpenFailure(const std::string& path, int error, const struct stat& about)
 Status OpenTtyDevice(const std::string& path, const LineSettings& settings, std::unique_ptr<SerialDevice>& device) {
   struct stat about {};
   if (stat(path.c_str(), &about) != 0) return OpenFailure(path, errno, about);
-  if (!S_ISCHR(about.st_mode)) return {ENOTTY, path + " is not a serial port: choose another port"};
+  if (!S_ISCHR(about.st_mode)) return {ENOTTY, NotSerialText(path)};
 
   const int descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (descriptor < 0) return OpenFailure(path, errno, about);

@@ -8,6 +8,7 @@
 #include <QApplication>
 
 #include "app/app_info.h"
+#include "posix/signal_watch.h"
 #include "window/options.h"
 #include "window/program.h"
 
@@ -39,6 +40,8 @@ int main(int argc, char** argv) {
   }
   if (given("--language-template")) qputenv("QT_QPA_PLATFORM", "offscreen");
 
+  // The toolkit starts threads, which must not take these away from the program.
+  corvane::SignalWatch::BlockEarly({SIGINT, SIGTERM, SIGHUP});
   QApplication toolkit(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setApplicationName("corvane");

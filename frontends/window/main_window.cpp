@@ -32,9 +32,7 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   ApplyListColours();
   AddTabShortcuts();
   ui_->Cmd_Cancel->installEventFilter(this);
-  connect(ui_->portsButton, &QAbstractButton::clicked, this, [this] {
-    if (on_ports) on_ports();
-  });
+  AddPortDialog();
   binder_ = std::make_unique<Binder>(app_.form(), Context());
   app_.form().SetView(binder_.get());
 }
@@ -75,6 +73,18 @@ void MainWindow::AddTabShortcuts() {
     auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(Qt::Key_1 + tab)), this);
     connect(shortcut, &QShortcut::activated, this, [this, tab] { ui_->tabs->setCurrentIndex(tab); });
   }
+}
+
+void MainWindow::AddPortDialog() {
+  ports_ = new PortDialog(app_.ports(), this);
+  ports_->assignment_changed = [this] {
+    for (const Selector& port : app_.form().Cmb_Port) binder_->ControlChanged(port, Aspect::Rows, 0);
+  };
+  ports_->closed = [this] {
+    if (on_dialog_closed) on_dialog_closed();
+  };
+  connect(ui_->portsButton, &QAbstractButton::clicked, this,
+          [this] { ports_->OpenFor(app_.form().Cmb_Port[0].SelectedItemData()); });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -8,6 +8,7 @@
 #include "app/application.h"
 #include "window/binder.h"
 #include "window/captions.h"
+#include "window/port_dialog.h"
 
 namespace Ui {
 class MainWindow;
@@ -24,8 +25,10 @@ class MainWindow : public QMainWindow {
 
   [[nodiscard]] Captions& captions() { return captions_; }
   [[nodiscard]] const Captions& captions() const { return captions_; }
-  /// Called when the person asks for the dialog that gives port numbers their devices.
-  std::function<void()> on_ports;
+  /// Takes away the window's own dialogs: the program ends.
+  void CloseDialogs() { ports_->reject(); }
+  /// Called when a dialog of the window itself has closed.
+  std::function<void()> on_dialog_closed;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -37,12 +40,14 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] BindingContext Context();
   void ApplyListColours();
   void AddTabShortcuts();
+  void AddPortDialog();
 
   Application& app_;
   EventLoop& loop_;
   std::unique_ptr<Ui::MainWindow> ui_;
   Captions captions_;
   std::unique_ptr<Binder> binder_;
+  PortDialog* ports_ = nullptr;
 };
 
 }  // namespace corvane::window

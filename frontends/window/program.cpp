@@ -1,6 +1,6 @@
 #include "window/program.h"
 
-#include <cstdio>
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -16,6 +16,7 @@
 #include "base/paths.h"
 #include "posix/application_folder.h"
 #include "posix/posix_shell.h"
+#include "posix/signal_watch.h"
 #include "posix/termios_port.h"
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
@@ -64,9 +65,13 @@ class Program {
                                          folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
+    if (const Status watched = WatchForTheEnd(); !watched.ok()) return Refuse(watched.text());
+    app_->life().SetCaptions(&window_->captions());
     app_->life().OnWindowCreate();
-    ShowWindow();
-    if (!app_->flags().closing) QApplication::exec();
+    if (!app_->flags().closing) {
+      ShowWindow();
+      QApplication::exec();
+    }
     Finish();
     return kClosed;
   }
@@ -86,9 +91,32 @@ class Program {
     return kNotStarted;
   }
 
+  /// Signals, the end of the session and a display that is gone all end the program in order.
+  Status WatchForTheEnd() {
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {
+      session.setRestartHint(QSessionManager::RestartNever);
+      app_->commands().Close(true);
+    });
+    running_ = this;
+    // The toolkit ends the process when the display is gone.
+    std::atexit([] {
+      if (running_ != nullptr) running_->SaveWithoutDisplay();
+    });
+    return signals_.Start({SIGINT, SIGTERM, SIGHUP}, [this](int) { app_->commands().Close(true); });
+  }
+
+  void SaveWithoutDisplay() {
+    running_ = nullptr;
+    app_->form().SetView(nullptr);
+    app_->commands().on_close = nullptr;
+    app_->commands().Close(true);
+    app_->life().OnWindowClose();
+  }
+
   void ShowWindow() {
     dialogs_.SetParent(window_.get());
     dialogs_.on_closed = [this] { OnDialogClosed(); };
+    window_->on_dialog_closed = [this] { OnDialogClosed(); };
     window_->show();
     loop_.Post([this] { Activate(); });
   }
@@ -107,11 +135,14 @@ class Program {
 
   void EndMainLoop() {
     dialogs_.CloseAll();
+    window_->CloseDialogs();
     QCoreApplication::exit();
   }
 
   void Finish() {
     dialogs_.on_closed = nullptr;
+    window_->on_dialog_closed = nullptr;
+    running_ = nullptr;
     app_->life().OnWindowClose();
     window_.reset();
   }
@@ -122,9 +153,11 @@ class Program {
   PosixShell shell_;
   TermiosPort port_;
   QtDialogs dialogs_;
+  SignalWatch signals_{loop_};
   std::unique_ptr<Application> app_;
   std::unique_ptr<MainWindow> window_;
   bool activating_ = false;
+  static inline Program* running_ = nullptr;  ///< what the end of the process has to save
 };
 
 }  // namespace

@@ -8,6 +8,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
     : loop_(av_Platform.loop),
       help_(av_Platform.help),
       app_(std::move(as_Folder)),
+      ports_(devices_, av_Platform.port),
       states_(form_),
       slot_(link_, states_),
       trace_(form_, link_, loop_, av_Platform.shell),

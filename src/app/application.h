@@ -26,6 +26,7 @@
 #include "link/link_state.h"
 #include "link/link_writer.h"
 #include "link/pause.h"
+#include "link/port_choices.h"
 #include "link/port_devices.h"
 #include "link/port_finder.h"
 #include "link/port_link.h"
@@ -74,6 +75,7 @@ class Application {
   [[nodiscard]] const AppInfo& app() const { return app_; }
   [[nodiscard]] const FileNames& names() const { return names_; }
   [[nodiscard]] const PortDevices& devices() const { return devices_; }
+  [[nodiscard]] PortChoices& ports() { return ports_; }
   [[nodiscard]] UnitEditor& units() { return units_; }
   [[nodiscard]] OperationSlot& slot() { return slot_; }
   [[nodiscard]] Commands& commands() { return commands_; }
@@ -94,6 +96,7 @@ class Application {
   HelpFiles help_;
   AppInfo app_;
   PortDevices devices_;
+  PortChoices ports_;
   ProgressBars bars_;
   CommandStates states_;
   OperationSlot slot_;

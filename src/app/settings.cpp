@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "app/port_settings.h"
 #include "base/numbers.h"
 #include "base/text.h"
 
@@ -16,7 +17,6 @@ constexpr std::int64_t kMostShownProblems = 5;
 constexpr std::int64_t kMostLoggedProblems = 100;
 constexpr std::int16_t kReportSeconds = 30;
 constexpr std::size_t kLongestFolder = 110;  // characters, so that a file name in it fits into a field
-constexpr int kLastPort = 50;
 
 template <class Number>
 std::optional<Number> Convert(std::string_view text) {
@@ -225,7 +225,9 @@ void Settings::LoadSettings() {
     clients_.FillList();
     LoadGeneral(other_settings_);
     form_.Frame_OstrelWebData.SetVisible(false);
-    LoadPorts();
+    LoadPorts(store_, ports_, [this](const std::string& key, const std::string& device, std::string_view problem) {
+      Report("Ports", key, device, problem);
+    });
     app_.SetPreviousVersion(store_.GetGeneral("Version", ""));
     // Intended: asked as a settled step of loading; no decision depends on the answer.
     (void)app_.IsNewerVersion();
@@ -242,6 +244,7 @@ bool Settings::SaveSettings() {
   SaveRecords(RelaySection(), registry_.Relays);
   SaveRecords(ClientSection(), registry_.Clients);
   SaveGeneral(other_settings_);
+  SavePorts(store_, ports_);
   store_.SaveSetting("General", "Version", AppInfo::VersionText());
   return store_.Commit();
 }
@@ -343,23 +346,6 @@ Number Settings::LoadNumber(std::string_view as_Section, const std::string& as_K
       std::is_integral_v<Number> ? "is not a whole number in range; " : "is not a number; ";
   Report(as_Section, as_Key, value, std::string(kKind) + as_Default + " is used");
   return Convert<Number>(as_Default).value_or(Number{});
-}
-
-void Settings::LoadPorts() {
-  constexpr std::string_view kPortName = "COM";
-  for (const std::string& key : store_.Keys("Ports")) {
-    const std::string device = store_.GetSetting("Ports", key, "");
-    const std::optional<std::int64_t> number =
-        StartsWithNoCase(key, kPortName) ? ParseInteger(std::string_view(key).substr(kPortName.size()), 1, kLastPort)
-                                         : std::nullopt;
-    if (number && (device.empty() || device.starts_with('/'))) {
-      ports_.Assign(static_cast<int>(*number), device);
-    } else {
-      Report("Ports", key, device,
-             "is not used; write a port and the full name of its device, "
-             "such as COM3=/dev/ttyUSB0");
-    }
-  }
 }
 
 void Settings::CheckPath(const Setting& av_Setting, const std::string& as_Value) {

@@ -101,7 +101,6 @@ class Settings {
                   Number& av_Member);
   template <class Number>
   Number LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default);
-  void LoadPorts();
 
   void CheckPath(const Setting& av_Setting, const std::string& as_Value);
   /// Notes a value that could not be used as it stands.

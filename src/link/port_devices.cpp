@@ -27,8 +27,13 @@ void PortDevices::Assign(int al_Number, std::string_view as_Device) {
   }
 }
 
+std::string PortDevices::AssignedTo(int al_Number) const {
+  const auto own = assigned_.find(al_Number);
+  return own != assigned_.end() ? own->second : std::string();
+}
+
 std::string PortDevices::DeviceOf(int al_Number) const {
-  if (const auto own = assigned_.find(al_Number); own != assigned_.end()) return own->second;
+  if (std::string own = AssignedTo(al_Number); !own.empty()) return own;
   for (const DeviceRange& range : kBuiltIn) {
     if (al_Number < range.first || al_Number > range.last) continue;
     return std::string(range.device) + std::to_string(al_Number - range.first);

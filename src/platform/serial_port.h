@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/status.h"
 
@@ -28,6 +29,21 @@ enum PortEvent : int {
   kPortParity = 1009,
   kPortTransmitFull = 1010,
   kPortUnexpected = 1011,
+};
+
+/// A device that a port could use, as it is found now.
+struct SerialDeviceInfo {
+  std::string path;     ///< the name to keep: one that stays with its adapter where there is one
+  std::string device;   ///< the device file that it leads to now
+  std::string problem;  ///< why this user cannot use it and what to do; empty when nothing is known against it
+};
+
+enum class DevicePresence { NotThere, There, NoPermission };
+
+/// What is known of one device without opening it.
+struct DeviceState {
+  DevicePresence presence = DevicePresence::NotThere;
+  std::string problem;  ///< why it cannot be used and what to do; empty when it is there
 };
 
 class SerialPort {
@@ -53,6 +69,13 @@ class SerialPort {
   [[nodiscard]] virtual std::string ReadAll() = 0;
   /// Queues `text` for output, in order. Fails when the port is closed or its device has gone.
   virtual Status Write(std::string_view text) = 0;
+
+  /// The devices that are there now, each once: those with lasting names first, then by kind and number.
+  ///
+  /// Opens none of them, which would move the lines of a device in use.
+  [[nodiscard]] virtual std::vector<SerialDeviceInfo> ListDevices() const = 0;
+  /// Looks at one device, by any of its names, without opening it. A file that is no serial port is not there.
+  [[nodiscard]] virtual DeviceState LookAt(const std::string& path) const = 0;
 
   /// `handler` receives one event code at a time (see `PortEvent`); it may close the port.
   virtual void SetEventHandler(std::function<void(int code)> handler) = 0;

@@ -44,6 +44,14 @@ class ScriptedPort : public SerialPort {
     for (const char c : text) TakeCharacter(c);
     return Status::Ok();
   }
+  [[nodiscard]] std::vector<SerialDeviceInfo> ListDevices() const override { return devices_there; }
+  [[nodiscard]] DeviceState LookAt(const std::string& path) const override {
+    for (const SerialDeviceInfo& known : devices_there) {
+      if (path != known.path && path != known.device) continue;
+      return {known.problem.empty() ? DevicePresence::There : DevicePresence::NoPermission, known.problem};
+    }
+    return {DevicePresence::NotThere, path + " is not there"};
+  }
   void SetEventHandler(std::function<void(int code)> handler) override { handler_ = std::move(handler); }
 
   /// Delivers `text` with one data event, from the loop after `milliseconds`.
@@ -68,6 +76,7 @@ class ScriptedPort : public SerialPort {
   int opens = 0;
   Status open_result;
   Status settings_result;
+  std::vector<SerialDeviceInfo> devices_there;
   std::vector<std::string> answering_devices;  ///< when not empty, only these open
   std::function<void(const std::string& line)> on_line;
   std::function<void()> on_escape;

@@ -152,6 +152,35 @@ TEST_F(SettingsTest, InputIsTakenOrReported) {
   }
 }
 
+TEST_F(SettingsTest, OnlyChangedPortsAreWritten) {
+  struct Row {
+    std::string ports;
+    int number;
+    std::string device;
+    std::string saved;
+  };
+  const Row rows[] = {
+      {"com3 = \"/dev/a\"\n; radio\nCOM4=ttyS9\n", 0, "", "com3 = \"/dev/a\"\n; radio\nCOM4=ttyS9\n"},
+      {"com3 = /dev/a\nCOM9=/dev/c\n", 3, "/dev/b", "com3 = /dev/b\nCOM9=/dev/c\n"},
+      {"COM3=/dev/a\nCOM03=/dev/c\n", 3, "/dev/b", "COM3=/dev/b\nCOM03=/dev/b\n"},
+      {"COM4=ttyS9\n", 4, "/dev/b", "COM4=/dev/b\n"},
+      {"COM9=/dev/c\n", 3, "/dev/b", "COM9=/dev/c\nCOM3=/dev/b\n"},
+      {"com3=/dev/a\n", 3, "", "com3=null\n"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.ports);
+    auto run = Load("[Ports]\n" + row.ports + "[Mine]\n");
+    run->ports.Assign(row.number, row.device);
+    EXPECT_TRUE(run->settings.SaveSettings());
+    EXPECT_NE(folder_.Read("corvane.ini").find("[Ports]\n" + row.saved + "[Mine]\n"), std::string::npos)
+        << folder_.Read("corvane.ini");
+    run = Start();
+    if (row.number > 0) {
+      EXPECT_EQ(run->ports.AssignedTo(row.number), row.device);
+    }
+  }
+}
+
 TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
   std::string contents = "[Units]\nNumUnits=1000\n";
   for (int index = 1; index <= 1000; ++index) contents += "ID" + std::to_string(index) + "=x\n";

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "link/port_choices.h"
 #include "unit/link_world.h"
 
 namespace corvane::test {
@@ -25,6 +26,39 @@ TEST(PortDevicesTest, GivesTheDeviceOfANumber) {
                                               {20, "/dev/ttyUSB15"}, {21, "/dev/ttyACM0"}, {36, "/dev/ttyACM15"}};
   for (const auto& [number, device] : rows) EXPECT_EQ(devices.DeviceOf(number), device) << number;
   for (const int number : {37, 0, -1}) EXPECT_EQ(devices.DeviceOf(number), "") << number;
+}
+
+TEST_F(PortLinkTest, PortNumbersAreShownWithTheirDevices) {
+  PortChoices choices(devices, port);
+  const std::string radio = "/dev/serial/by-id/radio";
+  const std::string lengthy = "/dev/serial/by-id/" + std::string(120, 'x');
+  port.devices_there = {{radio, "/dev/ttyUSB0", ""},
+                        {lengthy, "/dev/ttyUSB1", ""},
+                        {"/dev/ttyS0", "/dev/ttyS0", "no permission to use /dev/ttyS0"}};
+  EXPECT_TRUE(choices.Assign(40, " " + radio + " ").ok());
+  for (const char* refused : {"ttyUSB0", "/dev/tty\nUSB0", lengthy.c_str()}) {
+    EXPECT_FALSE(choices.Assign(3, refused).ok()) << refused;
+  }
+  EXPECT_FALSE(choices.Assign(51, radio).ok());
+
+  const std::tuple<int, bool, const char*> rows[] = {
+      {1, false, "COM1   /dev/ttyS0   (no permission)"}, {3, false, "COM3   /dev/ttyS2   (not there)"},
+      {5, false, "COM5   /dev/ttyUSB0   (there)"},       {40, true, "COM40   /dev/serial/by-id/radio   (there)"},
+      {50, false, "COM50   no device assigned"},
+  };
+  const std::vector<PortChoice> all = choices.LookAtAll();
+  ASSERT_EQ(all.size(), 50U);
+  for (const auto& [number, own, text] : rows) {
+    const PortChoice& choice = all[static_cast<std::size_t>(number - 1)];
+    EXPECT_EQ(choice.text, text);
+    EXPECT_EQ(choice.own, own) << text;
+    EXPECT_EQ(choice.problem.empty(), choice.presence == "there") << text;
+  }
+  Texts found;
+  for (const DeviceChoice& choice : choices.Devices()) found.push_back(choice.path + "|" + choice.ports);
+  EXPECT_EQ(found, (Texts{radio + "|COM5, COM40", "/dev/ttyUSB1|COM6", "/dev/ttyS0|COM1"}));
+  EXPECT_TRUE(choices.Assign(40, "").ok());
+  EXPECT_EQ(choices.Look(40).device, "");
 }
 
 TEST_F(PortLinkTest, OpensThePortOfASelectorWithEmptyBuffers) {
