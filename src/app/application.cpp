@@ -12,6 +12,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       slot_(link_, states_),
       trace_(form_, link_, loop_, av_Platform.shell),
       messages_(form_, flags_, loop_, av_Platform.dialogs, trace_),
+      language_(messages_),
       summary_(form_, link_, download_, flags_, loop_, trace_),
       names_(form_, registry_, app_),
       file_list_(form_, messages_),
@@ -66,9 +67,9 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                  help_,
                  messages_,
                  trace_}),
-      life_({form_,     link_,           download_, flags_,   slot_,    app_,       states_, store_,
-             settings_, units_,          relays_,   clients_, files_,   port_link_, writer_, capture_,
-             schedule_, run_at_startup_, commands_, bars_,    summary_, trace_}) {
+      life_({form_,     link_,     download_,       flags_,    slot_,  app_,       states_, store_,
+             settings_, units_,    relays_,         clients_,  files_, port_link_, writer_, capture_,
+             schedule_, language_, run_at_startup_, commands_, bars_,  summary_,   trace_}) {
   Wire();
   av_Platform.port.SetEventHandler([this](int code) { port_link_.OnPortEvent(code); });
 }

@@ -20,6 +20,7 @@
 #include "data/local_files.h"
 #include "data/lookup.h"
 #include "form/form.h"
+#include "lang/language.h"
 #include "link/capture.h"
 #include "link/download_round.h"
 #include "link/exchange.h"
@@ -99,6 +100,7 @@ class Application {
   OperationSlot slot_;
   Trace trace_;
   Messages messages_;
+  CLanguage language_;
   DownloadSummary summary_;
   FileNames names_;
   CFileListbox file_list_;
