@@ -17,6 +17,7 @@
 #include "data/calibrated_converter.h"
 #include "data/file_listbox.h"
 #include "data/file_names.h"
+#include "data/hex_conversion.h"
 #include "data/local_files.h"
 #include "data/lookup.h"
 #include "form/form.h"
@@ -125,6 +126,7 @@ class Application {
   BatchConversion conversion_;
   TransferFlows flows_;
   UnitSession session_;
+  HexConversion hex_;
   Sessions sessions_;
   DownloadRound round_;
   PortFinder finder_;

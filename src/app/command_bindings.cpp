@@ -127,6 +127,7 @@ void Commands::BindButtons() {
       {form.Cmd_DownloadAll[1], "&Download", &Commands::DownloadAllButton, kRadioUnits},
       {form.Cmd_Convert, "Convert", &Commands::Convert, 2},
       {form.Cmd_ConvertAll, "Convert", &Commands::Convert, 1},
+      {form.Cmd_Hex, "Convert hex dump...", &Commands::ConvertHex, 0},
       {form.Cmd_EditDataFile, "Edit", &Commands::FileCommand, 0},
       {form.Cmd_DeleteFile, "Delete", &Commands::FileCommand, 1},
       {form.Cmd_EditTrace, "Edit", &Commands::FileCommand, 2},

@@ -6,6 +6,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int16_t kCreateLocalFolders = 4;
+constexpr const char* kHexFilter = "Hex files(*.hex)|*.hex|All files(*.)|*.*";
 
 }  // namespace
 
@@ -128,6 +129,16 @@ void Commands::Convert(std::int16_t ai_Entry) {
   } else {
     ConvertAll(ai_Entry == 1);
   }
+}
+
+void Commands::ConvertHex(std::int16_t /*ai_Unused*/) {
+  const auto file = p_.dialogs.ChooseFile("Choose a hex dump", kHexFilter, p_.names.DataFolder());
+  if (!file) return;
+  const bool run = RunOperation("Convert hex dump", [&] {
+    if (!p_.hex.ConvertHexToRaw(*file)) ++p_.flags.problems;
+  });
+  // An automatic download may have begun while the choice was open.
+  if (!run) p_.trace.Status("Not converted: another operation runs");
 }
 
 void Commands::FileMenu(std::int16_t ai_Entry) {

@@ -10,6 +10,7 @@
 #include "app/run_at_startup.h"
 #include "app/run_flags.h"
 #include "data/batch_conversion.h"
+#include "data/hex_conversion.h"
 #include "data/local_files.h"
 #include "form/form.h"
 #include "link/download_round.h"
@@ -51,6 +52,7 @@ class Commands {
     LocalFiles& files;
     BatchConversion& conversion;
     PortLink& port;
+    HexConversion& hex;
     LinkWriter& writer;
     Sessions& sessions;
     DownloadRound& round;
@@ -107,6 +109,7 @@ class Commands {
   void FileMenu(std::int16_t ai_Entry);
   void Send(std::int16_t ai_Entry);
   void UnitCommand(std::int16_t ai_Command);
+  void ConvertHex(std::int16_t ai_Unused);
   void RelayCommand(std::int16_t ai_Command);
   void ClientCommand(std::int16_t ai_Command);
   void FtpCommand(std::int16_t ai_Command);
