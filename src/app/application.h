@@ -23,6 +23,7 @@
 #include "form/form.h"
 #include "lang/language.h"
 #include "link/capture.h"
+#include "link/direct_terminal.h"
 #include "link/download_round.h"
 #include "link/exchange.h"
 #include "link/link_state.h"
@@ -120,13 +121,14 @@ class Application {
   DownloadCapture capture_;
   ReplyHandler replies_;
   PortLink port_link_;
+  DirectTerminal terminal_;
   Schedule schedule_;
   Lookups lookups_;
   CalibratedConverter converter_;
   BatchConversion conversion_;
+  HexConversion hex_;
   TransferFlows flows_;
   UnitSession session_;
-  HexConversion hex_;
   Sessions sessions_;
   DownloadRound round_;
   PortFinder finder_;

@@ -177,6 +177,13 @@ void Commands::ClientCommand(std::int16_t ai_Command) {
 
 void Commands::FtpCommand(std::int16_t /*ai_Command*/) {}
 
+void Commands::SendDirect(std::int16_t /*ai_Unused*/) {
+  if (p_.terminal.Listening()) return p_.terminal.SendNext();
+  RunOperation("Direct terminal", [&] {
+    if (!p_.terminal.Run()) ++p_.flags.problems;
+  });
+}
+
 void Commands::AskMode(std::int16_t /*ai_Unused*/) {
   const auto mode = p_.dialogs.AskText("Set Mode", "Mode that is sent to the units:", p_.form.Lbl_Mode.text());
   if (mode) p_.form.Lbl_Mode.SetText(*mode);
