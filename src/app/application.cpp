@@ -15,6 +15,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       language_(messages_),
       summary_(form_, link_, download_, flags_, loop_, trace_),
       names_(form_, registry_, app_),
+      checks_(form_, app_, names_),
       file_list_(form_, messages_),
       files_(form_, flags_, slot_, app_, names_, file_list_, loop_, av_Platform.dialogs, av_Platform.shell, messages_),
       editor_parts_{form_, registry_, states_, slot_, messages_},

@@ -7,6 +7,7 @@
 #include "app/app_info.h"
 #include "app/command_states.h"
 #include "app/commands.h"
+#include "app/field_checks.h"
 #include "app/life_cycle.h"
 #include "app/operation_slot.h"
 #include "app/run_at_startup.h"
@@ -76,6 +77,7 @@ class Application {
   [[nodiscard]] const Registry& registry() const { return registry_; }
   [[nodiscard]] const AppInfo& app() const { return app_; }
   [[nodiscard]] const FileNames& names() const { return names_; }
+  [[nodiscard]] const FieldChecks& checks() const { return checks_; }
   [[nodiscard]] const PortDevices& devices() const { return devices_; }
   [[nodiscard]] UnitEditor& units() { return units_; }
   [[nodiscard]] OperationSlot& slot() { return slot_; }
@@ -105,6 +107,7 @@ class Application {
   CLanguage language_;
   DownloadSummary summary_;
   FileNames names_;
+  FieldChecks checks_;
   CFileListbox file_list_;
   LocalFiles files_;
   RecordEditor::Parts editor_parts_;
