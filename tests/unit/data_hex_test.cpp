@@ -4,10 +4,8 @@
 
 #include <filesystem>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "base/status.h"
 #include "support/world.h"
 
 namespace corvane::test {
@@ -34,6 +32,8 @@ TEST(HexConversion, Dumps) {
       {"whole", whole, two + whole_row, ""},
       {"LF, blank and partial lines", "\n1,2,3,4,5,6,7,8,9,10,11\n" + whole + "01", two + whole_row, ""},
       {"no sensors", none, kFixed + ",  cs\r\n0100,13" + kStartRow.substr(7) + ", C7\r\n", ""},
+      {"what is no byte is 0", "x,0E,G1,-1, f ,,0x1,100,1,7FFFFFFFF,0,0,0,0,0,0,2,99,C7\n",
+       kFixed + ",  cs\r\nx,14,2000/00/15 00:00,00512,00000,00000,00000,00512, C7\r\n", ""},
       {"cut in the fixed part", whole + kStart.substr(0, 40) + "\r\n" + whole, two + whole_row + whole_row,
        "line 2: field 13 is missing. Damaged records are left out: 1, converted: 2"},
       {"cut before the last sensor", whole + kStart + "12,34,00,01,00,02,C7", two + whole_row, "line 2: field 25"},
@@ -78,20 +78,6 @@ TEST(HexConversion, LeavesTheOldOutputWhereItDoesNotFinish) {
     EXPECT_EQ(world.Logged("Error! ConvertHexToRaw"), way == "missing" || way == "tsc");
     EXPECT_EQ(world.app().flags().problems, 1);
   }
-}
-
-TEST(HexRecord, ReadsNumbersInBothByteOrders) {
-  HexRecord record;
-  record.SetLine("0100,1A,G1,-1,100,,0x1,34,12,7FFFFFFFF, f ,0,0,0,0,0,01,02,03");
-  for (const auto& [field, value] : {std::pair(1, 26), std::pair(2, 0), std::pair(3, 0), std::pair(4, 256),
-                                     std::pair(5, 0), std::pair(6, 0), std::pair(9, 0), std::pair(10, 15)}) {
-    EXPECT_EQ(record.HexByte(field), value) << field;
-  }
-  EXPECT_EQ(record.HexField(7, 2, 5), "04660");
-  EXPECT_EQ(record.HexField(16, 2, 5), "00513");
-  EXPECT_EQ(record.HexField(17, 2, 5), "00515");
-  EXPECT_EQ(record.HexField(4, 1, 2), "256");
-  EXPECT_THROW(static_cast<void>(record.HexField(18, 2, 5)), RunTimeError);
 }
 
 }  // namespace

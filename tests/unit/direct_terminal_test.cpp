@@ -119,14 +119,5 @@ TEST_F(DirectTerminalTest, TakesTextOnlyWhileItCanSendIt) {
   EXPECT_TRUE(enabled());
 }
 
-TEST_F(DirectTerminalTest, APortThatDoesNotOpenIsSaid) {
-  world.port.open_result = {13, "/dev/base is busy"};
-  form.Cmd_Direct.Click();
-  EXPECT_EQ(form.Lbl_Status.text(), "The port did not open: /dev/base is busy");
-  EXPECT_EQ(form.Lst_Direct.count(), 0);
-  EXPECT_TRUE(Over());
-  EXPECT_EQ(world.app().flags().problems, 1);
-}
-
 }  // namespace
 }  // namespace corvane::test
