@@ -13,8 +13,10 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       slot_(link_, states_),
       trace_(form_, link_, loop_, av_Platform.shell),
       messages_(form_, flags_, loop_, av_Platform.dialogs, trace_),
+      language_(messages_),
       summary_(form_, link_, download_, flags_, loop_, trace_),
       names_(form_, registry_, app_),
+      checks_(form_, app_, names_),
       file_list_(form_, messages_),
       files_(form_, flags_, slot_, app_, names_, file_list_, loop_, av_Platform.dialogs, av_Platform.shell, messages_),
       editor_parts_{form_, registry_, states_, slot_, messages_},
@@ -31,11 +33,13 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       capture_(form_, link_, download_, loop_, writer_, exchange_, summary_, bars_, trace_),
       replies_(form_, link_, loop_, exchange_, capture_, summary_, trace_),
       port_link_(form_, link_, av_Platform.port, devices_, states_, writer_, reply_timer_, bars_, trace_),
+      terminal_(form_, link_, flags_, loop_, port_link_, exchange_, states_, trace_),
       schedule_(form_, flags_, slot_, loop_, trace_),
       lookups_(messages_),
       converter_(form_, flags_, download_, registry_, lookups_, loop_, bars_, messages_, trace_),
       conversion_(form_, flags_, link_, registry_, names_, file_list_, files_, lookups_, converter_, units_, port_link_,
                   loop_, bars_, messages_, trace_),
+      hex_(form_, flags_, link_, loop_, messages_, trace_),
       session_({form_, registry_, link_, download_, loop_, port_link_, reply_timer_, exchange_, capture_, names_, bars_,
                 messages_, trace_}),
       sessions_({form_, registry_, link_, flags_, loop_, port_link_, writer_, exchange_, capture_, pauser_, schedule_,
@@ -53,7 +57,10 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                  clients_,
                  files_,
                  conversion_,
+                 hex_,
                  port_link_,
+                 terminal_,
+                 states_,
                  writer_,
                  sessions_,
                  round_,
@@ -67,9 +74,9 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                  help_,
                  messages_,
                  trace_}),
-      life_({form_,     link_,           download_, flags_,   slot_,    app_,       states_, store_,
-             settings_, units_,          relays_,   clients_, files_,   port_link_, writer_, capture_,
-             schedule_, run_at_startup_, commands_, bars_,    summary_, trace_}) {
+      life_({form_,     link_,     download_,       flags_,    slot_,  app_,       states_, store_,
+             settings_, units_,    relays_,         clients_,  files_, port_link_, writer_, capture_,
+             schedule_, language_, run_at_startup_, commands_, bars_,  summary_,   trace_}) {
   Wire();
   av_Platform.port.SetEventHandler([this](int code) { port_link_.OnPortEvent(code); });
 }
@@ -77,6 +84,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
 void Application::Wire() {
   trace_.show_message = [this](const std::string& text) { messages_.Show(text); };
   port_link_.line_received = [this] { replies_.HandleReply(); };
+  port_link_.data_received = [this] { terminal_.OnData(); };
   schedule_.start_download = [this] { commands_.DownloadAll(true, kRadioUnits, true); };
   slot_.on_taken = [this] {
     flags_.problems = 0;

@@ -7,6 +7,7 @@
 #include "app/app_info.h"
 #include "app/command_states.h"
 #include "app/commands.h"
+#include "app/field_checks.h"
 #include "app/life_cycle.h"
 #include "app/operation_slot.h"
 #include "app/run_at_startup.h"
@@ -17,10 +18,13 @@
 #include "data/calibrated_converter.h"
 #include "data/file_listbox.h"
 #include "data/file_names.h"
+#include "data/hex_conversion.h"
 #include "data/local_files.h"
 #include "data/lookup.h"
 #include "form/form.h"
+#include "lang/language.h"
 #include "link/capture.h"
+#include "link/direct_terminal.h"
 #include "link/download_round.h"
 #include "link/exchange.h"
 #include "link/link_state.h"
@@ -74,6 +78,7 @@ class Application {
   [[nodiscard]] const Registry& registry() const { return registry_; }
   [[nodiscard]] const AppInfo& app() const { return app_; }
   [[nodiscard]] const FileNames& names() const { return names_; }
+  [[nodiscard]] const FieldChecks& checks() const { return checks_; }
   [[nodiscard]] const PortDevices& devices() const { return devices_; }
   [[nodiscard]] PortChoices& ports() { return ports_; }
   [[nodiscard]] UnitEditor& units() { return units_; }
@@ -102,8 +107,10 @@ class Application {
   OperationSlot slot_;
   Trace trace_;
   Messages messages_;
+  CLanguage language_;
   DownloadSummary summary_;
   FileNames names_;
+  FieldChecks checks_;
   CFileListbox file_list_;
   LocalFiles files_;
   RecordEditor::Parts editor_parts_;
@@ -120,10 +127,12 @@ class Application {
   DownloadCapture capture_;
   ReplyHandler replies_;
   PortLink port_link_;
+  DirectTerminal terminal_;
   Schedule schedule_;
   Lookups lookups_;
   CalibratedConverter converter_;
   BatchConversion conversion_;
+  HexConversion hex_;
   TransferFlows flows_;
   UnitSession session_;
   Sessions sessions_;

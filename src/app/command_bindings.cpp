@@ -127,11 +127,13 @@ void Commands::BindButtons() {
       {form.Cmd_DownloadAll[1], "&Download", &Commands::DownloadAllButton, kRadioUnits},
       {form.Cmd_Convert, "Convert", &Commands::Convert, 2},
       {form.Cmd_ConvertAll, "Convert", &Commands::Convert, 1},
+      {form.Cmd_Hex, "Convert hex dump...", &Commands::ConvertHex, 0},
       {form.Cmd_EditDataFile, "Edit", &Commands::FileCommand, 0},
       {form.Cmd_DeleteFile, "Delete", &Commands::FileCommand, 1},
       {form.Cmd_EditTrace, "Edit", &Commands::FileCommand, 2},
       {form.Cmd_GetFolder, "...", &Commands::FileCommand, 3},
       {form.Cmd_BackupFolder, "...", &Commands::FileCommand, 4},
+      {form.Cmd_Direct, "Send", &Commands::SendDirect, 0},
       {form.Cmd_Mode, "...", &Commands::AskMode, 0},
       {form.Cmd_FTP[0], "New folder", &Commands::FtpCommand, 0},
       {form.Cmd_FTP[1], "Delete", &Commands::FtpCommand, 1},
@@ -177,6 +179,7 @@ void Commands::BindFields() {
       if (!p_.form.Suppress.set()) p_.files.RefreshFileListBox();
     };
   }
+  form.Chk_Direct.on_change = [this] { p_.states.UpdateDirect(); };
   form.Lst_LocalFiles.on_open = [this] { FileCommand(0); };
   form.Chk_ShowCorrectionFactors.on_change = [this] {
     for (TextField& field : p_.form.Txt_Correction) field.SetVisible(p_.form.Chk_ShowCorrectionFactors.ticked());

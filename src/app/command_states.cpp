@@ -57,6 +57,17 @@ void CommandStates::EnableTransfer(bool ab_Enabled) {
   form_.Lst_RemoteFiles.SetEnabled(ab_Enabled);
 }
 
+void CommandStates::SetListening(bool ab_Listening) {
+  listening_ = ab_Listening;
+  UpdateDirect();
+}
+
+void CommandStates::UpdateDirect() {
+  const bool enabled = form_.Chk_Direct.ticked() && (Idle() || listening_);
+  form_.Txt_Direct.SetEnabled(enabled);
+  form_.Cmd_Direct.SetEnabled(enabled);
+}
+
 void CommandStates::UpdateListCommands() {
   UpdateOneList(Idle(), form_.Lst_Units, form_.Cmd_Units, form_.mnu_Units);
   UpdateOneList(Idle(), form_.Lst_Relays, form_.Cmd_Relays, form_.mnu_Relays);
@@ -66,6 +77,7 @@ void CommandStates::UpdateListCommands() {
 void CommandStates::UpdateCommandStates() {
   UpdateListCommands();
   EnableTransfer(Idle() && kHasTransfer);
+  UpdateDirect();
 }
 
 }  // namespace corvane

@@ -13,6 +13,10 @@ class CommandStates {
   void SetIdle(bool ab_Enabled);
   /// True when no operation holds the commands (`Cmd_Close` is enabled).
   [[nodiscard]] bool Idle() const { return form_.Cmd_Close.enabled(); }
+  /// The direct terminal listens, or does so no longer: it takes the next line while an operation, itself, runs.
+  void SetListening(bool ab_Listening);
+  /// Recomputes the field and the button of the direct terminal.
+  void UpdateDirect();
   /// Recomputes the New, Delete and Move commands of the three lists.
   void UpdateListCommands();
   /// Recomputes every command; called after registry changes, at activation and when an operation ends.
@@ -22,6 +26,7 @@ class CommandStates {
   void EnableTransfer(bool ab_Enabled);
 
   Form& form_;
+  bool listening_ = false;
 };
 
 }  // namespace corvane

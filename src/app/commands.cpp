@@ -6,6 +6,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int16_t kCreateLocalFolders = 4;
+constexpr const char* kHexFilter = "Hex files(*.hex)|*.hex|All files(*.)|*.*";
 
 }  // namespace
 
@@ -130,6 +131,16 @@ void Commands::Convert(std::int16_t ai_Entry) {
   }
 }
 
+void Commands::ConvertHex(std::int16_t /*ai_Unused*/) {
+  const auto file = p_.dialogs.ChooseFile("Choose a hex dump", kHexFilter, p_.names.DataFolder());
+  if (!file) return;
+  const bool run = RunOperation("Convert hex dump", [&] {
+    if (!p_.hex.ConvertHexToRaw(*file)) ++p_.flags.problems;
+  });
+  // An automatic download may have begun while the choice was open.
+  if (!run) p_.trace.Status("Not converted: another operation runs");
+}
+
 void Commands::FileMenu(std::int16_t ai_Entry) {
   if (ai_Entry == 0) {
     RunOperation("Backup", [&] { p_.flows.DoBackup(); });
@@ -165,6 +176,13 @@ void Commands::ClientCommand(std::int16_t ai_Command) {
 }
 
 void Commands::FtpCommand(std::int16_t /*ai_Command*/) {}
+
+void Commands::SendDirect(std::int16_t /*ai_Unused*/) {
+  if (p_.terminal.Listening()) return p_.terminal.SendNext();
+  RunOperation("Direct terminal", [&] {
+    if (!p_.terminal.Run()) ++p_.flags.problems;
+  });
+}
 
 void Commands::AskMode(std::int16_t /*ai_Unused*/) {
   const auto mode = p_.dialogs.AskText("Set Mode", "Mode that is sent to the units:", p_.form.Lbl_Mode.text());

@@ -10,8 +10,10 @@
 #include "app/run_at_startup.h"
 #include "app/run_flags.h"
 #include "data/batch_conversion.h"
+#include "data/hex_conversion.h"
 #include "data/local_files.h"
 #include "form/form.h"
+#include "link/direct_terminal.h"
 #include "link/download_round.h"
 #include "link/port_finder.h"
 #include "link/schedule.h"
@@ -50,7 +52,10 @@ class Commands {
     ClientEditor& clients;
     LocalFiles& files;
     BatchConversion& conversion;
+    HexConversion& hex;
     PortLink& port;
+    DirectTerminal& terminal;
+    CommandStates& states;
     LinkWriter& writer;
     Sessions& sessions;
     DownloadRound& round;
@@ -104,12 +109,14 @@ class Commands {
   void ProcessSelected(std::int16_t ai_Command) { Process(false, ai_Command); }
   void ProcessEveryUnit(std::int16_t ai_Command) { Process(true, ai_Command); }
   void Convert(std::int16_t ai_Entry);
+  void ConvertHex(std::int16_t ai_Unused);
   void FileMenu(std::int16_t ai_Entry);
   void Send(std::int16_t ai_Entry);
   void UnitCommand(std::int16_t ai_Command);
   void RelayCommand(std::int16_t ai_Command);
   void ClientCommand(std::int16_t ai_Command);
   void FtpCommand(std::int16_t ai_Command);
+  void SendDirect(std::int16_t ai_Unused);
   void AskMode(std::int16_t ai_Unused);
   void Help(std::int16_t ai_Entry);
   void FileCommand(std::int16_t ai_Entry);

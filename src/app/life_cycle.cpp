@@ -9,6 +9,7 @@ namespace corvane {
 namespace {
 
 constexpr int kPortNumbers = 50;
+constexpr std::int16_t kLanguageFile = 3;
 
 }  // namespace
 
@@ -20,6 +21,7 @@ void LifeCycle::OnWindowCreate() {
   FillFixedSelectors();
   BindProgressBars();
   p_.settings.LoadSettings();
+  LoadCaptions();
   p_.relays.FillRelaySelector();
   p_.clients.FillClientSelector();
   p_.flags.loading = false;
@@ -28,6 +30,12 @@ void LifeCycle::OnWindowCreate() {
   p_.files.RefreshFileListBox();
   p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.IsRunAtStartup());
   p_.states.UpdateCommandStates();
+}
+
+void LifeCycle::LoadCaptions() {
+  if (captions_ == nullptr) return;
+  p_.language.SetLanguageFile(p_.files.SettingsFile(kLanguageFile));
+  p_.language.LoadCaptions(*captions_);
 }
 
 void LifeCycle::FillFixedSelectors() {

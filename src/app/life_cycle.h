@@ -11,6 +11,8 @@
 #include "app/settings_store.h"
 #include "data/local_files.h"
 #include "form/form.h"
+#include "lang/captioned_window.h"
+#include "lang/language.h"
 #include "link/capture.h"
 #include "link/port_link.h"
 #include "link/schedule.h"
@@ -45,6 +47,7 @@ class LifeCycle {
     LinkWriter& writer;
     DownloadCapture& capture;
     Schedule& schedule;
+    CLanguage& language;
     RunAtStartup& run_at_startup;
     Commands& commands;
     ProgressBars& bars;
@@ -53,7 +56,12 @@ class LifeCycle {
   };
   explicit LifeCycle(const Parts& av_Parts) : p_(av_Parts) {}
 
-  /// Builds the window's fixed lists, loads the settings and fills the selectors. Called once. **Yields** for messages.
+  /// The window whose captions the language file replaces at its creation; without one no language file is read.
+  ///
+  /// Must live until `OnWindowCreate` has returned.
+  void SetCaptions(CaptionedWindow* av_Window) { captions_ = av_Window; }
+  /// Builds the window's fixed lists, loads the settings and the captions and fills the selectors. Called once.
+  /// **Yields** for messages.
   void OnWindowCreate();
   /// Shows the first records, acts on the switches and starts the heartbeat. **Yields** when a switch downloads.
   ///
@@ -64,11 +72,13 @@ class LifeCycle {
 
  private:
   void FillFixedSelectors();
+  void LoadCaptions();
   void BindProgressBars();
   void ShowFirstRecords();
   void ActOnSwitches(std::string_view as_Switches);
 
   Parts p_;
+  CaptionedWindow* captions_ = nullptr;
 };
 
 }  // namespace corvane

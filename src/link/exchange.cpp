@@ -84,7 +84,7 @@ Exchange::Exchange(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, 
       pauser_(av_Pauser),
       trace_(av_Trace) {}
 
-void Exchange::SendCommand(std::string_view as_Line) {
+void Exchange::SendLine(std::string_view as_Line) {
   link_.CurrentCommand = as_Line;
   form_.Lbl_Send.SetText(as_Line);
   form_.Lbl_Send.Repaint();
@@ -98,6 +98,10 @@ void Exchange::SendCommand(std::string_view as_Line) {
     writer_.Write(line + std::string(kCarriageReturn));
   }
   trace_.TraceSend("S>" + line);
+}
+
+void Exchange::SendCommand(std::string_view as_Line) {
+  SendLine(as_Line);
   timer_.RestartReplyTimer();
 }
 

@@ -44,6 +44,8 @@ class Exchange {
   Exchange(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, LinkWriter& av_Writer,
            ReplyTimer& av_Timer, Pauser& av_Pauser, Trace& av_Trace);
 
+  /// Sends one line and its carriage return. **Yields** when "Slow send" is ticked.
+  void SendLine(std::string_view as_Line);
   /// Sends one line and its carriage return, and starts the count-down. **Yields** when "Slow send" is ticked.
   void SendCommand(std::string_view as_Line);
   /// Declares which answer is awaited, 0 to `kLastState`.

@@ -46,7 +46,8 @@ struct LinkState {
   std::int64_t OverunCount = 0;
   bool OverunFlag = false;
   bool TestingPort = false;
-  std::int64_t LineCount = 0;  ///< reply lines counted for the current command
+  bool DirectListening = false;  ///< the direct terminal has the line: nothing that arrives is an answer
+  std::int64_t LineCount = 0;    ///< reply lines counted for the current command
   std::int64_t LinesExpected = 0;
   bool DataPhase = false;         ///< a reply line other than the echo has arrived since the last send
   double CountDown = 0;           ///< seconds the reply may take

@@ -149,6 +149,7 @@ void PortLink::OnPortEvent(int al_Code) {
 }
 
 void PortLink::TakeReceivedData() {
+  if (data_received) data_received();
   std::string received = port_.ReadAll();
   if (overflowed_) {
     const std::size_t end = received.find(kLineEnd);

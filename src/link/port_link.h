@@ -45,6 +45,8 @@ class PortLink {
 
   /// A complete line stands in `ReplyLine`; set by the composition root.
   std::function<void()> line_received;
+  /// Something has arrived, whole lines or not; set by the composition root.
+  std::function<void()> data_received;
 
  private:
   void OpenSteps(std::int16_t ai_Index, std::string& as_Step);

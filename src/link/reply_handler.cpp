@@ -5,6 +5,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "link/direct_rows.h"
 
 namespace corvane {
 namespace {
@@ -12,7 +13,6 @@ namespace {
 constexpr std::string_view kError = "ERROR";
 constexpr std::size_t kShortestNumberedError = 7;
 constexpr std::int16_t kErrorWithoutNumber = 6;
-constexpr std::int64_t kMostDirectRows = 30000;
 
 /// The number in an error reply, held within the range of result codes.
 std::int16_t ErrorNumber(std::string_view as_Line) {
@@ -38,8 +38,8 @@ void ReplyHandler::HandleReply() {
   link_.LastLineTime = loop_.MonotonicMilliseconds();
   std::string direct;
   if (form_.Chk_Direct.ticked()) direct = link_.ReplyLine;
-  if (!link_.HalvexError) TakeLine();
-  ShowDirect(std::move(direct));
+  if (!link_.HalvexError && !link_.DirectListening) TakeLine();
+  if (form_.Chk_Direct.ticked()) AddDirectRow(form_, std::move(direct));
   link_.ReplyLine.clear();
 }
 
@@ -82,12 +82,6 @@ void ReplyHandler::TakeErrorReply() {
   if (link_.State == kDownload) summary_.WriteSummary();
   trace_.SwitchOnAllTrace("HalvexError: " + link_.ReplyLine, 1);
   trace_.TraceDecision("HV Error received:" + link_.ReplyLine);
-}
-
-void ReplyHandler::ShowDirect(std::string as_Line) {
-  if (!form_.Chk_Direct.ticked()) return;
-  if (form_.Lst_Direct.count() > kMostDirectRows) form_.Lst_Direct.Clear();
-  form_.Lst_Direct.Add(std::move(as_Line));
 }
 
 }  // namespace corvane

@@ -26,7 +26,6 @@ class ReplyHandler {
   void TakeErrorReply();
   void TakeReply();
   void TakeAnswer();
-  void ShowDirect(std::string as_Line);
 
   Form& form_;
   LinkState& link_;

@@ -1,0 +1,147 @@
+#include "app/field_checks.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+#include "base/files.h"
+#include "base/format.h"
+#include "base/numbers.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "data/logging_schedule.h"
+#include "link/line_settings.h"
+#include "link/schedule.h"
+
+namespace corvane {
+namespace {
+
+constexpr double kLowest32 = std::numeric_limits<std::int32_t>::min();
+constexpr double kHighest32 = std::numeric_limits<std::int32_t>::max();
+constexpr double kLargestCorrection = 50;
+constexpr const char* kForeignPath =
+    "This is no path of this computer; it begins with \"/\" or is a name in the application folder.";
+
+std::string RangeText(double ad_Lowest, double ad_Highest) {
+  return " from " + ShortestText(ad_Lowest) + " to " + ShortestText(ad_Highest) + ".";
+}
+
+/// The folder above `as_Path`, "/" at the top.
+std::string ParentOf(std::string_view as_Path) {
+  while (as_Path.size() > 1 && as_Path.ends_with('/')) as_Path.remove_suffix(1);
+  const std::string_view parent = FolderOf(as_Path);
+  return parent.empty() ? "/" : std::string(parent);
+}
+
+bool IsFolder(const std::string& as_Path) {
+  const auto info = ExamineFile(as_Path);
+  return info && info->is_folder;
+}
+
+}  // namespace
+
+FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileNames& av_Names)
+    : form_(av_Form), app_(av_App), names_(av_Names) {
+  using Checks = FieldChecks;
+  rows_ = {
+      {&form_.Txt_StartAt, &Checks::TimeOfDay},
+      {&form_.Txt_Interval, &Checks::LoggingInterval},
+      {&form_.Txt_AutomaticInterval, &Checks::DownloadInterval},
+      {&form_.Txt_Timeout[0], &Checks::WholeNumber, 1, kSecondsPerDay},
+      {&form_.Txt_Timeout[1], &Checks::WholeNumber, 1, kSecondsPerDay},
+      {&form_.Txt_Timeout[2], &Checks::WholeNumber, 0, kSecondsPerDay},
+      {&form_.Txt_MaxRetries, &Checks::WholeNumber, 1, 15},
+      {&form_.Txt_MaxOveruns, &Checks::WholeNumber, 0, kHighest32},
+      {&form_.Txt_UnitID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Units},
+      {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
+      {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
+      {&form_.Txt_Correction[1], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
+      {&form_.Txt_Folder, &Checks::DataFolder},
+      {&form_.Txt_Settings, &Checks::SerialSettings},
+      {&form_.Txt_Prefix, &Checks::PartOfName},
+      {&form_.Txt_RawFileExtension, &Checks::Extension},
+      {&form_.Txt_CalibratedFileExtension, &Checks::Extension},
+      {&form_.Txt_DateFormat, &Checks::DateFormat},
+  };
+  for (int index = form_.Txt_File.first(); index <= form_.Txt_File.last(); ++index) {
+    rows_.push_back({&form_.Txt_File[index], &Checks::ExistingFile});
+  }
+}
+
+std::string FieldChecks::ProblemOf(const TextField& av_Field) const {
+  const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const Row& r) { return r.field == &av_Field; });
+  if (row == rows_.end() || (row->editor != nullptr && row->editor->current() < 0)) return {};
+  return (this->*row->problem)(*row);
+}
+
+std::string FieldChecks::TimeOfDay(const Row& av_Row) const {
+  if (ParseTimeOfDay(Trim(av_Row.field->text()))) return {};
+  return "This is no time of day; write hours and minutes, such as 06:00.";
+}
+
+std::string FieldChecks::LoggingInterval(const Row& av_Row) const {
+  if (LoggingSchedule::Interval(av_Row.field->text())) return {};
+  return "This is no interval above zero; write hours and minutes, such as 01:00, or a number of hours.";
+}
+
+std::string FieldChecks::DownloadInterval(const Row& av_Row) const {
+  if (AutomaticInterval(av_Row.field->text())) return {};
+  return "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below 24, or a "
+         "number "
+         "of hours from 24.";
+}
+
+std::string FieldChecks::WholeNumber(const Row& av_Row) const {
+  const auto lowest = static_cast<std::int64_t>(av_Row.lowest);
+  if (ParseInteger(av_Row.field->text(), lowest, static_cast<std::int64_t>(av_Row.highest))) return {};
+  return "This is no whole number" + RangeText(av_Row.lowest, av_Row.highest);
+}
+
+std::string FieldChecks::Decimal(const Row& av_Row) const {
+  const std::optional<double> number = ParseNumber(av_Row.field->text());
+  if (number && *number >= av_Row.lowest && *number <= av_Row.highest) return {};
+  return "This is no number (with \".\" as the decimal point)" + RangeText(av_Row.lowest, av_Row.highest);
+}
+
+std::string FieldChecks::ExistingFile(const Row& av_Row) const {
+  if (av_Row.field->text().empty()) return "No file is named; choose one.";
+  const std::string path = app_.AppPath(WithSlashes(av_Row.field->text()));
+  if (!path.starts_with('/')) return kForeignPath;
+  const auto info = ExamineFile(path);
+  if (!info) return "There is no file " + path + "; choose one that exists.";
+  return info->is_folder ? "This is a folder; choose a file." : "";
+}
+
+std::string FieldChecks::DataFolder(const Row& /*av_Row*/) const {
+  const std::string path = names_.DataFolder();
+  if (!path.starts_with('/')) return kForeignPath;
+  if (ExamineFile(path)) return IsFolder(path) ? "" : "This is a file; choose a folder.";
+  const std::string parent = ParentOf(path);
+  return IsFolder(parent) ? "" : "There is no folder " + parent + " to create it in; choose a folder that exists.";
+}
+
+std::string FieldChecks::SerialSettings(const Row& av_Row) const {
+  if (ParseLineSettings(av_Row.field->text())) return {};
+  return "These are no serial settings; write baud, parity, data bits and stop bits, such as 9600,N,8,1.";
+}
+
+std::string FieldChecks::PartOfName(const Row& av_Row) const {
+  if (av_Row.field->text().find_first_of("/\\") == std::string::npos) return {};
+  return "This becomes part of a file name, which cannot hold \"/\" or \"\\\".";
+}
+
+std::string FieldChecks::Extension(const Row& av_Row) const {
+  const bool same = form_.Txt_RawFileExtension.text() == form_.Txt_CalibratedFileExtension.text();
+  return same ? "Raw and calibrated files have the same extension; change one of the two." : PartOfName(av_Row);
+}
+
+std::string FieldChecks::DateFormat(const Row& av_Row) const {
+  // Two dates that share no part but the time of day.
+  const std::string& pattern = av_Row.field->text();
+  const std::string one = FormatDate(DateTime::FromCivil(2001, 2, 3), pattern);
+  if (one != FormatDate(DateTime::FromCivil(2010, 11, 22), pattern)) return {};
+  return "This shows nothing of the date; write a pattern such as d mmm yyyy HH:MM.";
+}
+
+}  // namespace corvane

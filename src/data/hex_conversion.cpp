@@ -1,0 +1,185 @@
+#include "data/hex_conversion.h"
+
+#include <charconv>
+#include <optional>
+#include <system_error>
+
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "ui/mouse_pointer.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::size_t kMostFieldsOfNoRecord = 11;
+constexpr std::int64_t kFirstHighByteFirst = 17;
+constexpr std::int64_t kFirstSensorField = 18;
+constexpr std::int64_t kFieldsPerSensor = 6;
+constexpr std::int32_t kBytesBeforeSensors = 14;
+constexpr std::int32_t kLargestByte = 0xFF;
+constexpr std::int64_t kMillisecondsBetweenPolls = 20;
+constexpr std::int64_t kLinesBetweenClockReadings = 64;
+
+/// What stands before a field of a row, and the field.
+struct Column {
+  std::string_view before;
+  std::int64_t field;
+  std::int16_t bytes;
+  std::int16_t width;
+};
+constexpr Column kFixedColumns[] = {
+    {",", 1, 1, 2}, {",20", 2, 1, 2}, {"/", 3, 1, 2},  {"/", 4, 1, 2},  {" ", 5, 1, 2},  {":", 6, 1, 2},
+    {",", 7, 2, 5}, {",", 9, 2, 5},   {",", 11, 2, 5}, {",", 13, 2, 5}, {",", 15, 2, 5},
+};
+
+std::int32_t SensorsOf(const HexRecord& av_Record) {
+  const std::int32_t length = av_Record.HexByte(1);
+  if (length < 0 || length > kLargestByte) throw RunTimeError("its record length is no byte");
+  return (length - kBytesBeforeSensors) / static_cast<std::int32_t>(kFieldsPerSensor);
+}
+
+std::string HeaderOf(std::int32_t al_Sensors) {
+  std::string header = "addr , rl, yy, mm, dd, hh, mm, batt, temp, Count, AN1, AN2, cs";
+  for (std::int32_t sensor = 1; sensor <= al_Sensors; ++sensor) {
+    const std::string number = std::to_string(sensor);
+    header += ",  m" + number + ", s" + number + ", t" + number;
+  }
+  // Intended: "cs" stands in the header twice; programs that read these files count its columns.
+  return header + ",  cs" + std::string(kLineBreak);
+}
+
+std::string RowOf(const HexRecord& av_Record, std::int32_t al_Sensors) {
+  std::string row(av_Record.Text(0));
+  for (const Column& column : kFixedColumns) {
+    row += column.before;
+    row += av_Record.HexField(column.field, column.bytes, column.width);
+  }
+  for (std::int32_t sensor = 0; sensor < al_Sensors; ++sensor) {
+    const std::int64_t moisture = kFirstSensorField + kFieldsPerSensor * sensor;
+    row += ", " + av_Record.HexField(moisture, 2, 5);
+    for (const std::int64_t field : {moisture + 2, moisture + 4}) {
+      if (field + 1 < av_Record.FieldCount()) row += "," + av_Record.HexField(field, 2, 5);
+    }
+  }
+  row += ", ";
+  row += av_Record.Text(av_Record.FieldCount() - 1);
+  row += kLineBreak;
+  return row;
+}
+
+}  // namespace
+
+struct HexConversion::Run {
+  explicit Run(const std::string& as_OutputFile) : Output(as_OutputFile) {}
+
+  LineReader Input;
+  ReplacementFile Output;
+  HexRecord Record;
+  std::optional<std::int32_t> Sensors;  ///< of the first converted line
+  std::int64_t Lines = 0;
+  std::int64_t Rows = 0;
+  std::int64_t Damaged = 0;
+  std::string FirstDamage;
+  std::int64_t NextPoll = 0;
+};
+
+void HexRecord::SetLine(std::string_view as_Line) {
+  SplitInto(as_Line, ',', fields_);
+}
+
+bool HexRecord::IsRecord() const {
+  return fields_.size() > kMostFieldsOfNoRecord;
+}
+
+std::string_view HexRecord::Text(std::int64_t al_Index) const {
+  if (al_Index < 0 || al_Index >= FieldCount()) {
+    throw RunTimeError("field " + std::to_string(al_Index) + " is missing");
+  }
+  return fields_[static_cast<std::size_t>(al_Index)];
+}
+
+std::int32_t HexRecord::HexByte(std::int64_t al_Index) const {
+  const std::string_view text = Trim(Text(al_Index));
+  const char* const end = text.data() + text.size();
+  std::int32_t number = 0;
+  const auto [stop, error] = std::from_chars(text.data(), end, number, 16);
+  return error == std::errc{} && stop == end && number >= 0 ? number : 0;
+}
+
+std::string HexRecord::HexField(std::int64_t al_Index, std::int16_t ai_ByteCount, std::int16_t ai_Width) const {
+  std::int64_t value = HexByte(al_Index);
+  if (ai_ByteCount == 2) {
+    const std::int64_t second = HexByte(al_Index + 1);
+    // Intended: the unit stores the two halves of its record with opposite byte orders.
+    value = al_Index < kFirstHighByteFirst ? second * 256 + value : value * 256 + second;
+  }
+  return ZeroPadded(value, ai_Width);
+}
+
+HexConversion::HexConversion(Form& av_Form, const RunFlags& av_Flags, const LinkState& av_Link, EventLoop& av_Loop,
+                             Messages& av_Messages, Trace& av_Trace)
+    : form_(av_Form), flags_(av_Flags), link_(av_Link), loop_(av_Loop), messages_(av_Messages), trace_(av_Trace) {}
+
+bool HexConversion::ConvertHexToRaw(const std::string& as_InputFile) {
+  try {
+    const std::string output = WithExtension(as_InputFile, "tsc");
+    if (output == as_InputFile) throw RunTimeError(output + " is a converted file already, choose a hex dump");
+    if (!messages_.Confirm("Convert: " + as_InputFile + std::string(kLineBreak) + "To: " + output)) return false;
+    const BusyPointer busy(form_.Frm_Main);
+    trace_.Status("Convert: " + as_InputFile);
+    return ConvertFile(as_InputFile, output);
+  } catch (const RunTimeError& error) {
+    trace_.ErrorReport("ConvertHexToRaw", error.what());
+    return false;
+  }
+}
+
+bool HexConversion::ConvertFile(const std::string& as_InputFile, const std::string& as_OutputFile) {
+  Run run(as_OutputFile);
+  Require(run.Input.Open(as_InputFile));
+  Require(run.Output.Open());
+  std::string_view line;
+  while (run.Input.Next(line)) {
+    TakeLine(run, line);
+    Require(run.Output.FlushWhenFull());
+    if (!GoOn(run)) {
+      trace_.Status("Cancelled: " + as_OutputFile + " is not written");
+      return false;
+    }
+  }
+  Require(run.Input.status());
+  if (run.Rows == 0) throw RunTimeError(as_InputFile + " holds no whole record of a hex dump, nothing is written");
+  Require(run.Output.Commit());
+  trace_.Status("Converted: " + std::to_string(run.Rows) + " records to " + as_OutputFile);
+  if (run.Damaged == 0) return true;
+  throw RunTimeError(as_InputFile + ": " + run.FirstDamage + ". Damaged records are left out: " +
+                     std::to_string(run.Damaged) + ", converted: " + std::to_string(run.Rows));
+}
+
+void HexConversion::TakeLine(Run& av_Run, std::string_view as_Line) {
+  ++av_Run.Lines;
+  av_Run.Record.SetLine(as_Line);
+  if (!av_Run.Record.IsRecord()) return;
+  try {
+    const std::int32_t sensors = av_Run.Sensors ? *av_Run.Sensors : SensorsOf(av_Run.Record);
+    const std::string row = RowOf(av_Run.Record, sensors);
+    if (!av_Run.Sensors) av_Run.Output.buffer() += HeaderOf(sensors);
+    av_Run.Sensors = sensors;
+    av_Run.Output.buffer() += row;
+    ++av_Run.Rows;
+  } catch (const RunTimeError& error) {
+    if (++av_Run.Damaged == 1) av_Run.FirstDamage = "line " + std::to_string(av_Run.Lines) + ": " + error.what();
+  }
+}
+
+bool HexConversion::GoOn(Run& av_Run) {
+  if (av_Run.Lines % kLinesBetweenClockReadings != 0) return true;
+  if (loop_.MonotonicMilliseconds() >= av_Run.NextPoll) {
+    loop_.Poll();
+    av_Run.NextPoll = loop_.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
+  }
+  return !flags_.closing && !link_.UserCancel;
+}
+
+}  // namespace corvane

@@ -1,0 +1,96 @@
+#include "app/field_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/world.h"
+
+namespace corvane::test {
+namespace {
+
+struct FieldCase {
+  TextField& field;
+  std::vector<std::string> good;
+  std::vector<std::string> bad;
+  std::string says;  ///< part of the sentence
+};
+
+class FieldChecksTest : public ::testing::Test {
+ protected:
+  FieldChecksTest() {
+    world.home.Write("table.lkp", "0,0\n");
+    world.home.Write("data/x", "");
+    form.Lst_Units.SetCurrent(0);
+    form.Lst_Relays.SetCurrent(0);
+  }
+  void Check(const FieldCase& row) {
+    SCOPED_TRACE(row.field.name());
+    const auto problem = [&](const std::string& text) {
+      row.field.SetText("another text");
+      row.field.SetText(text);
+      return world.app().checks().ProblemOf(row.field);
+    };
+    for (const std::string& text : row.good) EXPECT_EQ(problem(text), "") << text;
+    for (const std::string& text : row.bad) {
+      EXPECT_NE(problem(text).find(row.says), std::string::npos) << text << ": " << problem(text);
+      EXPECT_TRUE(problem(text).ends_with('.')) << text;
+    }
+  }
+
+  World world;
+  Form& form = world.Start().form();
+};
+
+TEST_F(FieldChecksTest, NumbersAndTimes) {
+  const std::string huge(126, '9');
+  const std::vector<FieldCase> rows = {
+      {form.Txt_StartAt, {"06:00", " 0:00 ", "23:59:59"}, {"", "24:00", "6", "-1:00", huge, "\xC3\xA9"}, "06:00"},
+      {form.Txt_Interval, {"00:15", "2", "0.5"}, {"", "00:00", "0", "-1", "x", huge}, "above zero"},
+      {form.Txt_AutomaticInterval, {"03:00", "12", "36"}, {"", "00:00", "0", "-3", "x", huge}, "above zero"},
+      {form.Txt_Timeout[0], {"1", "86400"}, {"", "0", "86401", "4.5", "-1", huge}, "from 1 to 86400."},
+      {form.Txt_Timeout[2], {"0"}, {"-1"}, "from 0 to 86400."},
+      {form.Txt_MaxRetries, {"1", " 15 "}, {"0", "16", "ten"}, "from 1 to 15."},
+      {form.Txt_MaxOveruns, {"0", "2147483647"}, {"-1", "2147483648"}, "from 0 to 2147483647."},
+      {form.Txt_UnitID, {"-2147483648", "2147483647"}, {"", "2147483648", "1.5"}, "from -2147483648 to 2147483647."},
+      {form.Txt_RelayID, {"0"}, {"x"}, "whole number"},
+      {form.Txt_Correction[1], {"0", "1.25", "50"}, {"", "2,5", "-1", "50.1", "nan", huge}, "from 0 to 50."},
+      {form.Txt_Settings, {"9600,N,8,1", "110,e,7,2"}, {"", "9600", "9600,X,8,1", "9600,N,8,1,"}, "9600,N,8,1."},
+      {form.Txt_UnitName, {"", "anything", huge}, {}, ""},
+  };
+  for (const FieldCase& row : rows) Check(row);
+  form.Lst_Units.SetCurrent(-1);
+  Check({form.Txt_UnitID, {""}, {}, ""});
+}
+
+TEST_F(FieldChecksTest, FilesFoldersAndNames) {
+  const std::string table = world.home.Name("table.lkp");
+  const std::vector<FieldCase> rows = {
+      {form.Txt_File[0], {"table.lkp", table, ".\\table.lkp"}, {"none.lkp", "/none", "\xC3\xA9"}, "There is no file /"},
+      {form.Txt_File[3], {}, {""}, "choose one"},
+      {form.Txt_File[1], {}, {"data", "/"}, "This is a folder"},
+      {form.Txt_File[2], {}, {"C:\\table.lkp"}, "no path of this computer"},
+      {form.Txt_Folder,
+       {"", "data", "data/", "data/new", "data\\new\\", "/", "/new"},
+       {"a/b", "/no/where"},
+       "create it in"},
+      {form.Txt_Folder, {}, {"table.lkp"}, "This is a file"},
+      {form.Txt_Folder, {}, {"D:\\data"}, "no path of this computer"},
+      {form.Txt_Prefix, {"", "site-", "\xC3\xA9"}, {"a/b", "a\\b", "/"}, "part of a file name"},
+      {form.Txt_RawFileExtension, {"epd", "a.b"}, {"e/pd"}, "part of a file name"},
+      {form.Txt_CalibratedFileExtension, {"txt", "EPD"}, {"epd"}, "same extension"},
+      {form.Txt_DateFormat,
+       {"d mmm yyyy HH:MM", "yy", "ddd"},
+       {"", "HH:MM:SS", "-", "\xC3\xA9"},
+       "nothing of the date"},
+  };
+  form.Txt_CalibratedFileExtension.SetText("txt");
+  for (const FieldCase& row : rows) {
+    if (&row.field == &form.Txt_CalibratedFileExtension) form.Txt_RawFileExtension.SetText("epd");
+    Check(row);
+  }
+}
+
+}  // namespace
+}  // namespace corvane::test
