@@ -48,7 +48,7 @@ QVariant ListModel::headerData(int section, Qt::Orientation orientation, int rol
 bool ListModel::setHeaderData(int section, Qt::Orientation orientation, const QVariant& value, int /*role*/) {
   if (orientation != Qt::Horizontal || section < 0 || section >= headings_.size()) return false;
   headings_[section] = value.toString();
-  emit headerDataChanged(orientation, section, section);
+  Q_EMIT headerDataChanged(orientation, section, section);
   return true;
 }
 
@@ -85,11 +85,11 @@ void ListModel::TakeAll() {
 
 void ListModel::TakeRow(std::size_t row) {
   const auto changed = static_cast<int>(row);
-  if (changed < shown_) emit dataChanged(index(changed, 0), index(changed, columnCount() - 1));
+  if (changed < shown_) Q_EMIT dataChanged(index(changed, 0), index(changed, columnCount() - 1));
 }
 
 void ListModel::TakeEnabled() {
-  if (shown_ > 0) emit dataChanged(index(0, 0), index(shown_ - 1, columnCount() - 1));
+  if (shown_ > 0) Q_EMIT dataChanged(index(0, 0), index(shown_ - 1, columnCount() - 1));
 }
 
 }  // namespace corvane::window

@@ -47,7 +47,7 @@ BindingContext MainWindow::Context() {
       .loop = loop_,
       .port_text =
           [this](int number) { return "COM" + std::to_string(number) + "  " + app_.devices().DeviceOf(number); },
-      .problem_of = [](const TextField&) { return std::string(); },
+      .problem_of = [this](const TextField& field) { return app_.checks().ProblemOf(field); },
       .show_hint = [this](const std::string& problem) { ui_->hintLabel->setText(QString::fromStdString(problem)); },
   };
 }

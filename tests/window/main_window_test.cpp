@@ -128,7 +128,7 @@ TEST(MainWindow, ListsTakeClicksChecksAndSelections) {
   EXPECT_EQ(files.model()->index(1, 1).data().toString(), "2 b");
   files.selectAll();
   EXPECT_EQ(form.Lst_LocalFiles.SelectedCount(), 2);
-  emit files.doubleClicked(files.model()->index(1, 0));
+  Q_EMIT files.doubleClicked(files.model()->index(1, 0));
   EXPECT_EQ(world.shell.edited, std::vector<std::string>{world.home.Name("b.txt")});
 }
 

@@ -56,7 +56,7 @@ class WindowWorld : public World {
     QTest::keyClicks(&edit, text);
   }
   /// Ends the typing in a field as leaving it does.
-  void Leave(const char* field) { emit Widget<QLineEdit>(field).editingFinished(); }
+  void Leave(const char* field) { Q_EMIT Widget<QLineEdit>(field).editingFinished(); }
 
   HelpFiles help{"/guide/index.html", "/guide/index-of-words.html"};
 
