@@ -16,8 +16,7 @@ namespace {
 /// Appended rows (a trace, a reply) are shown so often at most.
 constexpr int kAppendMilliseconds = 50;
 
-/// Rows in a list or table view. The view's property "headings" names the columns, "checkable" gives check marks, and
-/// "streaming" says that rows may come faster than the eye sees.
+/// Rows in a list or table view. The view's property "streaming" says that rows may come faster than the eye sees.
 class ListBinding : public QObject, public Binding {
  public:
   ListBinding(List& list, QWidget& widget)
@@ -25,7 +24,7 @@ class ListBinding : public QObject, public Binding {
         control_(list),
         view_(WidgetAs<QAbstractItemView>(widget)),
         streaming_(view_->property("streaming").toBool()),
-        model_(list, view_->property("headings").toStringList(), view_->property("checkable").toBool(), view_) {
+        model_(list, *view_, view_) {
     view_->setModel(&model_);
     if (auto* rows = qobject_cast<QListView*>(view_)) rows->setUniformItemSizes(true);
     SizeColumns();
