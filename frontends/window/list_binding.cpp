@@ -19,9 +19,10 @@ constexpr int kAppendMilliseconds = 50;
 /// Rows in a list or table view. The view's property "streaming" says that rows may come faster than the eye sees.
 class ListBinding : public QObject, public Binding {
  public:
-  ListBinding(List& list, QWidget& widget)
+  ListBinding(List& list, QWidget& widget, const BindingContext& context)
       : Binding(&widget),
         control_(list),
+        context_(context),
         view_(WidgetAs<QAbstractItemView>(widget)),
         streaming_(view_->property("streaming").toBool()),
         model_(list, *view_, view_) {
@@ -124,12 +125,16 @@ class ListBinding : public QObject, public Binding {
 
   void TakeCurrent(const QModelIndex& index) {
     if (showing_ > 0 || !control_.enabled()) return;
+    context_.loop.Post([this, row = index.isValid() ? index.row() : -1] { TakeCurrentRow(row); });
+  }
+  void TakeCurrentRow(int row) {
+    if (!control_.enabled()) return Show(Aspect::Selection, 0);
     {
       const Scope taking(taking_);
-      control_.SetCurrent(index.isValid() ? index.row() : -1);
+      control_.SetCurrent(row);
     }
     // The control may have refused it or moved on.
-    if (control_.current() != index.row()) Show(Aspect::Selection, 0);
+    if (control_.current() != row) Show(Aspect::Selection, 0);
   }
   void TakeSelection(const QItemSelection& ranges, bool selected) {
     if (showing_ > 0 || !control_.multi_select()) return;
@@ -141,10 +146,14 @@ class ListBinding : public QObject, public Binding {
     }
   }
   void Open(const QModelIndex& index) {
-    if (index.isValid() && index.row() < control_.count()) control_.Open(index.row());
+    if (!index.isValid()) return;
+    context_.loop.Post([this, row = index.row()] {
+      if (row < control_.count()) control_.Open(row);
+    });
   }
 
   List& control_;
+  const BindingContext& context_;
   QAbstractItemView* view_;
   bool streaming_;
   ListModel model_;
@@ -155,8 +164,8 @@ class ListBinding : public QObject, public Binding {
 
 }  // namespace
 
-std::unique_ptr<Binding> BindList(List& list, QWidget& widget) {
-  return std::make_unique<ListBinding>(list, widget);
+std::unique_ptr<Binding> BindList(List& list, QWidget& widget, const BindingContext& context) {
+  return std::make_unique<ListBinding>(list, widget, context);
 }
 
 }  // namespace corvane::window
