@@ -64,7 +64,7 @@ class Program {
                                          folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
-    app_->life().OnWindowCreate();
+    app_->life().OnWindowCreate(switches_);
     ShowWindow();
     if (!app_->flags().closing) QApplication::exec();
     Finish();

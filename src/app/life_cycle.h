@@ -54,7 +54,9 @@ class LifeCycle {
   explicit LifeCycle(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Builds the window's fixed lists, loads the settings and fills the selectors. Called once. **Yields** for messages.
-  void OnWindowCreate();
+  ///
+  /// When `as_Switches` start a download nobody may be there: messages answer themselves.
+  void OnWindowCreate(std::string_view as_Switches = {});
   /// Shows the first records, acts on the switches and starts the heartbeat. **Yields** when a switch downloads.
   ///
   /// Runs again at every activation; one that arises while an operation runs is dropped.
