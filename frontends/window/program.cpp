@@ -67,7 +67,7 @@ class Program {
     app_->commands().on_close = [this] { EndMainLoop(); };
     if (const Status watched = WatchForTheEnd(); !watched.ok()) return Refuse(watched.text());
     app_->life().SetCaptions(&window_->captions());
-    app_->life().OnWindowCreate();
+    app_->life().OnWindowCreate(switches_);
     if (!app_->flags().closing) {
       ShowWindow();
       QApplication::exec();
