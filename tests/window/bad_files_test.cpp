@@ -17,6 +17,7 @@ QAbstractItemView& FileView(WindowWorld& world) {
 void ChooseUnit(WindowWorld& world, int row) {
   auto& units = world.Widget<QAbstractItemView>("Lst_Units");
   units.setCurrentIndex(units.model()->index(row, 0));
+  world.Settle();
 }
 
 struct FolderRow {
@@ -80,7 +81,7 @@ TEST(FileList, SurvivesFilesThatVanishWhileTheyAreListed) {
     EXPECT_TRUE(std::any_of(texts.begin(), texts.end(),
                             [&](const std::string& text) { return text.find(box) != std::string::npos; }));
   }
-  world.Widget<QAbstractButton>("Opt_SortFile_1").click();
+  world.Click("Opt_SortFile_1");
   EXPECT_EQ(FileView(world).model()->rowCount(), 1) << "the next look shows what is there";
   EXPECT_EQ(world.home.Read("c.epd"), "x\r\n") << "a delete that fails ends";
 }
