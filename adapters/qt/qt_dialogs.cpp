@@ -72,6 +72,7 @@ void QtDialogs::Closed() {
 }
 
 void QtDialogs::CloseAll() {
+  ending_ = true;
   const auto shown = shown_;
   for (const auto& [key, dialog] : shown) {
     if (dialog) dialog->reject();
@@ -79,6 +80,7 @@ void QtDialogs::CloseAll() {
 }
 
 bool QtDialogs::Run(QDialog& dialog) {
+  if (ending_) return false;
   Show(dialog);
   while (shown_.contains(&dialog)) loop_.Yield();
   return dialog.result() == QDialog::Accepted;

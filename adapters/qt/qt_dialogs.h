@@ -36,7 +36,7 @@ class QtDialogs : public Dialogs {
 
   /// Shows any other dialog over the window, modal, and tells when it has closed.
   void Show(QDialog& dialog);
-  /// Takes away whatever is shown: the program ends.
+  /// Takes away whatever is shown, and whatever is asked from now on gets no answer: the program ends.
   void CloseAll();
 
   /// Called from the loop after a dialog over the main window has closed.
@@ -52,6 +52,7 @@ class QtDialogs : public Dialogs {
   std::map<BoxId, QPointer<MessageBox>> boxes_;
   std::map<QDialog*, QPointer<QDialog>> shown_;
   BoxId last_box_ = 0;
+  bool ending_ = false;
 };
 
 }  // namespace corvane
