@@ -22,6 +22,8 @@ class SelectorBinding : public QObject, public Binding {
     box_->setFocusPolicy(Qt::StrongFocus);
     connect(box_, &QComboBox::activated, this, [this](int row) { control_.SetCurrent(row); });
     if (selector.editable()) {
+      // A line edit made behind all other widgets would stand last in the tab order and hold the focus there.
+      QWidget::setTabOrder(box_, box_->lineEdit());
       box_->lineEdit()->setMaxLength(static_cast<int>(TextField::kLongestText));
       connect(box_, &QComboBox::editTextChanged, this,
               [this](const QString& text) { control_.SetShownText(text.toStdString()); });
