@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
