@@ -30,9 +30,11 @@ class LabelBinding : public Binding {
 
 class CheckBinding : public Binding {
  public:
-  CheckBinding(CheckBox& box, QWidget& widget)
+  CheckBinding(CheckBox& box, QWidget& widget, const BindingContext& context)
       : Binding(&widget), control_(box), box_(WidgetAs<QAbstractButton>(widget)) {
-    QObject::connect(box_, &QAbstractButton::toggled, box_, [this](bool ticked) { control_.SetTicked(ticked); });
+    QObject::connect(box_, &QAbstractButton::toggled, box_, [&box, &loop = context.loop](bool ticked) {
+      loop.Post([&box, ticked] { box.SetTicked(ticked); });
+    });
   }
   void Show(Aspect aspect, std::size_t /*row*/) override {
     const QSignalBlocker quiet(box_);
@@ -47,15 +49,16 @@ class CheckBinding : public Binding {
 /// Radio buttons named "<group>_<index>" within the widget of the group.
 class OptionsBinding : public Binding {
  public:
-  OptionsBinding(OptionGroup& options, QWidget& widget) : Binding(&widget), control_(options) {
+  OptionsBinding(OptionGroup& options, QWidget& widget, const BindingContext& context)
+      : Binding(&widget), control_(options) {
     for (int index = 0; index < options.count(); ++index) {
       const QString name = QString("%1_%2").arg(QString::fromStdString(options.name())).arg(index);
       auto* button = widget.findChild<QRadioButton*>(name);
       if (button == nullptr) throw RunTimeError("There is no radio button " + name.toStdString());
       group_.addButton(button, index);
     }
-    QObject::connect(&group_, &QButtonGroup::idToggled, &widget, [this](int index, bool on) {
-      if (on) control_.SetOptionIndex(index);
+    QObject::connect(&group_, &QButtonGroup::idToggled, &widget, [&options, &loop = context.loop](int index, bool on) {
+      if (on) loop.Post([&options, index] { options.SetOptionIndex(index); });
     });
   }
   void Show(Aspect aspect, std::size_t /*row*/) override {
@@ -133,11 +136,11 @@ std::unique_ptr<Binding> BindByKind(Control& control, QWidget& widget, const Bin
     case ControlKind::Text:
       return BindTextField(dynamic_cast<TextField&>(control), widget, context);
     case ControlKind::Check:
-      return std::make_unique<CheckBinding>(dynamic_cast<CheckBox&>(control), widget);
+      return std::make_unique<CheckBinding>(dynamic_cast<CheckBox&>(control), widget, context);
     case ControlKind::Options:
-      return std::make_unique<OptionsBinding>(dynamic_cast<OptionGroup&>(control), widget);
+      return std::make_unique<OptionsBinding>(dynamic_cast<OptionGroup&>(control), widget, context);
     case ControlKind::List:
-      return BindList(dynamic_cast<List&>(control), widget);
+      return BindList(dynamic_cast<List&>(control), widget, context);
     case ControlKind::Selector:
       return BindSelector(dynamic_cast<Selector&>(control), widget, context);
     case ControlKind::Button:

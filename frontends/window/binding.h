@@ -18,7 +18,7 @@ namespace corvane::window {
 /// What the bindings need beside their control and widget.
 struct BindingContext {
   QWidget& window;
-  EventLoop& loop;  ///< commands run from it, never inside a widget's own event
+  EventLoop& loop;  ///< what may show a box runs from it, never inside a widget's own event
   /// What an entry of a port selector shows; the entry itself keeps its plain text.
   std::function<std::string(int number)> port_text;
   /// What is wrong with a field's text; empty when nothing is.
@@ -52,7 +52,7 @@ class Binding {
 // The kinds with more to them than a value.
 
 [[nodiscard]] std::unique_ptr<Binding> BindTextField(TextField& field, QWidget& widget, const BindingContext& context);
-[[nodiscard]] std::unique_ptr<Binding> BindList(List& list, QWidget& widget);
+[[nodiscard]] std::unique_ptr<Binding> BindList(List& list, QWidget& widget, const BindingContext& context);
 [[nodiscard]] std::unique_ptr<Binding> BindSelector(Selector& selector, QWidget& widget, const BindingContext& context);
 [[nodiscard]] std::unique_ptr<Binding> BindMenu(MenuGroup& menu, QWidget& widget, const BindingContext& context);
 

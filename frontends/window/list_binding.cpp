@@ -16,16 +16,16 @@ namespace {
 /// Appended rows (a trace, a reply) are shown so often at most.
 constexpr int kAppendMilliseconds = 50;
 
-/// Rows in a list or table view. The view's property "headings" names the columns, "checkable" gives check marks, and
-/// "streaming" says that rows may come faster than the eye sees.
+/// Rows in a list or table view. The view's property "streaming" says that rows may come faster than the eye sees.
 class ListBinding : public QObject, public Binding {
  public:
-  ListBinding(List& list, QWidget& widget)
+  ListBinding(List& list, QWidget& widget, const BindingContext& context)
       : Binding(&widget),
         control_(list),
+        context_(context),
         view_(WidgetAs<QAbstractItemView>(widget)),
         streaming_(view_->property("streaming").toBool()),
-        model_(list, view_->property("headings").toStringList(), view_->property("checkable").toBool(), view_) {
+        model_(list, *view_, view_) {
     view_->setModel(&model_);
     if (auto* rows = qobject_cast<QListView*>(view_)) rows->setUniformItemSizes(true);
     SizeColumns();
@@ -125,12 +125,16 @@ class ListBinding : public QObject, public Binding {
 
   void TakeCurrent(const QModelIndex& index) {
     if (showing_ > 0 || !control_.enabled()) return;
+    context_.loop.Post([this, row = index.isValid() ? index.row() : -1] { TakeCurrentRow(row); });
+  }
+  void TakeCurrentRow(int row) {
+    if (!control_.enabled()) return Show(Aspect::Selection, 0);
     {
       const Scope taking(taking_);
-      control_.SetCurrent(index.isValid() ? index.row() : -1);
+      control_.SetCurrent(row);
     }
     // The control may have refused it or moved on.
-    if (control_.current() != index.row()) Show(Aspect::Selection, 0);
+    if (control_.current() != row) Show(Aspect::Selection, 0);
   }
   void TakeSelection(const QItemSelection& ranges, bool selected) {
     if (showing_ > 0 || !control_.multi_select()) return;
@@ -142,10 +146,14 @@ class ListBinding : public QObject, public Binding {
     }
   }
   void Open(const QModelIndex& index) {
-    if (index.isValid() && index.row() < control_.count()) control_.Open(index.row());
+    if (!index.isValid()) return;
+    context_.loop.Post([this, row = index.row()] {
+      if (row < control_.count()) control_.Open(row);
+    });
   }
 
   List& control_;
+  const BindingContext& context_;
   QAbstractItemView* view_;
   bool streaming_;
   ListModel model_;
@@ -156,8 +164,8 @@ class ListBinding : public QObject, public Binding {
 
 }  // namespace
 
-std::unique_ptr<Binding> BindList(List& list, QWidget& widget) {
-  return std::make_unique<ListBinding>(list, widget);
+std::unique_ptr<Binding> BindList(List& list, QWidget& widget, const BindingContext& context) {
+  return std::make_unique<ListBinding>(list, widget, context);
 }
 
 }  // namespace corvane::window

@@ -3,10 +3,43 @@
 #include <algorithm>
 #include <limits>
 
+#include <QPainter>
+#include <QPixmap>
+#include <QPolygon>
+#include <QWidget>
+
 #include "base/text.h"
 
 namespace corvane::window {
 namespace {
+
+constexpr int kMarkSize = 16;
+
+/// A tick in a green disc, a bar in a red triangle, or nothing: told apart by shape as well as by colour.
+QIcon SignOf(RowMark mark) {
+  QPixmap picture(kMarkSize, kMarkSize);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  if (mark == RowMark::Well) {
+    painter.setBrush(QColor(46, 125, 50));
+    painter.drawEllipse(1, 1, kMarkSize - 2, kMarkSize - 2);
+    painter.setPen(QPen(Qt::white, 2));
+    painter.drawPolyline(QPolygon({{4, 8}, {7, 11}, {12, 5}}));
+  } else if (mark == RowMark::Problem) {
+    painter.setBrush(QColor(198, 40, 40));
+    painter.drawPolygon(QPolygon({{8, 1}, {15, 15}, {1, 15}}));
+    painter.setPen(QPen(Qt::white, 2));
+    painter.drawLine(8, 6, 8, 10);
+    painter.drawPoint(8, 13);
+  }
+  painter.end();
+  QIcon sign(picture);
+  sign.addPixmap(picture, QIcon::Disabled);
+  sign.addPixmap(picture, QIcon::Selected);
+  return sign;
+}
 
 int CountOf(const List& list) {
   return static_cast<int>(std::min<std::int64_t>(list.count(), std::numeric_limits<int>::max()));
@@ -14,8 +47,16 @@ int CountOf(const List& list) {
 
 }  // namespace
 
-ListModel::ListModel(List& list, const QStringList& headings, bool checkable, QObject* parent)
-    : QAbstractTableModel(parent), list_(list), headings_(headings), checkable_(checkable), shown_(CountOf(list)) {}
+ListModel::ListModel(List& list, const QWidget& view, QObject* parent)
+    : QAbstractTableModel(parent),
+      list_(list),
+      headings_(view.property("headings").toStringList()),
+      checkable_(view.property("checkable").toBool()),
+      marked_(view.property("marked").toBool()),
+      shown_(CountOf(list)) {
+  if (!marked_) return;
+  for (const RowMark mark : {RowMark::None, RowMark::Well, RowMark::Problem}) signs_.push_back(SignOf(mark));
+}
 
 int ListModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : shown_;
@@ -30,6 +71,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::CheckStateRole && checkable_ && index.column() == 0) {
     return list_.checked(index.row()) ? Qt::Checked : Qt::Unchecked;
   }
+  if (marked_ && (role == Qt::DecorationRole || role == Qt::ToolTipRole)) return MarkData(index.row(), role);
   if (role == Qt::TextAlignmentRole && index.column() == 1) return int(Qt::AlignRight | Qt::AlignVCenter);
   if (role != Qt::DisplayRole) return {};
   const std::string& row = list_.text(index.row());
@@ -38,6 +80,15 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
   const auto column = static_cast<std::size_t>(index.column());
   if (column >= fields.size()) return {};
   return QString::fromUtf8(fields[column].data(), static_cast<qsizetype>(fields[column].size()));
+}
+
+QVariant ListModel::MarkData(std::int64_t row, int role) const {
+  const RowMark mark = list_.mark(row);
+  if (role == Qt::ToolTipRole) {
+    if (mark == RowMark::None) return {};
+    return mark == RowMark::Well ? "Answered when it was asked last" : "Did not answer well when it was asked last";
+  }
+  return signs_[static_cast<qsizetype>(mark)];
 }
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {

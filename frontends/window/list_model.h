@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include <QAbstractTableModel>
+#include <QIcon>
+#include <QList>
 #include <QStringList>
 
 #include "form/control.h"
@@ -12,8 +15,9 @@ namespace corvane::window {
 /// The rows of a `List` control as a toolkit model; the texts stay in the control, columns are separated by tabs.
 class ListModel : public QAbstractTableModel {
  public:
-  /// `checkable`: the rows have check marks. `list` must outlive the model.
-  ListModel(List& list, const QStringList& headings, bool checkable, QObject* parent);
+  /// The view's property "headings" names the columns, "checkable" gives the rows check marks and "marked" the sign of
+  /// how their last exchange ended. `list` must outlive the model.
+  ListModel(List& list, const QWidget& view, QObject* parent);
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -35,10 +39,14 @@ class ListModel : public QAbstractTableModel {
   void TakeEnabled();
 
  private:
+  [[nodiscard]] QVariant MarkData(std::int64_t row, int role) const;
+
   List& list_;
   QStringList headings_;
   bool checkable_;
-  int shown_;  ///< rows that the views know of
+  bool marked_;
+  QList<QIcon> signs_;  ///< by mark; the empty one keeps the texts in line
+  int shown_;           ///< rows that the views know of
 };
 
 }  // namespace corvane::window

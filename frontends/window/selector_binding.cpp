@@ -34,6 +34,7 @@ class SelectorBinding : public QObject, public Binding {
   void Show(Aspect aspect, std::size_t /*row*/) override {
     const QSignalBlocker quiet(box_);
     if (aspect == Aspect::Rows) ShowRows();
+    if (shows_ports_) ShowPortText(static_cast<int>(control_.current()));
     box_->setCurrentIndex(static_cast<int>(control_.current()));
     if (!control_.editable()) return;
     const QString shown = QString::fromStdString(control_.shown_text());
@@ -59,10 +60,14 @@ class SelectorBinding : public QObject, public Binding {
     box_->clear();
     for (std::int64_t row = 0; row < control_.count(); ++row) box_->addItem(TextOf(row));
   }
+  void ShowPortText(int row) {
+    if (row < 0 || row >= box_->count() || row >= control_.count()) return;
+    const QString text = TextOf(row);
+    if (text != box_->itemText(row)) box_->setItemText(row, text);
+    box_->setItemData(row, text, Qt::ToolTipRole);
+  }
   void ShowPortTexts() {
-    for (int row = 0; row < box_->count() && row < control_.count(); ++row) {
-      if (const QString text = TextOf(row); text != box_->itemText(row)) box_->setItemText(row, text);
-    }
+    for (int row = 0; row < box_->count(); ++row) ShowPortText(row);
   }
 
   Selector& control_;

@@ -33,7 +33,10 @@ class TextFieldBinding : public QObject, public Binding {
   }
 
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    if (event->type() == QEvent::FocusIn) context_.show_hint(problem_);
+    if (event->type() == QEvent::FocusIn) {
+      Check();
+      context_.show_hint(problem_);
+    }
     if (event->type() == QEvent::FocusOut) context_.show_hint({});
     return false;
   }

@@ -48,9 +48,9 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_StartAt, &Checks::TimeOfDay},
       {&form_.Txt_Interval, &Checks::LoggingInterval},
       {&form_.Txt_AutomaticInterval, &Checks::DownloadInterval},
-      {&form_.Txt_Timeout[0], &Checks::WholeNumber, 1, kSecondsPerDay},
-      {&form_.Txt_Timeout[1], &Checks::WholeNumber, 1, kSecondsPerDay},
-      {&form_.Txt_Timeout[2], &Checks::WholeNumber, 0, kSecondsPerDay},
+      {&form_.Txt_Timeout[0], &Checks::Decimal, 1, kSecondsPerDay},
+      {&form_.Txt_Timeout[1], &Checks::Decimal, 1, kSecondsPerDay},
+      {&form_.Txt_Timeout[2], &Checks::Decimal, 0, kSecondsPerDay},
       {&form_.Txt_MaxRetries, &Checks::WholeNumber, 1, 15},
       {&form_.Txt_MaxOveruns, &Checks::WholeNumber, 0, kHighest32},
       {&form_.Txt_UnitID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Units},
@@ -88,8 +88,7 @@ std::string FieldChecks::LoggingInterval(const Row& av_Row) const {
 std::string FieldChecks::DownloadInterval(const Row& av_Row) const {
   if (AutomaticInterval(av_Row.field->text())) return {};
   return "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below 24, or a "
-         "number "
-         "of hours from 24.";
+         "number of hours from 24.";
 }
 
 std::string FieldChecks::WholeNumber(const Row& av_Row) const {

@@ -79,8 +79,7 @@ struct HexConversion::Run {
   std::optional<std::int32_t> Sensors;  ///< of the first converted line
   std::int64_t Lines = 0;
   std::int64_t Rows = 0;
-  std::int64_t Damaged = 0;
-  std::string FirstDamage;
+  std::string Damage;  ///< why the conversion ended early
   std::int64_t NextPoll = 0;
 };
 
@@ -140,7 +139,7 @@ bool HexConversion::ConvertFile(const std::string& as_InputFile, const std::stri
   Require(run.Input.Open(as_InputFile));
   Require(run.Output.Open());
   std::string_view line;
-  while (run.Input.Next(line)) {
+  while (run.Damage.empty() && run.Input.Next(line)) {
     TakeLine(run, line);
     Require(run.Output.FlushWhenFull());
     if (!GoOn(run)) {
@@ -149,12 +148,15 @@ bool HexConversion::ConvertFile(const std::string& as_InputFile, const std::stri
     }
   }
   Require(run.Input.status());
-  if (run.Rows == 0) throw RunTimeError(as_InputFile + " holds no whole record of a hex dump, nothing is written");
+  if (run.Rows == 0) {
+    throw RunTimeError(as_InputFile + (run.Damage.empty() ? " holds no record of a hex dump" : ": " + run.Damage) +
+                       ". Nothing is written");
+  }
   Require(run.Output.Commit());
   trace_.Status("Converted: " + std::to_string(run.Rows) + " records to " + as_OutputFile);
-  if (run.Damaged == 0) return true;
-  throw RunTimeError(as_InputFile + ": " + run.FirstDamage + ". Damaged records are left out: " +
-                     std::to_string(run.Damaged) + ", converted: " + std::to_string(run.Rows));
+  if (run.Damage.empty()) return true;
+  throw RunTimeError(as_InputFile + ": " + run.Damage +
+                     ". The conversion ended there; records written: " + std::to_string(run.Rows));
 }
 
 void HexConversion::TakeLine(Run& av_Run, std::string_view as_Line) {
@@ -169,7 +171,8 @@ void HexConversion::TakeLine(Run& av_Run, std::string_view as_Line) {
     av_Run.Output.buffer() += row;
     ++av_Run.Rows;
   } catch (const RunTimeError& error) {
-    if (++av_Run.Damaged == 1) av_Run.FirstDamage = "line " + std::to_string(av_Run.Lines) + ": " + error.what();
+    // Intended: a missing field ends the conversion; what follows it in a cut dump cannot be trusted.
+    av_Run.Damage = "line " + std::to_string(av_Run.Lines) + ": " + error.what();
   }
 }
 

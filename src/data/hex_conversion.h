@@ -45,7 +45,7 @@ class HexConversion {
   /// Converts `as_InputFile` (a full path) into a file of the same name with the extension "tsc", after a question.
   ///
   /// False when it was declined, cancelled or failed; then an existing output stays as it was. A record that is cut
-  /// short is left out: the others are written, it is reported once and the result is false. **Yields.**
+  /// short ends the conversion: those before it are written, it is reported and the result is false. **Yields.**
   bool ConvertHexToRaw(const std::string& as_InputFile);
 
  private:

@@ -89,7 +89,7 @@ void List::Clear() {
 }
 
 void List::Add(std::string text) {
-  rows_.push_back({std::move(text), false, false});
+  rows_.push_back({std::move(text)});
   Tell(Aspect::Rows, rows_.size() - 1);
 }
 
@@ -98,7 +98,7 @@ void List::SetRows(std::vector<std::string> texts) {
   current_ = -1;
   rows_.clear();
   rows_.reserve(texts.size());
-  for (std::string& text : texts) rows_.push_back({std::move(text), false, false});
+  for (std::string& text : texts) rows_.push_back({std::move(text)});
   Tell(Aspect::Rows);
   if (had_current) TellAndHandle(Aspect::Selection);
 }
@@ -129,6 +129,13 @@ void List::SetChecked(std::int64_t row, bool checked) {
   held = checked;
   Tell(Aspect::CheckMark, static_cast<std::size_t>(row));
   if (on_check) on_check(row);
+}
+
+void List::SetMark(std::int64_t row, RowMark mark) {
+  RowMark& held = rows_[static_cast<std::size_t>(row)].mark;
+  if (held == mark) return;
+  held = mark;
+  Tell(Aspect::Row, static_cast<std::size_t>(row));
 }
 
 void List::SetSelected(std::int64_t row, bool selected) {

@@ -124,6 +124,9 @@ class OptionGroup : public Control {
   int index_ = 0;
 };
 
+/// How the last exchange that a row stands for ended.
+enum class RowMark : std::uint8_t { None, Well, Problem };
+
 /// Rows with a text and a number; a current row (-1 none); check marks; several selected rows where wanted.
 class List : public Control {
  public:
@@ -136,6 +139,7 @@ class List : public Control {
   [[nodiscard]] bool checked(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].checked; }
   [[nodiscard]] bool selected(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].selected; }
   [[nodiscard]] std::int64_t SelectedCount() const;
+  [[nodiscard]] RowMark mark(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].mark; }
 
   void Clear();
   void Add(std::string text);
@@ -145,6 +149,7 @@ class List : public Control {
   void SetText(std::int64_t row, std::string_view text);
   /// Sets a row's check mark; runs `on_check`.
   void SetChecked(std::int64_t row, bool checked);
+  void SetMark(std::int64_t row, RowMark mark);
   /// Selects or deselects a row without moving the current row.
   void SetSelected(std::int64_t row, bool selected);
 
@@ -163,6 +168,7 @@ class List : public Control {
     std::string text;
     bool checked = false;
     bool selected = false;
+    RowMark mark = RowMark::None;
   };
   std::vector<Row> rows_;
   std::int64_t current_ = -1;

@@ -15,7 +15,7 @@ enum class Aspect : std::uint8_t {
   Visible,
   Range,      ///< limits of a progress bar
   Rows,       ///< rows were added or removed; the row is the first that differs
-  Row,        ///< text of one row, or one entry of a menu
+  Row,        ///< text or mark of one row, or one entry of a menu
   CheckMark,  ///< check mark of one row
   Selection,  ///< selected rows or the current row
 };

@@ -53,7 +53,9 @@ void Sessions::MarkUnits(Run& av_Run, std::int32_t al_ConnectionType) {
     unit.Tries = 0;
     unit.Problem = true;
     unit.Marked = has_port && unit.Active != 0 && unit.GetFrom == al_ConnectionType;
-    if (unit.Marked) ++av_Run.marked;
+    if (!unit.Marked) continue;
+    ++av_Run.marked;
+    p_.form.Lst_Units.SetMark(index - 1, RowMark::None);
   }
 }
 
@@ -71,6 +73,7 @@ bool Sessions::RunOneUnit(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Co
   p_.form.Lbl_Try.SetText("1");
   for (std::int64_t attempt = 1;;) {
     const bool failed = !Attempt(av_Run, al_Index, ai_Command);
+    ShowHowItEnded(al_Index, failed);
     if (EndsSession(av_Run)) return false;
     if (!failed) ++av_Run.well;
     p_.writer.SendEscape();
@@ -82,6 +85,11 @@ bool Sessions::RunOneUnit(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Co
     p_.form.Lbl_Try.SetText(std::to_string(++attempt));
     if (static_cast<double>(attempt) > LeadingNumber(p_.form.Txt_MaxRetries.text())) return true;
   }
+}
+
+void Sessions::ShowHowItEnded(std::int64_t al_Index, bool ab_Failed) {
+  if (p_.link.UserCancel || al_Index > p_.form.Lst_Units.count()) return;
+  p_.form.Lst_Units.SetMark(al_Index - 1, ab_Failed || p_.link.Timeout ? RowMark::Problem : RowMark::Well);
 }
 
 bool Sessions::Attempt(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Command) {

@@ -66,6 +66,7 @@ class Sessions {
   void RunMarkedUnits(Run& av_Run, std::int16_t ai_Command);
   /// False when the whole session has to end.
   [[nodiscard]] bool RunOneUnit(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Command);
+  void ShowHowItEnded(std::int64_t al_Index, bool ab_Failed);
   [[nodiscard]] bool Attempt(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Command);
   [[nodiscard]] bool EndsSession(Run& av_Run);
   void FinishRun();

@@ -126,6 +126,9 @@ void RecordEditor::Move(std::int64_t al_Record, std::int64_t al_Neighbour) {
   Swap(al_Record, al_Neighbour);
   RewriteRow(al_Record);
   RewriteRow(al_Neighbour);
+  const RowMark mark = list_.mark(al_Record - 1);
+  list_.SetMark(al_Record - 1, list_.mark(al_Neighbour - 1));
+  list_.SetMark(al_Neighbour - 1, mark);
   AfterListChanged();
 }
 

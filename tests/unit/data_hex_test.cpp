@@ -34,14 +34,14 @@ TEST(HexConversion, Dumps) {
       {"no sensors", none, kFixed + ",  cs\r\n0100,13" + kStartRow.substr(7) + ", C7\r\n", ""},
       {"what is no byte is 0", "x,0E,G1,-1, f ,,0x1,100,1,7FFFFFFFF,0,0,0,0,0,0,2,99,C7\n",
        kFixed + ",  cs\r\nx,14,2000/00/15 00:00,00512,00000,00000,00000,00512, C7\r\n", ""},
-      {"cut in the fixed part", whole + kStart.substr(0, 40) + "\r\n" + whole, two + whole_row + whole_row,
-       "line 2: field 13 is missing. Damaged records are left out: 1, converted: 2"},
+      {"cut in the fixed part", whole + kStart.substr(0, 40) + "\r\n" + whole, two + whole_row,
+       "line 2: field 13 is missing. The conversion ended there; records written: 1"},
       {"cut before the last sensor", whole + kStart + "12,34,00,01,00,02,C7", two + whole_row, "line 2: field 25"},
       {"cut in the last sensor", whole + kStart + "12,34,00,01,00,02,00,03,C7",
        two + whole_row + kStartRow + ", 04660,00001,00002, 00003, C7\r\n", ""},
-      {"first record cut", kStart.substr(0, 40) + "\n" + whole, two + whole_row, "line 1: field 13"},
-      {"impossible length", "0,FFFFFF" + kStart.substr(7) + "\n", "", "holds no whole record"},
-      {"empty", "", "", "holds no whole record"},
+      {"first record cut", kStart.substr(0, 40) + "\n" + whole, "", "line 1: field 13"},
+      {"impossible length", "0,FFFFFF" + kStart.substr(7) + "\n", "", "line 1: its record length is no byte"},
+      {"empty", "", "", "holds no record of a hex dump"},
   };
   for (const HexCase& row : rows) {
     SCOPED_TRACE(row.name);

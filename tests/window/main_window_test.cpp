@@ -44,7 +44,7 @@ TEST(MainWindow, WhatIsTypedOrClickedReachesTheForm) {
   EXPECT_EQ(world.Widget<QAbstractItemView>("Lst_Units").model()->index(0, 0).data().toString(), "Orchard");
   world.Click("Chk_ZIPFiles");
   EXPECT_TRUE(form.Chk_ZIPFiles.ticked());
-  world.Widget<QRadioButton>("Opt_WhichReadings_1").click();
+  world.Click("Opt_WhichReadings_1");
   EXPECT_EQ(form.Opt_WhichReadings.GetOptionIndex(), 1);
   QTest::keyClick(&world.Widget<QComboBox>("Cmb_GetFrom"), Qt::Key_Down);
   EXPECT_EQ(form.Cmb_GetFrom.SelectedItemData(), kFromHandHeld);
@@ -116,11 +116,13 @@ TEST(MainWindow, ListsTakeClicksChecksAndSelections) {
   Form& form = world.form();
   auto& units = world.Widget<QAbstractItemView>("Lst_Units");
   QTest::mouseClick(units.viewport(), Qt::LeftButton, {}, units.visualRect(units.model()->index(2, 0)).center());
+  world.Settle();
   EXPECT_EQ(form.Txt_UnitName.text(), "Site 3");
   units.model()->setData(units.model()->index(1, 0), Qt::Unchecked, Qt::CheckStateRole);
   EXPECT_EQ(world.app().registry().Units[2].Active, 0);
   form.Lst_Units.SetEnabled(false);
   QTest::mouseClick(units.viewport(), Qt::LeftButton, {}, units.visualRect(units.model()->index(0, 0)).center());
+  world.Settle();
   EXPECT_FALSE(units.model()->setData(units.model()->index(1, 0), Qt::Checked, Qt::CheckStateRole));
   EXPECT_EQ(form.Txt_UnitName.text(), "Site 3") << "while an operation runs a click changes nothing";
 
@@ -130,6 +132,7 @@ TEST(MainWindow, ListsTakeClicksChecksAndSelections) {
   files.selectAll();
   EXPECT_EQ(form.Lst_LocalFiles.SelectedCount(), 2);
   Q_EMIT files.doubleClicked(files.model()->index(1, 0));
+  world.Settle();
   EXPECT_EQ(world.shell.edited, std::vector<std::string>{world.home.Name("b.txt")});
 }
 

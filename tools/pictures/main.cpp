@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QStyleFactory>
 #include <QTabWidget>
@@ -21,6 +22,8 @@ namespace {
 
 constexpr QSize kWindowSize(1120, 680);
 constexpr int kSettingsTab = 5;
+constexpr int kPortsGroup = 3;
+constexpr int kPassesUntilPainted = 10;
 
 QPalette DarkColours() {
   const QColor dark(45, 45, 48);
@@ -36,6 +39,17 @@ QPalette DarkColours() {
   colours.setColor(QPalette::HighlightedText, Qt::white);
   return colours;
 }
+
+/// The simulated port, among devices such as a field office has.
+class PicturePort : public TermiosPort {
+ public:
+  using TermiosPort::TermiosPort;
+  [[nodiscard]] std::vector<SerialDeviceInfo> ListDevices() const override {
+    return {{"/dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0", "/dev/ttyUSB0", ""},
+            {"/dev/serial/by-id/usb-Prolific_PL2303_Serial-if00-port0", "/dev/ttyUSB1", ""},
+            {"/dev/ttyS0", "/dev/ttyS0", ""}};
+  }
+};
 
 /// The program as it runs for a person, on a folder and a network made for the pictures.
 class Photographer {
@@ -54,10 +68,13 @@ class Photographer {
     window_.show();
     app_.life().OnWindowActivate("");
     Form& form = app_.form();
+    form.Chk_ShowTrace.SetTicked(true);
+    form.Chk_Direct.SetTicked(true);
     form.Cmd_DownloadAll[1].Click();
     form.Lst_Units.SetCurrent(2);
     Take("unit");
     TakeTabs();
+    TakePortDialog();
     TakeWhileDownloading();
   }
 
@@ -78,12 +95,20 @@ class Photographer {
     }
   }
 
+  void TakePortDialog() {
+    ShowTab("settingsTabs", kPortsGroup);
+    window_.findChild<QAbstractButton*>("portsButton")->click();
+    Take("ports-dialog", *QApplication::activeModalWidget());
+    window_.CloseDialogs();
+  }
+
   void ShowTab(const char* tabs, int tab) { window_.findChild<QTabWidget*>(tabs)->setCurrentIndex(tab); }
 
-  void Take(const QString& name) {
-    for (int pass = 0; pass < 5; ++pass) loop_.Poll();
+  void Take(const QString& name) { Take(name, window_); }
+  void Take(const QString& name, QWidget& widget) {
+    for (int pass = 0; pass < kPassesUntilPainted; ++pass) loop_.Yield();
     const QString path = target_ + "/" + name + ".png";
-    if (!window_.grab().save(path)) throw RunTimeError("cannot write " + path.toStdString());
+    if (!widget.grab().save(path)) throw RunTimeError("cannot write " + path.toStdString());
     std::cout << path.toStdString() << "\n";
   }
 
@@ -107,7 +132,7 @@ class Photographer {
 
   QtLoop loop_;
   PosixShell shell_{"corvane"};
-  TermiosPort port_;
+  PicturePort port_;
   QtDialogs dialogs_;
   Application app_;
   MainWindow window_;
