@@ -109,7 +109,7 @@ class Program {
 
   /// The toolkit ends the process when the display is gone.
   ///
-  /// To be called after the settings were loaded: what is built later at namespace or function scope is gone by then.
+  /// To be called after the settings were loaded: tables that are built at the first use after this are gone by then.
   void WatchForALostDisplay() {
     running_ = this;
     std::atexit([] {

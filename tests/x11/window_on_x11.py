@@ -59,9 +59,13 @@ class Display:
                                 LC_ALL="C.UTF-8")
         for name in ("CORVANE_HOME", "WAYLAND_DISPLAY", "SESSION_MANAGER", "DBUS_SESSION_BUS_ADDRESS"):
             self.environment.pop(name, None)
+        # What the toolkit's libraries keep, without a bus and at an abrupt end, is none of the program's.
+        suppressions = folder / "leaks"
+        suppressions.write_text("leak:libdbus-1\nleak:libfontconfig\n")
+        self.environment["LSAN_OPTIONS"] = f"suppressions={suppressions}:print_suppressions=0"
         reader, writer = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1366x768x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1366x768x24", "-nolisten", "tcp", "-noreset"],
             pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writer)
         with os.fdopen(reader) as number:
@@ -166,6 +170,12 @@ class Site:
         self.display.press(box, "Return")
         until("the box is gone", lambda: box not in self.display.windows(program))
 
+    def traced(self, window, *keys):
+        """Presses keys and waits until they were handled: F9 means nothing and is traced behind them."""
+        before = self.log().count("KeyDown KeyCode: 120")
+        self.display.press(window, *keys, "F9")
+        until("the keys were handled", lambda: self.log().count("KeyDown KeyCode: 120") > before)
+
     def about(self, program, window):
         """Opens the About box by keyboard and closes it."""
         self.display.press(window, "alt+h", "a")
@@ -176,6 +186,8 @@ class Site:
         until("the program ends", lambda: program.poll() is not None, limit)
         if program.returncode != status:
             raise Failure(f"exit status {program.returncode} instead of {status}")
+        if "Sanitizer" in self.said(program):
+            raise Failure("a fault in the program's memory")
         return True
 
     def read(self, name):
@@ -191,10 +203,6 @@ class Site:
 
     def rounds(self):
         return len(UNIT_COMMAND.findall(self.seen()))
-
-    def downloads(self):
-        """Downloads of one unit that came to their end."""
-        return self.read("summary.csv").count(", Ok\r\n")
 
     def readings(self):
         """How many readings are stored, after a look at every line of every raw file."""
@@ -262,14 +270,14 @@ def opens_and_closes(site):
 
 
 def minimised_title(site):
-    site.prepare(Automatic="1")
+    site.prepare(units=1, Automatic="1")
     site.start_station("--readings", "40", "--baud", "9600")
     program = site.start("/M/D")
     window = site.window(program, ".*")
     expect("/M starts it minimised", lambda: site.display.iconic(window))
     for percent in ("[1-4]", "[5-9]"):
         expect(f"the title shows progress: {percent[1]}0 % and more",
-               lambda: re.fullmatch(percent + r"\d%-Download: (North|Site 2)", site.title(program, window)))
+               lambda: re.fullmatch(percent + r"\d%-Download: North", site.title(program, window)))
     countdown = r"\d\d:\d\d:\d\d"
     first = expect("then it counts down", lambda: re.fullmatch(countdown, site.title(program, window)))[0]
     expect("every second", lambda: re.fullmatch(countdown, site.title(program, window))
@@ -282,23 +290,31 @@ def minimised_title(site):
 
 
 def activations_with_download_switch(site):
-    site.prepare()
-    site.start_station("--readings", "20", "--advance", "20", "--baud", "9600")
+    site.prepare(units=1)
+    site.start_station("--readings", "5", "--advance", "5000", "--baud", "9600")
     program = site.start("/d")
     window = site.window(program)
 
-    def finished(number):
-        return site.downloads() == 2 * number and site.read("00002.txt").count("\n") == 20 * number + 1
+    def started():
+        return site.log().count("Status: Download: North")
 
-    expect("/d starts one round with the first activation", lambda: finished(1) and site.rounds() == 1)
+    expect("/d starts a download with the first activation", lambda: site.read("00001.txt").count("\n") == 6)
+    site.traced(window)
+    if started() != 1:
+        raise Failure(f"{started()} downloads with one activation")
+
+    def starts(number):
+        site.about(program, window)
+        site.traced(window)
+        return started() == number
+
+    expect("a box that closes while idle starts another", lambda: starts(2))
     site.about(program, window)
-    expect("a box that closes while idle starts another", lambda: site.rounds() == 2)
-    site.about(program, window)
-    if finished(2):
-        raise Failure("the round was over before the box was closed")
-    expect("that round ends", lambda: finished(2))
-    site.about(program, window)
-    expect("one that closed during a round started none", lambda: finished(3) and site.rounds() == 3)
+    site.display.press(window, "Escape")
+    until("the download was cancelled", lambda: "User clicked 'cancel'" in site.log())
+    site.traced(window)
+    expect("one that closed during a download started none", lambda: started() == 2)
+    expect("one that closes after it does", lambda: starts(3))
     site.display.press(window, "alt+F4")
     expect("it ends in order", lambda: site.ended(program))
 
@@ -308,19 +324,13 @@ def keyboard(site):
     site.start_station("--readings", "2000", "--baud", "9600")
     program = site.start()
     window = site.window(program)
-    # F9 means nothing: it is traced where the focus is, behind all keys before it.
-    def press_and_trace(*keys):
-        before = site.log().count("KeyDown KeyCode: 120")
-        site.display.press(window, *keys, "F9")
-        until("the keys were handled", lambda: site.log().count("KeyDown KeyCode: 120") > before)
-
-    press_and_trace("alt+c", "d", "r")
+    site.display.press(window, "alt+c", "d", "r")
     expect("Alt+C, D, R starts a download", lambda: site.rounds() == 1)
     for _ in range(150):
-        press_and_trace("shift+Tab")
+        site.traced(window, "shift+Tab")
         if "cmd_Cancel_KeyDown KeyCode: 120 DoingSomething: True" in site.log():
             break
-    press_and_trace("space")
+    site.traced(window, "space")
     expect("the space bar reached Cancel", lambda: "space, so set ai_KeyAscii = 0" in site.log())
     if "User clicked" in site.log() or "escape" in site.seen():
         raise Failure("the space bar cancelled the download")
@@ -438,7 +448,7 @@ def display_lost_while_converting(site):
                    stdout=subprocess.DEVNULL)
     header, reading, _ = site.read("00001.epd").split("\r\n", 2)
     rest = reading[reading.index(","):]
-    days = [f"{year}/{month}/{day}" for year in range(1950, 2010) for month in range(1, 13) for day in range(1, 29)]
+    days = [f"{year}/{month}/{day}" for year in range(2001, 2061) for month in range(1, 13) for day in range(1, 29)]
     lines = [header] + [f"{day} {hour:02}:00{rest}" for day in days for hour in range(0, 24, 2)]
     (site.home / "00001.epd").write_bytes(("\r\n".join(lines) + "\r\n").encode())
     display = site.display = Display(site.folder)
