@@ -23,7 +23,7 @@ QStringList ToolkitFilters(const std::string& filter) {
 }  // namespace
 
 QtDialogs::~QtDialogs() {
-  on_closed = nullptr;
+  on_box_closed = nullptr;
   CloseAll();
 }
 
@@ -34,6 +34,7 @@ Dialogs::BoxId QtDialogs::OpenBox(const BoxContents& contents, std::function<voi
     click(position);
   });
   boxes_[id] = box;
+  QObject::connect(box, &QDialog::finished, box, [this] { Closed(); });
   box->setAttribute(Qt::WA_DeleteOnClose);
   Show(*box);
   return id;
@@ -59,19 +60,17 @@ void QtDialogs::CloseBox(BoxId box) {
 
 void QtDialogs::Show(QDialog& dialog) {
   shown_[&dialog] = &dialog;
-  QObject::connect(&dialog, &QDialog::finished, &dialog, [this, shown = &dialog] {
-    shown_.erase(shown);
-    Closed();
-  });
+  QObject::connect(&dialog, &QDialog::finished, &dialog, [this, shown = &dialog] { shown_.erase(shown); });
   dialog.setWindowModality(Qt::ApplicationModal);
   dialog.show();
 }
 
 void QtDialogs::Closed() {
-  if (parent_ != nullptr && on_closed) on_closed();
+  if (parent_ != nullptr && on_box_closed) on_box_closed();
 }
 
 void QtDialogs::CloseAll() {
+  ending_ = true;
   const auto shown = shown_;
   for (const auto& [key, dialog] : shown) {
     if (dialog) dialog->reject();
@@ -79,6 +78,7 @@ void QtDialogs::CloseAll() {
 }
 
 bool QtDialogs::Run(QDialog& dialog) {
+  if (ending_) return false;
   Show(dialog);
   while (shown_.contains(&dialog)) loop_.Yield();
   return dialog.result() == QDialog::Accepted;

@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QScopeGuard>
 #include <QSessionManager>
 
 #include "app/application.h"
@@ -56,8 +57,13 @@ class Program {
         shell_("corvane", options.home.empty() ? "" : folder_),
         port_(loop_, loop_),
         dialogs_(loop_) {}
+  ~Program() { running_ = nullptr; }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
 
   int Run() {
+    const Status watched = signals_.Start({SIGINT, SIGTERM, SIGHUP}, [this](int) { EndSilently(); });
+    if (!watched.ok()) return Refuse(watched.text());
     if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) return Refuse(prepared.text());
     if (!shell_.TakeInstanceLock(folder_)) return Refuse(shell_.ProgramName() + " is already running");
     ProvideLanguageFile(folder_);
@@ -65,9 +71,13 @@ class Program {
                                          folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
-    if (const Status watched = WatchForTheEnd(); !watched.ok()) return Refuse(watched.text());
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {
+      session.setRestartHint(QSessionManager::RestartNever);
+      EndSilently();
+    });
     app_->life().SetCaptions(&window_->captions());
     app_->life().OnWindowCreate(switches_);
+    WatchForALostDisplay();
     if (!app_->flags().closing) {
       ShowWindow();
       QApplication::exec();
@@ -86,23 +96,26 @@ class Program {
     contents.text = why;
     contents.buttons = {"Ok"};
     contents.icon = BoxIcon::Exclamation;
-    dialogs_.OpenBox(contents, [&answered](int) { answered = true; });
-    while (!answered) loop_.Yield();
+    const Dialogs::BoxId box = dialogs_.OpenBox(contents, [&answered](int) { answered = true; });
+    while (!answered && !ended_) loop_.Yield();
+    dialogs_.CloseBox(box);
     return kNotStarted;
   }
 
-  /// Signals, the end of the session and a display that is gone all end the program in order.
-  Status WatchForTheEnd() {
-    QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {
-      session.setRestartHint(QSessionManager::RestartNever);
-      app_->commands().Close(true);
-    });
+  /// A signal or the end of the session: the program ends in order, whatever it does, and asks nothing.
+  void EndSilently() {
+    ended_ = true;
+    if (app_) app_->commands().Close(true);
+  }
+
+  /// The toolkit ends the process when the display is gone.
+  ///
+  /// To be called after the settings were loaded: tables that are built at the first use after this are gone by then.
+  void WatchForALostDisplay() {
     running_ = this;
-    // The toolkit ends the process when the display is gone.
     std::atexit([] {
       if (running_ != nullptr) running_->SaveWithoutDisplay();
     });
-    return signals_.Start({SIGINT, SIGTERM, SIGHUP}, [this](int) { app_->commands().Close(true); });
   }
 
   void SaveWithoutDisplay() {
@@ -111,17 +124,17 @@ class Program {
     app_->commands().on_close = nullptr;
     app_->commands().Close(true);
     app_->life().OnWindowClose();
+    ReplacementFile::RemoveUnfinished();
   }
 
   void ShowWindow() {
     dialogs_.SetParent(window_.get());
-    dialogs_.on_closed = [this] { OnDialogClosed(); };
-    window_->on_dialog_closed = [this] { OnDialogClosed(); };
+    dialogs_.on_box_closed = [this] { OnBoxClosed(); };
     window_->show();
     loop_.Post([this] { Activate(); });
   }
 
-  void OnDialogClosed() {
+  void OnBoxClosed() {
     // One that arises while an operation or another activation runs is dropped.
     if (!app_->slot().Taken() && !activating_ && !app_->flags().closing) loop_.Post([this] { Activate(); });
   }
@@ -129,8 +142,8 @@ class Program {
   void Activate() {
     if (activating_) return;
     activating_ = true;
+    const auto done = qScopeGuard([this] { activating_ = false; });
     app_->life().OnWindowActivate(switches_);
-    activating_ = false;
   }
 
   void EndMainLoop() {
@@ -140,10 +153,9 @@ class Program {
   }
 
   void Finish() {
-    dialogs_.on_closed = nullptr;
-    window_->on_dialog_closed = nullptr;
-    running_ = nullptr;
+    dialogs_.on_box_closed = nullptr;
     app_->life().OnWindowClose();
+    running_ = nullptr;
     window_.reset();
   }
 
@@ -157,6 +169,7 @@ class Program {
   std::unique_ptr<Application> app_;
   std::unique_ptr<MainWindow> window_;
   bool activating_ = false;
+  bool ended_ = false;                        ///< by a signal or the session
   static inline Program* running_ = nullptr;  ///< what the end of the process has to save
 };
 

@@ -84,6 +84,7 @@ void LifeCycle::OnWindowActivate(std::string_view as_Switches) {
     if (p_.flags.closing) return;
     p_.schedule.StartHeartbeat();
   }
+  if (p_.form.Chk_RunAtStartup.ticked() != p_.run_at_startup.IsRunAtStartup()) p_.form.Chk_RunAtStartup.on_change();
   p_.schedule.CalculateNextDownload();
 }
 

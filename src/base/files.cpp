@@ -209,12 +209,23 @@ void OutputFile::Close() {
 }
 
 ReplacementFile::ReplacementFile(std::string path, unsigned mode)
-    : path_(std::move(path)), temporary_(path_ + ".part"), mode_(mode) {}
+    : path_(std::move(path)), temporary_(path_ + ".part"), mode_(mode), older_(std::exchange(newest_, this)) {}
 
 ReplacementFile::~ReplacementFile() {
+  ReplacementFile** link = &newest_;
+  while (*link != this) link = &(*link)->older_;
+  *link = older_;
+  Discard();
+}
+
+void ReplacementFile::Discard() {
   if (!file_.IsOpen()) return;
   file_.Close();
   unlink(temporary_.c_str());
+}
+
+void ReplacementFile::RemoveUnfinished() {
+  for (ReplacementFile* file = newest_; file != nullptr; file = file->older_) file->Discard();
 }
 
 Status ReplacementFile::Open() {

@@ -93,15 +93,21 @@ class ReplacementFile {
   /// Flushes, syncs and renames over the final name.
   Status Commit();
 
+  /// Takes away what every file not committed has so far: the process ends without destroying them.
+  static void RemoveUnfinished();
+
  private:
   Status Flush();
+  void Discard();
 
   std::string path_;
   std::string temporary_;
   unsigned mode_;
   std::string buffer_;
   OutputFile file_;
-  Status failure_;  ///< the first write that failed; nothing is committed after it
+  ReplacementFile* older_;                           ///< the one that was made before this one
+  static inline ReplacementFile* newest_ = nullptr;  ///< needs no construction: the end of the process asks for it
+  Status failure_;                                   ///< the first write that failed; nothing is committed after it
 };
 
 /// Reads a text file line by line in blocks, with bounded memory whatever the file's size.

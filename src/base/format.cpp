@@ -203,8 +203,14 @@ std::string FormatDate(DateTime when, std::string_view pattern) {
   return DatePattern(pattern).Text(when);
 }
 
+namespace {
+
+// Not built at the first call: it has to be there still when the end of the process writes its last log lines.
+const DatePattern kGeneral("yyyy-mm-dd HH:NN:SS");
+
+}  // namespace
+
 std::string GeneralDate(DateTime when) {
-  static const DatePattern kGeneral("yyyy-mm-dd HH:NN:SS");
   return kGeneral.Text(when);
 }
 

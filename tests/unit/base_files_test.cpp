@@ -128,6 +128,19 @@ TEST(ReplacementFiles, AppearOnlyWhenWhole) {
   }
 }
 
+TEST(ReplacementFiles, AreTakenAwayAtAnEndThatDestroysNothing) {
+  const TempFolder folder;
+  folder.Write("b", "old");
+  ReplacementFile a(folder.Name("a"));
+  ReplacementFile b(folder.Name("b"));
+  { const ReplacementFile gone(folder.Name("c")); }
+  ASSERT_TRUE(a.Open().ok() && b.Open().ok());
+  ReplacementFile::RemoveUnfinished();
+  EXPECT_EQ(folder.Read("b"), "old");
+  EXPECT_FALSE(fs::exists(folder.Name("a.part")) || fs::exists(folder.Name("b.part")));
+  EXPECT_FALSE(a.Commit().ok()) << "what was taken away cannot be put in place";
+}
+
 TEST(ReplacementFiles, BringTheirOwnPermissionsAndReportWhatCannotBeReplaced) {
   const TempFolder folder;
   const std::string path = folder.Write("corvane.ini", "old");

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 
 #include <QAbstractItemView>
@@ -166,6 +167,27 @@ TEST(MainWindow, KeysAreHandedOn) {
   QTest::keyClick(&world.window(), Qt::Key_A);
   EXPECT_TRUE(world.Logged("Form_KeyDown KeyCode: 65"));
   EXPECT_TRUE(world.Logged("Form_KeyPress KeyAscii set to zero: 97"));
+}
+
+TEST(MainWindow, TabGoesRoundBothWays) {
+  WindowWorld world;
+  world.Open();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&world.window()));
+  const auto walk = [&world](Qt::Key key) {
+    const QWidget* const start = QApplication::focusWidget();
+    QStringList passed;
+    do {
+      QTest::keyClick(&world.window(), key);
+      passed << QApplication::focusWidget()->objectName();
+    } while (QApplication::focusWidget() != start && passed.size() < 200);
+    return passed;
+  };
+  QStringList forward = walk(Qt::Key_Tab);
+  forward.prepend(forward.takeLast());
+  QStringList backward = walk(Qt::Key_Backtab);
+  std::reverse(backward.begin(), backward.end());
+  EXPECT_EQ(forward.join(' ').toStdString(), backward.join(' ').toStdString());
+  EXPECT_TRUE(forward.contains("Cmb_LogPeriod") && forward.contains("Cmd_Cancel") && forward.contains("Lst_Units"));
 }
 
 TEST(MainWindow, FieldsActWhenTheyAreLeft) {

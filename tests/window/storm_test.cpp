@@ -323,7 +323,7 @@ TEST_P(ClosingWithRealDialogs, TakesThemAway) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return shown && app.flags().closing; }, 2000));
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   EXPECT_FALSE(app.slot().Taken());
-  dialogs.on_closed = nullptr;
+  dialogs.on_box_closed = nullptr;
   app.life().OnWindowClose();
   EXPECT_NE(home.Read("corvane.ini").find("NumUnits=2"), std::string::npos);
 }
