@@ -93,11 +93,19 @@ void MainWindow::AddTabShortcuts() {
 
 void MainWindow::AddPortDialog() {
   ports_ = new PortDialog(app_.ports(), this);
-  ports_->assignment_changed = [this] {
-    for (const Selector& port : app_.form().Cmb_Port) binder_->ControlChanged(port, Aspect::Rows, 0);
-  };
+  ports_->assignment_changed = [this] { ShowPorts(); };
   connect(ui_->portsButton, &QAbstractButton::clicked, this,
           [this] { ports_->OpenFor(app_.form().Cmb_Port[0].SelectedItemData()); });
+}
+
+void MainWindow::ShowPorts() {
+  for (const Selector& port : app_.form().Cmb_Port) binder_->ControlChanged(port, Aspect::Rows, 0);
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+  // The devices behind the numbers were read behind the numbers themselves.
+  ShowPorts();
+  QMainWindow::showEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

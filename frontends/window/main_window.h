@@ -29,6 +29,7 @@ class MainWindow : public QMainWindow {
   void CloseDialogs() { ports_->reject(); }
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
@@ -40,6 +41,7 @@ class MainWindow : public QMainWindow {
   void NameForScreenReaders();
   void AddTabShortcuts();
   void AddPortDialog();
+  void ShowPorts();
 
   Application& app_;
   EventLoop& loop_;

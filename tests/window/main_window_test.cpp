@@ -266,6 +266,13 @@ TEST(MainWindow, TitleFollowsTheMinimisedWindowAndIsRestored) {
   EXPECT_EQ(world.form().Frm_Main.title(), "Corvane");
 }
 
+TEST(MainWindow, PortSelectorsShowTheDevicesOfTheSettings) {
+  WindowWorld world("[General]\nPort=3\n[Ports]\nCOM3=/dev/radio\n");
+  world.Open();
+  EXPECT_TRUE(world.Widget<QComboBox>("Cmb_Port_0").currentText().startsWith("COM3   /dev/radio"));
+  EXPECT_EQ(world.form().Cmb_Port[0].shown_text(), "COM3");
+}
+
 TEST(MainWindow, FitsASmallScreenAtTwiceItsSize) {
   WindowWorld world("[General]\nLastDownload=21 Sep 2026 23:59\nNextDownload=22 Sep 2026 23:59\n");
   world.Open();
