@@ -17,13 +17,12 @@ class SelectorBinding : public QObject, public Binding {
         box_(WidgetAs<QComboBox>(widget)),
         context_(context),
         shows_ports_(selector.name().starts_with("Cmb_Port_")) {
+    // An editable one is made so by the form: a line edit made later would stand last in the tab order.
     box_->setEditable(selector.editable());
     box_->setInsertPolicy(QComboBox::NoInsert);
     box_->setFocusPolicy(Qt::StrongFocus);
     connect(box_, &QComboBox::activated, this, [this](int row) { control_.SetCurrent(row); });
     if (selector.editable()) {
-      // A line edit made behind all other widgets would stand last in the tab order and hold the focus there.
-      QWidget::setTabOrder(box_, box_->lineEdit());
       box_->lineEdit()->setMaxLength(static_cast<int>(TextField::kLongestText));
       connect(box_, &QComboBox::editTextChanged, this,
               [this](const QString& text) { control_.SetShownText(text.toStdString()); });

@@ -58,6 +58,7 @@ TEST(WindowOptions, StartAtLogOnKeepsTheFolderAndStartsMinimised) {
   window::MainWindow window(app, world.loop);
   app.life().OnWindowCreate();
   window.findChild<QAbstractButton*>("Chk_RunAtStartup")->click();
+  world.loop.Poll();
 
   std::istringstream entry(world.home.Read("config/autostart/corvane.desktop"));
   std::string exec;
@@ -73,6 +74,7 @@ TEST(WindowOptions, StartAtLogOnKeepsTheFolderAndStartsMinimised) {
   EXPECT_EQ(options.switches, "/M");
 
   window.findChild<QAbstractButton*>("Chk_RunAtStartup")->click();
+  world.loop.Poll();
   EXPECT_FALSE(shell.HasLogOnEntry());
   unsetenv("XDG_CONFIG_HOME");
 }
