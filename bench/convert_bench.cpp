@@ -51,6 +51,7 @@ class NoShell : public Shell {
   [[nodiscard]] std::string ProgramFolder() const override { return {}; }
   [[nodiscard]] std::string ProgramName() const override { return {}; }
   Status OpenEditor(const std::string&) override { return Status::Ok(); }
+  Status OpenDocument(const std::string&) override { return Status::Ok(); }
   [[nodiscard]] bool HasLogOnEntry() const override { return false; }
   Status WriteLogOnEntry(const std::string&) override { return Status::Ok(); }
   Status DeleteLogOnEntry() override { return Status::Ok(); }

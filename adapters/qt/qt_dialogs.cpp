@@ -23,7 +23,7 @@ QStringList ToolkitFilters(const std::string& filter) {
 }  // namespace
 
 QtDialogs::~QtDialogs() {
-  on_closed = nullptr;
+  on_box_closed = nullptr;
   CloseAll();
 }
 
@@ -34,6 +34,7 @@ Dialogs::BoxId QtDialogs::OpenBox(const BoxContents& contents, std::function<voi
     click(position);
   });
   boxes_[id] = box;
+  QObject::connect(box, &QDialog::finished, box, [this] { Closed(); });
   box->setAttribute(Qt::WA_DeleteOnClose);
   Show(*box);
   return id;
@@ -59,16 +60,13 @@ void QtDialogs::CloseBox(BoxId box) {
 
 void QtDialogs::Show(QDialog& dialog) {
   shown_[&dialog] = &dialog;
-  QObject::connect(&dialog, &QDialog::finished, &dialog, [this, shown = &dialog] {
-    shown_.erase(shown);
-    Closed();
-  });
+  QObject::connect(&dialog, &QDialog::finished, &dialog, [this, shown = &dialog] { shown_.erase(shown); });
   dialog.setWindowModality(Qt::ApplicationModal);
   dialog.show();
 }
 
 void QtDialogs::Closed() {
-  if (parent_ != nullptr && on_closed) on_closed();
+  if (parent_ != nullptr && on_box_closed) on_box_closed();
 }
 
 void QtDialogs::CloseAll() {

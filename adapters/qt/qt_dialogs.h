@@ -34,16 +34,16 @@ class QtDialogs : public Dialogs {
                                         const std::string& folder) override;
   std::optional<std::string> ChooseFolder(const std::string& title, const std::string& folder) override;
 
-  /// Shows any other dialog over the window, modal, and tells when it has closed.
-  void Show(QDialog& dialog);
   /// Takes away whatever is shown, and whatever is asked from now on gets no answer: the program ends.
   void CloseAll();
 
-  /// Called from the loop after a dialog over the main window has closed.
-  std::function<void()> on_closed;
+  /// Called after a message box over the main window has closed; not after a choice, which the person asked for.
+  std::function<void()> on_box_closed;
 
  private:
   void Closed();
+  /// Shows the dialog over the window, modal; returns at once.
+  void Show(QDialog& dialog);
   /// Shows the dialog until it is answered; true when it was accepted. **Yields.**
   bool Run(QDialog& dialog);
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 #include <QSocketNotifier>
 
 namespace corvane {
@@ -81,8 +82,10 @@ void QtLoop::Post(std::function<void()> task) {
 
 void QtLoop::Yield() {
   if (depth_++ == 0) wake_up_.start(kWakeUpMilliseconds);
+  const auto left = qScopeGuard([this] {
+    if (--depth_ == 0) wake_up_.stop();
+  });
   QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-  if (--depth_ == 0) wake_up_.stop();
 }
 
 void QtLoop::Poll() {

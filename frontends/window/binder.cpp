@@ -6,6 +6,7 @@ namespace corvane::window {
 namespace {
 
 constexpr std::int64_t kRepaintMilliseconds = 20;
+constexpr int kRecheckMilliseconds = 250;
 
 QWidget& WidgetOf(const Control& control, QWidget& window) {
   const QString name = QString::fromStdString(control.name());
@@ -18,6 +19,12 @@ QWidget& WidgetOf(const Control& control, QWidget& window) {
 }  // namespace
 
 Binder::Binder(Form& form, BindingContext context) : context_(std::move(context)) {
+  recheck_timer_.setSingleShot(true);
+  recheck_timer_.setInterval(kRecheckMilliseconds);
+  QObject::connect(&recheck_timer_, &QTimer::timeout, &recheck_timer_, [this] {
+    for (const auto& [control, binding] : bindings_) binding->Recheck();
+  });
+  context_.recheck_soon = [this] { recheck_timer_.start(); };
   for (Control* control : form.controls()) {
     bindings_.emplace(control, MakeBinding(*control, WidgetOf(*control, context_.window), context_));
   }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include <QTimer>
 #include <QWidget>
 
 #include "form/form.h"
@@ -25,6 +26,7 @@ class Binder : public FormView {
 
  private:
   BindingContext context_;
+  QTimer recheck_timer_;
   std::unordered_map<const Control*, std::unique_ptr<Binding>> bindings_;
   std::int64_t last_repaint_ = 0;  ///< monotonic milliseconds
 };

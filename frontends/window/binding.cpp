@@ -74,17 +74,26 @@ class OptionsBinding : public Binding {
 class ButtonBinding : public Binding {
  public:
   ButtonBinding(Button& button, QWidget& widget, const BindingContext& context)
-      : Binding(&widget), control_(button), button_(WidgetAs<QAbstractButton>(widget)) {
+      : Binding(&widget),
+        control_(button),
+        button_(WidgetAs<QAbstractButton>(widget)),
+        cancel_(context.window.findChild<QWidget*>("Cmd_Cancel")) {
     QObject::connect(button_, &QAbstractButton::clicked, button_,
                      [&button, &loop = context.loop] { loop.Post([&button] { button.Click(); }); });
   }
   void Show(Aspect aspect, std::size_t /*row*/) override {
     if (aspect == Aspect::Caption) button_->setText(QString::fromStdString(control_.caption()));
   }
+  void ShowEnabled(bool enabled) override {
+    // The focus of a command that has started goes where no key does harm.
+    if (!enabled && button_->hasFocus()) cancel_->setFocus();
+    Binding::ShowEnabled(enabled);
+  }
 
  private:
   Button& control_;
   QAbstractButton* button_;
+  QWidget* cancel_;
 };
 
 class ProgressBinding : public Binding {

@@ -23,6 +23,8 @@ struct BindingContext {
   std::function<std::string(int number)> port_text;
   /// What is wrong with a field's text; empty when nothing is.
   std::function<std::string(const TextField& field)> problem_of;
+  /// Has all fields looked at again as soon as nothing is typed for a moment.
+  std::function<void()> recheck_soon = {};  // the binder's own
   /// Shows what is wrong with the field that has the focus; empty clears it.
   std::function<void(const std::string& problem)> show_hint;
 };
@@ -37,6 +39,8 @@ class Binding {
 
   /// Shows one changed aspect of the control; `row` as `FormView::ControlChanged` gets it.
   virtual void Show(Aspect aspect, std::size_t row) = 0;
+  /// Looks again whether the text is one that can be used; other fields or the files it names may have changed.
+  virtual void Recheck() {}
   virtual void ShowEnabled(bool enabled);
   virtual void ShowVisible(bool visible);
   [[nodiscard]] QWidget* widget() const { return widget_; }

@@ -47,16 +47,15 @@ void Captions::SetToolTip(std::int64_t position, const std::string& text) {
 
 const std::vector<Captions::Item>& Captions::Items() const {
   if (!items_.empty()) return items_;
-  auto* self = const_cast<Captions*>(this);
   const auto widgets = window_.findChildren<QWidget*>();
-  for (QWidget* widget : widgets) self->AddWidget(*widget);
+  for (QWidget* widget : widgets) AddWidget(*widget);
   for (Control* control : form_.controls()) {
-    if (control->kind() == ControlKind::Menu) self->AddMenuEntries(dynamic_cast<MenuGroup&>(*control));
+    if (control->kind() == ControlKind::Menu) AddMenuEntries(dynamic_cast<MenuGroup&>(*control));
   }
   return items_;
 }
 
-void Captions::AddWidget(QWidget& widget) {
+void Captions::AddWidget(QWidget& widget) const {
   const int text_id = widget.property("textId").toInt();
   if (text_id == 0) return;
   Item item;
@@ -93,16 +92,18 @@ void Captions::AddWidget(QWidget& widget) {
   items_.push_back(std::move(item));
 }
 
-QAction* Captions::ActionOf(const MenuGroup& menu, std::size_t row) const {
-  const auto* widget = window_.findChild<QMenu*>(QString::fromStdString(menu.name()));
-  return widget->actions().value(static_cast<qsizetype>(row));
+QMenu* Captions::MenuOf(const MenuGroup& menu) const {
+  return window_.findChild<QMenu*>(QString::fromStdString(menu.name()));
 }
 
-void Captions::AddMenuEntries(MenuGroup& menu) {
+QAction* Captions::ActionOf(const MenuGroup& menu, std::size_t row) const {
+  return MenuOf(menu)->actions().value(static_cast<qsizetype>(row));
+}
+
+void Captions::AddMenuEntries(MenuGroup& menu) const {
   for (std::size_t row = 0; row < menu.entries().size(); ++row) {
     const MenuGroup::Entry& entry = menu.entries()[row];
     if (entry.text_id == 0 || !entry.visible) continue;
-    QAction* action = ActionOf(menu, row);
     Item item;
     item.text_id = entry.text_id;
     item.caption = [&menu, row](int) { return QString::fromStdString(menu.entries()[row].caption); };
@@ -111,7 +112,10 @@ void Captions::AddMenuEntries(MenuGroup& menu) {
     };
     // An action without a tool tip of its own shows its text as one.
     item.tool_tip = [] { return QString(); };
-    item.set_tool_tip = [action](const QString& text) { action->setToolTip(text); };
+    item.set_tool_tip = [this, &menu, row](const QString& text) {
+      ActionOf(menu, row)->setToolTip(text);
+      MenuOf(menu)->setToolTipsVisible(true);
+    };
     items_.push_back(std::move(item));
   }
 }

@@ -11,6 +11,7 @@
 #include "lang/captioned_window.h"
 
 class QAction;
+class QMenu;
 class QWidget;
 
 namespace corvane::window {
@@ -43,8 +44,9 @@ class Captions : public CaptionedWindow {
   };
 
   [[nodiscard]] const std::vector<Item>& Items() const;
-  void AddWidget(QWidget& widget);
-  void AddMenuEntries(MenuGroup& menu);
+  void AddWidget(QWidget& widget) const;
+  void AddMenuEntries(MenuGroup& menu) const;
+  [[nodiscard]] QMenu* MenuOf(const MenuGroup& menu) const;
   [[nodiscard]] QAction* ActionOf(const MenuGroup& menu, std::size_t row) const;
 
   Form& form_;

@@ -5,6 +5,8 @@
 #include <QStyle>
 #include <QToolTip>
 
+namespace corvane::window {
+
 QSize ElidedLabel::minimumSizeHint() const {
   return {0, QLabel::minimumSizeHint().height()};
 }
@@ -27,3 +29,5 @@ bool ElidedLabel::event(QEvent* event) {
   }
   return QLabel::event(event);
 }
+
+}  // namespace corvane::window

@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+namespace corvane::window {
+
 /// A label that shortens a text that does not fit in its middle and shows all of it as the tool tip.
 class ElidedLabel : public QLabel {
  public:
@@ -15,3 +17,5 @@ class ElidedLabel : public QLabel {
  private:
   [[nodiscard]] QString Shortened() const;
 };
+
+}  // namespace corvane::window

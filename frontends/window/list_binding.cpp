@@ -48,7 +48,7 @@ class ListBinding : public QObject, public Binding {
     if (aspect == Aspect::Rows) {
       ShowRows(row);
     } else if (aspect == Aspect::Selection) {
-      ShowSelection(row);
+      ShowSelection(row, true);
     } else {
       model_.TakeRow(row);
     }
@@ -94,7 +94,7 @@ class ListBinding : public QObject, public Binding {
     const int scrolled = view_->verticalScrollBar()->value();
     model_.TakeAll();
     view_->verticalScrollBar()->setValue(scrolled);
-    ShowSelection(0);
+    ShowSelection(0, false);
   }
   void ShowAppended() {
     if (!streaming_) return model_.TakeAppended();
@@ -102,11 +102,13 @@ class ListBinding : public QObject, public Binding {
   }
   void ShowAppendedNow() {
     const Scope showing(showing_);
+    // A person who has scrolled up reads.
+    const bool at_end = view_->verticalScrollBar()->value() == view_->verticalScrollBar()->maximum();
     model_.TakeAppended();
-    ShowSelection(0);
+    ShowSelection(0, at_end);
   }
 
-  void ShowSelection(std::size_t row) {
+  void ShowSelection(std::size_t row, bool scroll) {
     auto* selection = view_->selectionModel();
     if (control_.multi_select() && row < static_cast<std::size_t>(model_.rowCount())) {
       const auto how = control_.selected(static_cast<std::int64_t>(row)) ? QItemSelectionModel::Select
@@ -120,11 +122,11 @@ class ListBinding : public QObject, public Binding {
     selection->setCurrentIndex(index, control_.multi_select()
                                           ? QItemSelectionModel::NoUpdate
                                           : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    if (index.isValid()) view_->scrollTo(index);
+    if (index.isValid() && scroll) view_->scrollTo(index);
   }
 
   void TakeCurrent(const QModelIndex& index) {
-    if (showing_ > 0 || !control_.enabled()) return;
+    if (showing_ > 0) return;
     context_.loop.Post([this, row = index.isValid() ? index.row() : -1] { TakeCurrentRow(row); });
   }
   void TakeCurrentRow(int row) {

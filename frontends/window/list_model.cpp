@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include <QColor>
 #include <QPainter>
 #include <QPixmap>
 #include <QPolygon>
@@ -14,6 +15,7 @@ namespace corvane::window {
 namespace {
 
 constexpr int kMarkSize = 16;
+constexpr QColor kDisabledText(128, 122, 110);
 
 /// A tick in a green disc, a bar in a red triangle, or nothing: told apart by shape as well as by colour.
 QIcon SignOf(RowMark mark) {
@@ -71,7 +73,11 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::CheckStateRole && checkable_ && index.column() == 0) {
     return list_.checked(index.row()) ? Qt::Checked : Qt::Unchecked;
   }
-  if (marked_ && (role == Qt::DecorationRole || role == Qt::ToolTipRole)) return MarkData(index.row(), role);
+  if (role == Qt::ForegroundRole && !list_.enabled()) return kDisabledText;
+  if (role == Qt::ToolTipRole && headings_.isEmpty() && !marked_)
+    return QString::fromStdString(list_.text(index.row()));
+  if (marked_ && (role == Qt::DecorationRole || role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole))
+    return MarkData(index.row(), role);
   if (role == Qt::TextAlignmentRole && index.column() == 1) return int(Qt::AlignRight | Qt::AlignVCenter);
   if (role != Qt::DisplayRole) return {};
   const std::string& row = list_.text(index.row());
@@ -84,7 +90,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
 
 QVariant ListModel::MarkData(std::int64_t row, int role) const {
   const RowMark mark = list_.mark(row);
-  if (role == Qt::ToolTipRole) {
+  if (role != Qt::DecorationRole) {
     if (mark == RowMark::None) return {};
     return mark == RowMark::Well ? "Answered when it was asked last" : "Did not answer well when it was asked last";
   }
@@ -104,9 +110,8 @@ bool ListModel::setHeaderData(int section, Qt::Orientation orientation, const QV
 }
 
 Qt::ItemFlags ListModel::flags(const QModelIndex& /*index*/) const {
-  if (!list_.enabled()) return Qt::NoItemFlags;
   const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-  return checkable_ ? flags | Qt::ItemIsUserCheckable : flags;
+  return checkable_ && list_.enabled() ? flags | Qt::ItemIsUserCheckable : flags;
 }
 
 bool ListModel::setData(const QModelIndex& index, const QVariant& value, int role) {

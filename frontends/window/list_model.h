@@ -24,7 +24,7 @@ class ListModel : public QAbstractTableModel {
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
   [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   bool setHeaderData(int section, Qt::Orientation orientation, const QVariant& value, int role) override;
-  /// Rows of a disabled list can be looked at and scrolled, but neither chosen nor ticked.
+  /// Rows of a disabled list show and scroll as ever but are not ticked; the binding refuses to choose one.
   [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 

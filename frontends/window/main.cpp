@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include <QApplication>
+#include <QSettings>
 
 #include "app/app_info.h"
 #include "posix/signal_watch.h"
@@ -40,6 +42,13 @@ int main(int argc, char** argv) {
   }
   if (given("--language-template")) qputenv("QT_QPA_PLATFORM", "offscreen");
 
+  const bool has_display = std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
+  if (!has_display && std::getenv("QT_QPA_PLATFORM") == nullptr && !given("-platform")) {
+    std::cerr << "corvane: there is no display here; use corvanectl, the console program\n";
+    return kNotStarted;
+  }
+  // Dialogs of the toolkit remember folders; this program remembers nothing outside its settings file.
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null");
   // The toolkit starts threads, which must not take these away from the program.
   corvane::SignalWatch::BlockEarly({SIGINT, SIGTERM, SIGHUP});
   QApplication toolkit(argc, argv);

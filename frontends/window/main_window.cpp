@@ -2,6 +2,8 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QScreen>
 #include <QShortcut>
 
 #include "ui_main_window.h"
@@ -10,6 +12,8 @@
 namespace corvane::window {
 namespace {
 
+constexpr double kShareOfScreen = 0.9;
+constexpr const char* kIconResource = ":/corvane.png";
 constexpr QColor kListColour(255, 251, 240);
 constexpr QColor kListText(32, 30, 26);
 constexpr QColor kDisabledListText(128, 122, 110);
@@ -29,7 +33,10 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   ui_->setupUi(this);
   ui_->splitter->setStretchFactor(0, 0);
   ui_->splitter->setStretchFactor(1, 1);
+  resize(size().boundedTo(screen()->availableSize() * kShareOfScreen));
+  setWindowIcon(QIcon(kIconResource));
   ApplyListColours();
+  NameForScreenReaders();
   AddTabShortcuts();
   ui_->Cmd_Cancel->installEventFilter(this);
   AddPortDialog();
@@ -45,8 +52,7 @@ BindingContext MainWindow::Context() {
   return {
       .window = *this,
       .loop = loop_,
-      .port_text =
-          [this](int number) { return "COM" + std::to_string(number) + "  " + app_.devices().DeviceOf(number); },
+      .port_text = [this](int number) { return app_.ports().Look(number).text; },
       .problem_of = [this](const TextField& field) { return app_.checks().ProblemOf(field); },
       .show_hint = [this](const std::string& problem) { ui_->hintLabel->setText(QString::fromStdString(problem)); },
   };
@@ -68,6 +74,16 @@ void MainWindow::ApplyListColours() {
   }
 }
 
+void MainWindow::NameForScreenReaders() {
+  const auto widgets = findChildren<QWidget*>();
+  for (QWidget* widget : widgets) {
+    const auto* button = qobject_cast<QAbstractButton*>(widget);
+    const bool nameless = button != nullptr ? button->text() == "..."
+                                            : widget->inherits("QAbstractItemView") || widget->inherits("QProgressBar");
+    if (nameless || widget->objectName().startsWith("Cmd_Process")) widget->setAccessibleName(widget->toolTip());
+  }
+}
+
 void MainWindow::AddTabShortcuts() {
   for (int tab = 0; tab < ui_->tabs->count(); ++tab) {
     auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(Qt::Key_1 + tab)), this);
@@ -79,9 +95,6 @@ void MainWindow::AddPortDialog() {
   ports_ = new PortDialog(app_.ports(), this);
   ports_->assignment_changed = [this] {
     for (const Selector& port : app_.form().Cmb_Port) binder_->ControlChanged(port, Aspect::Rows, 0);
-  };
-  ports_->closed = [this] {
-    if (on_dialog_closed) on_dialog_closed();
   };
   connect(ui_->portsButton, &QAbstractButton::clicked, this,
           [this] { ports_->OpenFor(app_.form().Cmb_Port[0].SelectedItemData()); });
@@ -99,7 +112,10 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
-  if (!HandKey(app_.form().Frm_Main, *event)) QMainWindow::keyPressEvent(event);
+  // What a field does not use (a lone Shift, Return) comes up to the window; it was still typed into the field.
+  const bool in_field = qobject_cast<QLineEdit*>(focusWidget()) != nullptr;
+  const bool for_window = !in_field || event->key() == Qt::Key_Escape || event->key() == Qt::Key_F1;
+  if (!for_window || !HandKey(app_.form().Frm_Main, *event)) QMainWindow::keyPressEvent(event);
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

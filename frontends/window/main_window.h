@@ -27,8 +27,6 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] const Captions& captions() const { return captions_; }
   /// Takes away the window's own dialogs: the program ends.
   void CloseDialogs() { ports_->reject(); }
-  /// Called when a dialog of the window itself has closed.
-  std::function<void()> on_dialog_closed;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -39,6 +37,7 @@ class MainWindow : public QMainWindow {
  private:
   [[nodiscard]] BindingContext Context();
   void ApplyListColours();
+  void NameForScreenReaders();
   void AddTabShortcuts();
   void AddPortDialog();
 

@@ -19,10 +19,6 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     } else if (argument.starts_with(std::string(kHomeOption) + "=")) {
       options.home = argument.substr(kHomeOption.size() + 1);
       if (options.home.empty()) throw UsageError("--home needs a folder");
-    } else if (argument == "--help") {
-      options.help = true;
-    } else if (argument == "--version") {
-      options.version = true;
     } else if (argument == "--language-template") {
       options.language_template = true;
     } else if (argument.starts_with("--")) {

@@ -15,8 +15,6 @@ class UsageError : public std::runtime_error {
 /// What the command line of the window program says.
 struct Options {
   std::string home;  ///< value of --home, empty when not given
-  bool help = false;
-  bool version = false;
   bool language_template = false;
   std::string switches;  ///< the text in which "/M", "/D" and "/Q" are looked for
 };

@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QScopeGuard>
 #include <QSessionManager>
 
 #include "app/application.h"
@@ -75,7 +76,7 @@ class Program {
       EndSilently();
     });
     app_->life().SetCaptions(&window_->captions());
-    app_->life().OnWindowCreate();
+    app_->life().OnWindowCreate(switches_);
     WatchForALostDisplay();
     if (!app_->flags().closing) {
       ShowWindow();
@@ -128,13 +129,12 @@ class Program {
 
   void ShowWindow() {
     dialogs_.SetParent(window_.get());
-    dialogs_.on_closed = [this] { OnDialogClosed(); };
-    window_->on_dialog_closed = [this] { OnDialogClosed(); };
+    dialogs_.on_box_closed = [this] { OnBoxClosed(); };
     window_->show();
     loop_.Post([this] { Activate(); });
   }
 
-  void OnDialogClosed() {
+  void OnBoxClosed() {
     // One that arises while an operation or another activation runs is dropped.
     if (!app_->slot().Taken() && !activating_ && !app_->flags().closing) loop_.Post([this] { Activate(); });
   }
@@ -142,8 +142,8 @@ class Program {
   void Activate() {
     if (activating_) return;
     activating_ = true;
+    const auto done = qScopeGuard([this] { activating_ = false; });
     app_->life().OnWindowActivate(switches_);
-    activating_ = false;
   }
 
   void EndMainLoop() {
@@ -153,8 +153,7 @@ class Program {
   }
 
   void Finish() {
-    dialogs_.on_closed = nullptr;
-    window_->on_dialog_closed = nullptr;
+    dialogs_.on_box_closed = nullptr;
     app_->life().OnWindowClose();
     running_ = nullptr;
     window_.reset();

@@ -23,6 +23,7 @@ class SelectorBinding : public QObject, public Binding {
     box_->setFocusPolicy(Qt::StrongFocus);
     connect(box_, &QComboBox::activated, this, [this](int row) { control_.SetCurrent(row); });
     if (selector.editable()) {
+      box_->setCompleter(nullptr);
       box_->lineEdit()->setMaxLength(static_cast<int>(TextField::kLongestText));
       connect(box_, &QComboBox::editTextChanged, this,
               [this](const QString& text) { control_.SetShownText(text.toStdString()); });
@@ -30,14 +31,16 @@ class SelectorBinding : public QObject, public Binding {
     box_->installEventFilter(this);
   }
 
-  void Show(Aspect aspect, std::size_t /*row*/) override {
+  void Show(Aspect aspect, std::size_t row) override {
     const QSignalBlocker quiet(box_);
-    if (aspect == Aspect::Rows) ShowRows();
+    if (aspect == Aspect::Rows) ShowRows(row);
     if (shows_ports_) ShowPortText(static_cast<int>(control_.current()));
-    box_->setCurrentIndex(static_cast<int>(control_.current()));
-    if (!control_.editable()) return;
+    // Touched only where they differ: a new index or text would move the cursor of a person who types.
+    const auto current = static_cast<int>(control_.current());
     const QString shown = QString::fromStdString(control_.shown_text());
-    if (box_->currentText() != shown) box_->setEditText(shown);
+    const bool typed = control_.editable() && current < 0;
+    if (!typed && box_->currentIndex() != current) box_->setCurrentIndex(current);
+    if (control_.editable() && box_->currentText() != shown) box_->setEditText(shown);
   }
 
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
@@ -55,7 +58,9 @@ class SelectorBinding : public QObject, public Binding {
     if (shows_ports_) return QString::fromStdString(context_.port_text(control_.number(row)));
     return QString::fromStdString(control_.text(row));
   }
-  void ShowRows() {
+  void ShowRows(std::size_t first_changed) {
+    const std::int64_t shown = box_->count();
+    if (first_changed > 0 && control_.count() == shown + 1) return box_->addItem(TextOf(shown));
     box_->clear();
     for (std::int64_t row = 0; row < control_.count(); ++row) box_->addItem(TextOf(row));
   }

@@ -29,12 +29,21 @@ class TextFieldBinding : public QObject, public Binding {
       const QSignalBlocker quiet(edit_);
       edit_->setText(text);
     }
-    Check();
+    context_.recheck_soon();
+  }
+  void Recheck() override {
+    const std::string problem = context_.problem_of(control_);
+    if (problem == problem_) return;
+    problem_ = problem;
+    mark_->setVisible(!problem.empty());
+    mark_->setToolTip(QString::fromStdString(problem));
+    edit_->setAccessibleDescription(QString::fromStdString(problem));
+    if (edit_->hasFocus()) context_.show_hint(problem);
   }
 
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
     if (event->type() == QEvent::FocusIn) {
-      Check();
+      Recheck();
       context_.show_hint(problem_);
     }
     if (event->type() == QEvent::FocusOut) context_.show_hint({});
@@ -43,19 +52,9 @@ class TextFieldBinding : public QObject, public Binding {
 
  private:
   void Take(const QString& text) {
-    const bool same = text.toStdString() == control_.text();
     control_.SetText(text.toStdString());
     // The control may have cut or cleaned what was typed or pasted.
-    if (!same) Show(Aspect::Value, 0);
-  }
-  void Check() {
-    const std::string problem = context_.problem_of(control_);
-    if (problem == problem_) return;
-    problem_ = problem;
-    mark_->setVisible(!problem.empty());
-    mark_->setToolTip(QString::fromStdString(problem));
-    edit_->setAccessibleDescription(QString::fromStdString(problem));
-    if (edit_->hasFocus()) context_.show_hint(problem);
+    if (control_.text() != text.toStdString()) Show(Aspect::Value, 0);
   }
 
   TextField& control_;

@@ -207,17 +207,12 @@ void Commands::BindKeys() {
     return true;
   };
   p_.form.Frm_Main.on_key = [this](int code, bool key_down) {
-    if (key_down && code == kEscapeKey) {
-      p_.form.Cmd_Cancel.Click();
-      return true;
-    }
-    if (key_down && code == kF1Key) {
-      p_.form.mnu_Help.Click(0);
-      return true;
-    }
     p_.trace.LogWrite((key_down ? "Form_KeyDown KeyCode: " : "Form_KeyPress KeyAscii set to zero: ") +
                       std::to_string(code));
-    return !key_down;
+    // What these keys start may wait, which a key event must not.
+    if (key_down && code == kEscapeKey) p_.loop.Post([this] { p_.form.Cmd_Cancel.Click(); });
+    if (key_down && code == kF1Key) p_.loop.Post([this] { p_.form.mnu_Help.Click(0); });
+    return !key_down || code == kEscapeKey || code == kF1Key;
   };
 }
 

@@ -1,5 +1,7 @@
 #include "app/command_states.h"
 
+#include <initializer_list>
+
 namespace corvane {
 namespace {
 
@@ -39,11 +41,25 @@ void CommandStates::SetIdle(bool ab_Enabled) {
     button->SetEnabled(ab_Enabled);
   }
   for (Button* button : {&form_.Cmd_Hex, &form_.Cmd_BackupFolder, &form_.Cmd_Mode}) button->SetEnabled(ab_Enabled);
+  EnableEditors(ab_Enabled);
   form_.Lst_Units.SetEnabled(ab_Enabled);
   form_.Lst_Relays.SetEnabled(ab_Enabled);
   for (MenuGroup* menu : {&form_.mnu_Download, &form_.mnu_ftpFile, &form_.mnu_Convert, &form_.mnu_GetDate,
                           &form_.mnu_SetDate, &form_.mnu_SetLogPeriod, &form_.mnu_setMode, &form_.mnu_SetDelays}) {
     menu->SetEnabled(ab_Enabled);
+  }
+}
+
+// A round goes through the units in the editor, and its files are named by these fields: what is typed meanwhile would
+// go to whichever unit stands there.
+void CommandStates::EnableEditors(bool ab_Enabled) {
+  for (Control* field : std::initializer_list<Control*>{
+           &form_.Txt_UnitName, &form_.Txt_UnitID, &form_.Chk_UnitActive, &form_.Cmb_Relay, &form_.Cmb_Client,
+           &form_.Cmb_GetFrom, &form_.Cmb_SendTo, &form_.Txt_Correction[0], &form_.Txt_Correction[1],
+           &form_.Txt_RelayName, &form_.Txt_RelayID, &form_.Opt_Password, &form_.Txt_ClientName,
+           &form_.Txt_ClientFolder, &form_.Txt_Folder, &form_.Txt_Prefix, &form_.Txt_RawFileExtension,
+           &form_.Txt_CalibratedFileExtension}) {
+    field->SetEnabled(ab_Enabled);
   }
 }
 

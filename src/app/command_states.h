@@ -23,6 +23,7 @@ class CommandStates {
   void UpdateCommandStates();
 
  private:
+  void EnableEditors(bool ab_Enabled);
   void EnableTransfer(bool ab_Enabled);
 
   Form& form_;

@@ -10,10 +10,17 @@ namespace {
 
 constexpr int kPortNumbers = 50;
 constexpr std::int16_t kLanguageFile = 3;
+constexpr std::string_view kDownloadSwitch = "/D";
+
+// Intended: a switch counts anywhere in the command line, "/DATA" is "/D"; existing shortcuts rely on it.
+bool IsGiven(std::string_view as_Switches, std::string_view as_Switch) {
+  return ToUpper(as_Switches).find(as_Switch) != std::string::npos;
+}
 
 }  // namespace
 
-void LifeCycle::OnWindowCreate() {
+void LifeCycle::OnWindowCreate(std::string_view as_Switches) {
+  p_.flags.automatic_run = IsGiven(as_Switches, kDownloadSwitch);
   p_.store.SetFile(p_.app.AppPath("corvane.ini"));
   p_.trace.SetLogFile(p_.app.AppPath("corvane.log"));
   p_.summary.SetFile(p_.app.AppPath("summary.csv"));
@@ -30,6 +37,7 @@ void LifeCycle::OnWindowCreate() {
   p_.files.RefreshFileListBox();
   p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.IsRunAtStartup());
   p_.states.UpdateCommandStates();
+  p_.flags.automatic_run = false;
 }
 
 void LifeCycle::LoadCaptions() {
@@ -67,13 +75,16 @@ void LifeCycle::OnWindowActivate(std::string_view as_Switches) {
     ShowFirstRecords();
     p_.states.UpdateCommandStates();
   }
+  p_.flags.automatic_run = IsGiven(as_Switches, kDownloadSwitch);
   p_.files.RefreshFileListBox();
+  p_.flags.automatic_run = false;
   {
     const SuppressEvents::Guard suppressed(p_.form.Suppress);
     ActOnSwitches(as_Switches);
     if (p_.flags.closing) return;
     p_.schedule.StartHeartbeat();
   }
+  if (p_.form.Chk_RunAtStartup.ticked() != p_.run_at_startup.IsRunAtStartup()) p_.form.Chk_RunAtStartup.on_change();
   p_.schedule.CalculateNextDownload();
 }
 
@@ -84,12 +95,9 @@ void LifeCycle::ShowFirstRecords() {
 }
 
 void LifeCycle::ActOnSwitches(std::string_view as_Switches) {
-  const std::string switches = ToUpper(as_Switches);
-  const auto given = [&switches](const char* text) { return switches.find(text) != std::string::npos; };
-  // Intended: a switch counts anywhere in the command line, "/DATA" is "/D"; existing shortcuts rely on it.
-  if (given("/M")) p_.form.Frm_Main.SetMinimised(true);
-  if (given("/D")) p_.commands.DownloadAll(true, kRadioUnits, true);
-  if (given("/Q")) p_.commands.Close(false);
+  if (IsGiven(as_Switches, "/M")) p_.form.Frm_Main.SetMinimised(true);
+  if (IsGiven(as_Switches, kDownloadSwitch)) p_.commands.DownloadAll(true, kRadioUnits, true);
+  if (IsGiven(as_Switches, "/Q")) p_.commands.Close(false);
 }
 
 void LifeCycle::OnWindowClose() {

@@ -62,7 +62,9 @@ class LifeCycle {
   void SetCaptions(CaptionedWindow* av_Window) { captions_ = av_Window; }
   /// Builds the window's fixed lists, loads the settings and the captions and fills the selectors. Called once.
   /// **Yields** for messages.
-  void OnWindowCreate();
+  ///
+  /// When `as_Switches` start a download nobody may be there: messages answer themselves.
+  void OnWindowCreate(std::string_view as_Switches = {});
   /// Shows the first records, acts on the switches and starts the heartbeat. **Yields** when a switch downloads.
   ///
   /// Runs again at every activation; one that arises while an operation runs is dropped.

@@ -107,7 +107,8 @@ std::optional<FileInfo> ExamineFile(const std::string& path) {
   return InfoOf(found);
 }
 
-Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries) {
+Status ListFiles(const std::string& folder, const std::function<bool(std::string_view name)>& wanted,
+                 std::vector<FolderEntry>& entries) {
   if (Status full = CheckFullPath(folder); !full.ok()) return full;
   entries.clear();
   DIR* const directory = opendir(folder.c_str());
@@ -115,6 +116,7 @@ Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries) {
   errno = 0;
   for (const dirent* entry = nullptr; (entry = readdir(directory)) != nullptr; errno = 0) {
     if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) continue;
+    if (!wanted(entry->d_name)) continue;
     struct stat found {};
     if (fstatat(dirfd(directory), entry->d_name, &found, 0) != 0 || !S_ISREG(found.st_mode)) continue;
     entries.push_back({entry->d_name, InfoOf(found)});

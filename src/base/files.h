@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,8 +33,10 @@ struct FolderEntry {
 
 /// What stands at `path`; none when nothing does or it cannot be examined.
 [[nodiscard]] std::optional<FileInfo> ExamineFile(const std::string& path);
-/// The regular files of a folder and links to such, in no particular order; what vanishes meanwhile is left out.
-Status ListFiles(const std::string& folder, std::vector<FolderEntry>& entries);
+/// The regular files of a folder and links to such whose name `wanted` takes, in no particular order; what vanishes
+/// meanwhile is left out.
+Status ListFiles(const std::string& folder, const std::function<bool(std::string_view name)>& wanted,
+                 std::vector<FolderEntry>& entries);
 /// Creates one folder; its parent must exist. One that exists already is a success.
 Status MakeFolder(const std::string& path);
 Status RemoveFile(const std::string& path);

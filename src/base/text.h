@@ -17,8 +17,8 @@ inline constexpr std::string_view kLineBreak = "\r\n";
 [[nodiscard]] bool EqualsNoCase(std::string_view a, std::string_view b);
 /// True when `text` begins with `start`, without regard to the case of ASCII letters.
 [[nodiscard]] bool StartsWithNoCase(std::string_view text, std::string_view start);
-/// Orders as a case-insensitive text comparison of ASCII letters does.
-[[nodiscard]] bool LessNoCase(std::string_view a, std::string_view b);
+/// Orders as a case-insensitive text comparison of ASCII letters does: below, at or above zero.
+[[nodiscard]] int CompareNoCase(std::string_view a, std::string_view b);
 
 /// `text` without blanks and tabs at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text);

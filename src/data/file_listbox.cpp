@@ -23,10 +23,10 @@ void CFileListbox::Refresh(List& av_ListBox) {
   {
     const BusyPointer busy(form_.Frm_Main);
     std::vector<FolderEntry> found;
-    const Status listed = ListFiles(path_, found);
+    const auto wanted = [this](std::string_view name) { return MatchesPattern(name, pattern_); };
+    const Status listed = ListFiles(path_, wanted, found);
     if (listed.ok() || listed.code() == ENOENT) {
       entries_ = std::move(found);
-      std::erase_if(entries_, [this](const FolderEntry& entry) { return !MatchesPattern(entry.name, pattern_); });
       Sort();
       Fill();
     } else {
@@ -40,8 +40,8 @@ void CFileListbox::Sort() {
   const auto less = [this](const FolderEntry& a, const FolderEntry& b) {
     if (sort_by_ == kBySize && a.info.size != b.info.size) return a.info.size < b.info.size;
     if (sort_by_ == kByDate && a.info.modified != b.info.modified) return a.info.modified < b.info.modified;
-    if (!EqualsNoCase(a.name, b.name)) return LessNoCase(a.name, b.name);
-    return a.name < b.name;
+    const int order = CompareNoCase(a.name, b.name);
+    return order == 0 ? a.name < b.name : order < 0;
   };
   std::sort(entries_.begin(), entries_.end(), [this, &less](const FolderEntry& a, const FolderEntry& b) {
     return descending_ ? less(b, a) : less(a, b);

@@ -96,10 +96,15 @@ void List::Add(std::string text) {
 void List::SetRows(std::vector<std::string> texts) {
   const bool had_current = current_ != -1;
   current_ = -1;
-  rows_.clear();
-  rows_.reserve(texts.size());
-  for (std::string& text : texts) rows_.push_back({std::move(text)});
-  Tell(Aspect::Rows);
+  const auto same = [](const Row& row, const std::string& text) {
+    return row.text == text && !row.checked && !row.selected && row.mark == RowMark::None;
+  };
+  if (!std::equal(rows_.begin(), rows_.end(), texts.begin(), texts.end(), same)) {
+    rows_.clear();
+    rows_.reserve(texts.size());
+    for (std::string& text : texts) rows_.push_back({std::move(text)});
+    Tell(Aspect::Rows);
+  }
   if (had_current) TellAndHandle(Aspect::Selection);
 }
 

@@ -153,7 +153,9 @@ void CLanguage::LoadTabs(CaptionedWindow& av_Window, std::int64_t al_Position,
   for (int tab = 0; tab < av_Caption.tabs; ++tab) {
     // Intended: an empty text empties a tab's caption; only other controls keep theirs.
     const Entry* entry = EntryOf(std::int64_t{av_Caption.text_id} + tab);
-    if (entry != nullptr) av_Window.SetCaption(al_Position, tab, entry->Text);
+    if (entry == nullptr) continue;
+    av_Window.SetCaption(al_Position, tab, entry->Text);
+    if (tab == 0 && !entry->ToolTip.empty()) av_Window.SetToolTip(al_Position, entry->ToolTip);
   }
 }
 

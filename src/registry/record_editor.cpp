@@ -57,7 +57,11 @@ void RecordEditor::Select(std::int64_t al_Index) {
 }
 
 void RecordEditor::OnSelect() {
-  if (form_.Suppress.set() || slot_.Taken()) return;
+  if (form_.Suppress.set()) return;
+  if (slot_.Taken()) {
+    const SuppressEvents::Guard guard(form_.Suppress);
+    return list_.SetCurrent(shown_);
+  }
   {
     const SuppressEvents::Guard guard(form_.Suppress);
     StoreRecord();

@@ -109,16 +109,21 @@ int Messages::RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bo
   std::int64_t left = al_Seconds;
   bool out_of_time = false;
   Dialogs::BoxId box = 0;
-  const auto timer = loop_.MakeTimer([&] {
-    --left;
+  std::unique_ptr<Timer> timer;
+  timer = loop_.MakeTimer([&] {
+    // Whatever runs beneath the box, it closes when its time is over.
+    if (--left < 1) {
+      out_of_time = true;
+      timer->Stop();
+      return dialogs_.CloseBox(box);
+    }
     if (ab_ShowCountDown) dialogs_.SetCountDown(box, std::to_string(left));
-    out_of_time = left < 1;
   });
   box = dialogs_.OpenBox(av_Contents, [answer](int position) { *answer = {true, position}; });
   if (al_Seconds > 0) timer->Start(1000);
   while (!answer->given && !out_of_time && !MustUnwind()) loop_.Yield();
   timer->Stop();
-  if (!answer->given) dialogs_.CloseBox(box);
+  if (!answer->given && !out_of_time) dialogs_.CloseBox(box);
   return answer->position;
 }
 

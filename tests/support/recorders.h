@@ -2,6 +2,9 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -39,11 +42,21 @@ class RecordingDialogs : public Dialogs {
       on_click(position);
     } else {
       ++open_boxes;
+      waiting_[static_cast<BoxId>(boxes.size())] = std::move(on_click);
     }
     return static_cast<BoxId>(boxes.size());
   }
   void SetCountDown(BoxId, const std::string& text) override { count_downs.push_back(text); }
-  void CloseBox(BoxId) override { --open_boxes; }
+  void CloseBox(BoxId box) override {
+    --open_boxes;
+    waiting_.erase(box);
+  }
+  /// Presses a button of the box that was opened last and is still there.
+  void AnswerOpenBox(int position) {
+    const auto on_click = waiting_.extract(std::prev(waiting_.end())).mapped();
+    --open_boxes;
+    on_click(position);
+  }
   std::optional<std::string> AskText(const std::string&, const std::string&, const std::string&) override {
     return text_answer;
   }
@@ -67,6 +80,9 @@ class RecordingDialogs : public Dialogs {
   std::vector<std::string> count_downs;
   std::optional<std::string> text_answer;
   std::string last_filter;
+
+ private:
+  std::map<BoxId, std::function<void(int)>> waiting_;
 };
 
 class FakeShell : public Shell {

@@ -37,9 +37,9 @@ class World {
   }
 
   /// Creates the application and runs the window-creation steps.
-  Application& Start() {
+  Application& Start(const std::string& switches = "") {
     app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs}, home.path());
-    app_->life().OnWindowCreate();
+    app_->life().OnWindowCreate(switches);
     return *app_;
   }
   [[nodiscard]] Application& app() { return *app_; }

@@ -82,8 +82,11 @@ TEST(Files, AreListedWithoutFolders) {
   fs::create_symlink(folder.Write("a.epd", "12345"), folder.Name("link.epd"));
   fs::create_symlink(folder.Name("gone"), folder.Name("dangling.epd"));
   fs::create_symlink(folder.Name("sub"), folder.Name("folder.epd"));
+  folder.Write("unwanted", "");
   std::vector<FolderEntry> entries = {{"left over", {}}};
-  ASSERT_TRUE(ListFiles(folder.path(), entries).ok());
+  ASSERT_TRUE(ListFiles(
+                  folder.path(), [](std::string_view name) { return name != "unwanted"; }, entries)
+                  .ok());
   std::map<std::string, std::int64_t> found;
   for (const FolderEntry& entry : entries) found[entry.name] = entry.info.size;
   EXPECT_EQ(found, (decltype(found){{"a.epd", 5}, {"link.epd", 5}}));

@@ -43,6 +43,18 @@ TEST(LifeCycle, SwitchesAreFoundAnywhereInTheCommandLine) {
   }
 }
 
+TEST(LifeCycle, NoMessageHoldsUpAStartThatDownloads) {
+  World world("[General]\nFolder=plain\n[Ports]\nCOM1=/dev/base\n[Units]\nNumUnits=1\nClientID1=0\n");
+  world.home.Write("plain", "in the way of the data folder");
+  world.dialogs.answer_plain_boxes = false;
+  world.Start("/D/Q");
+  world.app().life().OnWindowActivate("/D/Q");
+  EXPECT_TRUE(world.app().flags().closing);
+  EXPECT_FALSE(world.app().flags().automatic_run);
+  EXPECT_GE(world.dialogs.boxes.size(), 1U);
+  for (const BoxContents& box : world.dialogs.boxes) EXPECT_FALSE(box.count_down.empty()) << box.text;
+}
+
 TEST(LifeCycle, EveryActivationActsOnTheSwitchesAgain) {
   World world("[Ports]\nCOM1=/dev/base\n[Units]\nNumUnits=1\n");
   world.Start();

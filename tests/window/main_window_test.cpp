@@ -252,6 +252,16 @@ TEST(MainWindow, TitleFollowsTheMinimisedWindowAndIsRestored) {
   EXPECT_EQ(world.form().Frm_Main.title(), "Corvane");
 }
 
+TEST(MainWindow, FitsASmallScreenAtTwiceItsSize) {
+  WindowWorld world("[General]\nLastDownload=21 Sep 2026 23:59\nNextDownload=22 Sep 2026 23:59\n");
+  world.Open();
+  world.window().resize(10, 10);
+  QApplication::processEvents();
+  const QSize least = world.window().size();
+  EXPECT_LE(least.width(), 1366 / 2);
+  EXPECT_LE(least.height(), 768 / 2);
+}
+
 TEST(MainWindow, ClosingAsksTheProgramToEnd) {
   WindowWorld world("[Ports]\nCOM1=/dev/base\n[Units]\nNumUnits=3\n");
   world.Open();

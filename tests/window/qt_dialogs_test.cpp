@@ -20,7 +20,7 @@ class QtDialogsTest : public testing::Test {
  protected:
   QtDialogsTest() {
     dialogs.SetParent(&window);
-    dialogs.on_closed = [this] { ++closed; };
+    dialogs.on_box_closed = [this] { ++closed; };
     window.show();
   }
   /// The dialog that is shown.

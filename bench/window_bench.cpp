@@ -1,0 +1,190 @@
+// Measures the window on an application folder that holds its settings.
+//   corvane-bench-window paint FOLDER BEGIN    prints the seconds since BEGIN (of the clock, with fractions) when the
+//                                              window stands activated and painted
+//   corvane-bench-window work FOLDER           prints what a keystroke and a click cost, a line each
+//                                              (processor time, other programs do not count)
+//   corvane-bench-window list FOLDER           prints the slowest of several refreshes of the file list, likewise
+//   corvane-bench-window convert FOLDER        prints the seconds of converting all units
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QTabWidget>
+
+#include "app/application.h"
+#include "posix/posix_shell.h"
+#include "posix/termios_port.h"
+#include "printing_dialogs.h"
+#include "qt/qt_loop.h"
+#include "window/main_window.h"
+
+namespace {
+
+using namespace corvane;
+
+constexpr int kKeystrokes = 400;
+constexpr int kClicks = 200;
+constexpr int kRefreshes = 6;
+
+class PaintCounter : public QObject {
+ public:
+  int paints = 0;
+
+ private:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::Paint) ++paints;
+    return false;
+  }
+};
+
+/// The program's window on the real machine, shown and activated.
+class Bench {
+ public:
+  explicit Bench(const std::string& folder)
+      : shell_("corvane-bench-window", folder), app_(Platform{loop_, port_, shell_, dialogs_, {}}, folder) {
+    QApplication::instance()->installEventFilter(&counter_);
+    app_.life().OnWindowCreate();
+    window_.show();
+    Measure([this] { loop_.Post([this] { app_.life().OnWindowActivate(""); }); });
+  }
+
+  Application& app() { return app_; }
+
+  /// The widget of that name, on a tab that is shown.
+  template <class Kind>
+  Kind& Widget(const char* name) {
+    auto* found = window_.findChild<Kind*>(name);
+    if (found == nullptr) throw std::runtime_error(std::string("no widget ") + name);
+    auto* tabs = window_.findChild<QTabWidget*>();
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+      if (tabs->widget(tab)->isAncestorOf(found)) tabs->setCurrentIndex(tab);
+    }
+    loop_.Poll();
+    return *found;
+  }
+  /// Milliseconds of processor time until `action` is done and what it changed is painted.
+  double Measure(const std::function<void()>& action) {
+    const std::clock_t start = std::clock();
+    counter_.paints = 0;
+    action();
+    loop_.Poll();
+    if (counter_.paints == 0) throw std::runtime_error("nothing was painted");
+    return 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+  }
+
+ private:
+  QtLoop loop_;
+  TermiosPort port_{loop_, loop_};
+  PosixShell shell_;
+  PrintingDialogs dialogs_;
+  Application app_;
+  window::MainWindow window_{app_, loop_};
+  PaintCounter counter_;
+};
+
+void Print(const std::string& what, std::vector<double> times) {
+  std::sort(times.begin(), times.end());
+  std::printf("%s: median %.1f ms, worst %.1f ms\n", what.c_str(), times[times.size() / 2], times.back());
+}
+
+void MeasureKeystrokes(Bench& bench, const char* field) {
+  auto& edit = bench.Widget<QLineEdit>(field);
+  edit.setFocus();
+  std::vector<double> times;
+  for (int i = 0; i < kKeystrokes; ++i) {
+    const bool back = i % 2 == 1;
+    QKeyEvent press(QEvent::KeyPress, back ? Qt::Key_Backspace : Qt::Key_X, {}, back ? "\b" : "x");
+    times.push_back(bench.Measure([&] { QApplication::sendEvent(&edit, &press); }));
+  }
+  Print(std::string("keystroke in ") + field, std::move(times));
+}
+
+void MeasureClicks(Bench& bench) {
+  bench.Widget<QAbstractItemView>("Lst_LocalFiles");
+  auto& units = bench.Widget<QAbstractItemView>("Lst_Units");
+  std::vector<double> times;
+  for (int i = 0; i < kClicks; ++i) {
+    const QPointF point = units.visualRect(units.model()->index(1 + i % 8, 0)).center();
+    const QPointF global = units.viewport()->mapToGlobal(point);
+    QMouseEvent press(QEvent::MouseButtonPress, point, global, Qt::LeftButton, Qt::LeftButton, {});
+    QMouseEvent release(QEvent::MouseButtonRelease, point, global, Qt::LeftButton, {}, {});
+    times.push_back(bench.Measure([&] {
+      QApplication::sendEvent(units.viewport(), &press);
+      QApplication::sendEvent(units.viewport(), &release);
+    }));
+    if (bench.app().form().Lst_Units.current() != 1 + i % 8) throw std::runtime_error("the click chose no unit");
+  }
+  Print("click in Lst_Units", std::move(times));
+}
+
+int MeasureWork(const std::string& folder) {
+  Bench bench(folder);
+  for (const char* field : {"Txt_UnitName", "Txt_Prefix", "Txt_Folder"}) MeasureKeystrokes(bench, field);
+  MeasureClicks(bench);
+  return EXIT_SUCCESS;
+}
+
+int MeasurePaint(const std::string& folder, double begin) {
+  const Bench bench(folder);
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  std::printf("%.3f\n", std::chrono::duration<double>(now).count() - begin);
+  return EXIT_SUCCESS;
+}
+
+int MeasureList(const std::string& folder) {
+  Bench bench(folder);
+  bench.Widget<QAbstractItemView>("Lst_LocalFiles");
+  double slowest = 0;
+  for (int i = 1; i <= kRefreshes; ++i) {
+    const double time = bench.Measure([&] { bench.app().form().Opt_SortFile.SetOptionIndex(i % 3); });
+    slowest = std::max(slowest, time);
+  }
+  std::printf("%.3f s, %lld files\n", slowest / 1000,
+              static_cast<long long>(bench.app().form().Lst_LocalFiles.count()));
+  return EXIT_SUCCESS;
+}
+
+int MeasureConversion(const std::string& folder) {
+  Bench bench(folder);
+  const auto start = std::chrono::steady_clock::now();
+  bench.app().commands().ConvertAll(true);
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  std::printf("%.3f\n", seconds);
+  return bench.app().flags().problems == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication toolkit(argc, argv);
+  const std::map<std::string, std::function<int()>> measures = {
+      {"paint", [argv] { return MeasurePaint(argv[2], std::strtod(argv[3], nullptr)); }},
+      {"work", [argv] { return MeasureWork(argv[2]); }},
+      {"list", [argv] { return MeasureList(argv[2]); }},
+      {"convert", [argv] { return MeasureConversion(argv[2]); }},
+  };
+  const auto measure = argc < 3 ? measures.end() : measures.find(argv[1]);
+  if (measure == measures.end() || (measure->first == "paint") != (argc == 4)) {
+    std::fprintf(stderr, "usage: corvane-bench-window work|list|convert FOLDER, or paint FOLDER BEGIN\n");
+    return 2;
+  }
+  try {
+    return measure->second();
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "corvane-bench-window: %s\n", error.what());
+    return EXIT_FAILURE;
+  }
+}

@@ -1,0 +1,339 @@
+// The window under random use, and closed in every state.
+#include <algorithm>
+#include <filesystem>
+#include <iomanip>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include <QAbstractItemView>
+#include <QMenu>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include "posix/termios_port.h"
+#include "qt/qt_dialogs.h"
+#include "qt/qt_loop.h"
+#include "window_world.h"
+
+namespace corvane::test {
+namespace {
+
+constexpr std::int64_t kStormMilliseconds = 60'000;
+constexpr std::int64_t kLongestRun = 6 * 3'600'000;
+constexpr int kReadings = 24;
+
+/// A person who clicks, types and answers at random while slow units are downloaded.
+class Storm : public WindowWorld {
+ public:
+  explicit Storm(unsigned seed) : WindowWorld(SmallNetwork(4) + "[Clients]\nNumClients=2\n"), random_(seed) {
+    WriteTables(home);
+    readings.clear();
+    for (int hour = 0; hour < kReadings; ++hour) {
+      readings.push_back("2010/3/11 " + std::to_string(hour) + ":00,12500,29310,1,1500,900,29300");
+    }
+    dialogs.answer_plain_boxes = false;
+    port.on_line = [this](const std::string& line) { Converse(line); };
+    port.on_escape = [this] { HangUp(); };
+    loop.After(kLongestRun, [] { throw std::logic_error("an operation does not come to its end"); });
+  }
+
+  void Rage() {
+    Open();
+    FindWidgets();
+    end_ = loop.MonotonicMilliseconds() + kStormMilliseconds;
+    Step();
+    Choose("mnu_Download", 1);
+    while (loop.MonotonicMilliseconds() < end_) loop.Advance(1000);
+    window().showNormal();
+  }
+  /// Puts the fields right that a download needs.
+  void Repair() {
+    Form& f = form();
+    const std::pair<TextField*, const char*> rows[] = {
+        {&f.Txt_Folder, "data"},     {&f.Txt_Prefix, ""},         {&f.Txt_RawFileExtension, "epd"},
+        {&f.Txt_Timeout[0], "45"},   {&f.Txt_Timeout[1], "10"},   {&f.Txt_Timeout[2], "1"},
+        {&f.Txt_MaxRetries, "3"},    {&f.Txt_MaxOveruns, "10"},   {&f.Txt_CalibratedFileExtension, "txt"},
+        {&f.Txt_Settings, "9600,N"}, {&f.Txt_Correction[0], "0"}, {&f.Txt_Correction[1], "0"}};
+    for (const auto& [field, text] : rows) field->SetText(text);
+    f.Chk_Automatic.SetTicked(false);
+    Click("Cmd_Units_0");
+  }
+
+  int overlaps = 0;  ///< commands sent while the answer to another was under way
+  int operations = 0;
+
+ private:
+  int Below(std::size_t count) { return static_cast<int>(random_() % count); }
+  template <class Kind>
+  Kind* Any(const std::vector<Kind*>& widgets) {
+    return widgets[static_cast<std::size_t>(Below(widgets.size()))];
+  }
+
+  void FindWidgets() {
+    static const std::set<QString> kKinds = {"Cmd_", "Chk_", "chk_", "Opt_"};
+    static const std::set<QString> kLosesData = {"Cmd_DeleteFile", "Cmd_Close"};
+    for (auto* button : window().findChildren<QAbstractButton*>()) {
+      const QString name = button->objectName();
+      if (kKinds.contains(name.left(4)) && !kLosesData.contains(name)) buttons_.push_back(button);
+    }
+    for (auto* menu : window().findChildren<QMenu*>()) {
+      const auto entries = menu->actions();
+      for (QAction* entry : entries) {
+        if (entry->menu() == nullptr && entry->text() != "E&xit") entries_.push_back(entry);
+      }
+    }
+    for (auto* field : window().findChildren<QLineEdit*>()) fields_.push_back(field);
+    for (auto* list : window().findChildren<QAbstractItemView*>()) {
+      if (list->objectName().startsWith("Lst_")) lists_.push_back(list);
+    }
+    for (auto* selector : window().findChildren<QComboBox*>()) selectors_.push_back(selector);
+  }
+
+  /// One act of the person, and the next one after a while. A box takes every act until it is answered.
+  void Step() {
+    loop.After(1 + Below(300), [this] { Step(); });
+    if (dialogs.open_boxes > 0) {
+      dialogs.AnswerOpenBox(Below(dialogs.boxes.back().buttons.size() + 1));
+      return Activate();
+    }
+    if (loop.MonotonicMilliseconds() >= end_) return;
+    operations += app().slot().Taken() ? 1 : 0;
+    Act();
+  }
+  /// As the program does after a box: one that arises while something runs is dropped.
+  void Activate() {
+    if (app().slot().Taken() || activating_) return;
+    loop.Post([this] {
+      activating_ = true;
+      app().life().OnWindowActivate("");
+      activating_ = false;
+    });
+  }
+  void Act() {
+    static const std::vector<QString> kTexts = {"", "7", "12", "x", "01:00", "36", "A:\\b", "0.5"};
+    static const std::vector<Qt::Key> kKeys = {Qt::Key_Escape, Qt::Key_F1, Qt::Key_Space, Qt::Key_A, Qt::Key_Return};
+    switch (Below(8)) {
+      case 0:
+      case 1:
+        return Any(buttons_)->click();
+      case 2:
+        return Any(entries_)->trigger();
+      case 3: {
+        QLineEdit* field = Any(fields_);
+        field->selectAll();
+        field->insert(kTexts[static_cast<std::size_t>(Below(kTexts.size()))]);
+        Q_EMIT field->editingFinished();
+        return;
+      }
+      case 4: {
+        QAbstractItemView* list = Any(lists_);
+        const QModelIndex row = list->model()->index(Below(5), 0);
+        list->setCurrentIndex(row);
+        list->model()->setData(row, Below(4) > 0 ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
+        if (Below(3) == 0) list->selectAll();
+        return;
+      }
+      case 5:
+        return QTest::keyClick(Any(selectors_), Below(2) == 0 ? Qt::Key_Down : Qt::Key_Up);
+      case 6:
+        // A cancel ends the download, so it comes less often.
+        return QTest::keyClick(&window(), kKeys[static_cast<std::size_t>(Below(10) == 0 ? 0 : 1 + Below(4))]);
+      default:
+        dialogs.text_answer = Below(2) == 0 ? std::optional<std::string>("0123") : std::nullopt;
+        return Below(2) == 0 ? window().showMinimized() : window().showNormal();
+    }
+  }
+
+  /// Answers line by line, until it is done or told to stop.
+  void Converse(const std::string& line) {
+    overlaps += talking_ ? 1 : 0;
+    HangUp();
+    talking_ = true;
+    std::vector<std::string> lines = {line + "\r\n"};
+    if (line.find("rr ") != std::string::npos) {
+      lines.push_back(Framed("V2,00001,4,3," + std::to_string(readings.size()) + ",2010/3/12 10:00,12500,29310,100"));
+      for (const std::string& reading : readings) lines.push_back(Framed(reading));
+      lines.emplace_back("OK\r\n");
+    } else {
+      lines.emplace_back("done\r\n");
+    }
+    std::int64_t delay = 0;
+    for (const std::string& text : lines) {
+      const bool last = &text == &lines.back();
+      loop.After(delay += 1 + Below(60), [this, text, last, exchange = exchange_] {
+        if (exchange != exchange_) return;
+        talking_ = !last;
+        port.ReceiveNow(text);
+      });
+    }
+  }
+  void HangUp() {
+    ++exchange_;
+    talking_ = false;
+  }
+
+  std::mt19937 random_;
+  std::vector<QAbstractButton*> buttons_;
+  std::vector<QAction*> entries_;
+  std::vector<QLineEdit*> fields_;
+  std::vector<QAbstractItemView*> lists_;
+  std::vector<QComboBox*> selectors_;
+  std::int64_t end_ = 0;
+  int exchange_ = 0;
+  bool talking_ = false;
+  bool activating_ = false;
+};
+
+/// The hours of the readings in a file, in its order.
+std::vector<int> HoursIn(const std::filesystem::path& file) {
+  constexpr std::string_view kDay = "2010/3/11 ";
+  std::vector<int> hours;
+  std::ifstream text(file);
+  for (std::string line; std::getline(text, line);) {
+    if (line.starts_with(kDay)) hours.push_back(std::stoi(line.substr(kDay.size())));
+  }
+  return hours;
+}
+
+class WindowStorm : public testing::TestWithParam<unsigned> {};
+
+TEST_P(WindowStorm, LosesNothingAndLeavesAWindowThatWorks) {
+  Storm storm(GetParam());
+  storm.Rage();
+  EXPECT_EQ(storm.overlaps, 0) << "one command at a time";
+  EXPECT_GT(storm.operations, 5) << "the storm met a running operation";
+  storm.Repair();
+  const std::int32_t unit = storm.app().registry().Units.count();
+  storm.form().Txt_UnitID.SetText("4242");
+  storm.form().Cmb_GetFrom.SelectByItemData(kFromRadio);
+  storm.Choose("mnu_Download", 1);
+  storm.loop.Advance(60'000);
+  ASSERT_GT(unit, 0);
+  std::vector<int> all(kReadings);
+  for (int hour = 0; hour < kReadings; ++hour) all[static_cast<std::size_t>(hour)] = hour;
+  std::set<std::string> complete;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(storm.home.path())) {
+    if (!entry.is_regular_file() || entry.path().extension() == ".log") continue;
+    const std::vector<int> hours = HoursIn(entry.path());
+    EXPECT_EQ(hours, std::vector<int>(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(hours.size())))
+        << entry.path();
+    if (hours == all) complete.insert(entry.path().filename());
+  }
+  for (const Unit& each : storm.app().registry().Units) {
+    std::ostringstream name;
+    name << std::setw(5) << std::setfill('0') << each.ID << ".epd";
+    const bool downloaded = each.Active != 0 && each.GetFrom == kFromRadio;
+    EXPECT_TRUE(!downloaded || complete.contains(name.str())) << name.str();
+  }
+  EXPECT_TRUE(complete.contains("04242.epd"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, WindowStorm, testing::Range(1U, 13U));
+
+/// What is under way when the window is closed, and what is pressed to get there.
+struct ClosingRow {
+  const char* name;
+  const char* button;
+  const char* status;  ///< closed when the status line begins with it; nullptr: when a box is open, "": at once
+};
+
+std::string NameOfRow(const testing::TestParamInfo<ClosingRow>& row) {
+  return row.param.name;
+}
+
+class WindowCloses : public testing::TestWithParam<ClosingRow> {};
+
+TEST_P(WindowCloses, InEveryStateAndKeepsTheSettings) {
+  const ClosingRow& row = GetParam();
+  WindowWorld world(SmallNetwork(3));
+  WriteTables(world.home);
+  for (const char* file : {"data/00001.epd", "data/00002.epd"}) {
+    world.home.Write(file, Framed("V2,00001,4,3,1,2010/3/12 10:00,12500,29310,100") + world.readings[0] + "\r\n");
+  }
+  world.dialogs.answer_plain_boxes = false;
+  world.Open();
+  int closed = 0;
+  world.app().commands().on_close = [&closed] { ++closed; };
+  world.Type("Txt_FTPServer", "42");
+  std::int64_t closing_at = 0;
+  const auto close = [&world, &closing_at] {
+    closing_at = world.loop.MonotonicMilliseconds();
+    world.window().close();
+    world.window().close();
+  };
+  const std::string status = row.status == nullptr ? "" : row.status;
+  if (row.status == nullptr) {
+    world.loop.After(500, [&] {
+      EXPECT_EQ(world.dialogs.open_boxes, 1);
+      close();
+    });
+  } else if (status.empty()) {
+    close();
+  } else {
+    world.form().Lbl_Status.on_change = [&] {
+      if (closing_at == 0 && world.form().Lbl_Status.text().starts_with(status)) close();
+    };
+  }
+  world.Click(row.button);
+  EXPECT_EQ(closed, 1);
+  EXPECT_FALSE(world.app().slot().Taken());
+  EXPECT_EQ(world.dialogs.open_boxes, 0);
+  EXPECT_LE(world.loop.MonotonicMilliseconds() - closing_at, 2000);
+  world.app().life().OnWindowClose();
+  EXPECT_NE(world.home.Read("corvane.ini").find("FTPServer=42"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(world.home.Name("data/00002.txt"))) << "what had not begun does not begin";
+}
+
+INSTANTIATE_TEST_SUITE_P(States, WindowCloses,
+                         testing::Values(ClosingRow{"Idle", "Chk_Backup", ""},
+                                         ClosingRow{"Download", "Cmd_DownloadAll_1", "Download"},
+                                         ClosingRow{"Conversion", "Cmd_ConvertAll", "Convert"},
+                                         ClosingRow{"Message", "Cmd_EditDataFile", nullptr},
+                                         ClosingRow{"Question", "Cmd_ProcessAll_2", nullptr}),
+                         NameOfRow);
+
+/// The window in real time with real dialogs, joined as in the program.
+class ClosingWithRealDialogs : public testing::TestWithParam<ClosingRow> {};
+
+TEST_P(ClosingWithRealDialogs, TakesThemAway) {
+  const TempFolder home;
+  home.Write("corvane.ini", SmallNetwork(2));
+  QtLoop loop;
+  TermiosPort port(loop, loop);
+  FakeShell shell;
+  QtDialogs dialogs(loop);
+  Application app(Platform{loop, port, shell, dialogs, {}}, home.path());
+  window::MainWindow window(app, loop);
+  app.commands().on_close = [&dialogs] { dialogs.CloseAll(); };
+  app.life().OnWindowCreate();
+  window.show();
+  dialogs.SetParent(&window);
+  app.life().OnWindowActivate("");
+  bool shown = false;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &window, [&] {
+    if (QApplication::activeModalWidget() == nullptr || shown) return;
+    shown = true;
+    window.close();
+  });
+  look.start(10);
+  window.findChild<QAbstractButton*>(GetParam().button)->click();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return shown && app.flags().closing; }, 2000));
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_FALSE(app.slot().Taken());
+  dialogs.on_box_closed = nullptr;
+  app.life().OnWindowClose();
+  EXPECT_NE(home.Read("corvane.ini").find("NumUnits=2"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(Boxes, ClosingWithRealDialogs,
+                         testing::Values(ClosingRow{"Message", "Cmd_EditDataFile", nullptr},
+                                         ClosingRow{"Question", "Cmd_ProcessAll_2", nullptr},
+                                         ClosingRow{"Input", "Cmd_Mode", nullptr},
+                                         ClosingRow{"Folder", "Cmd_GetFolder", nullptr}),
+                         NameOfRow);
+
+}  // namespace
+}  // namespace corvane::test
