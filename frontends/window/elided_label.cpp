@@ -7,8 +7,13 @@
 
 namespace corvane::window {
 
+QSize ElidedLabel::sizeHint() const {
+  const QMargins around = contentsMargins();
+  return {0, fontMetrics().height() + around.top() + around.bottom() + 2 * margin()};
+}
+
 QSize ElidedLabel::minimumSizeHint() const {
-  return {0, QLabel::minimumSizeHint().height()};
+  return sizeHint();
 }
 
 QString ElidedLabel::Shortened() const {

@@ -8,6 +8,8 @@ namespace corvane::window {
 class ElidedLabel : public QLabel {
  public:
   using QLabel::QLabel;
+  /// One line, whatever the text is: a long text that changes often is not measured for the layout.
+  [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:

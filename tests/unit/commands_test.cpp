@@ -17,6 +17,7 @@ TEST(Commands, KeysAndMenuOpenTheGuide) {
   Application app(Platform{world.loop, world.port, world.shell, world.dialogs, help}, world.home.path());
   app.life().OnWindowCreate();
   EXPECT_TRUE(app.form().Frm_Main.Key(112, true));
+  world.loop.Poll();
   app.form().mnu_Help.Click(0);
   app.form().mnu_Help.Click(1);
   EXPECT_EQ(world.shell.opened, (std::vector<std::string>{help.contents, help.contents, help.index}));

@@ -120,6 +120,20 @@ TEST(TimedMessage, AnswersByPositionAndAtTheEndOfTheCountDown) {
   }
 }
 
+TEST(TimedMessage, ClosesWhenItsTimeIsOverWhateverRunsBeneathIt) {
+  Lower lower;
+  lower.loop.After(9500, [&lower] {
+    for (const auto end = lower.loop.MonotonicMilliseconds() + 60000; lower.loop.MonotonicMilliseconds() < end;) {
+      lower.loop.Yield();
+      EXPECT_TRUE(lower.loop.MonotonicMilliseconds() < 11000 || lower.dialogs.open_boxes == 0);
+    }
+  });
+  const auto keeps_time = lower.loop.MakeTimer([] {});
+  keeps_time->Start(500);
+  EXPECT_EQ(lower.messages.ShowTimedMessage("?", kYesNo), kAnswerYes);
+  EXPECT_EQ(lower.dialogs.count_downs.back(), "1");
+}
+
 TEST(Messages, UnattendedRunShowsOneBoxAKindAndRound) {
   Lower lower;
   lower.dialogs.answer_plain_boxes = false;

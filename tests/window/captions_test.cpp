@@ -99,6 +99,7 @@ TEST(Captions, ReplaceEveryKindOfText) {
                   .startsWith("T"));
   EXPECT_EQ(world.Widget<QLineEdit>("Txt_UnitName").toolTip(), "tip");
   EXPECT_EQ(world.Widget<QLineEdit>("Txt_UnitName").text(), "Site 1") << "a field has no caption to replace";
+  EXPECT_TRUE(world.Widget<QMenu>("mnu_Clients").toolTipsVisible());
   EXPECT_EQ(world.Widget<QLabel>("Lbl_Now").text().toStdString(), world.form().Lbl_Now.text());
 }
 

@@ -48,8 +48,11 @@ TEST(MainWindow, WhatIsTypedOrClickedReachesTheForm) {
   EXPECT_EQ(form.Opt_WhichReadings.GetOptionIndex(), 1);
   QTest::keyClick(&world.Widget<QComboBox>("Cmb_GetFrom"), Qt::Key_Down);
   EXPECT_EQ(form.Cmb_GetFrom.SelectedItemData(), kFromHandHeld);
-  world.Widget<QComboBox>("Cmb_LogPeriod").setEditText("00:45");
-  EXPECT_EQ(form.Cmb_LogPeriod.shown_text(), "00:45");
+  auto& period = *world.Widget<QComboBox>("Cmb_LogPeriod").lineEdit();
+  QTest::keyClick(&period, Qt::Key_Home);
+  QTest::keyClick(&period, Qt::Key_Delete);
+  QTest::keyClicks(&period, "1");
+  EXPECT_EQ(form.Cmb_LogPeriod.shown_text(), "13:00") << "the cursor stays where the person types";
   world.Click("Cmd_Units_0");
   EXPECT_EQ(form.Lst_Units.count(), 6);
 }
@@ -158,12 +161,18 @@ TEST(MainWindow, KeysAreHandedOn) {
   EXPECT_EQ(world.port.escapes, 0) << "the space bar does not cancel";
   EXPECT_TRUE(world.Logged("space, so set ai_KeyAscii = 0"));
   QTest::keyClick(&world.Widget<QLineEdit>("Txt_UnitName"), Qt::Key_Escape);
+  world.Settle();
   EXPECT_EQ(world.port.escapes, 1) << "Escape cancels wherever it is pressed";
   QTest::keyClick(&world.window(), Qt::Key_F1);
+  world.Settle();
   EXPECT_EQ(world.shell.opened, std::vector<std::string>{"/guide/index.html"});
   world.Type("Txt_UnitName", "aF");
   EXPECT_EQ(world.form().Txt_UnitName.text(), "aF");
   EXPECT_FALSE(world.Logged("Form_KeyDown KeyCode: 65")) << "keys typed into fields are not traced";
+  world.Widget<QLineEdit>("Txt_UnitName").setFocus();
+  QTest::keyClick(&world.Widget<QLineEdit>("Txt_UnitName"), Qt::Key_Shift);
+  EXPECT_FALSE(world.Logged("Form_KeyDown KeyCode: 16"));
+  world.Widget<QWidget>("Cmd_Close").setFocus();
   QTest::keyClick(&world.window(), Qt::Key_A);
   EXPECT_TRUE(world.Logged("Form_KeyDown KeyCode: 65"));
   EXPECT_TRUE(world.Logged("Form_KeyPress KeyAscii set to zero: 97"));
@@ -232,6 +241,11 @@ TEST(MainWindow, OperationCommandsAreDisabledWhileADownloadRuns) {
       EXPECT_FALSE(world.Widget<QWidget>(button).isEnabled()) << button;
     }
     EXPECT_TRUE(world.Widget<QWidget>("Cmd_Cancel").isEnabled());
+    EXPECT_FALSE(world.Widget<QWidget>("Txt_UnitID").isEnabled()) << "typing would go to whichever unit is asked";
+    auto& clients = world.Widget<QAbstractItemView>("Lst_Clients");
+    clients.setCurrentIndex(clients.model()->index(1, 0));
+    world.Settle();
+    EXPECT_EQ(clients.currentIndex().row(), 0) << "a choice that is refused does not stay marked";
   });
   world.Click("Cmd_DownloadAll_1");
   EXPECT_TRUE(looked);

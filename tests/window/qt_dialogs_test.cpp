@@ -81,7 +81,7 @@ TEST_F(QtDialogsTest, ATextIsAskedForUntilItIsAnswered) {
   EXPECT_EQ(dialogs.AskText("Set Mode", "Mode:", "old"), "n\xC3\xA4u");
   loop.Post([] { Shown<QInputDialog>().reject(); });
   EXPECT_EQ(dialogs.AskText("Set Mode", "Mode:", "old"), std::nullopt);
-  EXPECT_EQ(closed, 2);
+  EXPECT_EQ(closed, 0) << "a choice that was asked for brings no activation";
 }
 
 TEST_F(QtDialogsTest, FilesAndFoldersAreChosen) {
