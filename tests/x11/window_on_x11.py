@@ -72,7 +72,12 @@ class Display:
             self.environment["DISPLAY"] = ":" + number.readline().strip()
         self.manager = subprocess.Popen(["openbox"], env=self.environment, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL)
-        until("the window manager runs", lambda: "window id" in self.ask("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+        try:
+            until("the window manager runs",
+                  lambda: "window id" in self.ask("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+        except Failure:
+            self.stop()
+            raise
 
     def ask(self, *command):
         return subprocess.run(command, env=self.environment, capture_output=True, text=True).stdout
