@@ -6,79 +6,14 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
-#include "support/pty_pair.h"
+#include "support/loop_contract.h"
 
 namespace corvane {
 namespace {
 
-TEST(PosixLoop, BlockedTimerDeliversOneTickThenItsGridEvenWhileItsHandlerWaits) {
-  PosixLoop loop;
-  std::vector<std::int64_t> ticks;
-  bool waited = false;
-  const std::int64_t start = loop.MonotonicMilliseconds();
-  const auto timer = loop.MakeTimer([&] {
-    ticks.push_back(loop.MonotonicMilliseconds() - start);
-    if (ticks.size() == 1) waited = RunUntil(loop, [&] { return ticks.size() == 2; });
-  });
-  timer->Start(100);
-  while (loop.MonotonicMilliseconds() < start + 290) {
-  }
-  ASSERT_TRUE(RunUntil(loop, [&] { return waited; }));
-  EXPECT_GE(ticks[1], 300);
-  EXPECT_LT(ticks[1], 380);
-}
-
-TEST(PosixLoop, TimerMayDestroyItselfAndOthers) {
-  PosixLoop loop;
-  std::string calls;
-  std::unique_ptr<Timer> victim = loop.MakeTimer([&] { calls += 'v'; });
-  std::unique_ptr<Timer> killer;
-  killer = loop.MakeTimer([&] {
-    calls += 'k';
-    victim.reset();
-    killer.reset();
-    loop.Post([&] { loop.Post([&] { calls += 'p'; }); });
-  });
-  killer->Start(1);
-  victim->Start(1);
-  EXPECT_TRUE(RunUntil(loop, [&] { return calls == "kp"; })) << calls;
-}
-
-TEST(PosixLoop, WatchesMayEndEachOtherAndRecurseAndClosedOnesAreDropped) {
-  PosixLoop loop;
-  const int first = eventfd(1, EFD_NONBLOCK), second = eventfd(1, EFD_NONBLOCK);
-  eventfd_t value = 0;
-  std::string calls;
-  const auto end_both = [&] {
-    calls += 'e';
-    loop.Unwatch(first);
-    loop.Unwatch(second);
-  };
-  for (const int file : {first, second}) loop.WatchRead(file, end_both);
-  loop.Poll();
-  loop.WatchRead(first, [&] {
-    EXPECT_EQ(eventfd_read(first, &value), 0);
-    calls += '(';
-    if (calls.size() < 4) {
-      EXPECT_EQ(eventfd_write(first, 1), 0);
-      loop.Poll();
-    }
-    calls += ')';
-  });
-  // What the outer call saw of the second one is out of date once the inner calls have read it.
-  loop.WatchRead(second, [&] {
-    EXPECT_EQ(eventfd_read(second, &value), 0);
-    calls += '2';
-  });
-  loop.Poll();
-  EXPECT_EQ(calls, "e((()2))");
-  close(first);
-  close(second);
-  EXPECT_LE(YieldsIn20Milliseconds(loop), 2);
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, LoopContract, PosixLoop);
 
 TEST(PosixLoop, SignalsArriveAsEvents) {
   PosixLoop loop;
