@@ -172,9 +172,6 @@ void PortDialog::Connect() {
   connect(use_, &QPushButton::clicked, this, [this] { Assign(device_->text()); });
   connect(built_in_, &QPushButton::clicked, this, [this] { Assign({}); });
   connect(close_, &QPushButton::clicked, this, &QDialog::accept);
-  connect(this, &QDialog::finished, this, [this] {
-    if (closed) closed();
-  });
 }
 
 void PortDialog::LookAgain() {

@@ -26,8 +26,6 @@ class PortDialog : public QDialog {
 
   /// A number stands for another device now.
   std::function<void()> assignment_changed;
-  /// The dialog was closed.
-  std::function<void()> closed;
 
  private:
   void AddPortSelector(QVBoxLayout& layout);

@@ -29,7 +29,7 @@ class PortDialogTest : public testing::Test {
                             "dialout and log in again"},
                            {"/dev/ttyS0", "/dev/ttyS0", ""}};
     dialog_.assignment_changed = [this] { ++changes_; };
-    dialog_.closed = [this] { ++closings_; };
+    QObject::connect(&dialog_, &QDialog::finished, &dialog_, [this] { ++closings_; });
     dialog_.OpenFor(3);
   }
 
