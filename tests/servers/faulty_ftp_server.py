@@ -6,6 +6,7 @@ uploads. A fault is a class below that changes what is different in it.
 """
 
 import socket
+import ssl
 import struct
 import sys
 import threading
@@ -350,6 +351,30 @@ class encryption_hangs(Session):
     def AUTH(self, _):
         self.say("234 go on")
         time.sleep(FOR_EVER)
+
+
+class data_encryption_hangs(Session):
+    """Needs a second argument: the file of its certificate and key."""
+
+    def AUTH(self, _):
+        self.say("234 go on")
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(sys.argv[2])
+        self.control = context.wrap_socket(self.control, server_side=True)
+        self.lines = self.control.makefile("rb")
+
+    def PBSZ(self, _):
+        self.say("200 done")
+
+    def PROT(self, _):
+        self.say("200 done")
+
+    def run_transfer(self, _):
+        self.say("150 coming")
+        self.held = self.data()
+        time.sleep(FOR_EVER)
+
+    STOR = RETR = LIST = run_transfer
 
 
 def main():
