@@ -40,7 +40,7 @@ enum InternetStatusCode : int {
   kConnectingToServer = 20,
   kConnectedToServer = 21,
   kSendingRequest = 30,  ///< bytes of an upload that went out since the last report
-  kRequestSent = 31,     ///< an upload or command is out; carries 0 bytes
+  kRequestSent = 31,     ///< an upload is out; carries 0 bytes
   kReceivingResponse = 40,
   kResponseReceived = 41,  ///< bytes of a download that came in since the last report
   kClosingConnection = 50,
@@ -49,12 +49,13 @@ enum InternetStatusCode : int {
   kHandleClosing = 70,     ///< a transfer ended, whatever way
   kDetectingProxy = 80,
   kStateChange = 200,
+  kListingLineSkipped = 1000,  ///< a line of a listing that nobody can read, at most 100 of one listing
 };
 
 struct InternetStatus {
   InternetHandle handle = 0;
   int code = 0;
-  std::string text;        ///< the server's name or address, for codes 10 to 21
+  std::string text;        ///< the server's name or address for codes 10 to 21, the line for code 1000
   std::int64_t bytes = 0;  ///< for codes 30, 31 and 41
 };
 

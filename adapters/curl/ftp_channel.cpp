@@ -1,0 +1,317 @@
+#include "curl/ftp_channel.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <linux/sockios.h>
+#include <netdb.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+/// The longest that the loop is left alone, in milliseconds.
+constexpr std::int64_t kTurn = 20;
+constexpr std::int64_t kReportEvery = 100;
+constexpr long kBufferSize = 128L * 1024;
+/// Curl's own limits only stand behind those of this class: they count in seconds and not all of them at the same time.
+constexpr long kSecondsBehind = 2;
+/// Whether a login is too old to be used is decided here, not by curl.
+constexpr long kForEver = 1'000'000;
+
+bool IsUnreserved(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.' ||
+         c == '_' || c == '~' || c == '/';
+}
+
+/// Bytes that the kernel holds and the far end has not acknowledged.
+std::int64_t UnsentBytes(curl_socket_t socket) {
+  int unsent = 0;
+  return socket != CURL_SOCKET_BAD && ioctl(socket, SIOCOUTQ, &unsent) == 0 ? unsent : 0;
+}
+
+std::string AddressText(const curl_sockaddr& address) {
+  std::array<char, NI_MAXHOST> text{};
+  const bool known =
+      getnameinfo(&address.addr, address.addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) == 0;
+  return known ? text.data() : "";
+}
+
+}  // namespace
+
+FtpChannel::FtpChannel(EventLoop& loop, const FtpLimits& limits, FtpLogin login, const bool& cancelled, Report report)
+    : loop_(loop),
+      limits_(limits),
+      login_(std::move(login)),
+      cancelled_(cancelled),
+      report_(std::move(report)),
+      multi_(curl_multi_init()),
+      easy_(curl_easy_init()) {
+  if (Usable()) SetUp();
+}
+
+FtpChannel::~FtpChannel() {
+  // Curl would say QUIT and wait for the answer.
+  CutControlConnection();
+  curl_easy_cleanup(easy_);
+  curl_multi_cleanup(multi_);
+  curl_slist_free_all(commands_);
+}
+
+void FtpChannel::SetUp() {
+  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 1L);
+  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_, option, value); };
+  set(CURLOPT_NOSIGNAL, 1L);
+  set(CURLOPT_NOPROGRESS, 1L);
+  set(CURLOPT_PROTOCOLS_STR, "ftp");
+  set(CURLOPT_PROXY, "");
+  set(CURLOPT_USERNAME, login_.user.c_str());
+  set(CURLOPT_PASSWORD, login_.password.c_str());
+  set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect));
+  set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(limits_.reply / 1000) + kSecondsBehind);
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_MAXAGE_CONN, kForEver);
+  set(CURLOPT_TCP_KEEPALIVE, 1L);
+  set(CURLOPT_BUFFERSIZE, kBufferSize);
+  set(CURLOPT_UPLOAD_BUFFERSIZE, kBufferSize);
+  set(CURLOPT_ERRORBUFFER, error_);
+  set(CURLOPT_VERBOSE, 1L);
+  set(CURLOPT_DEBUGFUNCTION, &OnDebug);
+  set(CURLOPT_DEBUGDATA, this);
+  set(CURLOPT_READFUNCTION, &OnRead);
+  set(CURLOPT_READDATA, this);
+  set(CURLOPT_WRITEFUNCTION, &OnWrite);
+  set(CURLOPT_WRITEDATA, this);
+  set(CURLOPT_OPENSOCKETFUNCTION, &OnOpenSocket);
+  set(CURLOPT_OPENSOCKETDATA, this);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &OnCloseSocket);
+  set(CURLOPT_CLOSESOCKETDATA, this);
+  if (login_.encrypted) SetUpEncryption();
+}
+
+void FtpChannel::SetUpEncryption() {
+  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_, option, value); };
+  set(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
+  set(CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
+  set(CURLOPT_SSL_VERIFYPEER, 1L);
+  set(CURLOPT_SSL_VERIFYHOST, 2L);
+  set(CURLOPT_SSL_SESSIONID_CACHE, 1L);  // many servers want the data connection to resume the session
+  if (login_.certificate.empty()) return;
+  set(CURLOPT_CAINFO, login_.certificate.c_str());
+  set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+}
+
+bool FtpChannel::LoggedIn() const {
+  if (control_ == CURL_SOCKET_BAD || loop_.MonotonicMilliseconds() - last_used_ > limits_.idle) return false;
+  // A server that says something unasked is closing the connection; curl would take the login for a good one.
+  pollfd control{control_, POLLIN, 0};
+  return poll(&control, 1, 0) == 0;
+}
+
+void FtpChannel::CutControlConnection() {
+  if (control_ != CURL_SOCKET_BAD) shutdown(control_, SHUT_RDWR);
+  control_ = CURL_SOCKET_BAD;
+}
+
+FtpRun FtpChannel::Run(const FtpTask& task) {
+  FtpRun run;
+  run.was_login = task.kind == FtpTask::Kind::Login;
+  task_ = &task;
+  if (task.begin) task.begin();
+  Prepare();
+  curl_multi_add_handle(multi_, easy_);
+  Drive(run);
+  Finish(run);
+  task_ = nullptr;
+  return run;
+}
+
+void FtpChannel::Prepare() {
+  transcript_.Clear();
+  connected_ = false;
+  address_.clear();
+  error_[0] = '\0';
+  reported_ = received_ = sign_ = 0;
+  began_ = last_sign_ = loop_.MonotonicMilliseconds();
+  report_due_ = began_ + kReportEvery;
+  data_ = CURL_SOCKET_BAD;
+  const bool is_login = task_->kind == FtpTask::Kind::Login;
+  if (is_login) CutControlConnection();
+  curl_slist_free_all(std::exchange(commands_, nullptr));
+  for (const std::string& command : task_->commands) commands_ = curl_slist_append(commands_, ("*" + command).c_str());
+  curl_easy_setopt(easy_, CURLOPT_QUOTE, commands_);
+  curl_easy_setopt(easy_, CURLOPT_FRESH_CONNECT, is_login ? 1L : 0L);
+  PrepareTransfer();
+}
+
+void FtpChannel::PrepareTransfer() {
+  const bool lists = task_->kind == FtpTask::Kind::Listing;
+  const bool uploads = task_->kind == FtpTask::Kind::Upload;
+  const bool moves = lists || uploads || task_->kind == FtpTask::Kind::Download;
+  curl_easy_setopt(easy_, CURLOPT_URL, UrlOf(moves ? task_->path : "/", !moves || lists).c_str());
+  // A folder is listed from within: servers read blanks and wildcards in an argument of LIST in ways of their own.
+  curl_easy_setopt(easy_, CURLOPT_FTP_FILEMETHOD,
+                   static_cast<long>(lists ? CURLFTPMETHOD_SINGLECWD : CURLFTPMETHOD_NOCWD));
+  curl_easy_setopt(easy_, CURLOPT_CUSTOMREQUEST,
+                   lists && !task_->list_command.empty() ? task_->list_command.c_str() : nullptr);
+  curl_easy_setopt(easy_, CURLOPT_UPLOAD, uploads ? 1L : 0L);
+  curl_easy_setopt(easy_, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(uploads ? task_->size : -1));
+  curl_easy_setopt(easy_, CURLOPT_NOBODY, moves ? 0L : 1L);
+}
+
+std::string FtpChannel::UrlOf(const std::string& path, bool is_folder) const {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  const bool is_ipv6 = login_.host.find(':') != std::string::npos;
+  std::string url = "ftp://" + (is_ipv6 ? "[" + login_.host + "]" : login_.host) + ":" + std::to_string(login_.port);
+  url += '/';
+  for (const char c : path) {
+    if (IsUnreserved(c)) {
+      url += c;
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      url += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  // An empty path stands for the folder of the login; "//" is the root.
+  if (is_folder && url.back() != '/') url += '/';
+  return url;
+}
+
+void FtpChannel::Drive(FtpRun& run) {
+  for (int running = 1;;) {
+    curl_multi_perform(multi_, &running);
+    ReportConnecting();
+    ReportBytes(false);
+    if (running == 0) return;
+    PollLoopWhenDue();
+    run.cancelled = cancelled_;
+    run.timed_out = !cancelled_ && TooLate();
+    if (run.cancelled || run.timed_out) return;
+    curl_multi_poll(multi_, nullptr, 0, static_cast<int>(kTurn), nullptr);
+  }
+}
+
+void FtpChannel::PollLoopWhenDue() {
+  const std::int64_t now = loop_.MonotonicMilliseconds();
+  if (now - last_poll_ < kTurn / 2) return;
+  loop_.Poll();
+  last_poll_ = loop_.MonotonicMilliseconds();
+}
+
+void FtpChannel::ReportConnecting() {
+  if (!address_.empty()) report_(kConnectingToServer, std::exchange(address_, ""), 0);
+  if (connected_ || task_->kind != FtpTask::Kind::Login || Information(CURLINFO_CONNECT_TIME_T) == 0) return;
+  connected_ = true;
+  report_(kConnectedToServer, login_.host, 0);
+}
+
+void FtpChannel::ReportBytes(bool last) {
+  const bool uploads = task_->kind == FtpTask::Kind::Upload;
+  if (!uploads && task_->kind != FtpTask::Kind::Download) return;
+  if (!last && loop_.MonotonicMilliseconds() < report_due_) return;
+  report_due_ = loop_.MonotonicMilliseconds() + kReportEvery;
+  const std::int64_t moved = last && uploads ? Information(CURLINFO_SIZE_UPLOAD_T) : MovedBytes();
+  if (moved <= reported_) return;
+  const std::int64_t since = moved - std::exchange(reported_, moved);
+  report_(uploads ? kSendingRequest : kResponseReceived, "", since);
+}
+
+std::int64_t FtpChannel::MovedBytes() const {
+  if (task_->kind != FtpTask::Kind::Upload) return received_;
+  return Information(CURLINFO_SIZE_UPLOAD_T) - UnsentBytes(data_);
+}
+
+std::int64_t FtpChannel::Information(CURLINFO what) const {
+  curl_off_t value = 0;
+  return curl_easy_getinfo(easy_, what, &value) == CURLE_OK ? value : 0;
+}
+
+bool FtpChannel::TooLate() {
+  const std::int64_t now = loop_.MonotonicMilliseconds();
+  if (task_->milliseconds > 0) return now - began_ > task_->milliseconds;
+  if (task_->kind == FtpTask::Kind::Login) return now - began_ > limits_.connect;
+  const std::int64_t sign = transcript_.activity() + MovedBytes();
+  if (sign != std::exchange(sign_, sign)) last_sign_ = now;
+  const bool transfers = transcript_.Last().code / 100 == 1;
+  return now - last_sign_ > (transfers ? limits_.stalled : limits_.reply);
+}
+
+void FtpChannel::Finish(FtpRun& run) {
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+    if (message->msg == CURLMSG_DONE) run.code = message->data.result;
+  }
+  if (!run.cancelled && !run.timed_out) ReportBytes(true);
+  curl_easy_getinfo(easy_, CURLINFO_OS_ERRNO, &run.os_error);
+  run.announced_size = Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  run.moved = received_ > 0 || Information(CURLINFO_SIZE_UPLOAD_T) > 0;
+  run.words = error_[0] != '\0' ? error_ : curl_easy_strerror(run.code);
+  const char* folder = nullptr;
+  if (curl_easy_getinfo(easy_, CURLINFO_FTP_ENTRY_PATH, &folder) == CURLE_OK && folder != nullptr) {
+    entry_folder_ = folder;
+  }
+  control_ = CURL_SOCKET_BAD;
+  if (!run.cancelled && !run.timed_out) curl_easy_getinfo(easy_, CURLINFO_ACTIVESOCKET, &control_);
+  curl_multi_remove_handle(multi_, easy_);
+  StopDraining();
+  last_used_ = loop_.MonotonicMilliseconds();
+}
+
+void FtpChannel::StopDraining() {
+  if (std::exchange(draining_, false)) close(data_);
+  data_ = CURL_SOCKET_BAD;
+}
+
+int FtpChannel::OnDebug(CURL*, curl_infotype type, char* bytes, std::size_t length, void* self) {
+  Transcript& transcript = static_cast<FtpChannel*>(self)->transcript_;
+  if (type == CURLINFO_HEADER_OUT) transcript.AddCommand({bytes, length});
+  if (type == CURLINFO_HEADER_IN) transcript.AddReplyLine({bytes, length});
+  return 0;
+}
+
+std::size_t FtpChannel::OnRead(char* buffer, std::size_t size, std::size_t count, void* self) {
+  const FtpTask* task = static_cast<FtpChannel*>(self)->task_;
+  const std::ptrdiff_t length = task != nullptr && task->read ? task->read(buffer, size * count) : -1;
+  return length < 0 ? CURL_READFUNC_ABORT : static_cast<std::size_t>(length);
+}
+
+std::size_t FtpChannel::OnWrite(char* bytes, std::size_t size, std::size_t count, void* self) {
+  auto* channel = static_cast<FtpChannel*>(self);
+  const FtpTask* task = channel->task_;
+  if (task == nullptr || !task->write || !task->write({bytes, size * count})) return 0;
+  channel->received_ += static_cast<std::int64_t>(size * count);
+  return size * count;
+}
+
+curl_socket_t FtpChannel::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
+  auto* channel = static_cast<FtpChannel*>(self);
+  const curl_socket_t made = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  if (channel->task_ == nullptr) return made;
+  if (channel->task_->kind == FtpTask::Kind::Login) {
+    channel->address_ = AddressText(*address);
+  } else {
+    channel->data_ = made;
+  }
+  return made;
+}
+
+int FtpChannel::OnCloseSocket(void* self, curl_socket_t socket) {
+  auto* channel = static_cast<FtpChannel*>(self);
+  const FtpTask* task = channel->task_;
+  const bool is_data = task != nullptr && socket == channel->data_;
+  // The end of an upload over a slow line: what the kernel still holds tells whether the line is alive.
+  if (is_data && task->kind == FtpTask::Kind::Upload && UnsentBytes(socket) > 0) {
+    channel->draining_ = true;
+    return shutdown(socket, SHUT_WR);
+  }
+  if (is_data) channel->data_ = CURL_SOCKET_BAD;
+  return close(socket);
+}
+
+}  // namespace corvane

@@ -1,0 +1,132 @@
+#include "curl/transfers.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/files.h"
+#include "posix/run_aside.h"
+
+namespace corvane {
+
+namespace {
+
+/// A local file being sent, as long as it was when it was opened.
+class UploadSource {
+ public:
+  explicit UploadSource(const std::string& path) : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    struct stat found {};
+    if (descriptor_ < 0 || fstat(descriptor_, &found) != 0) {
+      error_ = errno;
+    } else if (!S_ISREG(found.st_mode)) {
+      error_ = S_ISDIR(found.st_mode) ? EISDIR : EINVAL;
+    }
+    size_ = found.st_size;
+  }
+  ~UploadSource() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  UploadSource(const UploadSource&) = delete;
+  UploadSource& operator=(const UploadSource&) = delete;
+
+  void Rewind() { done_ = 0; }
+  /// The next bytes; -1 after an error or when the file has become shorter.
+  std::ptrdiff_t Read(char* buffer, std::size_t length) {
+    const auto wanted = std::min<std::int64_t>(static_cast<std::int64_t>(length), size_ - done_);
+    if (wanted == 0) return 0;
+    const ssize_t got = pread(descriptor_, buffer, static_cast<std::size_t>(wanted), done_);
+    if (got < 0) error_ = errno;
+    shrunk_ = got == 0;
+    done_ += got > 0 ? got : 0;
+    return got > 0 ? got : -1;
+  }
+
+  [[nodiscard]] std::int64_t size() const { return size_; }
+  [[nodiscard]] bool ok() const { return error_ == 0 && !shrunk_; }
+  [[nodiscard]] std::string Problem() const {
+    return shrunk_ ? "it became shorter while it was sent" : std::strerror(error_);
+  }
+
+ private:
+  int descriptor_;
+  int error_ = 0;
+  bool shrunk_ = false;
+  std::int64_t size_ = 0;
+  std::int64_t done_ = 0;
+};
+
+/// Tells the beginning and the end of a transfer, whatever way it ends.
+class TransferReports {
+ public:
+  explicit TransferReports(FtpConnection& ftp) : ftp_(ftp) { ftp_.Report(kHandleCreated); }
+  ~TransferReports() { ftp_.Report(kHandleClosing); }
+  TransferReports(const TransferReports&) = delete;
+  TransferReports& operator=(const TransferReports&) = delete;
+
+ private:
+  FtpConnection& ftp_;
+};
+
+bool CheckFileName(FtpConnection& ftp, const std::string& remote) {
+  if (!ftp.CheckName(remote)) return false;
+  return remote.back() != '/' || ftp.Refuse("The name of a file for the server must not end in \"/\".");
+}
+
+bool RefuseLocal(FtpConnection& ftp, const std::string& local, const std::string& problem) {
+  return ftp.Refuse("The file " + local + " cannot be read: " + problem + ".");
+}
+
+bool RefuseDisk(FtpConnection& ftp, const Status& status) {
+  return ftp.Refuse("The fetched file cannot be written: " + status.text() + ".");
+}
+
+/// False when the file that came is not the one that the server announced.
+bool CheckSize(FtpConnection& ftp, const FtpRun& run, const std::string& path, std::int64_t received) {
+  const std::int64_t expected = run.announced_size >= 0 ? run.announced_size : ftp.RememberedSize(path);
+  return expected < 0 || expected == received || ftp.Fail(kInternetConnectionAborted);
+}
+
+}  // namespace
+
+bool UploadFile(FtpConnection& ftp, const std::string& local, const std::string& remote) {
+  if (!CheckFileName(ftp, remote)) return false;
+  UploadSource source(local);
+  if (!source.ok()) return RefuseLocal(ftp, local, source.Problem());
+  const TransferReports reports(ftp);
+  FtpTask task{.kind = FtpTask::Kind::Upload, .path = ftp.Absolute(remote), .size = source.size()};
+  task.begin = [&source] { source.Rewind(); };
+  task.read = [&source](char* buffer, std::size_t length) { return source.Read(buffer, length); };
+  if (ftp.Perform(task)) {
+    ftp.Report(kRequestSent);
+    return true;
+  }
+  return source.ok() ? false : RefuseLocal(ftp, local, source.Problem());
+}
+
+bool DownloadFile(FtpConnection& ftp, EventLoop& loop, const std::string& remote, const std::string& local) {
+  if (!CheckFileName(ftp, remote)) return false;
+  ReplacementFile file(local);
+  Status disk = file.Open();
+  if (!disk.ok()) return RefuseDisk(ftp, disk);
+  const TransferReports reports(ftp);
+  std::int64_t received = 0;
+  FtpTask task{.kind = FtpTask::Kind::Download, .path = ftp.Absolute(remote)};
+  task.write = [&](std::string_view bytes) {
+    file.buffer() += bytes;
+    received += static_cast<std::int64_t>(bytes.size());
+    disk = file.FlushWhenFull();
+    return disk.ok();
+  };
+  FtpRun run;
+  const bool came = ftp.Perform(task, run);
+  if (!disk.ok()) return RefuseDisk(ftp, disk);
+  if (!came || !CheckSize(ftp, run, task.path, received)) return false;
+  disk = RunAside(loop, [&file] { return file.Commit(); });
+  return disk.ok() || RefuseDisk(ftp, disk);
+}
+
+}  // namespace corvane
