@@ -95,6 +95,7 @@ void Application::Wire() {
     flags_.problems = 0;
     messages_.StartRound();
     ftp_.SetCancel(false);
+    flows_.ClearResults();
   };
   ftp_.connection_changed = [this] { states_.SetConnected(ftp_.IsConnected()); };
   slot_.on_given_back = [this] { files_.RefreshIfStale(); };

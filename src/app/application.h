@@ -90,6 +90,7 @@ class Application {
   [[nodiscard]] UnitEditor& units() { return units_; }
   [[nodiscard]] OperationSlot& slot() { return slot_; }
   [[nodiscard]] TransferFlows& flows() { return flows_; }
+  [[nodiscard]] const TransferFlows& flows() const { return flows_; }
   [[nodiscard]] Commands& commands() { return commands_; }
   [[nodiscard]] LifeCycle& life() { return life_; }
 

@@ -91,9 +91,7 @@ bool TransferFlows::SendMarkedUnits(std::pair<std::int64_t, std::int64_t> av_Ran
     p_.units.Select(i);
     if (p_.registry.Units[i].ToSend) {
       if (!ZipAndSend(i, ai_Destination)) {
-        ++p_.flags.problems;
         if (Cancelled()) return false;
-        p_.form.Lst_Units.SetMark(i - 1, RowMark::Problem);
         // Intended: the first failed send ends the batch, and what follows it, as if Cancel had been pressed.
         p_.link.UserCancel = true;
         return true;
@@ -107,19 +105,47 @@ bool TransferFlows::SendMarkedUnits(std::pair<std::int64_t, std::int64_t> av_Ran
 }
 
 bool TransferFlows::ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination) {
-  if (ai_Destination != kToFtp) return false;
   const FilePair files = NamesOf(al_Unit);
   const FilePair sent = ArchivesOf(files);
-  if (p_.form.Chk_ZIPFiles.ticked()) Zip(files.local, sent.local, "Zip: " + files.local);
-  if (Cancelled()) return false;
-  p_.trace.Status("Send: " + sent.local + " ->" + p_.ftp.Server() + ":" + sent.remote);
-  if (p_.ftp.PutFile(sent.local, sent.remote)) return true;
-  TellNotSent(sent.local);
-  return false;
+  if (ai_Destination != kToFtp) {
+    KeepResult(al_Unit, sent.remote, "web data takes no files");
+    return false;
+  }
+  std::int16_t zipped = kZipOk;
+  if (p_.form.Chk_ZIPFiles.ticked()) zipped = Zip(files.local, sent.local, "Zip: " + files.local);
+  bool well = false;
+  if (!Cancelled()) {
+    p_.trace.Status("Send: " + sent.local + " ->" + p_.ftp.Server() + ":" + sent.remote);
+    well = p_.ftp.PutFile(sent.local, sent.remote);
+  }
+  const bool missing = !well && !ExamineFile(sent.local);
+  if (missing) p_.trace.Status("Not sent, there is no file " + sent.local);
+  // An archive that could not be made anew goes out as it was; that is no success either.
+  KeepResult(al_Unit, sent.remote,
+             well      ? WhyNotPacked(zipped)
+             : missing ? "there is no file " + sent.local
+                       : WhyFailed());
+  return well;
 }
 
-void TransferFlows::TellNotSent(const std::string& as_Local) {
-  if (!ExamineFile(as_Local)) p_.trace.Status("Not sent, there is no file " + as_Local);
+std::string TransferFlows::WhyFailed() const {
+  if (Cancelled()) return "cancelled";
+  const std::string text = p_.ftp.LastErrorText();
+  return text.substr(0, text.find(kLineBreak));
+}
+
+std::string TransferFlows::WhyNotPacked(std::int16_t ai_Result) const {
+  if (ai_Result == kZipOk) return {};
+  const std::string words = p_.zip.LastErrorText();
+  return words.empty() ? "result " + std::to_string(ai_Result) + " of the archiver" : words;
+}
+
+void TransferFlows::KeepResult(std::int64_t al_Unit, const std::string& as_File, const std::string& as_Problem) {
+  results_.push_back({al_Unit, as_File, as_Problem});
+  if (as_Problem.empty()) return;
+  ++p_.flags.problems;
+  p_.trace.LogWrite("Not done: " + as_File + ": " + as_Problem);
+  if (!Cancelled()) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Problem);
 }
 
 bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
@@ -139,10 +165,10 @@ bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
     if (Cancelled() || !p_.registry.Units.Has(unit)) break;
     p_.units.Select(unit);
     if (!p_.ftp.ConnectIfNotConnected()) {
-      ++p_.flags.problems;
+      KeepResult(unit, NamesOf(unit).local, WhyFailed());
       break;
     }
-    arrived = FetchUnit(unit, al_Source) || arrived;
+    arrived = GetAndUnZip(unit, al_Source) || arrived;
     p_.bars.Unit.Increment();
     p_.loop.Poll();
   }
@@ -151,24 +177,22 @@ bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
   return arrived;
 }
 
-bool TransferFlows::FetchUnit(std::int64_t al_Unit, std::int32_t al_Source) {
-  const bool fetched = GetAndUnZip(al_Unit, al_Source);
-  if (Cancelled()) return fetched;
-  p_.form.Lst_Units.SetMark(al_Unit - 1, fetched ? RowMark::Well : RowMark::Problem);
-  if (fetched) return true;
-  ++p_.flags.problems;
-  p_.trace.LogWrite("Not fetched: " + ArchivesOf(NamesOf(al_Unit)).remote);
-  return false;
-}
-
 bool TransferFlows::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
   if (al_Source != kFromFtp) return false;
   const FilePair files = NamesOf(al_Unit);
   const FilePair fetched = ArchivesOf(files);
   p_.trace.Status("Receive: " + p_.ftp.Server() + ":" + fetched.remote + "->" + fetched.local);
-  if (!EnsureFolder(FolderOf(fetched.local)) || !p_.ftp.GetFile(fetched.remote, fetched.local)) return false;
-  if (!p_.form.Chk_ZIPFiles.ticked()) return true;
-  Unzip(fetched.local, std::string(FileNameOf(files.local)), p_.names.ClientFolder(static_cast<std::int32_t>(al_Unit)));
+  if (!EnsureFolder(FolderOf(fetched.local)) || !p_.ftp.GetFile(fetched.remote, fetched.local)) {
+    KeepResult(al_Unit, files.local, WhyFailed());
+    return false;
+  }
+  std::int16_t unzipped = kZipOk;
+  if (p_.form.Chk_ZIPFiles.ticked()) {
+    unzipped = Unzip(fetched.local, std::string(FileNameOf(files.local)),
+                     p_.names.ClientFolder(static_cast<std::int32_t>(al_Unit)));
+  }
+  if (unzipped == kZipOk) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Well);
+  KeepResult(al_Unit, files.local, WhyNotPacked(unzipped));
   return true;
 }
 
@@ -198,7 +222,6 @@ bool TransferFlows::EnsureFolder(std::string_view as_Folder) {
   try {
     return CreatePath(as_Folder);
   } catch (const RunTimeError& error) {
-    ++p_.flags.problems;
     p_.messages.Show("A folder for the files cannot be created. " + std::string(error.what()), "folder");
     return false;
   }
@@ -206,10 +229,15 @@ bool TransferFlows::EnsureFolder(std::string_view as_Folder) {
 
 bool TransferFlows::BackUpUnit(std::int64_t al_Unit) {
   const std::string folder = BackupFolder(al_Unit);
-  if (!EnsureFolder(folder)) return false;
+  if (!EnsureFolder(folder)) {
+    KeepResult(al_Unit, folder, "the folder cannot be created");
+    return false;
+  }
   const auto unit = static_cast<std::int32_t>(al_Unit);
   const std::string archive = folder + WithExtension(p_.names.DataFileShortName(unit, Calibrated()), kArchiveExtension);
-  Zip(p_.names.DataFileName(unit, Calibrated()), archive, "Zip: " + archive);
+  const std::int16_t result = Zip(p_.names.DataFileName(unit, Calibrated()), archive, "Zip: " + archive);
+  // A unit that has no file yet is nobody's fault.
+  if (result != kZipFilesSkipped) KeepResult(al_Unit, archive, WhyNotPacked(result));
   return true;
 }
 
@@ -228,31 +256,32 @@ void TransferFlows::ftpSelectedFile() {
   if (ZipAndSend(unit, kToFtp)) p_.trace.Status("Finished...");
 }
 
-void TransferFlows::Zip(const std::string& as_File, const std::string& as_Archive, const std::string& as_Status) {
+std::int16_t TransferFlows::Zip(const std::string& as_File, const std::string& as_Archive,
+                                const std::string& as_Status) {
   p_.zip.SetPreservePaths(false);
   p_.zip.SetFilesToProcess(as_File);
   p_.zip.SetZipFilename(as_Archive);
-  RunArchiver(&ZipComponent::Zip, as_Status);
+  return RunArchiver(&ZipComponent::Zip, as_Status);
 }
 
-void TransferFlows::Unzip(const std::string& as_Archive, const std::string& as_File, const std::string& as_Folder) {
+std::int16_t TransferFlows::Unzip(const std::string& as_Archive, const std::string& as_File,
+                                  const std::string& as_Folder) {
   p_.zip.SetPreservePaths(false);
   p_.zip.SetZipFilename(as_Archive);
   p_.zip.SetFilesToProcess(as_File);
   p_.zip.SetUnzipFolder(as_Folder);
   p_.zip.SetOverwrite(kReplaceExisting);
-  RunArchiver(&ZipComponent::Unzip, "Unzip " + as_Archive);
+  return RunArchiver(&ZipComponent::Unzip, "Unzip " + as_Archive);
 }
 
-void TransferFlows::RunArchiver(std::int16_t (ZipComponent::*av_Run)(), const std::string& as_Status) {
+std::int16_t TransferFlows::RunArchiver(std::int16_t (ZipComponent::*av_Run)(), const std::string& as_Status) {
   p_.trace.Status(as_Status);
   p_.bars.Download.SetProcessText(as_Status);
   p_.bars.Download.Initialise(0);
   const std::int16_t result = (p_.zip.*av_Run)();
-  // A unit that has no file yet is nobody's fault.
-  if (result != kZipOk && result != kZipFilesSkipped && result != kZipAborted) ++p_.flags.problems;
   if (result != kZipOk) ShowZipError(result, as_Status, p_.zip, p_.messages, p_.trace);
   p_.bars.Download.Hide();
+  return result;
 }
 
 }  // namespace corvane

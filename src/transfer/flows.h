@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "app/run_flags.h"
 #include "data/file_listbox.h"
@@ -24,6 +25,13 @@ namespace corvane {
 
 /// Where a unit's file is sent; also the unit's send-to number.
 enum SendDestination : std::int16_t { kToFtp = 1, kToWebData = 2 };
+
+/// What became of the file of one unit.
+struct TransferResult {
+  std::int64_t unit = 0;
+  std::string file;     ///< where it was to go: on the server, here, or in the backup
+  std::string problem;  ///< empty when it got there
+};
 
 /// Sends the units' data files, fetches those of other sites, and makes the backup.
 ///
@@ -73,6 +81,10 @@ class TransferFlows {
 
   /// Ends what runs, within a second.
   void Cancel();
+  /// The files that the present or last operation has tried, in order.
+  [[nodiscard]] const std::vector<TransferResult>& Results() const { return results_; }
+  /// Forgets them: an operation begins.
+  void ClearResults() { results_.clear(); }
 
  private:
   /// The names of a unit's file here and on the server.
@@ -91,17 +103,23 @@ class TransferFlows {
   void EndRun(std::int64_t al_Selected);
   /// False when the user ended it.
   bool SendMarkedUnits(std::pair<std::int64_t, std::int64_t> av_Range, std::int16_t ai_Destination);
-  void TellNotSent(const std::string& as_Local);
+  /// Keeps what became of a file; a problem is counted, logged and marked in the unit list.
+  void KeepResult(std::int64_t al_Unit, const std::string& as_File, const std::string& as_Problem);
+  /// Why a transfer that just failed did.
+  [[nodiscard]] std::string WhyFailed() const;
+  /// The archiver's words about a run with that result; empty after a success.
+  [[nodiscard]] std::string WhyNotPacked(std::int16_t ai_Result) const;
   [[nodiscard]] bool FetchUnit(std::int64_t al_Unit, std::int32_t al_Source);
   [[nodiscard]] bool BackUpUnit(std::int64_t al_Unit);
   /// Creates a folder where it is missing; false when that fails, which has been shown.
   [[nodiscard]] bool EnsureFolder(std::string_view as_Folder);
   [[nodiscard]] std::string BackupFolder(std::int64_t al_Unit) const;
-  void Zip(const std::string& as_File, const std::string& as_Archive, const std::string& as_Status);
-  void Unzip(const std::string& as_Archive, const std::string& as_File, const std::string& as_Folder);
-  void RunArchiver(std::int16_t (ZipComponent::*av_Run)(), const std::string& as_Status);
+  std::int16_t Zip(const std::string& as_File, const std::string& as_Archive, const std::string& as_Status);
+  std::int16_t Unzip(const std::string& as_Archive, const std::string& as_File, const std::string& as_Folder);
+  std::int16_t RunArchiver(std::int16_t (ZipComponent::*av_Run)(), const std::string& as_Status);
 
   Parts p_;
+  std::vector<TransferResult> results_;
 };
 
 }  // namespace corvane

@@ -194,6 +194,7 @@ bool MyFTP::PutFile(std::string_view as_Local, std::string_view as_Remote) {
   const std::string local = LocalName(as_Local);
   const std::optional<FileInfo> file = ExamineFile(local);
   if (!file || file->is_folder) return false;
+  last_error_.clear();
   log_.LogDetail("==PutFile:" + local + " -> " + remote);
   if (!ConnectIfNotConnected() || cancel_) return false;
   current_folder_.clear();
@@ -213,6 +214,7 @@ bool MyFTP::PutFile(std::string_view as_Local, std::string_view as_Remote) {
 bool MyFTP::GetFile(std::string_view as_Remote, std::string_view as_Local) {
   const std::string remote(as_Remote);
   const std::string local = LocalName(as_Local);
+  last_error_.clear();
   if (!ConnectIfNotConnected()) {
     log_.LogStatus("Could not connect");
     return false;
@@ -237,7 +239,8 @@ bool MyFTP::FindRemoteFile(const std::string& as_Remote, const std::string& as_L
     return Fail("GetFile:Failed to download file:" + as_Remote + " LocalFile:" + as_Local);
   }
   log_.LogStatus(client_.InternetGetLastResponseInfo());
-  log_.ShowStatus("File: " + as_Remote + " not found");
+  last_error_ = "File: " + as_Remote + " not found";
+  log_.ShowStatus(last_error_);
   return false;
 }
 

@@ -88,7 +88,7 @@ class MyFTP {
   [[nodiscard]] std::string CurrentRemoteDirectory();
 
   [[nodiscard]] const std::string& Server() const { return server_; }
-  /// The last failure, for a person.
+  /// The last failure, for a person; nothing behind "FTP: " when the last file was sent or received.
   [[nodiscard]] std::string LastErrorText() const { return "FTP: " + last_error_; }
 
   /// The connection was made or ended; set by the composition root.

@@ -95,7 +95,7 @@ TEST(Fetch, BringsWhatIsThereAndConvertsRawFiles) {
     world.form().mnu_Download.Click(3);
     EXPECT_EQ(world.home.Read("data/F2/u00004.epd"), raw);
     EXPECT_NE(world.home.Read("data/F2/u00004.txt"), "") << "converted";
-    EXPECT_TRUE(world.Logged("Not fetched: f1/u00002."));
+    EXPECT_TRUE(world.Logged("Not done: " + world.home.Name("data/F1/u00002.epd") + ": FTP: File: f1/u00002."));
     EXPECT_EQ(world.internet.Count("get"), 2);
     EXPECT_EQ(world.internet.Count("connect"), 1);
     EXPECT_EQ(world.form().Lst_Units.mark(1), RowMark::Problem);
