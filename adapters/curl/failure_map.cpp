@@ -68,8 +68,9 @@ FtpFailure TimedOut(const FtpExchange& last) {
   return {silent_port ? kInternetCannotConnect : kInternetTimeout, ""};
 }
 
-/// The login was refused; a refusal in other steps than these two says why in words.
 int LoginError(const FtpExchange& last) {
+  constexpr int kNotLoggedIn = 530;
+  if (last.code != kNotLoggedIn) return kInternetLoginFailure;
   if (last.verb == "USER") return kInternetWrongUserName;
   return last.verb == "PASS" ? kInternetWrongPassword : kInternetLoginFailure;
 }

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <future>
 #include <utility>
 
-#include <linux/sockios.h>
 #include <netdb.h>
-#include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include "curl/socket_state.h"
 
 namespace corvane {
 
@@ -29,10 +30,8 @@ bool IsUnreserved(char c) {
          c == '_' || c == '~' || c == '/';
 }
 
-/// Bytes that the kernel holds and the far end has not acknowledged.
-std::int64_t UnsentBytes(curl_socket_t socket) {
-  int unsent = 0;
-  return socket != CURL_SOCKET_BAD && ioctl(socket, SIOCOUTQ, &unsent) == 0 ? unsent : 0;
+bool Moves(const FtpTask& task) {
+  return task.kind != FtpTask::Kind::Commands && task.kind != FtpTask::Kind::Login;
 }
 
 std::string AddressText(const curl_sockaddr& address) {
@@ -57,7 +56,7 @@ FtpChannel::FtpChannel(EventLoop& loop, const FtpLimits& limits, FtpLogin login,
 
 FtpChannel::~FtpChannel() {
   // Curl would say QUIT and wait for the answer.
-  CutControlConnection();
+  CutConnections();
   curl_easy_cleanup(easy_);
   curl_multi_cleanup(multi_);
   curl_slist_free_all(commands_);
@@ -110,39 +109,39 @@ void FtpChannel::SetUpEncryption() {
 bool FtpChannel::LoggedIn() const {
   if (control_ == CURL_SOCKET_BAD || loop_.MonotonicMilliseconds() - last_used_ > limits_.idle) return false;
   // A server that says something unasked is closing the connection; curl would take the login for a good one.
-  pollfd control{control_, POLLIN, 0};
-  return poll(&control, 1, 0) == 0;
+  return !WaitReadable(control_, 0);
 }
 
-void FtpChannel::CutControlConnection() {
-  if (control_ != CURL_SOCKET_BAD) shutdown(control_, SHUT_RDWR);
-  control_ = CURL_SOCKET_BAD;
+void FtpChannel::CutConnections() {
+  for (const curl_socket_t socket : {control_.load(), data_.load()}) {
+    if (socket != CURL_SOCKET_BAD) shutdown(socket, SHUT_RDWR);
+  }
 }
 
 FtpRun FtpChannel::Run(const FtpTask& task) {
   FtpRun run;
   run.was_login = task.kind == FtpTask::Kind::Login;
-  task_ = &task;
   if (task.begin) task.begin();
+  task_ = &task;
   Prepare();
   curl_multi_add_handle(multi_, easy_);
-  Drive(run);
-  Finish(run);
+  Drive();
   task_ = nullptr;
+  Finish(run);
   return run;
 }
 
 void FtpChannel::Prepare() {
   transcript_.Clear();
-  connected_ = false;
+  ended_early_ = connected_ = false;
   address_.clear();
   error_[0] = '\0';
-  reported_ = received_ = sign_ = 0;
+  reported_ = received_ = parsed_ = sign_ = 0;
   began_ = last_sign_ = loop_.MonotonicMilliseconds();
   report_due_ = began_ + kReportEvery;
-  data_ = CURL_SOCKET_BAD;
   const bool is_login = task_->kind == FtpTask::Kind::Login;
-  if (is_login) CutControlConnection();
+  if (is_login) CutConnections();
+  taken_before_ = TakenBytes(control_);
   curl_slist_free_all(std::exchange(commands_, nullptr));
   for (const std::string& command : task_->commands) commands_ = curl_slist_append(commands_, ("*" + command).c_str());
   curl_easy_setopt(easy_, CURLOPT_QUOTE, commands_);
@@ -153,7 +152,7 @@ void FtpChannel::Prepare() {
 void FtpChannel::PrepareTransfer() {
   const bool lists = task_->kind == FtpTask::Kind::Listing;
   const bool uploads = task_->kind == FtpTask::Kind::Upload;
-  const bool moves = lists || uploads || task_->kind == FtpTask::Kind::Download;
+  const bool moves = Moves(*task_);
   curl_easy_setopt(easy_, CURLOPT_URL, UrlOf(moves ? task_->path : "/", !moves || lists).c_str());
   // A folder is listed from within: servers read blanks and wildcards in an argument of LIST in ways of their own.
   curl_easy_setopt(easy_, CURLOPT_FTP_FILEMETHOD,
@@ -183,18 +182,24 @@ std::string FtpChannel::UrlOf(const std::string& path, bool is_folder) const {
   return url;
 }
 
-void FtpChannel::Drive(FtpRun& run) {
+void FtpChannel::Drive() {
   for (int running = 1;;) {
-    curl_multi_perform(multi_, &running);
+    if (MayBlock()) {
+      PerformAside(running);
+    } else {
+      curl_multi_perform(multi_, &running);
+    }
     ReportConnecting();
-    ReportBytes(false);
-    if (running == 0) return;
-    PollLoopWhenDue();
-    run.cancelled = cancelled_;
-    run.timed_out = !cancelled_ && TooLate();
-    if (run.cancelled || run.timed_out) return;
+    ReportBytes(running == 0 && !ended_early_);
+    if (running == 0 || TurnLoop()) return;
     curl_multi_poll(multi_, nullptr, 0, static_cast<int>(kTurn), nullptr);
   }
+}
+
+bool FtpChannel::TurnLoop() {
+  PollLoopWhenDue();
+  ended_early_ = ended_early_ || cancelled_ || TooLate();
+  return ended_early_;
 }
 
 void FtpChannel::PollLoopWhenDue() {
@@ -202,6 +207,41 @@ void FtpChannel::PollLoopWhenDue() {
   if (now - last_poll_ < kTurn / 2) return;
   loop_.Poll();
   last_poll_ = loop_.MonotonicMilliseconds();
+}
+
+bool FtpChannel::MayBlock() const {
+  if (!login_.encrypted || !Moves(*task_)) return false;
+  const bool uploads = task_->kind == FtpTask::Kind::Upload;
+  const std::int64_t moved = uploads ? Information(CURLINFO_SIZE_UPLOAD_T) : received_;
+  const std::int64_t size = uploads ? task_->size : Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  const bool in_the_middle = moved > 0 && size - moved > 4 * kBufferSize;
+  return !in_the_middle;
+}
+
+void FtpChannel::PerformAside(int& running) {
+  auto step = std::async(std::launch::async, [this, &running] { curl_multi_perform(multi_, &running); });
+  std::int64_t last_sign = loop_.MonotonicMilliseconds();
+  std::int64_t unsent = 0;
+  while (step.wait_for(std::chrono::milliseconds(kTurn)) != std::future_status::ready) {
+    PollLoopWhenDue();
+    const std::int64_t now = loop_.MonotonicMilliseconds();
+    if (UnsentBytes(data_) != std::exchange(unsent, UnsentBytes(data_))) last_sign = now;
+    if (!cancelled_ && now - last_sign <= limits_.reply) continue;
+    ended_early_ = true;
+    CutConnections();
+  }
+}
+
+void FtpChannel::WaitForLastReply() {
+  const auto has_reply = [this] {
+    // A reply that came together with the one before it is with curl already, and the socket silent.
+    return control_ == CURL_SOCKET_BAD || WaitReadable(control_, 0) || TakenBytes(control_) - taken_before_ > parsed_;
+  };
+  while (!has_reply()) {
+    ReportBytes(false);
+    if (TurnLoop()) return CutConnections();
+    static_cast<void>(WaitReadable(control_, static_cast<int>(kTurn)));
+  }
 }
 
 void FtpChannel::ReportConnecting() {
@@ -247,7 +287,8 @@ void FtpChannel::Finish(FtpRun& run) {
   while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
     if (message->msg == CURLMSG_DONE) run.code = message->data.result;
   }
-  if (!run.cancelled && !run.timed_out) ReportBytes(true);
+  run.cancelled = ended_early_ && cancelled_;
+  run.timed_out = ended_early_ && !cancelled_;
   curl_easy_getinfo(easy_, CURLINFO_OS_ERRNO, &run.os_error);
   run.announced_size = Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
   run.moved = received_ > 0 || Information(CURLINFO_SIZE_UPLOAD_T) > 0;
@@ -256,22 +297,21 @@ void FtpChannel::Finish(FtpRun& run) {
   if (curl_easy_getinfo(easy_, CURLINFO_FTP_ENTRY_PATH, &folder) == CURLE_OK && folder != nullptr) {
     entry_folder_ = folder;
   }
-  control_ = CURL_SOCKET_BAD;
-  if (!run.cancelled && !run.timed_out) curl_easy_getinfo(easy_, CURLINFO_ACTIVESOCKET, &control_);
+  curl_socket_t control = CURL_SOCKET_BAD;
+  if (!ended_early_) curl_easy_getinfo(easy_, CURLINFO_ACTIVESOCKET, &control);
+  control_ = control;
   curl_multi_remove_handle(multi_, easy_);
-  StopDraining();
-  last_used_ = loop_.MonotonicMilliseconds();
-}
-
-void FtpChannel::StopDraining() {
   if (std::exchange(draining_, false)) close(data_);
   data_ = CURL_SOCKET_BAD;
+  last_used_ = loop_.MonotonicMilliseconds();
 }
 
 int FtpChannel::OnDebug(CURL*, curl_infotype type, char* bytes, std::size_t length, void* self) {
   Transcript& transcript = static_cast<FtpChannel*>(self)->transcript_;
   if (type == CURLINFO_HEADER_OUT) transcript.AddCommand({bytes, length});
-  if (type == CURLINFO_HEADER_IN) transcript.AddReplyLine({bytes, length});
+  if (type != CURLINFO_HEADER_IN) return 0;
+  transcript.AddReplyLine({bytes, length});
+  static_cast<FtpChannel*>(self)->parsed_ += static_cast<std::int64_t>(length);
   return 0;
 }
 
@@ -303,15 +343,24 @@ curl_socket_t FtpChannel::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* 
 
 int FtpChannel::OnCloseSocket(void* self, curl_socket_t socket) {
   auto* channel = static_cast<FtpChannel*>(self);
-  const FtpTask* task = channel->task_;
-  const bool is_data = task != nullptr && socket == channel->data_;
-  // The end of an upload over a slow line: what the kernel still holds tells whether the line is alive.
-  if (is_data && task->kind == FtpTask::Kind::Upload && UnsentBytes(socket) > 0) {
-    channel->draining_ = true;
-    return shutdown(socket, SHUT_WR);
+  if (socket == channel->control_) channel->control_ = CURL_SOCKET_BAD;
+  const bool is_data = channel->task_ != nullptr && socket == channel->data_;
+  return is_data ? channel->CloseData(socket) : close(socket);
+}
+
+int FtpChannel::CloseData(curl_socket_t socket) {
+  const bool reply_follows = transcript_.Last().code / 100 == 1 && !IsOver(socket);
+  // What the kernel still holds of an upload tells whether a slow line is alive.
+  draining_ = reply_follows && task_->kind == FtpTask::Kind::Upload && UnsentBytes(socket) > 0;
+  int result = 0;
+  if (draining_) {
+    result = shutdown(socket, SHUT_WR);
+  } else {
+    data_ = CURL_SOCKET_BAD;
+    result = close(socket);
   }
-  if (is_data) channel->data_ = CURL_SOCKET_BAD;
-  return close(socket);
+  if (reply_follows && !login_.encrypted) WaitForLastReply();
+  return result;
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -47,6 +48,9 @@ struct FtpRun {
 };
 
 /// One logged-in control connection and the runs over it; the loop runs meanwhile.
+///
+/// Curl is driven in the loop's thread. It blocks in two places: while it waits for the reply that ends a transfer,
+/// which this class therefore waits for first, and in the steps of an encrypted data connection, which run aside.
 class FtpChannel {
  public:
   /// Receives what happens during a run; called outside of curl, so that it may do anything but start a run.
@@ -82,17 +86,22 @@ class FtpChannel {
   void SetUpEncryption();
   void Prepare();
   void PrepareTransfer();
-  void Drive(FtpRun& run);
+  void Drive();
   void Finish(FtpRun& run);
+  /// Gives the loop a turn when it is due; true when the run has to end.
+  [[nodiscard]] bool TurnLoop();
   void PollLoopWhenDue();
+  [[nodiscard]] bool MayBlock() const;
+  void PerformAside(int& running);
+  int CloseData(curl_socket_t socket);
+  void WaitForLastReply();
   void ReportConnecting();
   void ReportBytes(bool last);
   [[nodiscard]] bool TooLate();
   [[nodiscard]] std::int64_t MovedBytes() const;
-  [[nodiscard]] std::string UrlOf(const std::string& path, bool is_folder) const;
   [[nodiscard]] std::int64_t Information(CURLINFO what) const;
-  void CutControlConnection();
-  void StopDraining();
+  [[nodiscard]] std::string UrlOf(const std::string& path, bool is_folder) const;
+  void CutConnections();
 
   EventLoop& loop_;
   const FtpLimits limits_;
@@ -105,22 +114,25 @@ class FtpChannel {
   char error_[CURL_ERROR_SIZE] = {};
   Transcript transcript_;
   std::string entry_folder_;
-  curl_socket_t control_ = CURL_SOCKET_BAD;
+  std::atomic<curl_socket_t> control_ = CURL_SOCKET_BAD;
   std::int64_t last_used_ = 0;
   std::int64_t last_poll_ = 0;
 
   // Of the run that is under way.
   const FtpTask* task_ = nullptr;
-  std::string address_;     ///< that is being connected to and was not reported
-  bool connected_ = false;  ///< was reported
+  bool ended_early_ = false;  ///< by a cancel or a limit
+  std::string address_;       ///< that is being connected to and was not reported
+  bool connected_ = false;    ///< was reported
   std::int64_t began_ = 0;
   std::int64_t reported_ = 0;  ///< bytes
   std::int64_t report_due_ = 0;
-  std::int64_t received_ = 0;
-  std::int64_t last_sign_ = 0;  ///< when something moved
-  std::int64_t sign_ = 0;       ///< what had moved then
-  curl_socket_t data_ = CURL_SOCKET_BAD;
-  bool draining_ = false;  ///< all of an upload is with the kernel, which has not sent all of it
+  std::int64_t received_ = 0;      ///< bytes of a download
+  std::int64_t parsed_ = 0;        ///< bytes of replies that curl has read
+  std::int64_t taken_before_ = 0;  ///< bytes from the control connection in former runs
+  std::int64_t last_sign_ = 0;     ///< when something moved
+  std::int64_t sign_ = 0;          ///< what had moved then
+  std::atomic<curl_socket_t> data_ = CURL_SOCKET_BAD;
+  bool draining_ = false;  ///< curl is done with the data connection, the kernel is not
 };
 
 }  // namespace corvane

@@ -7,11 +7,11 @@
 
 namespace corvane {
 
-/// The entries of the folder of `path` that match its last part; none is a success too. **Yields.**
-[[nodiscard]] bool ListFolder(FtpConnection& ftp, EventLoop& loop, const std::string& path,
+/// Looks for the entries of the folder of `path` that match its last part; none is a success too. **Yields.**
+[[nodiscard]] bool ListFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& path,
                               std::vector<FindRecord>& records);
-/// The file `path`, by its size and time alone. **Yields.**
-[[nodiscard]] bool FindOneFile(FtpConnection& ftp, EventLoop& loop, const std::string& path,
+/// Looks for the one file `path`. **Yields.**
+[[nodiscard]] bool FindOneFile(FtpConnection& ftp, const EventLoop& loop, const std::string& path,
                                std::vector<FindRecord>& records);
 
 }  // namespace corvane
