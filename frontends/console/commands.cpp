@@ -82,6 +82,9 @@ void ConsoleCommands::Operate(UnitResults& results, const std::vector<std::int64
   operation();
   view_.on_change = nullptr;
   results.End();
+  for (const TransferResult& result : app_.flows().Results()) {
+    if (!result.problem.empty()) output_.Error(result.file + ": " + result.problem);
+  }
   problems_ += app_.flags().problems;
   app_.flags().automatic_run = false;
 }
