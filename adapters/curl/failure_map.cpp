@@ -19,7 +19,7 @@ constexpr PlainRow kPlainRows[] = {
     {CURLE_COULDNT_RESOLVE_HOST, kInternetNameNotResolved},
     {CURLE_COULDNT_CONNECT, kInternetCannotConnect},
     {CURLE_FTP_CANT_GET_HOST, kInternetCannotConnect},
-    {CURLE_OPERATION_TIMEDOUT, kInternetTimeout},
+
     {CURLE_PARTIAL_FILE, kInternetConnectionAborted},
     {CURLE_GOT_NOTHING, kInternetConnectionAborted},
 };
@@ -63,6 +63,9 @@ bool IsPassiveCommand(const std::string& verb) {
 }
 
 FtpFailure TimedOut(const FtpExchange& last) {
+  if (last.verb.empty() && last.code == 0 && !last.text.empty()) {
+    return {kInternetExtendedError, "This is no FTP server. It said: " + last.text};
+  }
   // The server named a port for the data and nobody answers there.
   const bool silent_port = IsPassiveCommand(last.verb) && last.code / 100 == 2;
   return {silent_port ? kInternetCannotConnect : kInternetTimeout, ""};
@@ -89,6 +92,10 @@ FtpFailure FromCurl(const FtpRun& run, const FtpExchange& last) {
   for (const PlainRow& row : kPlainRows) {
     if (row.code == run.code) return {row.error, ""};
   }
+  // Curl reads replies of up to 300 kB in one run.
+  if (run.words.find("Too large response") != std::string::npos) {
+    return {kInternetExtendedError, "The server's reply is too long to be read."};
+  }
   if (run.code == CURLE_RECV_ERROR || run.code == CURLE_SEND_ERROR) {
     return {run.os_error == ECONNRESET ? kInternetConnectionReset : kInternetConnectionAborted, ""};
   }
@@ -106,7 +113,7 @@ FtpFailure FailureOf(const FtpRun& run, const Transcript& transcript) {
   if (run.code == CURLE_OK) return {};
   const bool is_encryption = run.code == CURLE_USE_SSL_FAILED;
   if (IsRefusal(last) && !is_encryption) return Refused(run, last);
-  return FromCurl(run, last);
+  return run.code == CURLE_OPERATION_TIMEDOUT ? TimedOut(last) : FromCurl(run, last);
 }
 
 bool MetClosedLogin(const FtpRun& run, const Transcript& transcript) {

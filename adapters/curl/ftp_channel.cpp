@@ -113,9 +113,8 @@ bool FtpChannel::LoggedIn() const {
 }
 
 void FtpChannel::CutConnections() {
-  for (const curl_socket_t socket : {control_.load(), data_.load()}) {
-    if (socket != CURL_SOCKET_BAD) shutdown(socket, SHUT_RDWR);
-  }
+  const std::lock_guard lock(sockets_mutex_);
+  for (const curl_socket_t socket : sockets_) shutdown(socket, SHUT_RDWR);
 }
 
 FtpRun FtpChannel::Run(const FtpTask& task) {
@@ -210,7 +209,7 @@ void FtpChannel::PollLoopWhenDue() {
 }
 
 bool FtpChannel::MayBlock() const {
-  if (!login_.encrypted || !Moves(*task_)) return false;
+  if (!login_.encrypted) return false;
   const bool uploads = task_->kind == FtpTask::Kind::Upload;
   const std::int64_t moved = uploads ? Information(CURLINFO_SIZE_UPLOAD_T) : received_;
   const std::int64_t size = uploads ? task_->size : Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
@@ -226,7 +225,9 @@ void FtpChannel::PerformAside(int& running) {
     PollLoopWhenDue();
     const std::int64_t now = loop_.MonotonicMilliseconds();
     if (UnsentBytes(data_) != std::exchange(unsent, UnsentBytes(data_))) last_sign = now;
-    if (!cancelled_ && now - last_sign <= limits_.reply) continue;
+    const bool is_login = task_->kind == FtpTask::Kind::Login;
+    const bool late = is_login ? now - began_ > limits_.connect : now - last_sign > limits_.reply;
+    if (!cancelled_ && !late) continue;
     ended_early_ = true;
     CutConnections();
   }
@@ -332,7 +333,9 @@ std::size_t FtpChannel::OnWrite(char* bytes, std::size_t size, std::size_t count
 curl_socket_t FtpChannel::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
   auto* channel = static_cast<FtpChannel*>(self);
   const curl_socket_t made = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-  if (channel->task_ == nullptr) return made;
+  if (made == CURL_SOCKET_BAD || channel->task_ == nullptr) return made;
+  const std::lock_guard lock(channel->sockets_mutex_);
+  channel->sockets_.push_back(made);
   if (channel->task_->kind == FtpTask::Kind::Login) {
     channel->address_ = AddressText(*address);
   } else {
@@ -343,6 +346,10 @@ curl_socket_t FtpChannel::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* 
 
 int FtpChannel::OnCloseSocket(void* self, curl_socket_t socket) {
   auto* channel = static_cast<FtpChannel*>(self);
+  {
+    const std::lock_guard lock(channel->sockets_mutex_);
+    std::erase(channel->sockets_, socket);
+  }
   if (socket == channel->control_) channel->control_ = CURL_SOCKET_BAD;
   const bool is_data = channel->task_ != nullptr && socket == channel->data_;
   return is_data ? channel->CloseData(socket) : close(socket);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,7 +51,7 @@ struct FtpRun {
 /// One logged-in control connection and the runs over it; the loop runs meanwhile.
 ///
 /// Curl is driven in the loop's thread. It blocks in two places: while it waits for the reply that ends a transfer,
-/// which this class therefore waits for first, and in the steps of an encrypted data connection, which run aside.
+/// which this class therefore waits for first, and in the handshakes of encryption, whose steps run aside.
 class FtpChannel {
  public:
   /// Receives what happens during a run; called outside of curl, so that it may do anything but start a run.
@@ -115,6 +116,8 @@ class FtpChannel {
   Transcript transcript_;
   std::string entry_folder_;
   std::atomic<curl_socket_t> control_ = CURL_SOCKET_BAD;
+  std::mutex sockets_mutex_;
+  std::vector<curl_socket_t> sockets_;  ///< that curl has open
   std::int64_t last_used_ = 0;
   std::int64_t last_poll_ = 0;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <string_view>
 #include <vector>
@@ -20,7 +21,6 @@ namespace corvane {
 namespace {
 
 constexpr int kDeflateLevel = 6;
-constexpr double kProgressStep = 0.01;
 /// Files that are compressed already.
 constexpr std::array<std::string_view, 5> kStoredExtensions = {"zip", "lzh", "arc", "arj", "zoo"};
 
@@ -45,16 +45,8 @@ bool IsStored(std::string_view name) {
                      [extension](std::string_view stored) { return EqualsNoCase(stored, extension); });
 }
 
-/// Whether the source can be read at all; asked first, because a failed run must leave the old archive as it was.
-ZipOutcome CheckSource(const std::string& source) {
-  struct stat found {};
-  if (stat(source.c_str(), &found) != 0) {
-    const ZipResult result = errno == ENOENT ? kZipFilesSkipped : kZipReadProblem;
-    return {result, Status::FromErrno(source, errno).text()};
-  }
-  if (!S_ISREG(found.st_mode)) return {kZipReadProblem, source + ": is not a plain file"};
-  if (access(source.c_str(), R_OK) != 0) return {kZipReadProblem, Status::FromErrno(source, errno).text()};
-  return {};
+ZipOutcome SourceFailure(const std::string& source, int error) {
+  return {error == ENOENT ? kZipFilesSkipped : kZipReadProblem, Status::FromErrno(source, error).text()};
 }
 
 /// One run; the new archive grows in a temporary file that is gone at the end, whatever happens.
@@ -97,18 +89,34 @@ class ArchiveUpdate {
     ZipOutcome outcome;
     ArchiveHandle archive = OpenArchive(part_, ZIP_CREATE, outcome);
     if (!archive) return outcome;
-    if (!AddSource(archive.get())) return Failure(archive.get());
-    zip_register_progress_callback_with_state(archive.get(), kProgressStep, NoteProgress, nullptr, &progress_);
-    zip_register_cancel_callback_with_state(archive.get(), IsCancelled, nullptr, &progress_);
+    DropEntry(archive.get());
+    file_ = std::fopen(source_.c_str(), "rbe");
+    if (file_ == nullptr) return SourceFailure(source_, errno);
+    if (!AddSource(archive.get())) return {kZipCreateProblem, Failure(archive.get()).text};
+    zip_register_cancel_callback_with_state(archive.get(), IsCancelled, nullptr, this);
     if (zip_close(archive.get()) != 0) return Failure(archive.get());
     static_cast<void>(archive.release());
     return {};
   }
 
-  bool AddSource(zip_t* archive) {
+  /// Takes the old entry out: one that is only overwritten would be packed at the library's own level. The library does
+  /// not find names that are no UTF-8.
+  void DropEntry(zip_t* archive) {
     const std::string name(FileNameOf(source_));
-    zip_source_t* const file = zip_source_file(archive, source_.c_str(), 0, -1);
-    if (file == nullptr) return false;
+    const zip_int64_t count = zip_get_num_entries(archive, 0);
+    for (zip_uint64_t index = 0; index < static_cast<zip_uint64_t>(count); ++index) {
+      const char* const stored = zip_get_name(archive, index, IsUtf8(name) ? ZIP_FL_ENC_GUESS : ZIP_FL_ENC_RAW);
+      if (stored != nullptr && name == stored) zip_delete(archive, index);
+    }
+  }
+
+  bool AddSource(zip_t* archive) {
+    zip_source_t* const file = zip_source_filep(archive, file_, 0, -1);
+    if (file == nullptr) {
+      std::fclose(file_);
+      return false;
+    }
+    const std::string name(FileNameOf(source_));
     const zip_flags_t encoding = IsUtf8(name) ? ZIP_FL_ENC_UTF_8 : ZIP_FL_ENC_GUESS;
     const zip_int64_t index = zip_file_add(archive, name.c_str(), file, ZIP_FL_OVERWRITE | encoding);
     if (index < 0) {
@@ -137,18 +145,19 @@ class ArchiveUpdate {
     return synced.ok() ? ZipOutcome() : OutcomeOf(synced, kZipWriteProblem);
   }
 
-  static void NoteProgress(zip_t* /*archive*/, double part, void* progress) {
-    auto& shared = *static_cast<ZipProgress*>(progress);
-    shared.done = static_cast<std::int64_t>(part * static_cast<double>(shared.total));
-  }
-  static int IsCancelled(zip_t* /*archive*/, void* progress) {
-    return static_cast<ZipProgress*>(progress)->cancelled ? 1 : 0;
+  /// Asked again and again in the run's thread. The library's own progress counts packed bytes, so that it would jump
+  /// at the end; the place in the source is what is done.
+  static int IsCancelled(zip_t* /*archive*/, void* update) {
+    const auto& self = *static_cast<ArchiveUpdate*>(update);
+    self.progress_.done = std::ftell(self.file_);
+    return self.progress_.cancelled ? 1 : 0;
   }
 
   const std::string archive_;
   const std::string part_;
   const std::string source_;
   ZipProgress& progress_;
+  std::FILE* file_ = nullptr;  ///< the source; closed by the library
 };
 
 /// "<anything>.zip.part" and what the library appends while it writes: a dot and six small letters or digits.
@@ -166,10 +175,10 @@ bool IsLeftOver(std::string_view name) {
 }  // namespace
 
 ZipOutcome ZipOneFile(const std::string& archive, const std::string& source, ZipProgress& progress) {
-  ZipOutcome outcome = CheckSource(source);
-  if (outcome.code != kZipOk) return outcome;
-  const auto info = ExamineFile(source);
-  progress.total = info ? info->size : 0;
+  struct stat found {};
+  if (stat(source.c_str(), &found) != 0) return SourceFailure(source, errno);
+  if (!S_ISREG(found.st_mode)) return {kZipReadProblem, source + ": is not a plain file"};
+  progress.total = found.st_size;
   return ArchiveUpdate(archive, source, progress).Run();
 }
 

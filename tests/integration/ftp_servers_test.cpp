@@ -3,7 +3,8 @@
 // One server (pyftpdlib) is always started. Others that already run are named in the environment:
 //   CORVANE_FTP_SERVERS="NAME=HOST:PORT,USER,PASSWORD,FOLDER[,CERTIFICATE];..."
 // NAME is of letters and digits; FOLDER is a remote folder, relative to the login's or absolute, in which the user may
-// do everything; with CERTIFICATE, a file of CA certificates, the login is encrypted. The folder is left empty.
+// do everything, and not anonymous; with CERTIFICATE, a file of CA certificates, the login is encrypted. The folder is
+// left empty.
 #include <cstdlib>
 #include <optional>
 
@@ -49,6 +50,10 @@ std::vector<ServerRow> ServerRows() {
   return rows;
 }
 
+void PrintTo(const ServerRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
 class FtpServers : public testing::TestWithParam<ServerRow> {
  protected:
   void SetUp() override {
@@ -90,8 +95,8 @@ class FtpServers : public testing::TestWithParam<ServerRow> {
 };
 
 TEST_P(FtpServers, FilesOfAnyNameMakeTheRoundTrip) {
-  const char* kNames[] = {"plain.zip", "two  blanks",    "\"quotes\"",   "100%41.txt", "#1?;type=a", "a;type=d",
-                          "-la",       "Bl\xc3\xa4tter", "[x]{y}~$&'()", "...",        "a,b=c+d@e!"};
+  const char* kNames[] = {"plain.zip", "two  blanks", "\"quotes\"",     "100%41.txt",   "#1?;type=a",
+                          "a;type=d",  "-la",         "Bl\xc3\xa4tter", "[x]{y}~$&'()", "a,b=c+d@e!"};
   std::vector<std::string> names(std::begin(kNames), std::end(kNames));
   for (const std::string& name : names) {
     EXPECT_TRUE(Put("text of " + name, name)) << name << ": " << client.InternetGetLastResponseInfo();

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """An FTP server that misbehaves in one way, named on the command line; prints its port, serves until it is killed.
 
-Without a fault it takes any login, shows one file "file" of 100,000 bytes (any other name is missing) and swallows
+"Session" is without fault: it takes any login, shows one file "file" of 100,000 bytes (any other name is missing) and swallows
 uploads. A fault is a class below that changes what is different in it.
 """
 
 import socket
+import ssl
 import struct
 import sys
 import threading
@@ -167,13 +168,18 @@ class greeting(Session):
 
 
 class long_replies(Session):
-    greeting = "220-" + "x" * 300000 + "\r\n" + "220-more\r\n" * 5000 + "220 ready"
+    greeting = "220-" + "x" * 60000 + "\r\n" + "220-more\r\n" * 2000 + "220 ready"
 
     def CWD(self, _):
-        self.say("250-" + "y" * 40000 + "\r\n" + "250-more\r\n" * 2000 + "250 done")
+        self.say("250-" + "y" * 30000 + "\r\n" + "250-more\r\n" * 2000 + "250 done")
 
     def MKD(self, _):
         self.say("550-" + "more\r\n 550 not the end\r\n" * 2000 + "550 no")
+
+
+class huge_reply(Session):
+    def MKD(self, _):
+        self.say("257-more\r\n" * 50000 + "257 made")
 
 
 class drop_up(Session):
@@ -300,6 +306,12 @@ class no_data_port(Session):
         self.say(f"229 here (|||{port}|)")
 
 
+    def PASV(self, _):
+        port = self.listen()
+        self.port.close()
+        self.say(f"227 here (127,0,0,1,{port // 256},{port % 256})")
+
+
 class no_passive(Session):
     def EPSV(self, _):
         self.say("502 not here")
@@ -341,8 +353,32 @@ class encryption_hangs(Session):
         time.sleep(FOR_EVER)
 
 
+class data_encryption_hangs(Session):
+    """Needs a second argument: the file of its certificate and key."""
+
+    def AUTH(self, _):
+        self.say("234 go on")
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(sys.argv[2])
+        self.control = context.wrap_socket(self.control, server_side=True)
+        self.lines = self.control.makefile("rb")
+
+    def PBSZ(self, _):
+        self.say("200 done")
+
+    def PROT(self, _):
+        self.say("200 done")
+
+    def run_transfer(self, _):
+        self.say("150 coming")
+        self.held = self.data()
+        time.sleep(FOR_EVER)
+
+    STOR = RETR = LIST = run_transfer
+
+
 def main():
-    session_class = globals()[sys.argv[1]] if len(sys.argv) > 1 else Session
+    session_class = globals()[sys.argv[1]]
     server = socket.create_server(("127.0.0.1", 0))
     print(server.getsockname()[1], flush=True)
     past = {}

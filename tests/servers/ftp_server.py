@@ -3,7 +3,10 @@
 
 import argparse
 import logging
+import pathlib
 
+from cryptography.hazmat.primitives.asymmetric import ec
+from OpenSSL import crypto
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import FTPHandler
 from pyftpdlib.servers import FTPServer
@@ -12,11 +15,41 @@ EVERYTHING = "elradfmwMT"
 
 
 def handler_class(options):
-    if not options.certificate:
+    if not options.encrypted:
         return type("Handler", (FTPHandler,), {})
-    from pyftpdlib.handlers import TLS_FTPHandler
-    return type("Handler", (TLS_FTPHandler,), {
-        "certfile": options.certificate, "tls_control_required": True, "tls_data_required": True})
+    from pyftpdlib.handlers import TLS_DTPHandler, TLS_FTPHandler
+
+    class DataHandler(TLS_DTPHandler):
+        def readable(self):
+            # The library's own closes on a client that begins the handshake before it sends its command.
+            return self._ssl_accepting or super().readable()
+
+    handler = type("Handler", (TLS_FTPHandler,), {
+        "certfile": make_certificate(options.encrypted), "tls_control_required": True, "tls_data_required": True,
+        "dtp_handler": DataHandler})
+    handler.ssl_context = handler.get_ssl_context()
+    # Without it the data connection cannot resume the session of the control connection.
+    handler.ssl_context.set_session_id(b"corvane")
+    return handler
+
+
+def make_certificate(folder):
+    """Writes "ca.pem", a certificate for "localhost", and "server.pem", the same with its key."""
+    key = crypto.PKey.from_cryptography_key(ec.generate_private_key(ec.SECP256R1()))
+    certificate = crypto.X509()
+    certificate.set_version(2)
+    certificate.set_serial_number(1)
+    certificate.get_subject().CN = "localhost"
+    certificate.set_issuer(certificate.get_subject())
+    certificate.gmtime_adj_notBefore(-3600)
+    certificate.gmtime_adj_notAfter(24 * 3600)
+    certificate.set_pubkey(key)
+    certificate.add_extensions([crypto.X509Extension(b"subjectAltName", False, b"DNS:localhost")])
+    certificate.sign(key, "sha256")
+    text = crypto.dump_certificate(crypto.FILETYPE_PEM, certificate)
+    pathlib.Path(folder, "ca.pem").write_bytes(text)
+    pathlib.Path(folder, "server.pem").write_bytes(crypto.dump_privatekey(crypto.FILETYPE_PEM, key) + text)
+    return str(pathlib.Path(folder, "server.pem"))
 
 
 def main():
@@ -25,7 +58,8 @@ def main():
     parser.add_argument("--user", default="user")
     parser.add_argument("--password", default="secret")
     parser.add_argument("--permissions", default=EVERYTHING)
-    parser.add_argument("--certificate", help="file with key and certificate; the server then demands TLS")
+    parser.add_argument("--encrypted", metavar="FOLDER",
+                        help="demand TLS, with a new certificate for localhost in FOLDER (ca.pem)")
     parser.add_argument("--idle", type=int, default=300, help="seconds")
     parser.add_argument("--without", action="append", default=[], help="a command that the server does not know")
     parser.add_argument("--port", type=int, default=0)
