@@ -19,7 +19,6 @@ class FtpProbe {
   }
 
   [[nodiscard]] bool Connect(int port, const std::string& user = "user", const std::string& password = "secret") {
-    last_tick_ = Now();
     login.host = login.host.empty() ? "127.0.0.1" : login.host;
     login.port = port;
     login.user = user;
