@@ -11,6 +11,7 @@
 #include "script.h"
 #include "script_runner.h"
 #include "text_table.h"
+#include "transfer_results.h"
 #include "unit_files.h"
 
 namespace corvane::console {
@@ -53,6 +54,10 @@ int ConsoleCommands::Run(const Options& options) {
       return Download(options);
     case CommandId::Convert:
       return Convert(options);
+    case CommandId::Send:
+    case CommandId::Fetch:
+    case CommandId::Backup:
+      return Transfer(options);
     case CommandId::TestPort:
       return TestPort(options);
     case CommandId::FindPort:
@@ -77,6 +82,9 @@ void ConsoleCommands::Operate(UnitResults& results, const std::vector<std::int64
   operation();
   view_.on_change = nullptr;
   results.End();
+  for (const TransferResult& result : app_.flows().Results()) {
+    if (!result.problem.empty()) output_.Error(result.file + ": " + result.problem);
+  }
   problems_ += app_.flags().problems;
   app_.flags().automatic_run = false;
 }
@@ -135,6 +143,63 @@ void ConsoleCommands::ConvertFile(UnitResults& results, const std::string& file)
     return results.AddLeftOut(file, "not converted: the raw file is " + raw_file);
   }
   results.AddLeftOut(file, "not converted: no unit has a raw file of that name");
+}
+
+int ConsoleCommands::Transfer(const Options& options) {
+  if (options.command == CommandId::Backup && !app_.form().Chk_Backup.ticked()) {
+    output_.Error("Backup is switched off in the settings. Tick it in the window, or write Backup=1 into corvane.ini");
+    return kProblems;
+  }
+  TransferResults results(app_, options.command);
+  if (options.arguments.empty()) {
+    TransferAll(options.command);
+    results.Collect(TransferUnits(options.command));
+  } else {
+    for (const std::int64_t unit : FindUnits(options.arguments)) {
+      TransferOne(options.command, unit);
+      results.Collect({unit});
+    }
+  }
+  problems_ += results.problems();
+  const std::string table = results.Table();
+  if (!table.empty() && !(OperationStatus() == kAllWell && output_.quiet())) output_.Result("\n" + table);
+  return OperationStatus();
+}
+
+void ConsoleCommands::RunTransfer(const std::function<void()>& operation) {
+  app_.flags().automatic_run = true;
+  app_.flags().problems = 0;
+  operation();
+  problems_ += app_.flags().problems;
+  app_.flags().automatic_run = false;
+}
+
+void ConsoleCommands::TransferAll(CommandId command) {
+  RunTransfer([this, command] {
+    if (command == CommandId::Send) app_.commands().Send(true);
+    if (command == CommandId::Fetch) app_.commands().Fetch(true);
+    if (command == CommandId::Backup) app_.commands().Backup();
+  });
+}
+
+void ConsoleCommands::TransferOne(CommandId command, std::int64_t unit) {
+  RunTransfer([this, command, unit] {
+    app_.units().Select(unit);
+    if (command == CommandId::Send) {
+      app_.commands().Send(false);
+    } else {
+      app_.commands().Fetch(false);
+    }
+  });
+}
+
+std::vector<std::int64_t> ConsoleCommands::TransferUnits(CommandId command) const {
+  if (command == CommandId::Backup) return {};
+  std::vector<std::int64_t> units;
+  for (const std::int64_t unit : ActiveUnits(command == CommandId::Fetch ? kFromFtp : -1)) {
+    if (command == CommandId::Fetch || app_.registry().Units[unit].ftpFile == kToFtp) units.push_back(unit);
+  }
+  return units;
 }
 
 int ConsoleCommands::UnitCommand(const Options& options) {

@@ -28,6 +28,7 @@ class ConsoleCommands {
  private:
   [[nodiscard]] int Download(const Options& options);
   [[nodiscard]] int Convert(const Options& options);
+  [[nodiscard]] int Transfer(const Options& options);
   [[nodiscard]] int UnitCommand(const Options& options);
   [[nodiscard]] int TestPort(const Options& options);
   [[nodiscard]] int FindPort(const Options& options);
@@ -42,6 +43,11 @@ class ConsoleCommands {
   void ConvertFile(UnitResults& results, const std::string& file);
   [[nodiscard]] int Report(const UnitResults& results);
   [[nodiscard]] int OperationStatus() const;
+  /// The units that `send`, `fetch` or `backup` is about when it names none.
+  [[nodiscard]] std::vector<std::int64_t> TransferUnits(CommandId command) const;
+  void RunTransfer(const std::function<void()>& operation);
+  void TransferAll(CommandId command);
+  void TransferOne(CommandId command, std::int64_t unit);
   /// Positions of the units with these names or IDs, in the order given.
   [[nodiscard]] std::vector<std::int64_t> FindUnits(const std::vector<std::string>& names) const;
   [[nodiscard]] std::int64_t FindUnit(const std::string& name) const;

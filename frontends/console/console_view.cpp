@@ -13,6 +13,9 @@ constexpr std::int64_t kProgressInterval = 100;  ///< milliseconds
 /// Status lines about steps that say nothing afterwards.
 constexpr std::array<std::string_view, 2> kDetails = {"Get date in: ", "pause "};
 
+/// How the line about the bytes of a transfer ends.
+constexpr std::string_view kRate = " bytes/sec]";
+
 /// `text` with each run of digits as "0" and each run of letters as "a": dates of one pattern have one shape.
 std::string Shape(std::string_view text) {
   std::string shape;
@@ -63,7 +66,7 @@ void ConsoleView::OnTrace(std::size_t first_row) {
 
 bool ConsoleView::IsDetail(std::string_view text) const {
   const auto begins = [text](std::string_view start) { return text.starts_with(start); };
-  return std::any_of(kDetails.begin(), kDetails.end(), begins) || IsReadingDate(text);
+  return std::any_of(kDetails.begin(), kDetails.end(), begins) || text.ends_with(kRate) || IsReadingDate(text);
 }
 
 bool ConsoleView::IsReadingDate(std::string_view text) const {

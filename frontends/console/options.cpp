@@ -38,12 +38,23 @@ constexpr CommandRow kCommands[] = {
     {CommandId::Download, "download", "[UNIT...|--hand-held]", "bring in new readings and convert them",
      "Asks every active radio unit, or each UNIT (name or ID) by its own connection, for the readings\n"
      "since the last one stored, and converts what is in its raw file. With --hand-held: all units\n"
-     "whose readings come through the hand-held unit. Prints a table of results.",
+     "whose readings come through the hand-held unit. Then fetches, sends and backs up as the settings\n"
+     "say. Prints a table of results.",
      kDownloadOption, 0, kMany},
     {CommandId::Convert, "convert", "[UNIT...|--file FILE...]", "convert raw files into calibrated files",
      "Converts the raw files of all active units, of each UNIT (name or ID), or each raw FILE of the\n"
      "data folder (bare name or path). Prints a table of results.",
      kConvertOption, 0, kMany},
+    {CommandId::Send, "send", "[UNIT...]", "send the units' files to the FTP server",
+     "Sends the file of every active unit that is sent by FTP, or of each UNIT (name or ID) that is.\n"
+     "The first file that cannot be sent ends it. Prints a table of results.",
+     kEverywhere, 0, kMany},
+    {CommandId::Fetch, "fetch", "[UNIT...]", "fetch files that other sites left on the FTP server",
+     "Fetches the file of every active unit that comes by FTP, or of each UNIT (name or ID) that does,\n"
+     "and converts what came raw. Prints a table of results.",
+     kEverywhere, 0, kMany},
+    {CommandId::Backup, "backup", "", "zip the units' files into the backup folder",
+     "Needs the backup in the settings. Prints a table of results.", kEverywhere, 0, 0},
     {CommandId::GetDate, "get-date", "", "show the date and time of units", "Changes nothing.", kUnitOption, 0, 0},
     {CommandId::SetDate, "set-date", "", "set the date and time of units to this computer's",
      "Asks twice before a unit is changed.", kUnitOption, 0, 0},

@@ -16,10 +16,12 @@
 #include "console_dialogs.h"
 #include "console_output.h"
 #include "console_view.h"
+#include "curl/curl_internet_client.h"
 #include "posix/application_folder.h"
 #include "posix/posix_loop.h"
 #include "posix/posix_shell.h"
 #include "posix/termios_port.h"
+#include "zip/libzip_component.h"
 
 namespace corvane::console {
 namespace {
@@ -108,7 +110,9 @@ class Program {
         port_(loop_, loop_),
         output_(OutputSettings(options, loop_)),
         dialogs_(output_, loop_, STDIN_FILENO, WhoAnswers(options)),
-        app_(Platform{loop_, port_, shell_, dialogs_}, folder_),
+        internet_(loop_),
+        zip_(loop_),
+        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder_),
         view_(app_.form(), app_.link(), loop_, output_, options.verbose) {}
 
   int Run() {
@@ -170,6 +174,8 @@ class Program {
   TermiosPort port_;
   ConsoleOutput output_;
   ConsoleDialogs dialogs_;
+  CurlInternetClient internet_;
+  LibzipComponent zip_;
   Application app_;
   ConsoleView view_;
   int signal_ = 0;  ///< the first that asked the program to end

@@ -15,6 +15,7 @@
 #include "app/application.h"
 #include "base/files.h"
 #include "base/paths.h"
+#include "curl/curl_internet_client.h"
 #include "posix/application_folder.h"
 #include "posix/posix_shell.h"
 #include "posix/signal_watch.h"
@@ -22,6 +23,7 @@
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
 #include "window/main_window.h"
+#include "zip/libzip_component.h"
 
 namespace corvane::window {
 namespace {
@@ -56,7 +58,9 @@ class Program {
         folder_(std::move(folder)),
         shell_("corvane", options.home.empty() ? "" : folder_),
         port_(loop_, loop_),
-        dialogs_(loop_) {}
+        dialogs_(loop_),
+        internet_(loop_),
+        zip_(loop_) {}
   ~Program() { running_ = nullptr; }
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
@@ -67,8 +71,8 @@ class Program {
     if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) return Refuse(prepared.text());
     if (!shell_.TakeInstanceLock(folder_)) return Refuse(shell_.ProgramName() + " is already running");
     ProvideLanguageFile(folder_);
-    app_ = std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, FindHelp(shell_.ProgramFolder())},
-                                         folder_);
+    app_ = std::make_unique<Application>(
+        Platform{loop_, port_, shell_, dialogs_, internet_, zip_, FindHelp(shell_.ProgramFolder())}, folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {
@@ -165,6 +169,8 @@ class Program {
   PosixShell shell_;
   TermiosPort port_;
   QtDialogs dialogs_;
+  CurlInternetClient internet_;
+  LibzipComponent zip_;
   SignalWatch signals_{loop_};
   std::unique_ptr<Application> app_;
   std::unique_ptr<MainWindow> window_;
@@ -180,7 +186,9 @@ int PrintLanguageTemplate() {
   PosixShell shell("corvane");
   TermiosPort port(loop, loop);
   QtDialogs dialogs(loop);
-  Application app(Platform{loop, port, shell, dialogs, {}}, shell.ProgramFolder());
+  CurlInternetClient internet(loop);
+  LibzipComponent zip(loop);
+  Application app(Platform{loop, port, shell, dialogs, internet, zip, {}}, shell.ProgramFolder());
   app.commands().Bind();
   const MainWindow window(app, loop);
   std::cout << window.captions().LanguageTemplate();

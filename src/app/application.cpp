@@ -40,6 +40,10 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       conversion_(form_, flags_, link_, registry_, names_, file_list_, files_, lookups_, converter_, units_, port_link_,
                   loop_, bars_, messages_, trace_),
       hex_(form_, flags_, link_, loop_, messages_, trace_),
+      ftp_({form_.Frm_Main, loop_, av_Platform.internet, app_, messages_, trace_}),
+      browser_({form_, registry_, flags_, app_, ftp_, av_Platform.dialogs, messages_, trace_}),
+      flows_({form_, registry_, link_, flags_, app_, names_, units_, file_list_, port_link_, ftp_, browser_,
+              av_Platform.zip, loop_, bars_, messages_, trace_}),
       session_({form_, registry_, link_, download_, loop_, port_link_, reply_timer_, exchange_, capture_, names_, bars_,
                 messages_, trace_}),
       sessions_({form_, registry_, link_, flags_, loop_, port_link_, writer_, exchange_, capture_, pauser_, schedule_,
@@ -68,6 +72,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                  schedule_,
                  run_at_startup_,
                  flows_,
+                 browser_,
                  loop_,
                  av_Platform.dialogs,
                  av_Platform.shell,
@@ -89,7 +94,10 @@ void Application::Wire() {
   slot_.on_taken = [this] {
     flags_.problems = 0;
     messages_.StartRound();
+    ftp_.SetCancel(false);
+    flows_.ClearResults();
   };
+  ftp_.connection_changed = [this] { states_.SetConnected(ftp_.IsConnected()); };
   slot_.on_given_back = [this] { files_.RefreshIfStale(); };
   const auto refresh_files = [this] { files_.RefreshFileListBox(); };
   units_.selection_changed = refresh_files;

@@ -41,8 +41,10 @@
 #include "link/unit_session.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
+#include "platform/internet_client.h"
 #include "platform/serial_port.h"
 #include "platform/shell.h"
+#include "platform/zip_component.h"
 #include "registry/client_editor.h"
 #include "registry/records.h"
 #include "registry/relay_editor.h"
@@ -50,6 +52,8 @@
 #include "trace/summary.h"
 #include "trace/trace.h"
 #include "transfer/flows.h"
+#include "transfer/my_ftp.h"
+#include "transfer/remote_browser.h"
 #include "ui/messages.h"
 #include "ui/progress_bar.h"
 
@@ -61,6 +65,8 @@ struct Platform {
   SerialPort& port;
   Shell& shell;
   Dialogs& dialogs;
+  InternetClient& internet;
+  ZipComponent& zip;
   HelpFiles help = {};  ///< what the help menu opens
 };
 
@@ -83,6 +89,8 @@ class Application {
   [[nodiscard]] PortChoices& ports() { return ports_; }
   [[nodiscard]] UnitEditor& units() { return units_; }
   [[nodiscard]] OperationSlot& slot() { return slot_; }
+  [[nodiscard]] TransferFlows& flows() { return flows_; }
+  [[nodiscard]] const TransferFlows& flows() const { return flows_; }
   [[nodiscard]] Commands& commands() { return commands_; }
   [[nodiscard]] LifeCycle& life() { return life_; }
 
@@ -133,6 +141,8 @@ class Application {
   CalibratedConverter converter_;
   BatchConversion conversion_;
   HexConversion hex_;
+  MyFTP ftp_;
+  RemoteBrowser browser_;
   TransferFlows flows_;
   UnitSession session_;
   Sessions sessions_;

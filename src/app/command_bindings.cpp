@@ -60,9 +60,9 @@ void Commands::BindMenus() {
       MenuRow{&Form::mnu_Download, 1132, "&Hand unit", &Commands::Download, 2},
       MenuRow{&Form::mnu_Download, 1133, "&Ftp", &Commands::Download, 3},
       MenuRow{&Form::mnu_Download, 1134, "&Web Data", &Commands::Download, 4},
-      MenuRow{&Form::mnu_ftpFile, 1140, "&Current", &Commands::Send, 0},
-      MenuRow{&Form::mnu_ftpFile, 1141, "&Ftp", &Commands::Send, 1},
-      MenuRow{&Form::mnu_ftpFile, 1142, "&Web Data", &Commands::Send, 2},
+      MenuRow{&Form::mnu_ftpFile, 1140, "&Current", &Commands::SendMenu, 0},
+      MenuRow{&Form::mnu_ftpFile, 1141, "&Ftp", &Commands::SendMenu, 1},
+      MenuRow{&Form::mnu_ftpFile, 1142, "&Web Data", &Commands::SendMenu, 2},
       MenuRow{&Form::mnu_Convert, 1150, "&Current", &Commands::Convert, 0},
       MenuRow{&Form::mnu_Convert, 1151, "&All...", &Commands::Convert, 1},
       MenuRow{&Form::mnu_Convert, 1152, "&Selected file", &Commands::Convert, 2},
@@ -135,6 +135,7 @@ void Commands::BindButtons() {
       {form.Cmd_BackupFolder, "...", &Commands::FileCommand, 4},
       {form.Cmd_Direct, "Send", &Commands::SendDirect, 0},
       {form.Cmd_Mode, "...", &Commands::AskMode, 0},
+      {form.Cmd_FTPCertificate, "...", &Commands::GetCertificate, 0},
       {form.Cmd_FTP[0], "New folder", &Commands::FtpCommand, 0},
       {form.Cmd_FTP[1], "Delete", &Commands::FtpCommand, 1},
       {form.Cmd_FTP[2], "Files", &Commands::FtpCommand, 2},
@@ -181,6 +182,7 @@ void Commands::BindFields() {
   }
   form.Chk_Direct.on_change = [this] { p_.states.UpdateDirect(); };
   form.Lst_LocalFiles.on_open = [this] { FileCommand(0); };
+  form.Lst_RemoteFiles.on_open = [this] { OpenRemoteEntry(); };
   form.Chk_ShowCorrectionFactors.on_change = [this] {
     for (TextField& field : p_.form.Txt_Correction) field.SetVisible(p_.form.Chk_ShowCorrectionFactors.ticked());
   };

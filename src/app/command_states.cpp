@@ -5,9 +5,7 @@
 namespace corvane {
 namespace {
 
-/// Nothing sends, fetches or backs up yet: those commands stand there, disabled.
-constexpr bool kHasTransfer = false;
-constexpr int kCreateRemoteFolders = 5;
+constexpr int kFilesCommand = 2;
 
 /// New, Delete, Move up and Move down of one list; the menu follows its buttons.
 template <class Buttons>
@@ -19,7 +17,6 @@ void UpdateOneList(bool idle, const List& list, Buttons& buttons, MenuGroup& men
   buttons[2].SetEnabled(selected && current > 0);
   buttons[3].SetEnabled(selected && current < list.count() - 1);
   for (int index = Buttons::first() + 4; index <= Buttons::last(); ++index) buttons[index].SetEnabled(idle);
-  if constexpr (Buttons::last() >= kCreateRemoteFolders) buttons[kCreateRemoteFolders].SetEnabled(idle && kHasTransfer);
   menu.SetEnabled(idle);
   for (int index = Buttons::first(); index <= Buttons::last(); ++index) {
     menu.SetEntryEnabled(index, buttons[index].enabled());
@@ -63,14 +60,23 @@ void CommandStates::EnableEditors(bool ab_Enabled) {
   }
 }
 
-void CommandStates::EnableTransfer(bool ab_Enabled) {
-  form_.mnu_File.SetEntryEnabled(0, ab_Enabled);
-  form_.mnu_Download.SetEntryEnabled(3, ab_Enabled);
-  form_.mnu_Download.SetEntryEnabled(4, ab_Enabled);
-  form_.mnu_ftpFile.SetEnabled(ab_Enabled);
-  form_.mnu_ftp.SetEnabled(ab_Enabled);
-  for (Button& button : form_.Cmd_FTP) button.SetEnabled(ab_Enabled);
-  form_.Lst_RemoteFiles.SetEnabled(ab_Enabled);
+// What works on the remote folder that is shown needs its server; "Files" makes the connection.
+void CommandStates::UpdateTransfer() {
+  const bool idle = Idle();
+  form_.mnu_File.SetEntryEnabled(0, idle);
+  form_.mnu_ftp.SetEnabled(idle);
+  for (int index = 0; index <= form_.Cmd_FTP.last(); ++index) {
+    const bool enabled = idle && (connected_ || index == kFilesCommand);
+    form_.Cmd_FTP[index].SetEnabled(enabled);
+    form_.mnu_ftp.SetEntryEnabled(index, enabled);
+  }
+  form_.Lst_RemoteFiles.SetEnabled(idle);
+  form_.Cmd_FTPCertificate.SetEnabled(idle);
+}
+
+void CommandStates::SetConnected(bool ab_Connected) {
+  connected_ = ab_Connected;
+  UpdateTransfer();
 }
 
 void CommandStates::SetListening(bool ab_Listening) {
@@ -92,7 +98,7 @@ void CommandStates::UpdateListCommands() {
 
 void CommandStates::UpdateCommandStates() {
   UpdateListCommands();
-  EnableTransfer(Idle() && kHasTransfer);
+  UpdateTransfer();
   UpdateDirect();
 }
 

@@ -15,6 +15,8 @@ class CommandStates {
   [[nodiscard]] bool Idle() const { return form_.Cmd_Close.enabled(); }
   /// The direct terminal listens, or does so no longer: it takes the next line while an operation, itself, runs.
   void SetListening(bool ab_Listening);
+  /// The FTP session is connected, or is so no longer.
+  void SetConnected(bool ab_Connected);
   /// Recomputes the field and the button of the direct terminal.
   void UpdateDirect();
   /// Recomputes the New, Delete and Move commands of the three lists.
@@ -24,10 +26,11 @@ class CommandStates {
 
  private:
   void EnableEditors(bool ab_Enabled);
-  void EnableTransfer(bool ab_Enabled);
+  void UpdateTransfer();
 
   Form& form_;
   bool listening_ = false;
+  bool connected_ = false;
 };
 
 }  // namespace corvane

@@ -6,6 +6,8 @@ namespace corvane {
 namespace {
 
 constexpr std::int16_t kCreateLocalFolders = 4;
+constexpr std::int32_t kAnySource = -1;
+constexpr const char* kAllFiles = "All files(*.*)|*.*";
 constexpr const char* kHexFilter = "Hex files(*.hex)|*.hex|All files(*.)|*.*";
 
 }  // namespace
@@ -83,6 +85,7 @@ void Commands::Cancel() {
   p_.trace.LogWrite("User clicked 'cancel'");
   p_.link.UserCancel = true;
   if (p_.slot.Taken()) {
+    p_.flows.Cancel();
     if (p_.port.IsOpen()) p_.writer.SendEscape();
     p_.trace.Status("Cancel...");
     return;
@@ -101,6 +104,7 @@ void Commands::Close(bool ab_Silently) {
   if (on_close) on_close();
   if (!p_.slot.Taken()) return;
   p_.link.UserCancel = true;
+  p_.flows.Cancel();
   if (!p_.port.IsOpen()) return;
   for (int time = 0; time < 3; ++time) p_.writer.SendEscape();
 }
@@ -116,11 +120,21 @@ void Commands::Download(std::int16_t ai_Entry) {
                    [&] { p_.sessions.ProcessAllUnits(true, ai_Entry == 1 ? kFromRadio : kFromHandHeld, kDownload); });
       break;
     default:
-      RunOperation("Fetch", [&] {
-        p_.conversion.ResetCounters();
-        p_.round.FetchAndConvert(true, ai_Entry == 3 ? kFromFtp : kFromWebData);
-      });
+      FetchFrom(true, ai_Entry == 3 ? kFromFtp : kFromWebData);
   }
+}
+
+bool Commands::FetchFrom(bool ab_All, std::int32_t al_Source) {
+  return RunOperation("Fetch", [&] {
+    p_.conversion.ResetCounters();
+    p_.round.FetchAndConvert(ab_All, al_Source);
+    const bool nothing_tried = p_.flows.Results().empty() && p_.flags.problems == 0;
+    if (nothing_tried) p_.trace.Status("No units to fetch files for");
+  });
+}
+
+bool Commands::Fetch(bool ab_All) {
+  return FetchFrom(ab_All, kFromFtp);
 }
 
 void Commands::Convert(std::int16_t ai_Entry) {
@@ -143,18 +157,32 @@ void Commands::ConvertHex(std::int16_t /*ai_Unused*/) {
 
 void Commands::FileMenu(std::int16_t ai_Entry) {
   if (ai_Entry == 0) {
-    RunOperation("Backup", [&] { p_.flows.DoBackup(); });
+    Backup();
   } else {
     Close(false);
   }
 }
 
-void Commands::Send(std::int16_t ai_Entry) {
-  RunOperation("Send", [&] {
-    const bool all = ai_Entry != 0;
-    if (ai_Entry != 2) p_.flows.ftpAllUnits(all, -1, 1);
-    if (ai_Entry != 1 && p_.link.ContinueOk()) p_.flows.ftpAllUnits(all, -1, 2);
+bool Commands::Backup() {
+  return RunOperation("Backup", [&] {
+    p_.flows.DoBackup();
+    if (!p_.form.Chk_Backup.ticked()) p_.trace.Status("Backup is switched off on the tab Settings");
   });
+}
+
+bool Commands::Send(bool ab_All) {
+  return RunOperation("Send", [&] {
+    p_.flows.ftpAllUnits(ab_All, kAnySource, kToFtp);
+    if (!ab_All && !p_.link.UserCancel) p_.flows.ftpAllUnits(false, kAnySource, kToWebData);
+  });
+}
+
+void Commands::SendMenu(std::int16_t ai_Entry) {
+  if (ai_Entry == 2) {
+    RunOperation("Send", [&] { p_.flows.ftpAllUnits(true, kAnySource, kToWebData); });
+  } else {
+    Send(ai_Entry == 1);
+  }
 }
 
 void Commands::UnitCommand(std::int16_t ai_Command) {
@@ -166,16 +194,36 @@ void Commands::RelayCommand(std::int16_t ai_Command) {
 }
 
 void Commands::ClientCommand(std::int16_t ai_Command) {
+  if (ai_Command > kCreateLocalFolders) {
+    RunOperation("Create remote folders", [&] { p_.browser.CreateRemoteFolders(); });
+    return;
+  }
   RunCommand("Clients", [&] {
     if (ai_Command < kCreateLocalFolders) {
       p_.clients.RunCommand(ai_Command);
-    } else if (ai_Command == kCreateLocalFolders) {
+    } else {
       CreateLocalFolders(p_.registry, p_.names, p_.messages);
     }
   });
 }
 
-void Commands::FtpCommand(std::int16_t /*ai_Command*/) {}
+void Commands::FtpCommand(std::int16_t ai_Command) {
+  StoreEditors();
+  if (!p_.slot.Taken()) p_.messages.StartRound();
+  const std::function<void()> operation = p_.browser.FtpCommand(ai_Command);
+  // An automatic download may have begun while the question was open.
+  if (operation && !RunOperation("FTP", operation)) p_.trace.Status("Not done: another operation runs");
+}
+
+void Commands::OpenRemoteEntry() {
+  RunOperation("FTP", [&] { p_.browser.OpenRemoteEntry(); });
+}
+
+void Commands::GetCertificate(std::int16_t /*ai_Unused*/) {
+  const auto file =
+      p_.dialogs.ChooseFile("Choose the certificate of the FTP server's authority", kAllFiles, p_.names.DataFolder());
+  if (file) p_.form.Txt_FTPCertificate.SetText(*file);
+}
 
 void Commands::SendDirect(std::int16_t /*ai_Unused*/) {
   if (p_.terminal.Listening()) return p_.terminal.SendNext();

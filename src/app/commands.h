@@ -25,6 +25,7 @@
 #include "registry/relay_editor.h"
 #include "registry/unit_editor.h"
 #include "transfer/flows.h"
+#include "transfer/remote_browser.h"
 
 namespace corvane {
 
@@ -63,6 +64,7 @@ class Commands {
     Schedule& schedule;
     RunAtStartup& run_at_startup;
     TransferFlows& flows;
+    RemoteBrowser& browser;
     EventLoop& loop;
     Dialogs& dialogs;
     Shell& shell;
@@ -85,6 +87,11 @@ class Commands {
   bool Process(bool ab_All, std::int16_t ai_Command);
   bool ConvertAll(bool ab_All);
   bool ConvertSelected();
+  /// Sends the units' files by FTP, or where `ab_All` is false the selected unit's by FTP and web data.
+  bool Send(bool ab_All);
+  /// Fetches the units' files from the FTP server and converts what came raw.
+  bool Fetch(bool ab_All);
+  bool Backup();
   bool TestPort(std::int16_t ai_Index);
   bool FindPort(std::int16_t ai_Index);
 
@@ -111,11 +118,14 @@ class Commands {
   void Convert(std::int16_t ai_Entry);
   void ConvertHex(std::int16_t ai_Unused);
   void FileMenu(std::int16_t ai_Entry);
-  void Send(std::int16_t ai_Entry);
+  void SendMenu(std::int16_t ai_Entry);
+  bool FetchFrom(bool ab_All, std::int32_t al_Source);
   void UnitCommand(std::int16_t ai_Command);
   void RelayCommand(std::int16_t ai_Command);
   void ClientCommand(std::int16_t ai_Command);
   void FtpCommand(std::int16_t ai_Command);
+  void OpenRemoteEntry();
+  void GetCertificate(std::int16_t ai_Unused);
   void SendDirect(std::int16_t ai_Unused);
   void AskMode(std::int16_t ai_Unused);
   void Help(std::int16_t ai_Entry);

@@ -13,6 +13,7 @@
 #include "data/logging_schedule.h"
 #include "link/line_settings.h"
 #include "link/schedule.h"
+#include "transfer/server_address.h"
 
 namespace corvane {
 namespace {
@@ -63,6 +64,8 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_RawFileExtension, &Checks::Extension},
       {&form_.Txt_CalibratedFileExtension, &Checks::Extension},
       {&form_.Txt_DateFormat, &Checks::DateFormat},
+      {&form_.Txt_FTPServer, &Checks::Server},
+      {&form_.Txt_FTPCertificate, &Checks::FileIfNamed},
   };
   for (int index = form_.Txt_File.first(); index <= form_.Txt_File.last(); ++index) {
     rows_.push_back({&form_.Txt_File[index], &Checks::ExistingFile});
@@ -110,6 +113,17 @@ std::string FieldChecks::ExistingFile(const Row& av_Row) const {
   const auto info = ExamineFile(path);
   if (!info) return "There is no file " + path + "; choose one that exists.";
   return info->is_folder ? "This is a folder; choose a file." : "";
+}
+
+std::string FieldChecks::FileIfNamed(const Row& av_Row) const {
+  return av_Row.field->text().empty() ? std::string() : ExistingFile(av_Row);
+}
+
+std::string FieldChecks::Server(const Row& av_Row) const {
+  const ServerAddress server = ParseServer(av_Row.field->text());
+  if (server.port != 0 && server.host.find_first_of("/@ ") == std::string::npos) return {};
+  return "This is no server; write its name or address, and its port where that is not 21, such as "
+         "ftp.example.org:2121.";
 }
 
 std::string FieldChecks::DataFolder(const Row& /*av_Row*/) const {

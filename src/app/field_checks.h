@@ -34,6 +34,8 @@ class FieldChecks {
   [[nodiscard]] std::string WholeNumber(const Row& av_Row) const;
   [[nodiscard]] std::string Decimal(const Row& av_Row) const;
   [[nodiscard]] std::string ExistingFile(const Row& av_Row) const;
+  [[nodiscard]] std::string FileIfNamed(const Row& av_Row) const;
+  [[nodiscard]] std::string Server(const Row& av_Row) const;
   [[nodiscard]] std::string DataFolder(const Row& av_Row) const;
   [[nodiscard]] std::string SerialSettings(const Row& av_Row) const;
   [[nodiscard]] std::string PartOfName(const Row& av_Row) const;

@@ -131,6 +131,8 @@ std::vector<Settings::Setting> Settings::OtherSettings(Form& av_Form, const AppI
       {"FTPPassword", &av_Form.Txt_FTPPassword, ""},
       {"ZIPFiles", &av_Form.Chk_ZIPFiles, "0"},
       {"Anonymous", &av_Form.Chk_Anonymous, "0"},
+      {"FTPSecurity", &av_Form.Opt_FTPSecurity, "0"},
+      {"FTPCertificate", &av_Form.Txt_FTPCertificate, "", Meaning::Path},
       {"FtpLogFilesSent", &av_Form.Chk_FTPTrace[0], "0"},
       {"ManualFTP", &av_Form.Chk_ManualFTP, "0"},
       {"WebFileType", &av_Form.Opt_WebFileType, "0"},

@@ -140,6 +140,8 @@ class List : public Control {
   [[nodiscard]] bool selected(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].selected; }
   [[nodiscard]] std::int64_t SelectedCount() const;
   [[nodiscard]] RowMark mark(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].mark; }
+  /// The number attached to a row, 0 unless set; not shown.
+  [[nodiscard]] std::int64_t number(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].number; }
 
   void Clear();
   void Add(std::string text);
@@ -150,6 +152,7 @@ class List : public Control {
   /// Sets a row's check mark; runs `on_check`.
   void SetChecked(std::int64_t row, bool checked);
   void SetMark(std::int64_t row, RowMark mark);
+  void SetNumber(std::int64_t row, std::int64_t number) { rows_[static_cast<std::size_t>(row)].number = number; }
   /// Selects or deselects a row without moving the current row.
   void SetSelected(std::int64_t row, bool selected);
 
@@ -169,6 +172,7 @@ class List : public Control {
     bool checked = false;
     bool selected = false;
     RowMark mark = RowMark::None;
+    std::int64_t number = 0;
   };
   std::vector<Row> rows_;
   std::int64_t current_ = -1;

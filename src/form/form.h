@@ -145,6 +145,9 @@ struct Form : ControlRegistry {
   TextField Txt_FTPUserName{*this, "Txt_FTPUserName"};
   TextField Txt_FTPPassword{*this, "Txt_FTPPassword"};
   CheckBox Chk_Anonymous{*this, "Chk_Anonymous"};
+  OptionGroup Opt_FTPSecurity{*this, "Opt_FTPSecurity", 2};
+  TextField Txt_FTPCertificate{*this, "Txt_FTPCertificate"};
+  Button Cmd_FTPCertificate{*this, "Cmd_FTPCertificate"};
   CheckBox Chk_ZIPFiles{*this, "Chk_ZIPFiles"};
   ControlArray<CheckBox, 0, 2> Chk_FTPTrace{*this, "Chk_FTPTrace"};
   OptionGroup Opt_WebFileType{*this, "Opt_WebFileType", 2};

@@ -6,8 +6,6 @@ namespace corvane {
 namespace {
 
 constexpr std::int32_t kAnyClient = -1;
-constexpr std::int16_t kToFtp = 1;
-constexpr std::int16_t kToWebData = 2;
 
 }  // namespace
 

@@ -49,12 +49,12 @@ int DefaultPosition(std::int32_t style) {
 Messages::Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, Dialogs& av_Dialogs, Trace& av_Trace)
     : form_(av_Form), flags_(av_Flags), loop_(av_Loop), dialogs_(av_Dialogs), trace_(av_Trace) {}
 
-void Messages::Show(std::string_view as_Text, std::string_view as_Kind) {
+void Messages::Show(std::string_view as_Text, std::string_view as_Kind, BoxIcon av_Icon) {
   const bool unattended = flags_.automatic_run || flags_.releasing || form_.Chk_Automatic.ticked();
   if (unattended) {
     const bool first = shown_kinds_.emplace(as_Kind.empty() ? as_Text : as_Kind).second;
     if (first) {
-      ShowTimedMessage(as_Text, kOkOnly | kInformationIcon);
+      ShowTimedMessage(as_Text, kOkOnly | static_cast<std::int32_t>(av_Icon));
     } else {
       trace_.LogWrite("Message: " + std::string(as_Text));
     }
@@ -66,7 +66,7 @@ void Messages::Show(std::string_view as_Text, std::string_view as_Kind) {
   contents.title = kProductName;
   contents.text = as_Text;
   contents.buttons = {"Ok"};
-  contents.icon = BoxIcon::Information;
+  contents.icon = av_Icon;
   RunBox(contents, 0, false);
 }
 

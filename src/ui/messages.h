@@ -47,7 +47,7 @@ class Messages {
   ///
   /// In an automatic run, while automatic download is on and in the close steps it goes through the timed box, once for
   /// each kind (`as_Kind`; the text itself when empty) and round; the rest goes to the log only.
-  void Show(std::string_view as_Text, std::string_view as_Kind = {});
+  void Show(std::string_view as_Text, std::string_view as_Kind = {}, BoxIcon av_Icon = BoxIcon::Information);
   /// Asks `as_Question` + " ?"; true only for Yes. Unanswered for 5 minutes, or while closing, it is No. **Yields.**
   [[nodiscard]] bool Confirm(std::string_view as_Question);
   /// Shows the timed message box, which answers itself after its count-down. **Yields.**

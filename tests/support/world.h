@@ -9,6 +9,7 @@
 #include "app/application.h"
 #include "base/text.h"
 #include "support/fake_loop.h"
+#include "support/fake_transfer.h"
 #include "support/recorders.h"
 #include "support/scripted_port.h"
 #include "support/temp_folder.h"
@@ -38,7 +39,7 @@ class World {
 
   /// Creates the application and runs the window-creation steps.
   Application& Start(const std::string& switches = "") {
-    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs}, home.path());
+    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip}, home.path());
     app_->life().OnWindowCreate(switches);
     return *app_;
   }
@@ -55,6 +56,8 @@ class World {
   ScriptedPort port{loop};
   RecordingDialogs dialogs;
   FakeShell shell;
+  FakeInternet internet;
+  FakeZip zip;
   /// Answers for the next commands to a unit ID, before the normal one ("" is silence).
   std::map<int, std::vector<std::string>> next_answers;
   std::vector<std::string> readings = {"2010/3/12 8:00,12500,29310,1,1500,900,29300",

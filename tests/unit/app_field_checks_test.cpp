@@ -57,6 +57,8 @@ TEST_F(FieldChecksTest, NumbersAndTimes) {
       {form.Txt_RelayID, {"0"}, {"x"}, "whole number"},
       {form.Txt_Correction[1], {"0", "1.25", "50"}, {"", "2,5", "-1", "50.1", "nan", huge}, "from 0 to 50."},
       {form.Txt_Settings, {"9600,N,8,1", "110,e,7,2"}, {"", "9600", "9600,X,8,1", "9600,N,8,1,"}, "9600,N,8,1."},
+      {form.Txt_FTPServer, {"", "ftp.example.org:2121", "[::1]:21"}, {"a:0", "a:b", "ftp://a"}, "2121."},
+      {form.Txt_FTPCertificate, {"", "table.lkp"}, {"missing.pem"}, "no file"},
       {form.Txt_UnitName, {"", "anything", huge}, {}, ""},
   };
   for (const FieldCase& row : rows) Check(row);

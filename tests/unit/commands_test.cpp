@@ -14,7 +14,8 @@ namespace {
 TEST(Commands, KeysAndMenuOpenTheGuide) {
   World world;
   const HelpFiles help{"/guide/index.html", "/guide/words.html"};
-  Application app(Platform{world.loop, world.port, world.shell, world.dialogs, help}, world.home.path());
+  Application app(Platform{world.loop, world.port, world.shell, world.dialogs, world.internet, world.zip, help},
+                  world.home.path());
   app.life().OnWindowCreate();
   EXPECT_TRUE(app.form().Frm_Main.Key(112, true));
   world.loop.Poll();
@@ -61,19 +62,6 @@ TEST(Commands, RestoredWindowShowsTheProductAgain) {
   EXPECT_EQ(world.form().Frm_Main.title(), "01:59:58");
   world.form().Frm_Main.SetMinimised(false);
   EXPECT_EQ(world.form().Frm_Main.title(), "Corvane");
-}
-
-TEST(Commands, TransferStandsThereDisabled) {
-  World world;
-  world.Start();
-  world.app().life().OnWindowActivate("");
-  Form& form = world.form();
-  EXPECT_FALSE(form.mnu_ftp.enabled() || form.mnu_ftpFile.enabled() || form.Lst_RemoteFiles.enabled());
-  for (const Button& button : form.Cmd_FTP) EXPECT_FALSE(button.enabled()) << button.name();
-  EXPECT_FALSE(form.mnu_File.entries()[0].enabled);
-  EXPECT_FALSE(form.mnu_Download.entries()[3].enabled || form.mnu_Download.entries()[4].enabled);
-  EXPECT_FALSE(form.Cmd_Clients[5].enabled() || form.mnu_Clients.entries()[5].enabled);
-  EXPECT_TRUE(form.mnu_Download.entries()[0].enabled && form.mnu_Clients.entries()[4].enabled);
 }
 
 }  // namespace

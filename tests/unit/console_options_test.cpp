@@ -28,7 +28,8 @@ TEST(ConsoleOptions, AreReadOnBothSidesOfTheCommand) {
 TEST(ConsoleOptions, RefusesWrongUsage) {
   const std::pair<Words, const char*> rows[] = {
       {{}, "no command is given"},
-      {{"send"}, "there is no command \"send\""},
+      {{"sent"}, "there is no command \"sent\""},
+      {{"backup", "1"}, "\"1\" is too much"},
       {{"units", "--fast"}, "there is no option \"--fast\""},
       {{"units", "--home="}, "--home needs a value"},
       {{"units", "--yes=1"}, "--yes takes no value"},

@@ -65,7 +65,8 @@ TEST(Language, CaptionsAndMessages) {
     SCOPED_TRACE(row.name);
     World world("[General]\nLanguage=my.lng\n");
     world.home.Write("my.lng", row.file);
-    Application app(Platform{world.loop, world.port, world.shell, world.dialogs}, world.home.path());
+    Application app(Platform{world.loop, world.port, world.shell, world.dialogs, world.internet, world.zip},
+                    world.home.path());
     FakeCaptions window;
     app.life().SetCaptions(&window);
     app.life().OnWindowCreate();

@@ -2,26 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include "support/lower.h"
 #include "support/world.h"
 
 namespace corvane::test {
 namespace {
-
-/// Trace and messages over fakes, without the rest of the application.
-struct Lower {
-  TempFolder home;
-  FakeLoop loop;
-  FakeShell shell;
-  RecordingDialogs dialogs;
-  Form form;
-  LinkState link;
-  RunFlags flags;
-  Trace trace{form, link, loop, shell};
-  Messages messages{form, flags, loop, dialogs, trace};
-
-  Lower() { trace.SetLogFile(home.Name("corvane.log")); }
-  [[nodiscard]] std::string Log() const { return home.Read("corvane.log"); }
-};
 
 TEST(Trace, FirstLineOfARunIsPrecededByTheVersion) {
   Lower lower;

@@ -54,7 +54,8 @@ TEST(WindowOptions, StartAtLogOnKeepsTheFolderAndStartsMinimised) {
   World world;
   setenv("XDG_CONFIG_HOME", world.home.Name("config").c_str(), 1);
   PosixShell shell("corvane", world.home.path());
-  Application app(Platform{world.loop, world.port, shell, world.dialogs, {}}, world.home.path());
+  Application app(Platform{world.loop, world.port, shell, world.dialogs, world.internet, world.zip, {}},
+                  world.home.path());
   window::MainWindow window(app, world.loop);
   app.life().OnWindowCreate();
   window.findChild<QAbstractButton*>("Chk_RunAtStartup")->click();

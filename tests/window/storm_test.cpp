@@ -304,7 +304,9 @@ TEST_P(ClosingWithRealDialogs, TakesThemAway) {
   TermiosPort port(loop, loop);
   FakeShell shell;
   QtDialogs dialogs(loop);
-  Application app(Platform{loop, port, shell, dialogs, {}}, home.path());
+  FakeInternet internet;
+  FakeZip zip;
+  Application app(Platform{loop, port, shell, dialogs, internet, zip, {}}, home.path());
   window::MainWindow window(app, loop);
   app.commands().on_close = [&dialogs] { dialogs.CloseAll(); };
   app.life().OnWindowCreate();

@@ -18,7 +18,7 @@ namespace corvane::test {
 class WindowWorld : public World {
  public:
   explicit WindowWorld(const std::string& settings = "") : World(settings) {
-    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, help}, home.path());
+    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip, help}, home.path());
     window_ = std::make_unique<window::MainWindow>(*app_, loop);
   }
 

@@ -11,11 +11,13 @@
 
 #include "app/application.h"
 #include "base/status.h"
+#include "curl/curl_internet_client.h"
 #include "posix/posix_shell.h"
 #include "posix/termios_port.h"
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
 #include "window/main_window.h"
+#include "zip/libzip_component.h"
 
 namespace corvane::window {
 namespace {
@@ -57,7 +59,9 @@ class Photographer {
   Photographer(std::string folder, QString target)
       : port_(loop_, loop_),
         dialogs_(loop_),
-        app_(Platform{loop_, port_, shell_, dialogs_, {}}, std::move(folder)),
+        internet_(loop_),
+        zip_(loop_),
+        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}}, std::move(folder)),
         window_(app_, loop_),
         target_(std::move(target)) {
     window_.resize(kWindowSize);
@@ -134,6 +138,8 @@ class Photographer {
   PosixShell shell_{"corvane"};
   PicturePort port_;
   QtDialogs dialogs_;
+  CurlInternetClient internet_;
+  LibzipComponent zip_;
   Application app_;
   MainWindow window_;
   QString target_;

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "zip/zip_run.h"
+
+namespace corvane {
+
+/// Puts the file `source` into `archive` under its bare name, in place of an entry of that name; other entries stay.
+///
+/// Both are full paths. The new archive is written beside the old one as "<archive>.part", synced and renamed, so that
+/// the old one is whole after a failure or a kill. A file that is no archive is replaced by a fresh one.
+[[nodiscard]] ZipOutcome ZipOneFile(const std::string& archive, const std::string& source, ZipProgress& progress);
+
+/// Takes away what killed runs left in the folder of `archive`.
+void RemoveLeftOvers(const std::string& archive);
+
+}  // namespace corvane
