@@ -9,11 +9,13 @@
 #include <string>
 
 #include "app/application.h"
+#include "curl/curl_internet_client.h"
 #include "link/raw_file.h"
 #include "posix/posix_loop.h"
 #include "posix/posix_shell.h"
 #include "posix/termios_port.h"
 #include "printing_dialogs.h"
+#include "zip/libzip_component.h"
 
 namespace {
 
@@ -38,7 +40,9 @@ int MeasureSettings(int units, const std::string& folder) {
   TermiosPort port(loop, loop);
   PosixShell shell("corvane-bench-core", folder);
   PrintingDialogs dialogs;
-  Application app(Platform{loop, port, shell, dialogs}, folder);
+  CurlInternetClient internet(loop);
+  LibzipComponent zip(loop);
+  Application app(Platform{loop, port, shell, dialogs, internet, zip}, folder);
   const double load = Seconds([&app] { app.life().OnWindowCreate(); });
   const double save = Seconds([&app] { app.life().OnWindowClose(); });
   std::printf("load %.3f save %.3f\n", load, save);

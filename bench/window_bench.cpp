@@ -24,11 +24,13 @@
 #include <QTabWidget>
 
 #include "app/application.h"
+#include "curl/curl_internet_client.h"
 #include "posix/posix_shell.h"
 #include "posix/termios_port.h"
 #include "printing_dialogs.h"
 #include "qt/qt_loop.h"
 #include "window/main_window.h"
+#include "zip/libzip_component.h"
 
 namespace {
 
@@ -53,7 +55,7 @@ class PaintCounter : public QObject {
 class Bench {
  public:
   explicit Bench(const std::string& folder)
-      : shell_("corvane-bench-window", folder), app_(Platform{loop_, port_, shell_, dialogs_, {}}, folder) {
+      : shell_("corvane-bench-window", folder), app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder) {
     QApplication::instance()->installEventFilter(&counter_);
     app_.life().OnWindowCreate();
     window_.show();
@@ -89,6 +91,8 @@ class Bench {
   TermiosPort port_{loop_, loop_};
   PosixShell shell_;
   PrintingDialogs dialogs_;
+  CurlInternetClient internet_{loop_};
+  LibzipComponent zip_{loop_};
   Application app_;
   window::MainWindow window_{app_, loop_};
   PaintCounter counter_;
