@@ -18,8 +18,8 @@ class FtpConnection;
 /// The FTP client on libcurl.
 ///
 /// A login that the server dropped while it was idle is made anew without a word; every name goes out absolute, so that
-/// this changes nothing. While a call runs, any other one but `Cancel` does nothing and fails. The program must ignore
-/// SIGPIPE.
+/// this changes nothing. While a call runs, any other one but `Cancel` does nothing and fails. The last step of a
+/// download, the wait for the disk, leaves the loop running but cannot be cancelled. The program must ignore SIGPIPE.
 class CurlInternetClient : public InternetClient {
  public:
   using Limits = FtpLimits;

@@ -1,6 +1,9 @@
 #include "curl/failure_map.h"
 
 #include <cerrno>
+#include <string>
+
+#include "base/text.h"
 
 namespace corvane {
 
@@ -62,7 +65,8 @@ bool IsPassiveCommand(const std::string& verb) {
   return verb == "EPSV" || verb == "PASV";
 }
 
-FtpFailure TimedOut(const FtpExchange& last) {
+FtpFailure TimedOut(const FtpRun& run, const FtpExchange& last) {
+  if (run.was_login && !run.had_address) return {kInternetNameNotResolved, ""};
   if (last.verb.empty() && last.code == 0 && !last.text.empty()) {
     return {kInternetExtendedError, "This is no FTP server. It said: " + last.text};
   }
@@ -74,6 +78,9 @@ FtpFailure TimedOut(const FtpExchange& last) {
 int LoginError(const FtpExchange& last) {
   constexpr int kNotLoggedIn = 530;
   if (last.code != kNotLoggedIn) return kInternetLoginFailure;
+  const std::string words = ToLower(last.text);
+  const bool wants_encryption = words.find("encrypt") != std::string::npos || words.find("tls") != std::string::npos;
+  if (wants_encryption) return kInternetExtendedError;
   if (last.verb == "USER") return kInternetWrongUserName;
   return last.verb == "PASS" ? kInternetWrongPassword : kInternetLoginFailure;
 }
@@ -109,11 +116,11 @@ FtpFailure FromCurl(const FtpRun& run, const FtpExchange& last) {
 FtpFailure FailureOf(const FtpRun& run, const Transcript& transcript) {
   const FtpExchange& last = transcript.Last();
   if (run.cancelled) return {kInternetCancelled, ""};
-  if (run.timed_out) return TimedOut(last);
+  if (run.timed_out) return TimedOut(run, last);
   if (run.code == CURLE_OK) return {};
   const bool is_encryption = run.code == CURLE_USE_SSL_FAILED;
   if (IsRefusal(last) && !is_encryption) return Refused(run, last);
-  return run.code == CURLE_OPERATION_TIMEDOUT ? TimedOut(last) : FromCurl(run, last);
+  return run.code == CURLE_OPERATION_TIMEDOUT ? TimedOut(run, last) : FromCurl(run, last);
 }
 
 bool MetClosedLogin(const FtpRun& run, const Transcript& transcript) {

@@ -24,6 +24,8 @@ constexpr long kBufferSize = 128L * 1024;
 constexpr long kSecondsBehind = 2;
 /// Whether a login is too old to be used is decided here, not by curl.
 constexpr long kForEver = 1'000'000;
+/// As the lowest version; shifted by 16 bits as the highest.
+constexpr long kTls12 = CURL_SSLVERSION_TLSv1_2;
 
 bool IsUnreserved(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.' ||
@@ -100,10 +102,17 @@ void FtpChannel::SetUpEncryption() {
   set(CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
   set(CURLOPT_SSL_VERIFYPEER, 1L);
   set(CURLOPT_SSL_VERIFYHOST, 2L);
-  set(CURLOPT_SSL_SESSIONID_CACHE, 1L);  // many servers want the data connection to resume the session
+  // Many servers want data connections to resume the session of the control connection. With TLS 1.3 each resumption
+  // needs a new ticket, which curl does not wait for in uploads, so that every other one would be refused.
+  set(CURLOPT_SSL_SESSIONID_CACHE, 1L);
+  set(CURLOPT_SSLVERSION, kTls12 | (kTls12 << 16));
   if (login_.certificate.empty()) return;
   set(CURLOPT_CAINFO, login_.certificate.c_str());
   set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+}
+
+void FtpChannel::AllowNewestEncryption() {
+  curl_easy_setopt(easy_, CURLOPT_SSLVERSION, kTls12);
 }
 
 bool FtpChannel::LoggedIn() const {
@@ -132,7 +141,7 @@ FtpRun FtpChannel::Run(const FtpTask& task) {
 
 void FtpChannel::Prepare() {
   transcript_.Clear();
-  ended_early_ = connected_ = false;
+  ended_early_ = had_address_ = connected_ = false;
   address_.clear();
   error_[0] = '\0';
   reported_ = received_ = parsed_ = sign_ = 0;
@@ -290,6 +299,7 @@ void FtpChannel::Finish(FtpRun& run) {
   }
   run.cancelled = ended_early_ && cancelled_;
   run.timed_out = ended_early_ && !cancelled_;
+  run.had_address = had_address_;
   curl_easy_getinfo(easy_, CURLINFO_OS_ERRNO, &run.os_error);
   run.announced_size = Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
   run.moved = received_ > 0 || Information(CURLINFO_SIZE_UPLOAD_T) > 0;
@@ -338,6 +348,7 @@ curl_socket_t FtpChannel::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* 
   channel->sockets_.push_back(made);
   if (channel->task_->kind == FtpTask::Kind::Login) {
     channel->address_ = AddressText(*address);
+    channel->had_address_ = true;
   } else {
     channel->data_ = made;
   }

@@ -41,6 +41,7 @@ struct FtpRun {
   CURLcode code = CURLE_OK;
   long os_error = 0;
   bool was_login = false;
+  bool had_address = false;  ///< the server's name did resolve
   bool cancelled = false;
   bool timed_out = false;
   bool moved = false;                ///< some bytes of a transfer did move
@@ -66,6 +67,8 @@ class FtpChannel {
 
   /// False when there was no memory for it.
   [[nodiscard]] bool Usable() const { return multi_ != nullptr && easy_ != nullptr; }
+  /// Takes any version of TLS from the next login on, for servers without TLS 1.2.
+  void AllowNewestEncryption();
   /// True while the login can be used: not closed by the server, not idle for too long.
   [[nodiscard]] bool LoggedIn() const;
   /// Runs `task`; a `Login` makes the control connection anew. **Yields.**
@@ -125,7 +128,8 @@ class FtpChannel {
   const FtpTask* task_ = nullptr;
   bool ended_early_ = false;  ///< by a cancel or a limit
   std::string address_;       ///< that is being connected to and was not reported
-  bool connected_ = false;    ///< was reported
+  bool had_address_ = false;
+  bool connected_ = false;  ///< was reported
   std::int64_t began_ = 0;
   std::int64_t reported_ = 0;  ///< bytes
   std::int64_t report_due_ = 0;

@@ -79,9 +79,14 @@ bool FtpConnection::CheckLogin() {
 bool FtpConnection::LogIn() {
   if (!CheckLogin()) return false;
   report_(kResolvingName, channel_.login().host, 0);
-  FtpTask task{.kind = FtpTask::Kind::Login, .commands = {"FEAT"}};
+  const FtpTask task{.kind = FtpTask::Kind::Login, .commands = {"FEAT"}};
   FtpRun run;
-  if (!RunOnce(task, run)) return false;
+  bool logged_in = RunOnce(task, run);
+  if (!logged_in && run.code == CURLE_SSL_CONNECT_ERROR && !run.cancelled && !run.timed_out) {
+    channel_.AllowNewestEncryption();
+    logged_in = RunOnce(task, run);
+  }
+  if (!logged_in) return false;
   known_ = true;
   ReadFeatures();
   current_folder_ = channel_.entry_folder();

@@ -128,6 +128,8 @@ bool Commands::FetchFrom(bool ab_All, std::int32_t al_Source) {
   return RunOperation("Fetch", [&] {
     p_.conversion.ResetCounters();
     p_.round.FetchAndConvert(ab_All, al_Source);
+    const bool nothing_tried = p_.flows.Results().empty() && p_.flags.problems == 0;
+    if (nothing_tried) p_.trace.Status("No units to fetch files for");
   });
 }
 
@@ -162,7 +164,10 @@ void Commands::FileMenu(std::int16_t ai_Entry) {
 }
 
 bool Commands::Backup() {
-  return RunOperation("Backup", [&] { p_.flows.DoBackup(); });
+  return RunOperation("Backup", [&] {
+    p_.flows.DoBackup();
+    if (!p_.form.Chk_Backup.ticked()) p_.trace.Status("Backup is switched off on the tab Settings");
+  });
 }
 
 bool Commands::Send(bool ab_All) {

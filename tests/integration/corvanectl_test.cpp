@@ -15,6 +15,7 @@
 #include <tuple>
 #include <vector>
 
+#include "support/server_process.h"
 #include "support/temp_folder.h"
 
 namespace corvane {
@@ -204,6 +205,43 @@ TEST_F(CorvanectlTest, SignalEndsADownloadAndTheNextOneGoesOn) {
   StartStation({"--readings", "300"});
   EXPECT_EQ(Run({"download"}), 0) << output_;
   EXPECT_EQ(Readings(), 900U);
+}
+
+TEST_F(CorvanectlTest, SendsFetchesAndBacksUp) {
+  home_.Write("server/f1/00003.zip", "no archive");
+  const test::ServerProcess server("ftp_server.py", {home_.Name("server")});
+  const std::string address = "127.0.0.1:" + std::to_string(server.port());
+  WriteSettings("FTPServer=" + address + "\nFTPUserName=user\nFTPPassword=secret\nZIPFiles=1\n");
+  EXPECT_EQ(Run({"backup"}), 1);
+  EXPECT_TRUE(Printed("switched off")) << output_;
+  WriteSettings("FTPServer=" + address + "\nFTPUserName=user\nFTPPassword=secret\nZIPFiles=1\nBackup=1\n" +
+                "[Units]\nNumUnits=3\nClientID1=1\nftpFile1=1\nftpFile2=1\nGetFrom3=3\nClientID3=1\n");
+  home_.Write("F1/00001.epd", std::string(5000, 'x'));
+  home_.Write("F1/00003.epd", "kept");
+  const std::tuple<Words, int, std::vector<std::string>> rows[] = {
+      {{"send", "1"}, 0, {"Site 1  f1/00001.zip  ok"}},
+      {{"send"}, 1, {"Site 1  f1/00001.zip  ok", "Site 2  00002.zip     there is no file " + home_.Name("00002.zip")}},
+      {{"send", "3"}, 1, {"Site 3        not tried: its file is not sent by FTP"}},
+      {{"fetch"}, 1, {"00003.zip"}},
+      {{"backup"}, 0, {home_.Name("F1/00001.zip") + "  ok"}},
+  };
+  for (const auto& [arguments, status, says] : rows) {
+    EXPECT_EQ(Run(arguments), status) << output_;
+    for (const std::string& text : says) EXPECT_TRUE(Printed(text)) << text << "\n" << output_;
+  }
+  EXPECT_EQ(home_.Read("server/f1/00001.zip"), home_.Read("F1/00001.zip"));
+  EXPECT_EQ(home_.Read("F1/00003.epd"), "kept") << "a damaged archive replaces nothing";
+}
+
+TEST_F(CorvanectlTest, SignalEndsATransferWithinASecond) {
+  const test::ServerProcess server("faulty_ftp_server.py", {"stall_up"});
+  WriteSettings("FTPServer=127.0.0.1:" + std::to_string(server.port()) + "\nFTPUserName=user\nFTPPassword=secret\n" +
+                "[Units]\nNumUnits=1\nftpFile1=1\n");
+  home_.Write("00001.epd", std::string(20'000'000, 'x'));
+  Child send(Command({"send"}));
+  EXPECT_TRUE(send.Shows("Send: " + home_.Name("00001.epd") + "\n")) << send.output();
+  send.Signal(SIGTERM);
+  EXPECT_EQ(send.Wait(1s), 128 + SIGTERM) << send.output();
 }
 
 TEST_F(CorvanectlTest, ScriptsWorkTheWindow) {

@@ -33,11 +33,11 @@ class FtpEncryption : public testing::Test {
 
 TEST_F(FtpEncryption, FilesAndListingsGoThrough) {
   test::FtpProbe ftp;
-  ASSERT_TRUE(Connect(ftp, server.port(), "localhost", "ca.pem")) << ftp.client.InternetGetLastResponseInfo();
+  ASSERT_TRUE(Connect(ftp, server.port(), "localhost", "ca.pem")) << ftp.client->InternetGetLastResponseInfo();
   const std::string big(3'000'000, 'b');
   for (const std::string& text : {big, std::string("short"), std::string()}) {
-    ASSERT_TRUE(ftp.client.FtpPutFile(ftp.connection, local.Write("sent", text), "file"));
-    ASSERT_TRUE(ftp.client.FtpGetFile(ftp.connection, "file", local.Name("got")));
+    ASSERT_TRUE(ftp.client->FtpPutFile(ftp.connection, local.Write("sent", text), "file"));
+    ASSERT_TRUE(ftp.client->FtpGetFile(ftp.connection, "file", local.Name("got")));
     EXPECT_EQ(local.Read("got"), text);
   }
   EXPECT_EQ(ftp.List("/*.*"), std::vector<std::string>{"file"});
@@ -52,9 +52,9 @@ TEST_F(FtpEncryption, ServersAreRefusedWithWordsThatHelp) {
   for (const EncryptionRow& row : kRows) {
     test::FtpProbe ftp;
     EXPECT_EQ(Connect(ftp, server.port(), row.host, row.certificate), row.words[0] == '\0');
-    EXPECT_EQ(ftp.client.GetLastError(), row.words[0] == '\0' ? kInternetNoError : kInternetExtendedError);
-    EXPECT_NE(ftp.client.InternetGetLastResponseInfo().find(row.words), std::string::npos)
-        << ftp.client.InternetGetLastResponseInfo();
+    EXPECT_EQ(ftp.client->GetLastError(), row.words[0] == '\0' ? kInternetNoError : kInternetExtendedError);
+    EXPECT_NE(ftp.client->InternetGetLastResponseInfo().find(row.words), std::string::npos)
+        << ftp.client->InternetGetLastResponseInfo();
     EXPECT_LE(ftp.LongestGap(), kLongestGap);
   }
 }
@@ -64,8 +64,8 @@ TEST_F(FtpEncryption, ServersThatCannotEncryptAreRefused) {
     const test::ServerProcess plain("faulty_ftp_server.py", {fault});
     test::FtpProbe ftp;
     EXPECT_FALSE(Connect(ftp, plain.port(), "localhost", "ca.pem"));
-    EXPECT_EQ(ftp.client.GetLastError(), kInternetExtendedError);
-    EXPECT_NE(ftp.client.InternetGetLastResponseInfo().find("does not offer"), std::string::npos);
+    EXPECT_EQ(ftp.client->GetLastError(), kInternetExtendedError);
+    EXPECT_NE(ftp.client->InternetGetLastResponseInfo().find("does not offer"), std::string::npos);
   }
 }
 
@@ -77,7 +77,7 @@ TEST_F(FtpEncryption, HandshakesThatHangEndByLimitAndByCancel) {
       const std::int64_t began = ftp.Now();
       if (cancel) ftp.CancelAfter(100);
       EXPECT_FALSE(step());
-      EXPECT_EQ(ftp.client.GetLastError(), cancel ? kInternetCancelled : kInternetTimeout);
+      EXPECT_EQ(ftp.client->GetLastError(), cancel ? kInternetCancelled : kInternetTimeout);
       EXPECT_LT(ftp.Now() - began, 1100);
       EXPECT_LE(ftp.LongestGap(), kLongestGap);
     };
@@ -86,8 +86,8 @@ TEST_F(FtpEncryption, HandshakesThatHangEndByLimitAndByCancel) {
     expect_end(at_login, [&] { return Connect(at_login, login.port(), "localhost", "ca.pem"); });
     const test::ServerProcess data("faulty_ftp_server.py", {"data_encryption_hangs", keys.Name("server.pem")});
     test::FtpProbe at_data(limits);
-    ASSERT_TRUE(Connect(at_data, data.port(), "localhost", "ca.pem")) << at_data.client.InternetGetLastResponseInfo();
-    expect_end(at_data, [&] { return at_data.client.FtpGetFile(at_data.connection, "file", local.Name("got")); });
+    ASSERT_TRUE(Connect(at_data, data.port(), "localhost", "ca.pem")) << at_data.client->InternetGetLastResponseInfo();
+    expect_end(at_data, [&] { return at_data.client->FtpGetFile(at_data.connection, "file", local.Name("got")); });
   }
 }
 

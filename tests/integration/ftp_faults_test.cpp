@@ -35,23 +35,23 @@ class FaultySession {
       case Step::Connect:
         return ftp.Connect(server.port());
       case Step::Put:
-        return ftp.client.FtpPutFile(ftp.connection, local.Name("sent"), "file");
+        return ftp.client->FtpPutFile(ftp.connection, local.Name("sent"), "file");
       case Step::Get:
-        return ftp.client.FtpGetFile(ftp.connection, "file", local.Name("got"));
+        return ftp.client->FtpGetFile(ftp.connection, "file", local.Name("got"));
       case Step::List:
         return ftp.List("/*.*") != std::vector<std::string>{"failed"};
       case Step::MakeFolder:
-        return ftp.client.FtpCreateDirectory(ftp.connection, "folder");
+        return ftp.client->FtpCreateDirectory(ftp.connection, "folder");
     }
     return false;
   }
-  [[nodiscard]] bool PutSmall() { return ftp.client.FtpPutFile(ftp.connection, local.Name("small"), "file"); }
+  [[nodiscard]] bool PutSmall() { return ftp.client->FtpPutFile(ftp.connection, local.Name("small"), "file"); }
   void ExpectNothingHalfThere() const {
     EXPECT_EQ(local.Read("got"), "old");
     EXPECT_FALSE(std::filesystem::exists(local.Name("got.part")));
   }
-  [[nodiscard]] std::string Words() const { return ftp.client.InternetGetLastResponseInfo(); }
-  [[nodiscard]] int Error() const { return ftp.client.GetLastError(); }
+  [[nodiscard]] std::string Words() const { return ftp.client->InternetGetLastResponseInfo(); }
+  [[nodiscard]] int Error() const { return ftp.client->GetLastError(); }
 
   test::TempFolder local;
   test::ServerProcess server;
@@ -87,6 +87,7 @@ constexpr FaultRow kFaultRows[] = {
     {"no_passive", Step::Get, kInternetExtendedError, "unknown command"},
     {"endless_line", Step::List, kInternetExtendedError, "too long"},
     {"long_replies", Step::MakeFolder, kInternetExtendedError, "not the end"},
+    {"many_words", Step::MakeFolder, kInternetExtendedError, "first line\r\n  second line\r\nthird line\r\nlast line"},
     {"huge_reply", Step::MakeFolder, kInternetExtendedError, "reply is too long"},
 };
 
@@ -139,7 +140,7 @@ TEST(FtpFaults, ThatCostNothing) {
     EXPECT_TRUE(session.Do(Step::Connect)) << session.Error() << session.Words();
     const std::size_t reports = session.ftp.statuses.size();
     for (int turn = 0; turn < 2; ++turn) {
-      EXPECT_TRUE(session.ftp.client.FtpSetCurrentDirectory(session.ftp.connection, "folder")) << session.Error();
+      EXPECT_TRUE(session.ftp.client->FtpSetCurrentDirectory(session.ftp.connection, "folder")) << session.Error();
       EXPECT_TRUE(session.PutSmall()) << session.Error() << session.Words();
       EXPECT_TRUE(session.Do(Step::Get)) << session.Error() << session.Words();
       EXPECT_EQ(session.local.Read("got").size(), static_cast<std::size_t>(kFileSize));
@@ -169,6 +170,14 @@ TEST(FtpFaults, LoginThatCannotBeMadeAgainEndsTheSession) {
             (std::vector<int>{kHandleClosing, kClosingConnection, kConnectionClosed}));
   EXPECT_FALSE(session.PutSmall());
   EXPECT_EQ(session.Error(), kInternetWrongHandleType);
+}
+
+TEST(FtpFaults, LoginUnusedForTooLongIsMadeAnew) {
+  FaultySession session("closes_for_good", {.idle = 20});
+  ASSERT_TRUE(session.Do(Step::Connect));
+  for (const std::int64_t end = session.ftp.Now() + 40; session.ftp.Now() < end;) session.ftp.loop.Yield();
+  EXPECT_FALSE(session.Do(Step::MakeFolder));
+  EXPECT_EQ(session.Words(), "no more") << "the server takes one login only";
 }
 
 TEST(FtpFaults, FileCutByAServerWithoutSizesIsNoticedWhenTheListingHasItsSize) {
@@ -203,7 +212,7 @@ TEST(FtpFaults, GoodbyeTakesNoLongerThanItsLimit) {
   FaultySession session("quit_hangs");
   ASSERT_TRUE(session.Do(Step::Connect));
   const std::int64_t began = session.ftp.Now();
-  session.ftp.client.InternetCloseHandle(session.ftp.connection);
+  session.ftp.client->InternetCloseHandle(session.ftp.connection);
   EXPECT_LT(session.ftp.Now() - began, kShort.goodbye + 200);
   EXPECT_LE(session.ftp.LongestGap(), kLongestGap);
 }
@@ -235,20 +244,20 @@ TEST(FtpFaults, FullLocalDiskLeavesTheOldFile) {
 
 TEST(FtpFaults, NothingIsSmuggledIn) {
   FaultySession session("Session");
-  CurlInternetClient& client = session.ftp.client;
+  auto& client = session.ftp.client;
   ASSERT_TRUE(session.Do(Step::Connect));
   for (const std::string& name : {std::string("a\r\nDELE b"), std::string("a\nb"), std::string("a\0b", 3)}) {
-    EXPECT_FALSE(client.FtpSetCurrentDirectory(session.ftp.connection, name));
-    EXPECT_FALSE(client.FtpCreateDirectory(session.ftp.connection, name));
-    EXPECT_FALSE(client.FtpPutFile(session.ftp.connection, session.local.Name("small"), name));
-    EXPECT_FALSE(client.FtpGetFile(session.ftp.connection, name, session.local.Name("got")));
+    EXPECT_FALSE(client->FtpSetCurrentDirectory(session.ftp.connection, name));
+    EXPECT_FALSE(client->FtpCreateDirectory(session.ftp.connection, name));
+    EXPECT_FALSE(client->FtpPutFile(session.ftp.connection, session.local.Name("small"), name));
+    EXPECT_FALSE(client->FtpGetFile(session.ftp.connection, name, session.local.Name("got")));
     EXPECT_EQ(session.ftp.SizeOf(name), -1);
     EXPECT_EQ(session.ftp.List(name + "/*"), std::vector<std::string>{"failed"});
-    EXPECT_EQ(client.GetLastError(), kInternetExtendedError);
+    EXPECT_EQ(client->GetLastError(), kInternetExtendedError);
     EXPECT_NE(session.Words().find("control characters"), std::string::npos) << session.Words();
     EXPECT_FALSE(session.ftp.Connect(session.server.port(), name));
     EXPECT_FALSE(session.ftp.Connect(session.server.port(), "user", name));
-    EXPECT_EQ(client.GetLastError(), kInternetExtendedError);
+    EXPECT_EQ(client->GetLastError(), kInternetExtendedError);
     ASSERT_TRUE(session.Do(Step::Connect));
   }
 }
@@ -268,8 +277,8 @@ TEST(FtpFaults, HostsThatCannotBeReached) {
     ftp.login.host = host;
     ftp.connection = 0;
     ftp.login.port = port;
-    EXPECT_EQ(ftp.client.InternetConnect(ftp.session, ftp.login), 0);
-    EXPECT_EQ(ftp.client.GetLastError(), error);
+    EXPECT_EQ(ftp.client->InternetConnect(ftp.session, ftp.login), 0);
+    EXPECT_EQ(ftp.client->GetLastError(), error);
     EXPECT_LE(ftp.LongestGap(), kLongestGap);
   }
 }
@@ -279,8 +288,8 @@ TEST(FtpFaults, HandlersCannotCallIntoACallThatRuns) {
   ASSERT_TRUE(session.Do(Step::Connect));
   int refused = 0;
   const auto timer = session.ftp.loop.MakeTimer([&] {
-    session.ftp.client.InternetCloseHandle(session.ftp.session);
-    refused += session.Do(Step::MakeFolder) || session.ftp.client.InternetOpen("") != 0 ? -1000 : 1;
+    session.ftp.client->InternetCloseHandle(session.ftp.session);
+    refused += session.Do(Step::MakeFolder) || session.ftp.client->InternetOpen("") != 0 ? -1000 : 1;
   });
   timer->Start(50);
   EXPECT_TRUE(session.PutSmall());

@@ -66,22 +66,22 @@ class FtpServers : public testing::TestWithParam<ServerRow> {
       login.password = "secret";
     }
     ftp.login = login;
-    ASSERT_TRUE(ftp.Connect(login.port, login.user, login.password)) << ftp.client.InternetGetLastResponseInfo();
+    ASSERT_TRUE(ftp.Connect(login.port, login.user, login.password)) << ftp.client->InternetGetLastResponseInfo();
     EnterFolder();
   }
   void TearDown() override {
     EXPECT_LE(ftp.LongestGap(), kLongestGap);
-    ftp.client.InternetCloseHandle(ftp.session);
+    ftp.client->InternetCloseHandle(ftp.session);
   }
   void EnterFolder() {
-    ASSERT_TRUE(client.FtpSetCurrentDirectory(ftp.connection, GetParam().folder));
-    ASSERT_TRUE(client.FtpGetCurrentDirectory(ftp.connection, folder));
+    ASSERT_TRUE(client->FtpSetCurrentDirectory(ftp.connection, GetParam().folder));
+    ASSERT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, folder));
   }
   [[nodiscard]] bool Put(const std::string& text, const std::string& name) {
-    return client.FtpPutFile(ftp.connection, local.Write("sent", text), name);
+    return client->FtpPutFile(ftp.connection, local.Write("sent", text), name);
   }
   [[nodiscard]] std::string Get(const std::string& name) {
-    return client.FtpGetFile(ftp.connection, name, local.Name("got")) ? local.Read("got") : "failed";
+    return client->FtpGetFile(ftp.connection, name, local.Name("got")) ? local.Read("got") : "failed";
   }
   [[nodiscard]] std::vector<std::string> List(const std::string& pattern = "*.*") {
     return ftp.List((folder.back() == '/' ? folder : folder + "/") + pattern);
@@ -90,7 +90,7 @@ class FtpServers : public testing::TestWithParam<ServerRow> {
   test::TempFolder local, remote;
   std::optional<test::ServerProcess> server;
   test::FtpProbe ftp;
-  CurlInternetClient& client = ftp.client;
+  decltype(ftp.client)& client = ftp.client;
   std::string folder;
 };
 
@@ -99,16 +99,16 @@ TEST_P(FtpServers, FilesOfAnyNameMakeTheRoundTrip) {
                           "a;type=d",  "-la",         "Bl\xc3\xa4tter", "[x]{y}~$&'()", "a,b=c+d@e!"};
   std::vector<std::string> names(std::begin(kNames), std::end(kNames));
   for (const std::string& name : names) {
-    EXPECT_TRUE(Put("text of " + name, name)) << name << ": " << client.InternetGetLastResponseInfo();
+    EXPECT_TRUE(Put("text of " + name, name)) << name << ": " << client->InternetGetLastResponseInfo();
     EXPECT_EQ(ftp.SizeOf(name), 8 + static_cast<std::int64_t>(name.size())) << name;
     EXPECT_EQ(Get(name), "text of " + name);
   }
   std::sort(names.begin(), names.end());
   EXPECT_EQ(List(), names);
   EXPECT_EQ(List("*.zip"), std::vector<std::string>{"plain.zip"});
-  for (const std::string& name : names) EXPECT_TRUE(client.FtpDeleteFile(ftp.connection, name)) << name;
+  for (const std::string& name : names) EXPECT_TRUE(client->FtpDeleteFile(ftp.connection, name)) << name;
   EXPECT_EQ(List(), std::vector<std::string>{});
-  EXPECT_EQ(client.GetLastError(), kInternetNoError);
+  EXPECT_EQ(client->GetLastError(), kInternetNoError);
 }
 
 TEST_P(FtpServers, BytesAreCountedOnceAndReplaceWhatWasThere) {
@@ -123,27 +123,27 @@ TEST_P(FtpServers, BytesAreCountedOnceAndReplaceWhatWasThere) {
     EXPECT_EQ(std::count(codes.begin(), codes.end(), kHandleCreated), 2);
     EXPECT_EQ(std::count(codes.begin(), codes.end(), kHandleClosing), 2);
   }
-  EXPECT_TRUE(client.FtpDeleteFile(ftp.connection, "file"));
+  EXPECT_TRUE(client->FtpDeleteFile(ftp.connection, "file"));
 }
 
 TEST_P(FtpServers, FoldersAreMadeEnteredListedAndTakenAway) {
-  ASSERT_TRUE(client.FtpCreateDirectory(ftp.connection, "my folder")) << client.InternetGetLastResponseInfo();
-  ASSERT_TRUE(client.FtpCreateDirectory(ftp.connection, "my folder/inner"));
+  ASSERT_TRUE(client->FtpCreateDirectory(ftp.connection, "my folder")) << client->InternetGetLastResponseInfo();
+  ASSERT_TRUE(client->FtpCreateDirectory(ftp.connection, "my folder/inner"));
   EXPECT_EQ(List(), std::vector<std::string>{"my folder/"});
   EXPECT_TRUE(Put("x", "my folder/file"));
   for (int turn = 0; turn < 2; ++turn) {
     // A relative folder is taken from the login's, so that entering it twice does not nest.
-    ASSERT_TRUE(client.FtpSetCurrentDirectory(ftp.connection, GetParam().folder + "/my folder"));
+    ASSERT_TRUE(client->FtpSetCurrentDirectory(ftp.connection, GetParam().folder + "/my folder"));
     std::string entered;
-    ASSERT_TRUE(client.FtpGetCurrentDirectory(ftp.connection, entered));
+    ASSERT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, entered));
     EXPECT_EQ(entered, (folder == "/" ? "" : folder) + "/my folder");
     EXPECT_EQ(ftp.List(entered + "/*"), (std::vector<std::string>{"file", "inner/"}));
   }
   EXPECT_EQ(Get("file"), "x");
-  ASSERT_TRUE(client.FtpDeleteFile(ftp.connection, "file"));
-  EXPECT_TRUE(client.FtpRemoveDirectory(ftp.connection, "inner"));
+  ASSERT_TRUE(client->FtpDeleteFile(ftp.connection, "file"));
+  EXPECT_TRUE(client->FtpRemoveDirectory(ftp.connection, "inner"));
   EnterFolder();
-  EXPECT_TRUE(client.FtpRemoveDirectory(ftp.connection, "my folder"));
+  EXPECT_TRUE(client->FtpRemoveDirectory(ftp.connection, "my folder"));
 }
 
 TEST_P(FtpServers, WhatIsMissingFailsWithTheServersWordsAndChangesNothing) {
@@ -151,16 +151,16 @@ TEST_P(FtpServers, WhatIsMissingFailsWithTheServersWordsAndChangesNothing) {
   EXPECT_EQ(ftp.SizeOf("nowhere"), -1);
   EXPECT_EQ(Get("nowhere"), "failed");
   EXPECT_EQ(ftp.List(folder + "/nowhere/*.*"), std::vector<std::string>{"failed"});
-  EXPECT_FALSE(client.FtpDeleteFile(ftp.connection, "nowhere"));
-  EXPECT_FALSE(client.FtpRemoveDirectory(ftp.connection, "nowhere"));
+  EXPECT_FALSE(client->FtpDeleteFile(ftp.connection, "nowhere"));
+  EXPECT_FALSE(client->FtpRemoveDirectory(ftp.connection, "nowhere"));
   EXPECT_FALSE(Put("x", "nowhere/file"));
-  EXPECT_FALSE(client.FtpSetCurrentDirectory(ftp.connection, "nowhere"));
-  EXPECT_EQ(client.GetLastError(), kInternetExtendedError);
-  EXPECT_NE(client.InternetGetLastResponseInfo(), "");
+  EXPECT_FALSE(client->FtpSetCurrentDirectory(ftp.connection, "nowhere"));
+  EXPECT_EQ(client->GetLastError(), kInternetExtendedError);
+  EXPECT_NE(client->InternetGetLastResponseInfo(), "");
   EXPECT_EQ(local.Read("got"), "old contents");
   EXPECT_FALSE(std::filesystem::exists(local.Name("got.part")));
   std::string still;
-  EXPECT_TRUE(client.FtpGetCurrentDirectory(ftp.connection, still));
+  EXPECT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, still));
   EXPECT_EQ(still, folder);
   const std::vector<int> codes = ftp.Codes();
   EXPECT_EQ(std::count(codes.begin(), codes.end(), kConnectedToServer), 1) << "one login for everything";
@@ -170,7 +170,7 @@ TEST_P(FtpServers, WrongPasswordIsToldApart) {
   test::FtpProbe other;
   other.login = ftp.login;
   EXPECT_FALSE(other.Connect(ftp.login.port, ftp.login.user, "wrong"));
-  EXPECT_EQ(other.client.GetLastError(), kInternetWrongPassword);
+  EXPECT_EQ(other.client->GetLastError(), kInternetWrongPassword);
   EXPECT_LE(other.LongestGap(), kLongestGap);
 }
 

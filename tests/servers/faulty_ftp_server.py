@@ -177,6 +177,11 @@ class long_replies(Session):
         self.say("550-" + "more\r\n 550 not the end\r\n" * 2000 + "550 no")
 
 
+class many_words(Session):
+    def MKD(self, _):
+        self.say("550-first line\r\n  second line\r\n550-third line\r\n550 last line")
+
+
 class huge_reply(Session):
     def MKD(self, _):
         self.say("257-more\r\n" * 50000 + "257 made")

@@ -5,8 +5,6 @@ import argparse
 import logging
 import pathlib
 
-from cryptography.hazmat.primitives.asymmetric import ec
-from OpenSSL import crypto
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import FTPHandler
 from pyftpdlib.servers import FTPServer
@@ -35,6 +33,8 @@ def handler_class(options):
 
 def make_certificate(folder):
     """Writes "ca.pem", a certificate for "localhost", and "server.pem", the same with its key."""
+    from cryptography.hazmat.primitives.asymmetric import ec
+    from OpenSSL import crypto
     key = crypto.PKey.from_cryptography_key(ec.generate_private_key(ec.SECP256R1()))
     certificate = crypto.X509()
     certificate.set_version(2)

@@ -145,11 +145,14 @@ TEST(Backup, ZipsEveryActiveUnitIntoItsClientsFolder) {
   EXPECT_EQ(world.dialogs.boxes.size(), 1U);
 }
 
-TEST(Backup, DoesNothingWhileItIsSwitchedOff) {
+TEST(Backup, CommandsWithNothingToDoSaySo) {
   TransferWorld world({"1 0 0 1"});
   world.GiveRawFile(1, "F1");
   world.form().mnu_File.Click(0);
   EXPECT_TRUE(world.zip.runs.empty());
+  EXPECT_EQ(world.Status(), "Backup is switched off on the tab Settings");
+  world.form().mnu_Download.Click(4);
+  EXPECT_EQ(world.Status(), "No units to fetch files for");
 }
 
 struct RoundRow {
