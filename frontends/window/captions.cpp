@@ -130,7 +130,8 @@ std::string Captions::LanguageTemplate() const {
                        (tab == 0 ? FieldText(item.tool_tip()) : std::string());
     }
   }
-  std::string file = std::string(kTitleLine) + "\n";
+  std::string file = kTitleLine;
+  file += "\n";
   for (const auto& [text_id, line] : lines) file += line + "\n";
   return file;
 }
