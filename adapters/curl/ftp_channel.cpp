@@ -193,6 +193,7 @@ std::string FtpChannel::UrlOf(const std::string& path, bool is_folder) const {
 
 void FtpChannel::Drive() {
   for (int running = 1;;) {
+    const std::int64_t replies = transcript_.activity();
     if (MayBlock()) {
       PerformAside(running);
     } else {
@@ -201,7 +202,9 @@ void FtpChannel::Drive() {
     ReportConnecting();
     ReportBytes(running == 0 && !ended_early_);
     if (running == 0 || TurnLoop()) return;
-    curl_multi_poll(multi_, nullptr, 0, static_cast<int>(kTurn), nullptr);
+    // Curl connects to the port of a reply in its next step, and names no socket that a wait for it could end with.
+    const bool goes_on = transcript_.activity() != replies;
+    curl_multi_poll(multi_, nullptr, 0, goes_on ? 0 : static_cast<int>(kTurn), nullptr);
   }
 }
 
