@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <future>
+#include <system_error>
 #include <utility>
 
 #include <netdb.h>
@@ -230,7 +231,13 @@ bool FtpChannel::MayBlock() const {
 }
 
 void FtpChannel::PerformAside(int& running) {
-  auto step = std::async(std::launch::async, [this, &running] { curl_multi_perform(multi_, &running); });
+  const auto perform = [this, &running] { curl_multi_perform(multi_, &running); };
+  std::future<void> step;
+  try {
+    step = std::async(std::launch::async, perform);
+  } catch (const std::system_error&) {
+    return perform();  // no thread is to be had: better late than never
+  }
   std::int64_t last_sign = loop_.MonotonicMilliseconds();
   std::int64_t unsent = 0;
   while (step.wait_for(std::chrono::milliseconds(kTurn)) != std::future_status::ready) {

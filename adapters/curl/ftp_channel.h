@@ -38,7 +38,7 @@ struct FtpTask {
 
 /// How a run ended.
 struct FtpRun {
-  CURLcode code = CURLE_OK;
+  CURLcode code = CURLE_FAILED_INIT;
   long os_error = 0;
   bool was_login = false;
   bool had_address = false;  ///< the server's name did resolve

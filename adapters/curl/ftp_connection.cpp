@@ -39,7 +39,10 @@ std::string QuotedFolder(std::string_view reply) {
   std::size_t place = reply.find('"');
   if (place == std::string_view::npos) return folder;
   for (++place; place < reply.size(); ++place) {
-    if (reply[place] == '"' && (++place == reply.size() || reply[place] != '"')) return folder;
+    // A folder that would smuggle in a command is none.
+    if (reply[place] == '"' && (++place == reply.size() || reply[place] != '"')) {
+      return HasControlCharacter(folder) ? "" : folder;
+    }
     folder += reply[place];
   }
   return "";

@@ -3,7 +3,8 @@
 #include <chrono>
 #include <functional>
 #include <future>
-#include <utility>
+#include <system_error>
+#include <type_traits>
 
 #include "platform/event_loop.h"
 
@@ -16,7 +17,12 @@ namespace corvane {
 template <class Work>
 auto RunAside(EventLoop& loop, Work work, const std::function<void()>& on_turn = {}) {
   constexpr std::chrono::milliseconds kTurn(5);
-  auto result = std::async(std::launch::async, std::move(work));
+  std::future<std::invoke_result_t<Work&>> result;
+  try {
+    result = std::async(std::launch::async, std::ref(work));
+  } catch (const std::system_error&) {
+    return work();  // no thread is to be had: better late than never
+  }
   while (result.wait_for(kTurn) != std::future_status::ready) {
     loop.Poll();
     if (on_turn) on_turn();

@@ -63,8 +63,9 @@ class ArchiveUpdate {
     bool has_old = false;
     ZipOutcome outcome = TakeOldArchive(has_old);
     if (outcome.code == kZipOk) outcome = WritePart();
-    // An archive that cannot be read would stop every later run too; its files can be zipped again.
-    if (has_old && MeansBadArchive(outcome.code)) {
+    // An archive that cannot be read would stop every later run too; its files can be zipped again. A disk that fails at
+    // the moment is no reason to take its other entries away.
+    if (has_old && MeansBadArchive(outcome.code) && !disk_failed_) {
       unlink(part_.c_str());
       outcome = WritePart();
     }
@@ -131,6 +132,7 @@ class ArchiveUpdate {
   ZipOutcome Failure(zip_t* archive) {
     if (progress_.cancelled) return AbortedOutcome(archive_);
     zip_error_t& error = *zip_get_error(archive);
+    disk_failed_ = zip_error_code_system(&error) == EIO;
     const bool reading = zip_error_code_zip(&error) == ZIP_ER_READ || zip_error_code_zip(&error) == ZIP_ER_OPEN;
     return OutcomeOf(error, reading ? source_ : archive_);
   }
@@ -157,6 +159,7 @@ class ArchiveUpdate {
   const std::string part_;
   const std::string source_;
   ZipProgress& progress_;
+  bool disk_failed_ = false;
   std::FILE* file_ = nullptr;  ///< the source; closed by the library
 };
 

@@ -41,7 +41,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                   loop_, bars_, messages_, trace_),
       hex_(form_, flags_, link_, loop_, messages_, trace_),
       ftp_({form_.Frm_Main, loop_, av_Platform.internet, app_, messages_, trace_}),
-      browser_({form_, registry_, flags_, app_, ftp_, av_Platform.dialogs, messages_, trace_}),
+      browser_({form_, registry_, flags_, link_, app_, ftp_, av_Platform.dialogs, messages_, trace_}),
       flows_({form_, registry_, link_, flags_, app_, names_, units_, file_list_, port_link_, ftp_, browser_,
               av_Platform.zip, loop_, bars_, messages_, trace_}),
       session_({form_, registry_, link_, download_, loop_, port_link_, reply_timer_, exchange_, capture_, names_, bars_,

@@ -47,15 +47,17 @@ void CommandStates::SetIdle(bool ab_Enabled) {
   }
 }
 
-// A round goes through the units in the editor, and its files are named by these fields: what is typed meanwhile would
-// go to whichever unit stands there.
+// A round goes through the units in the editor, and its files are named and treated by these fields: what is typed
+// meanwhile would go to whichever unit stands there.
 void CommandStates::EnableEditors(bool ab_Enabled) {
   for (Control* field : std::initializer_list<Control*>{
-           &form_.Txt_UnitName, &form_.Txt_UnitID, &form_.Chk_UnitActive, &form_.Cmb_Relay, &form_.Cmb_Client,
-           &form_.Cmb_GetFrom, &form_.Cmb_SendTo, &form_.Txt_Correction[0], &form_.Txt_Correction[1],
-           &form_.Txt_RelayName, &form_.Txt_RelayID, &form_.Opt_Password, &form_.Txt_ClientName,
-           &form_.Txt_ClientFolder, &form_.Txt_Folder, &form_.Txt_Prefix, &form_.Txt_RawFileExtension,
-           &form_.Txt_CalibratedFileExtension}) {
+           &form_.Txt_UnitName,    &form_.Txt_UnitID,           &form_.Chk_UnitActive,
+           &form_.Cmb_Relay,       &form_.Cmb_Client,           &form_.Cmb_GetFrom,
+           &form_.Cmb_SendTo,      &form_.Txt_Correction[0],    &form_.Txt_Correction[1],
+           &form_.Txt_RelayName,   &form_.Txt_RelayID,          &form_.Opt_Password,
+           &form_.Txt_ClientName,  &form_.Txt_ClientFolder,     &form_.Txt_Folder,
+           &form_.Txt_Prefix,      &form_.Txt_RawFileExtension, &form_.Txt_CalibratedFileExtension,
+           &form_.Opt_WebFileType, &form_.Chk_ZIPFiles}) {
     field->SetEnabled(ab_Enabled);
   }
 }

@@ -1,5 +1,7 @@
 #include "app/commands.h"
 
+#include <exception>
+
 #include "base/status.h"
 
 namespace corvane {
@@ -24,7 +26,7 @@ bool Commands::RunOperation(std::string_view as_Name, const std::function<void()
   return p_.slot.Run([&] {
     try {
       av_Operation();
-    } catch (const RunTimeError& error) {
+    } catch (const std::exception& error) {
       ++p_.flags.problems;
       p_.trace.ErrorReport(as_Name, error.what());
     }

@@ -131,7 +131,7 @@ std::vector<Settings::Setting> Settings::OtherSettings(Form& av_Form, const AppI
       {"FTPPassword", &av_Form.Txt_FTPPassword, ""},
       {"ZIPFiles", &av_Form.Chk_ZIPFiles, "0"},
       {"Anonymous", &av_Form.Chk_Anonymous, "0"},
-      {"FTPSecurity", &av_Form.Opt_FTPSecurity, "0"},
+      {"FTPSecurity", &av_Form.Opt_FTPSecurity, "0", Meaning::Security},
       {"FTPCertificate", &av_Form.Txt_FTPCertificate, "", Meaning::Path},
       {"FtpLogFilesSent", &av_Form.Chk_FTPTrace[0], "0"},
       {"ManualFTP", &av_Form.Chk_ManualFTP, "0"},
@@ -280,7 +280,12 @@ void Settings::LoadValue(CheckBox& av_Box, const Setting& av_Setting, const std:
   av_Box.SetTicked(number.value_or(0) != 0);
 }
 
-void Settings::LoadValue(OptionGroup& av_Group, const Setting& av_Setting, const std::string& /*as_Value*/) {
+void Settings::LoadValue(OptionGroup& av_Group, const Setting& av_Setting, const std::string& as_Value) {
+  if (av_Setting.meaning == Meaning::Security && as_Value != "0") {
+    // A password must not go out in clear because of a slip of the pen.
+    if (as_Value != "1") Report("General", av_Setting.key, as_Value, "is neither 0 nor 1; 1 is used");
+    return av_Group.SetOptionIndex(1);
+  }
   av_Group.SetOptionIndex(LoadNumber<std::int32_t>("General", std::string(av_Setting.key), av_Setting.fallback));
 }
 

@@ -51,7 +51,7 @@ class Settings {
   bool SaveSettings();
 
  private:
-  enum class Meaning : std::uint8_t { Plain, Number, Path, SavedOnly };
+  enum class Meaning : std::uint8_t { Plain, Number, Path, Security, SavedOnly };
   /// One key of the section "General" and the control that holds its value.
   struct Setting {
     std::string_view key;

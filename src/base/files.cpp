@@ -182,6 +182,14 @@ Status OutputFile::Open(const std::string& path, int flags, unsigned mode) {
   descriptor_ = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
   if (descriptor_ < 0) return Status::FromErrno(path, errno);
   path_ = path;
+  struct stat found {};
+  // A file that is to be private may have been made by someone else before.
+  const bool too_open = mode == kOwnerOnly && fstat(descriptor_, &found) == 0 && (found.st_mode & ~mode & 0777U) != 0;
+  if (too_open && fchmod(descriptor_, mode) != 0) {
+    const Status failed = Status::FromErrno(path, errno);
+    Close();
+    return failed;
+  }
   return Status::Ok();
 }
 

@@ -18,6 +18,9 @@
 
 namespace corvane {
 
+/// The permission of files that hold a password.
+inline constexpr unsigned kOwnerOnly = 0600;
+
 /// What is known of a file or folder.
 struct FileInfo {
   std::int64_t size = 0;  ///< bytes
@@ -55,7 +58,7 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  /// Opens `path` for appending, creating it with `mode` when missing.
+  /// Opens `path` for appending, creating it with `mode` when missing; `kOwnerOnly` is also given to one that is there.
   Status OpenForAppending(const std::string& path, unsigned mode = 0644);
   /// Creates `path` or empties it.
   Status Create(const std::string& path, unsigned mode = 0644);

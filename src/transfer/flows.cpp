@@ -80,6 +80,7 @@ void TransferFlows::ftpAllUnits(bool ab_All, std::int32_t al_GetFrom, std::int16
     if (!Cancelled()) p_.trace.Status("Finished...");
     // A server that is out of reach, or a person in a hurry, is not asked once more.
     if (went_on && by_ftp > 0 && p_.ftp.IsConnected()) p_.browser.RefreshRemoteList();
+    if (went_on && p_.link.UserCancel) ShowLastProblem();
   } else if (!Cancelled()) {
     p_.trace.Status("Finished...");
   }
@@ -168,13 +169,33 @@ bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
       KeepResult(unit, NamesOf(unit).local, WhyFailed());
       break;
     }
+    if (Cancelled()) break;
+    if (BelongsToAnother(unit)) {
+      KeepResult(unit, NamesOf(unit).local, "not fetched, another unit keeps its own readings in this file");
+      continue;
+    }
     arrived = GetAndUnZip(unit, al_Source) || arrived;
     p_.bars.Unit.Increment();
     p_.loop.Poll();
   }
   if (!Cancelled()) p_.trace.Status("Finished...");
+  if (!Cancelled() && !arrived) ShowLastProblem();
   EndRun(selected);
   return arrived;
+}
+
+void TransferFlows::ShowLastProblem() {
+  if (results_.empty() || results_.back().problem.empty()) return;
+  p_.trace.Status("Not done: " + results_.back().file + ": " + results_.back().problem);
+}
+
+bool TransferFlows::BelongsToAnother(std::int64_t al_Unit) const {
+  const std::string file = p_.names.DataFileName(static_cast<std::int32_t>(al_Unit), false);
+  for (std::int64_t i = 1; i <= p_.registry.Units.count(); ++i) {
+    const bool collects = p_.registry.Units[i].GetFrom == kFromRadio || p_.registry.Units[i].GetFrom == kFromHandHeld;
+    if (collects && p_.names.DataFileName(static_cast<std::int32_t>(i), false) == file) return true;
+  }
+  return false;
 }
 
 bool TransferFlows::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
@@ -182,8 +203,9 @@ bool TransferFlows::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
   const FilePair files = NamesOf(al_Unit);
   const FilePair fetched = ArchivesOf(files);
   p_.trace.Status("Receive: " + p_.ftp.Server() + ":" + fetched.remote + "->" + fetched.local);
-  if (!EnsureFolder(FolderOf(fetched.local)) || !p_.ftp.GetFile(fetched.remote, fetched.local)) {
-    KeepResult(al_Unit, files.local, WhyFailed());
+  const bool has_folder = EnsureFolder(FolderOf(fetched.local));
+  if (!has_folder || !p_.ftp.GetFile(fetched.remote, fetched.local)) {
+    KeepResult(al_Unit, files.local, has_folder ? WhyFailed() : "its folder cannot be created");
     return false;
   }
   std::int16_t unzipped = kZipOk;

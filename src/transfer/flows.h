@@ -109,7 +109,10 @@ class TransferFlows {
   [[nodiscard]] std::string WhyFailed() const;
   /// The archiver's words about a run with that result; empty after a success.
   [[nodiscard]] std::string WhyNotPacked(std::int16_t ai_Result) const;
-  [[nodiscard]] bool FetchUnit(std::int64_t al_Unit, std::int32_t al_Source);
+  /// True when a unit that this computer asks itself has the same raw file: two units may bear one ID.
+  [[nodiscard]] bool BelongsToAnother(std::int64_t al_Unit) const;
+  /// Leaves what ended a run in the status line.
+  void ShowLastProblem();
   [[nodiscard]] bool BackUpUnit(std::int64_t al_Unit);
   /// Creates a folder where it is missing; false when that fails, which has been shown.
   [[nodiscard]] bool EnsureFolder(std::string_view as_Folder);

@@ -5,12 +5,6 @@
 #include "base/text.h"
 
 namespace corvane {
-namespace {
-
-constexpr unsigned kOwnerOnly = 0600;  // a status line may hold the password
-
-}  // namespace
-
 FtpLog::FtpLog(EventLoop& av_Loop, const AppInfo& av_App, Trace& av_Trace)
     : loop_(av_Loop), app_(av_App), trace_(av_Trace) {}
 
@@ -49,6 +43,7 @@ void FtpLog::LogFileSent(std::string_view as_Source, std::string_view as_Destina
 
 void FtpLog::AppendLine(const std::string& as_Path, const std::string& as_Line) {
   OutputFile file;
+  // A status line may hold the password.
   Status written = file.OpenForAppending(as_Path, kOwnerOnly);
   if (written.ok()) written = file.Write(as_Line);
   if (!written.ok() && !failed_) trace_.LogWrite("The FTP log cannot be written. " + written.text());

@@ -43,6 +43,12 @@ void MyFTP::SetSecurity(bool ab_Encrypted, std::string_view as_Certificate) {
   Change(certificate_, std::string(as_Certificate));
 }
 
+void MyFTP::SetInitialFolder(std::string_view as_Folder) {
+  // Only a login leads back to its own folder, which no command names.
+  if (as_Folder.empty() && !initial_folder_.empty()) settings_changed_ = true;
+  initial_folder_ = as_Folder;
+}
+
 void MyFTP::SetCancel(bool ab_Cancel) {
   cancel_ = ab_Cancel;
   if (cancel_) client_.Cancel();
@@ -215,7 +221,7 @@ bool MyFTP::GetFile(std::string_view as_Remote, std::string_view as_Local) {
   const std::string remote(as_Remote);
   const std::string local = LocalName(as_Local);
   last_error_.clear();
-  if (!ConnectIfNotConnected()) {
+  if (!ConnectIfNotConnected() || cancel_) {
     log_.LogStatus("Could not connect");
     return false;
   }
@@ -249,13 +255,14 @@ bool MyFTP::Receive(const std::string& as_Remote, const std::string& as_Local, c
   progress_.StartTransfer(as_Remote, av_Record.size, kDownloading);
   log_.ShowStatus("Getting: " + as_Remote);
   const bool received = client_.FtpGetFile(connection_, as_Remote, as_Local);
-  progress_.EndTransfer();
   if (!received) {
+    progress_.GiveUpTransfer();
     log_.LogStatus("Failed to download file ret:0");
     return Fail("GetFile:Failed to download file:" + as_Remote + " LocalFile:" + as_Local);
   }
   log_.ShowStatus("Received: " + as_Local);
   log_.LogDetail("Received ll_Ret: 1 RemoteFile:" + as_Remote + " LocalFile:" + as_Local + " ret:1");
+  progress_.EndTransfer();
   log_.LogFileSent(as_Remote, as_Local);
   return true;
 }
@@ -263,7 +270,7 @@ bool MyFTP::Receive(const std::string& as_Remote, const std::string& as_Local, c
 bool MyFTP::GetDirectoryList(std::string_view as_Filter) {
   cancel_ = false;
   listing_.Clear();
-  if (!ConnectIfNotConnected() || !SetRemoteDirectory()) return false;
+  if (!ConnectIfNotConnected() || cancel_ || !SetRemoteDirectory()) return false;
   log_.ShowStatus("Getting directory list...");
   const bool open_end = !current_folder_.empty() && !current_folder_.ends_with('/');
   const std::string filter(as_Filter.empty() ? "*.*" : as_Filter);
@@ -302,7 +309,7 @@ bool MyFTP::CheckRemoteDirectory(std::string_view as_Path) {
   const std::string path = WithSlashes(as_Path);
   for (std::size_t position = 0; position < path.size();) {
     const std::size_t slash = path.find('/', position);
-    if (!MakeLevel(path.substr(0, slash))) {
+    if (!MakeLevel(path.substr(0, slash)) && !cancel_) {
       log_.ShowStatus("");
       // Intended: the path stands first, joined to the words.
       messages_.Show(path + "Cannot create folders for: ");
@@ -361,7 +368,9 @@ void MyFTP::ReportFtpError(const std::string& as_Context) {
   log_.Append(last_error_);
   // The one who cancelled knows it.
   if (code == kInternetCancelled && cancel_) return;
-  messages_.ShowTimedMessage(last_error_, kOkOnly | kExclamationIcon, kProductName);
+  // What a round meets again and again, such as a missing folder, is one kind.
+  const std::string kind = std::to_string(code) + as_Context.substr(0, as_Context.find(':'));
+  messages_.ShowTimedMessage(last_error_, kOkOnly | kExclamationIcon, kProductName, 0, kind);
 }
 
 }  // namespace corvane

@@ -45,7 +45,7 @@ class MyFTP {
   /// Encrypts with TLS, the certificate checked against the file `as_Certificate` (empty: the system's authorities).
   void SetSecurity(bool ab_Encrypted, std::string_view as_Certificate);
   /// The remote folder made current before every transfer and listing; empty leaves the folder of the login.
-  void SetInitialFolder(std::string_view as_Folder) { initial_folder_ = as_Folder; }
+  void SetInitialFolder(std::string_view as_Folder);
   void SetAgentName(std::string_view as_Name) { agent_name_ = as_Name; }
   void SetStatusLabel(Label& av_Label) { log_.SetStatusLabel(av_Label); }
   void SetProgressBar(ProgressBar& av_Bar) { progress_.SetProgressBar(av_Bar); }

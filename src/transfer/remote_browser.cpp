@@ -93,11 +93,17 @@ std::function<void()> RemoteBrowser::FtpCommand(std::int16_t ai_Command) {
 std::function<void()> RemoteBrowser::NewFolder() {
   const auto answer = p_.dialogs.AskText("Folder name", "Name of the remote folder:", "");
   if (!answer || answer->empty()) return {};
-  return [this, name = ToLower(*answer)] {
-    const bool created = p_.ftp.CreateFolder(name);
-    CountProblem(created);
-    if (created && RefreshRemoteList()) SelectRemoteEntry(name);
+  return [this, name = ToLower(*answer), shown = p_.form.Lbl_ftpRemoteFolder.text()] {
+    WorkIn(shown, [&] { return p_.ftp.CreateFolder(name); });
+    SelectRemoteEntry(name);
   };
+}
+
+void RemoteBrowser::WorkIn(const std::string& as_Shown, const std::function<bool()>& av_Operation) {
+  if (!as_Shown.empty()) p_.ftp.SetInitialFolder(as_Shown);
+  const bool there = p_.ftp.ConnectIfNotConnected() && !Cancelled() && p_.ftp.SetRemoteDirectory();
+  CountProblem(there && av_Operation());
+  if (there && !Cancelled()) RefreshRemoteList();
 }
 
 std::function<void()> RemoteBrowser::Delete() {
@@ -111,9 +117,8 @@ std::function<void()> RemoteBrowser::Delete() {
   // Intended: a file of 0 bytes is taken for a folder, and the server refuses to remove it.
   const bool is_folder = list.number(list.current()) == 0;
   if (!p_.messages.Confirm("Delete: '" + name + "'")) return {};
-  return [this, name, is_folder] {
-    CountProblem(is_folder ? p_.ftp.DeleteFolder(name) : p_.ftp.DeleteFile(name));
-    RefreshRemoteList();
+  return [this, name, is_folder, shown = p_.form.Lbl_ftpRemoteFolder.text()] {
+    WorkIn(shown, [&] { return is_folder ? p_.ftp.DeleteFolder(name) : p_.ftp.DeleteFile(name); });
   };
 }
 
@@ -150,6 +155,7 @@ void RemoteBrowser::CreateRemoteFolders() {
   bool well = true;
   for (const std::string& folder : folders) {
     well = p_.ftp.CheckRemoteDirectory(folder) && well;
+    if (Cancelled()) return CountProblem(false);
     if (!p_.ftp.IsConnected()) break;
   }
   CountProblem(well);

@@ -8,6 +8,7 @@
 #include "app/app_info.h"
 #include "app/run_flags.h"
 #include "form/form.h"
+#include "link/link_state.h"
 #include "platform/dialogs.h"
 #include "registry/records.h"
 #include "trace/trace.h"
@@ -24,6 +25,7 @@ class RemoteBrowser {
     Form& form;
     const Registry& registry;
     RunFlags& flags;
+    const LinkState& link;
     const AppInfo& app;
     MyFTP& ftp;
     Dialogs& dialogs;
@@ -54,6 +56,9 @@ class RemoteBrowser {
   void GoTo(std::string_view as_Folder);
   void FillList();
   void CountProblem(bool ab_Well);
+  /// Runs `av_Operation` in the remote folder `as_Shown`, which a round may have left, and lists it anew.
+  void WorkIn(const std::string& as_Shown, const std::function<bool()>& av_Operation);
+  [[nodiscard]] bool Cancelled() const { return p_.link.UserCancel || p_.flags.closing; }
   [[nodiscard]] std::string CurrentName() const;
 
   Parts p_;

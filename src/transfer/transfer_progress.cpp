@@ -35,6 +35,7 @@ constexpr std::array kCodeNames = {
     CodeRow{kHandleClosing, "handle closing"},
     CodeRow{kDetectingProxy, "detecting proxy"},
     CodeRow{kStateChange, "state change"},
+    CodeRow{kListingLineSkipped, "line left out"},
 };
 
 std::string_view CodeName(int code) {
@@ -75,6 +76,10 @@ void TransferProgress::StartTransfer(std::string_view as_File, std::int64_t al_S
 void TransferProgress::EndTransfer() {
   log_.ShowStatus(
       RateText(std::string(FileNameOf(file_)) + " ", loop_.MonotonicMilliseconds() - start_, bytes_this_transfer_));
+  GiveUpTransfer();
+}
+
+void TransferProgress::GiveUpTransfer() {
   if (bar_ != nullptr) bar_->SetValue(bar_->minimum());
   direction_ = kTransferIdle;
 }
@@ -104,6 +109,8 @@ void TransferProgress::OnStatus(const InternetStatus& av_Status) {
       log_.ShowStatus("Connection closed");
       if (connection_closed) connection_closed();
       return;
+    case kListingLineSkipped:
+      return log_.Append("Line of the listing left out, it is not understood: " + Visible(av_Status.text));
     case kHandleCreated:
       return log_.LogDetail("Handle created: " + std::to_string(av_Status.handle));
     case kHandleClosing:

@@ -27,6 +27,8 @@ class TransferProgress {
   /// A file of `al_Size` bytes begins to move.
   void StartTransfer(std::string_view as_File, std::int64_t al_Size, TransferDirection av_Direction);
   void EndTransfer();
+  /// As `EndTransfer`, without a word about the rate.
+  void GiveUpTransfer();
   /// Handles one report of the client.
   void OnStatus(const InternetStatus& av_Status);
 

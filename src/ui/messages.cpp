@@ -49,11 +49,13 @@ int DefaultPosition(std::int32_t style) {
 Messages::Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, Dialogs& av_Dialogs, Trace& av_Trace)
     : form_(av_Form), flags_(av_Flags), loop_(av_Loop), dialogs_(av_Dialogs), trace_(av_Trace) {}
 
+bool Messages::Unattended() const {
+  return flags_.automatic_run || flags_.releasing || form_.Chk_Automatic.ticked();
+}
+
 void Messages::Show(std::string_view as_Text, std::string_view as_Kind, BoxIcon av_Icon) {
-  const bool unattended = flags_.automatic_run || flags_.releasing || form_.Chk_Automatic.ticked();
-  if (unattended) {
-    const bool first = shown_kinds_.emplace(as_Kind.empty() ? as_Text : as_Kind).second;
-    if (first) {
+  if (Unattended()) {
+    if (IsFirst(as_Kind.empty() ? as_Text : as_Kind)) {
       ShowTimedMessage(as_Text, kOkOnly | static_cast<std::int32_t>(av_Icon));
     } else {
       trace_.LogWrite("Message: " + std::string(as_Text));
@@ -82,10 +84,11 @@ bool Messages::Confirm(std::string_view as_Question) {
 }
 
 std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title,
-                                        std::int16_t ai_Seconds) {
+                                        std::int16_t ai_Seconds, std::string_view as_Kind) {
   trace_.LogWrite("Message: " + std::string(as_Message));
   const ButtonSet& set = ButtonSetOf(al_Style);
   if (flags_.ending_silently) return set.at_timeout;
+  if (!as_Kind.empty() && Unattended() && !IsFirst(as_Kind)) return set.at_timeout;
   BoxContents contents;
   contents.title = as_Title.empty() ? kProductName : as_Title;
   contents.text = as_Message;

@@ -53,13 +53,17 @@ class Messages {
   /// Shows the timed message box, which answers itself after its count-down. **Yields.**
   ///
   /// `al_Style` as `MessageStyle`; `ai_Seconds` 0 means 10. Returns a `MessageAnswer`. While the program is being
-  /// ended by a signal nothing is shown and the time-out answer returns at once.
+  /// ended by a signal nothing is shown and the time-out answer returns at once. With a kind it is shown once for each
+  /// round where `Show` is.
   std::int32_t ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title = {},
-                                std::int16_t ai_Seconds = 0);
+                                std::int16_t ai_Seconds = 0, std::string_view as_Kind = {});
   /// Forgets which kinds have been shown: a new round or command begins.
   void StartRound() { shown_kinds_.clear(); }
 
  private:
+  [[nodiscard]] bool Unattended() const;
+  /// Keeps in mind that a message of that kind is shown; false when one was in this round.
+  bool IsFirst(std::string_view as_Kind) { return shown_kinds_.emplace(as_Kind).second; }
   [[nodiscard]] bool MustUnwind() const { return flags_.ending_silently || (flags_.closing && !flags_.releasing); }
   /// The position clicked; 0 after `al_Seconds` (0: no limit) or when what runs has to unwind.
   int RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bool ab_ShowCountDown);

@@ -36,7 +36,8 @@ TEST_F(FtpEncryption, FilesAndListingsGoThrough) {
   ASSERT_TRUE(Connect(ftp, server.port(), "localhost", "ca.pem")) << ftp.client->InternetGetLastResponseInfo();
   const std::string big(3'000'000, 'b');
   for (const std::string& text : {big, std::string("short"), std::string()}) {
-    ASSERT_TRUE(ftp.client->FtpPutFile(ftp.connection, local.Write("sent", text), "file"));
+    const std::string sent = local.Write("sent", text);
+    ASSERT_TRUE(ftp.client->FtpPutFile(ftp.connection, sent, "file"));
     ASSERT_TRUE(ftp.client->FtpGetFile(ftp.connection, "file", local.Name("got")));
     EXPECT_EQ(local.Read("got"), text);
   }

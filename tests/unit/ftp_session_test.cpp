@@ -127,6 +127,7 @@ TEST(FtpSession, WritesItsTracesWhereTheyAreSwitchedOn) {
   world.form().mnu_ftpFile.Click(1);
   EXPECT_EQ(world.home.Read("ftp.log") + world.home.Read("FileSent.Log"), "");
   for (CheckBox& box : world.form().Chk_FTPTrace) box.SetTicked(true);
+  ASSERT_EQ(chmod(world.home.Write("ftp.log", "").c_str(), 0644), 0);
   world.form().Txt_FTPPassword.SetText("other");
   world.form().mnu_ftpFile.Click(1);
   const std::string local = world.home.Name("data/F1/u00001.epd");

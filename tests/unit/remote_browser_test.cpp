@@ -101,6 +101,53 @@ TEST_F(BrowserTest, DeletesByTheNumberOfTheLine) {
   EXPECT_EQ(world.dialogs.Texts().back(), "Select a file");
 }
 
+TEST_F(BrowserTest, WorksInTheFolderThatIsShownWhateverRanMeanwhile) {
+  world.internet.files["/web/Old data/b.zip"] = "older";
+  list.Open(3);
+  world.form().mnu_Clients.Click(5);
+  list.SetCurrent(1);
+  ASSERT_EQ(list.text(1).substr(0, 5), "b.zip");
+  world.dialogs.answers = {1};
+  world.form().Cmd_FTP[1].Click();
+  EXPECT_TRUE(world.internet.files.contains("/web/b.zip"));
+  EXPECT_FALSE(world.internet.files.contains("/web/Old data/b.zip"));
+  list.SetCurrent(0);
+  world.internet.errors["cwd"] = {kInternetExtendedError, kInternetExtendedError};
+  world.internet.calls.clear();
+  world.dialogs.answers = {1};
+  world.form().Cmd_FTP[1].Click();
+  EXPECT_EQ(world.internet.Count("rmd") + world.internet.Count("dele"), 0) << "the folder could not be entered";
+}
+
+TEST_F(BrowserTest, EmptyFolderIsThatOfTheLoginAgain) {
+  world.internet.folders.insert("/f1");
+  world.GiveRawFile(1, "F1");
+  world.form().Txt_FTPFolder.SetText("");
+  world.form().Cmd_FTP[2].Click();
+  list.Open(1);
+  ASSERT_EQ(world.form().Lbl_ftpRemoteFolder.text(), "/f1");
+  world.form().mnu_ftpFile.Click(1);
+  EXPECT_TRUE(world.internet.files.contains("/f1/u00001.epd"));
+}
+
+TEST_F(BrowserTest, CancelEndsTheWalkThroughTheClients) {
+  world.form().Lst_Clients.SetCurrent(1);
+  world.form().Txt_ClientFolder.SetText("a/b/c");
+  world.internet.folders = {"/", "/web"};
+  world.internet.on_call = [&](const std::string& call) {
+    if (call.starts_with("mkd")) world.form().Cmd_Cancel.Click();
+  };
+  world.dialogs.boxes.clear();
+  world.form().mnu_Clients.Click(5);
+  EXPECT_EQ(world.internet.Count("mkd"), 1);
+  EXPECT_TRUE(world.dialogs.boxes.empty());
+}
+
+TEST_F(BrowserTest, NamesTheLinesOfAListingThatItLeavesOut) {
+  world.internet.Report({2, kListingLineSkipped, "total\tnothing", 0});
+  EXPECT_TRUE(world.FtpLogged("it is not understood: total[9]nothing"));
+}
+
 TEST_F(BrowserTest, CreatesTheClientsFolders) {
   world.form().Lst_Clients.SetCurrent(1);
   world.form().Txt_ClientFolder.SetText("North\\Farm");

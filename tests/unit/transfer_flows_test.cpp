@@ -78,10 +78,12 @@ TEST(Send, MissingRemoteFolderIsToldAndEndsTheBatch) {
   TransferWorld world({"1 1 0 1"});
   world.GiveRawFile(1, "F1");
   world.internet.folders = {"/"};
+  world.form().Chk_Automatic.SetTicked(true);
   world.form().mnu_ftpFile.Click(1);
   EXPECT_EQ(world.internet.Count("put"), 0);
-  ASSERT_FALSE(world.dialogs.boxes.empty());
-  EXPECT_EQ(world.dialogs.boxes[0].text, "No such file or folder\r\nftp: SetRemoteDirectory:Ret:0");
+  EXPECT_EQ(world.dialogs.Texts(), std::vector<std::string>{"No such file or folder\r\nftp: SetRemoteDirectory:Ret:0"})
+      << "nobody waits ten seconds for each file";
+  EXPECT_EQ(world.Status(), "Not done: f1/u00001.epd: FTP: No such file or folder");
 }
 
 TEST(Fetch, BringsWhatIsThereAndConvertsRawFiles) {
@@ -102,6 +104,34 @@ TEST(Fetch, BringsWhatIsThereAndConvertsRawFiles) {
     EXPECT_EQ(world.form().Lst_Units.mark(3), RowMark::Well);
     EXPECT_EQ(world.form().Lst_Units.current(), 0);
   }
+}
+
+TEST(Fetch, KeepsWhatIsBetterThanWhatComes) {
+  TransferWorld world({"1 0 3 1", "1 0 3 2", "1 0 0 2"}, "ZIPFiles=1\nWebFileType=0\n");
+  world.internet.files = {{"/web/f1/u00001.zip", "damaged"}, {"/web/f2/u00003.zip", FakeZip::Head("u00003.epd")}};
+  world.GiveRawFile(1, "F1");
+  world.GiveRawFile(3, "F2", "by radio");
+  world.form().Lst_Units.SetCurrent(1);
+  world.form().Txt_UnitID.SetText("3");
+  world.form().mnu_Download.Click(3);
+  EXPECT_EQ(world.home.Read("data/F1/u00001.epd"), "raw");
+  EXPECT_EQ(world.home.Read("data/F2/u00003.epd"), "by radio") << "unit 2 bears the ID of a radio unit";
+  ASSERT_EQ(world.app().flows().Results().size(), 2U);
+  EXPECT_EQ(world.app().flows().Results()[0].problem, "words of the archiver");
+  EXPECT_EQ(world.internet.Count("get"), 1);
+}
+
+TEST(Fetch, LeavesCalibratedFilesAsTheyCame) {
+  TransferWorld world({"1 0 3 1"}, "WebFileType=1\n");
+  world.internet.files = {{"/web/f1/u00001.txt", "fetched"}};
+  world.GiveRawFile(1, "F1");
+  world.internet.on_call = [&](const std::string& call) {
+    if (call.starts_with("get")) {
+      EXPECT_FALSE(world.form().Opt_WebFileType.enabled() || world.form().Chk_ZIPFiles.enabled());
+    }
+  };
+  world.form().mnu_Download.Click(3);
+  EXPECT_EQ(world.home.Read("data/F1/u00001.txt"), "fetched");
 }
 
 TEST(Fetch, EndsWhenTheServerIsOutOfReachOrCancelled) {
@@ -168,8 +198,10 @@ class Rounds : public testing::TestWithParam<RoundRow> {};
 // Unit 1 by radio and unit 3 by hand-held unit are sent, unit 2 comes from another site.
 TEST_P(Rounds, FollowTheDownloadWithFetchSendAndBackup) {
   const RoundRow& row = GetParam();
-  TransferWorld world({"1 1 0 1", "1 0 3 1", "1 1 2 2"}, "Backup=1\nAutomatic=1\n" + row.general);
-  world.internet.files = {{"/web/f1/u00002.epd", "fetched"}};
+  const bool other_site = row.name == "CurrentUnitOfAnotherSite";
+  TransferWorld world({other_site ? "1 0 3 1" : "1 1 0 1", "1 0 3 1", "1 1 2 2"},
+                      "Backup=1\nAutomatic=1\n" + row.general);
+  world.internet.files = {{"/web/f1/u00001.epd", "fetched"}, {"/web/f1/u00002.epd", "fetched"}};
   world.internet.errors["put"] = std::vector<int>(static_cast<std::size_t>(row.refused_puts), kInternetExtendedError);
   std::vector<std::string> steps;
   world.internet.on_call = [&](const std::string& call) {
@@ -193,6 +225,7 @@ const std::vector<RoundRow> kRounds = {
     {"FailedSendLeavesTheBackupOut", "", 1, 1, {"get f1/u00002.epd", "put f1/u00001.epd"}},
     {"HandHeld", "", 0, 0, {"put f2/u00003.epd", "backup"}},
     {"CurrentUnitFetchesOnlyItself", "", -1, 0, {}},
+    {"CurrentUnitOfAnotherSite", "", -1, 0, {"get f1/u00001.epd"}},
 };
 INSTANTIATE_TEST_SUITE_P(All, Rounds, testing::ValuesIn(kRounds), [](const auto& row) { return row.param.name; });
 

@@ -1,4 +1,5 @@
 // Takes the pictures of the user guide from the window itself, while it works on a simulated network.
+#include <cstdint>
 #include <iostream>
 #include <string>
 #include <utility>
@@ -25,6 +26,7 @@ namespace {
 constexpr QSize kWindowSize(1120, 680);
 constexpr int kSettingsTab = 5;
 constexpr int kPortsGroup = 3;
+constexpr int kFilesCommand = 2;
 constexpr int kPassesUntilPainted = 10;
 
 QPalette DarkColours() {
@@ -76,6 +78,7 @@ class Photographer {
     form.Chk_Direct.SetTicked(true);
     form.Cmd_DownloadAll[1].Click();
     form.Lst_Units.SetCurrent(2);
+    ShowRemoteFolder("orchard");
     Take("unit");
     TakeTabs();
     TakePortDialog();
@@ -83,6 +86,16 @@ class Photographer {
   }
 
  private:
+  /// Lists the server's folder, and goes into one of the folders there.
+  void ShowRemoteFolder(const std::string& folder) {
+    Form& form = app_.form();
+    form.Cmd_FTP[kFilesCommand].Click();
+    std::int64_t row = 0;
+    while (row < form.Lst_RemoteFiles.count() && form.Lst_RemoteFiles.text(row) != folder + "\t[DIR]") ++row;
+    if (row == form.Lst_RemoteFiles.count()) throw RunTimeError("the FTP server has no folder " + folder);
+    form.Lst_RemoteFiles.Open(row);
+  }
+
   void TakeTabs() {
     const std::vector<std::pair<int, const char*>> tabs = {{1, "relays"}, {2, "clients"}, {3, "files"},
                                                            {4, "ftp"},    {6, "log"},     {7, "terminal"}};
