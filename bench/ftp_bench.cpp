@@ -72,8 +72,8 @@ int main(int argc, char** argv) {
   }
   World world(argv + 2);
   const auto begin = std::chrono::steady_clock::now();
-  const bool done =
-      world.ftp.Initialise() && (sends ? Send(world.ftp, {argv + 6, argv + argc}) : world.ftp.GetFile(argv[6], argv[7]));
+  const bool done = world.ftp.Initialise() &&
+                    (sends ? Send(world.ftp, {argv + 6, argv + argc}) : world.ftp.GetFile(argv[6], argv[7]));
   world.ftp.Disconnect();
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
   if (!done) {

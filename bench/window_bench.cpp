@@ -55,7 +55,8 @@ class PaintCounter : public QObject {
 class Bench {
  public:
   explicit Bench(const std::string& folder)
-      : shell_("corvane-bench-window", folder), app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder) {
+      : shell_("corvane-bench-window", folder),
+        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder) {
     QApplication::instance()->installEventFilter(&counter_);
     app_.life().OnWindowCreate();
     window_.show();

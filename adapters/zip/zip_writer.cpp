@@ -63,8 +63,8 @@ class ArchiveUpdate {
     bool has_old = false;
     ZipOutcome outcome = TakeOldArchive(has_old);
     if (outcome.code == kZipOk) outcome = WritePart();
-    // An archive that cannot be read would stop every later run too; its files can be zipped again. A disk that fails at
-    // the moment is no reason to take its other entries away.
+    // An archive that cannot be read would stop every later run too; its files can be zipped again. A disk that fails
+    // at the moment is no reason to take its other entries away.
     if (has_old && MeansBadArchive(outcome.code) && !disk_failed_) {
       unlink(part_.c_str());
       outcome = WritePart();
