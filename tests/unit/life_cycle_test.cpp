@@ -7,17 +7,6 @@
 namespace corvane::test {
 namespace {
 
-TEST(LifeCycle, FirstCloseWritesACompleteFile) {
-  World world;
-  world.Start();
-  world.app().life().OnWindowClose();
-  const std::string saved = world.home.Read("corvane.ini");
-  for (const char* line : {"NumUnits=5", "Name5=Site 5", "Name1=Direct", "Name2=Relay 2", "Folder2=F2",
-                           "FTPServer=null", "Interval=01:00", "Version=0.1.000"}) {
-    EXPECT_NE(saved.find(line), std::string::npos) << line;
-  }
-}
-
 struct SwitchCase {
   const char* switches;
   bool minimised;
@@ -117,20 +106,6 @@ TEST(Commands, CancelWhileIdleTellsTheBaseStationToStop) {
   EXPECT_FALSE(world.port.IsOpen());
   EXPECT_EQ(world.form().Lbl_Status.text(), "Pelvaro clear");
   EXPECT_TRUE(world.Logged("User clicked 'cancel'"));
-}
-
-TEST(Commands, KeysAreTracedAndTheSpaceBarDoesNotCancel) {
-  World world;
-  world.Start();
-  EXPECT_TRUE(world.form().Cmd_Cancel.Key(32, false));
-  EXPECT_FALSE(world.form().Cmd_Cancel.Key(13, true));
-  EXPECT_FALSE(world.form().Frm_Main.Key(65, true));
-  EXPECT_TRUE(world.form().Frm_Main.Key(97, false));
-  for (const char* line : {"Cmd_Cancel_KeyPress KeyCode: 32 DoingSomething: False", "space, so set ai_KeyAscii = 0",
-                           "cmd_Cancel_KeyDown KeyCode: 13 DoingSomething: False", "Form_KeyDown KeyCode: 65",
-                           "Form_KeyPress KeyAscii set to zero: 97"}) {
-    EXPECT_TRUE(world.Logged(line)) << line;
-  }
 }
 
 TEST(Commands, FieldsActWhenLeft) {

@@ -278,6 +278,7 @@ TEST_P(WindowCloses, InEveryStateAndKeepsTheSettings) {
   }
   world.Click(row.button);
   EXPECT_EQ(closed, 1);
+  EXPECT_TRUE(world.window().isVisible()) << "what runs unwinds before the window goes";
   EXPECT_FALSE(world.app().slot().Taken());
   EXPECT_EQ(world.dialogs.open_boxes, 0);
   EXPECT_LE(world.loop.MonotonicMilliseconds() - closing_at, 2000);
