@@ -77,10 +77,10 @@ FtpFailure TimedOut(const FtpRun& run, const FtpExchange& last) {
 
 int LoginError(const FtpExchange& last) {
   constexpr int kNotLoggedIn = 530;
-  if (last.code != kNotLoggedIn) return kInternetLoginFailure;
   const std::string words = ToLower(last.text);
   const bool wants_encryption = words.find("encrypt") != std::string::npos || words.find("tls") != std::string::npos;
   if (wants_encryption) return kInternetExtendedError;
+  if (last.code != kNotLoggedIn) return kInternetLoginFailure;
   if (last.verb == "USER") return kInternetWrongUserName;
   return last.verb == "PASS" ? kInternetWrongPassword : kInternetLoginFailure;
 }

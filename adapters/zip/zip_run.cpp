@@ -38,8 +38,8 @@ bool MeansNoRoom(int error) {
 }
 
 ZipResult ResultOf(int library_code, int system_error) {
-  const bool writing = library_code == ZIP_ER_WRITE || library_code == ZIP_ER_TMPOPEN;
-  if (writing && MeansNoRoom(system_error)) return kZipDiskFull;
+  // The library says it of whatever it was about: writing, seeking, closing.
+  if (MeansNoRoom(system_error)) return kZipDiskFull;
   if (library_code == ZIP_ER_READ && system_error == ENOENT) return kZipFilesSkipped;
   const auto* const row = std::find_if(kResults.begin(), kResults.end(), [library_code](const ResultRow& candidate) {
     return candidate.library_code == library_code;

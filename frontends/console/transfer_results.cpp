@@ -10,7 +10,8 @@ void TransferResults::Collect(const std::vector<std::int64_t>& expected) {
   const auto& results = app_.flows().Results();
   const auto& units = app_.registry().Units;
   for (const TransferResult& result : results) {
-    rows_.push_back({units[result.unit].Name, result.file, result.problem.empty() ? "ok" : result.problem});
+    const std::string well = result.nothing ? "no file yet" : "ok";
+    rows_.push_back({units[result.unit].Name, result.file, result.problem.empty() ? well : result.problem});
   }
   for (const std::int64_t unit : expected) {
     const auto is_unit = [unit](const TransferResult& result) { return result.unit == unit; };

@@ -43,7 +43,9 @@ void UnitResults::Begin(const std::vector<std::int64_t>& units) {
 
 void UnitResults::OnChange(const Control& control) {
   const LinkState& link = app_.link();
-  if (app_.slot().Taken() && !link.ContinueOk()) stopped_ = true;
+  // A transfer that fails ends what follows it; the units have been asked by then.
+  const bool transfers = !app_.flows().Results().empty();
+  if (app_.slot().Taken() && !transfers && !link.ContinueOk()) stopped_ = true;
   const Form& form = app_.form();
   if (&control != &form.Lbl_Status) return;
   EndConversionOfFile();

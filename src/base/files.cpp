@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <utility>
 
 #include <dirent.h>
@@ -137,6 +138,16 @@ Status MakeFolder(const std::string& path) {
 Status RemoveFile(const std::string& path) {
   if (Status full = CheckFullPath(path); !full.ok()) return full;
   return unlink(path.c_str()) == 0 ? Status::Ok() : Status::FromErrno(path, errno);
+}
+
+Status GiveSecondName(const std::string& path, const std::string& second) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  if (Status full = CheckFullPath(second); !full.ok()) return full;
+  unlink(second.c_str());
+  if (link(path.c_str(), second.c_str()) == 0) return Status::Ok();
+  std::error_code failed;
+  std::filesystem::copy_file(path, second, failed);
+  return failed ? Status::FromErrno(second, failed.value()) : Status::Ok();
 }
 
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit) {

@@ -43,6 +43,8 @@ Status ListFiles(const std::string& folder, const std::function<bool(std::string
 /// Creates one folder; its parent must exist. One that exists already is a success.
 Status MakeFolder(const std::string& path);
 Status RemoveFile(const std::string& path);
+/// Lets `second` be another name of the file `path`, in place of what bears it; where there are no such names, a copy.
+Status GiveSecondName(const std::string& path, const std::string& second);
 /// Reads a whole file of at most `limit` bytes; a longer one fails.
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit);
 /// Writes `contents` to a `ReplacementFile` and puts it in place: temporary file, sync, rename, sync of the folder.

@@ -35,13 +35,13 @@ void DownloadRound::DownloadAllUnits(bool ab_All, std::int16_t ai_Mode) {
 
 void DownloadRound::RadioRound(bool ab_All) {
   sessions_.ProcessAllUnits(ab_All, kFromRadio, kDownload);
-  if (!link_.ContinueOk()) return;
+  if (!link_.ContinueOk()) return flows_.LeaveBackupOut();
   conversion_.ConvertAllUnits(ab_All, kFromRadio, kAnyClient);
   if (link_.ContinueOk() && !form_.Chk_ManualFTP.ticked()) {
     FetchEverything(ab_All);
     SendEverything(ab_All, kFromRadio);
   }
-  if (!link_.ContinueOk()) return;
+  if (!link_.ContinueOk()) return flows_.LeaveBackupOut();
   form_.Lbl_LastDownload.SetText(FormatDate(loop_.Now(), kShownDatePattern));
   schedule_.CalculateNextDownload();
   flows_.DoBackup();
@@ -49,10 +49,11 @@ void DownloadRound::RadioRound(bool ab_All) {
 
 void DownloadRound::HandHeldRound(bool ab_All) {
   sessions_.ProcessAllUnits(ab_All, kFromHandHeld, kDownload);
-  if (!link_.ContinueOk()) return;
+  if (!link_.ContinueOk()) return flows_.LeaveBackupOut();
   conversion_.ConvertAllUnits(ab_All, kFromHandHeld, kAnyClient);
   if (link_.ContinueOk() && !form_.Chk_ManualFTP.ticked()) SendEverything(ab_All, kFromHandHeld);
-  if (link_.ContinueOk()) flows_.DoBackup();
+  if (!link_.ContinueOk()) return flows_.LeaveBackupOut();
+  flows_.DoBackup();
 }
 
 void DownloadRound::CurrentUnitRound() {

@@ -1,11 +1,14 @@
 #include "transfer/flows.h"
 
+#include <algorithm>
+
 #include "base/files.h"
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "base/status.h"
 #include "base/text.h"
 #include "transfer/mxceed.h"
+#include "transfer/shrink_guard.h"
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
@@ -76,10 +79,14 @@ void TransferFlows::ftpAllUnits(bool ab_All, std::int32_t al_GetFrom, std::int16
     // A close that was asked for stays asked for.
     p_.link.UserCancel = p_.flags.closing;
     BeginRun("Send files...", by_ftp + by_other);
+    const std::size_t first = results_.size();
     const bool went_on = SendMarkedUnits(range, ai_Destination);
     if (!Cancelled()) p_.trace.Status("Finished...");
     // A server that is out of reach, or a person in a hurry, is not asked once more.
     if (went_on && by_ftp > 0 && p_.ftp.IsConnected()) p_.browser.RefreshRemoteList();
+    LogCount("Files sent: ", first);
+    // What the listing wiped off.
+    if (!Cancelled()) p_.form.Lbl_Status.SetText("Finished...");
     if (went_on && p_.link.UserCancel) ShowLastProblem();
   } else if (!Cancelled()) {
     p_.trace.Status("Finished...");
@@ -120,11 +127,12 @@ bool TransferFlows::ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination
     well = p_.ftp.PutFile(sent.local, sent.remote);
   }
   const bool missing = !well && !ExamineFile(sent.local);
-  if (missing) p_.trace.Status("Not sent, there is no file " + sent.local);
+  const std::string missing_file = ExamineFile(files.local) ? sent.local : files.local;
+  if (missing) p_.trace.Status("Not sent, there is no file " + missing_file);
   // An archive that could not be made anew goes out as it was; that is no success either.
   KeepResult(al_Unit, sent.remote,
              well      ? WhyNotPacked(zipped)
-             : missing ? "there is no file " + sent.local
+             : missing ? "there is no file " + missing_file
                        : WhyFailed());
   return well;
 }
@@ -143,10 +151,26 @@ std::string TransferFlows::WhyNotPacked(std::int16_t ai_Result) const {
 
 void TransferFlows::KeepResult(std::int64_t al_Unit, const std::string& as_File, const std::string& as_Problem) {
   results_.push_back({al_Unit, as_File, as_Problem});
-  if (as_Problem.empty()) return;
+  if (as_Problem.empty()) {
+    // The sign of a radio exchange stays; one that a transfer has set is over with the next that goes well.
+    if (marked_.erase(al_Unit) > 0) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Well);
+    return;
+  }
   ++p_.flags.problems;
   p_.trace.LogWrite("Not done: " + as_File + ": " + as_Problem);
-  if (!Cancelled()) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Problem);
+  if (Cancelled()) return;
+  p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Problem);
+  marked_.insert(al_Unit);
+}
+
+void TransferFlows::LogCount(std::string_view as_What, std::size_t al_First) {
+  const auto moved = std::count_if(results_.begin() + static_cast<std::ptrdiff_t>(al_First), results_.end(),
+                                   [](const TransferResult& each) { return each.problem.empty() && !each.nothing; });
+  p_.trace.LogWrite(std::string(as_What) + std::to_string(moved));
+}
+
+void TransferFlows::LeaveBackupOut() {
+  if (p_.form.Chk_Backup.ticked()) p_.trace.LogWrite("Backup left out, the round ended before it");
 }
 
 bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
@@ -161,6 +185,7 @@ bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
   if (!p_.browser.ConfigureFTP()) return false;
   const BusyPointer busy(p_.form.Frm_Main);
   BeginRun("Get files...", static_cast<std::int64_t>(wanted.size()));
+  const std::size_t first = results_.size();
   bool arrived = false;
   for (const std::int64_t unit : wanted) {
     if (Cancelled() || !p_.registry.Units.Has(unit)) break;
@@ -180,6 +205,7 @@ bool TransferFlows::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
   }
   if (!Cancelled()) p_.trace.Status("Finished...");
   if (!Cancelled() && !arrived) ShowLastProblem();
+  LogCount("Files fetched: ", first);
   EndRun(selected);
   return arrived;
 }
@@ -203,18 +229,34 @@ bool TransferFlows::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
   const FilePair files = NamesOf(al_Unit);
   const FilePair fetched = ArchivesOf(files);
   p_.trace.Status("Receive: " + p_.ftp.Server() + ":" + fetched.remote + "->" + fetched.local);
-  const bool has_folder = EnsureFolder(FolderOf(fetched.local));
-  if (!has_folder || !p_.ftp.GetFile(fetched.remote, fetched.local)) {
-    KeepResult(al_Unit, files.local, has_folder ? WhyFailed() : "its folder cannot be created");
+  bool arrived = false;
+  std::string problem;
+  try {
+    arrived = Fetch(files, fetched, problem);
+  } catch (const RunTimeError& error) {
+    problem = error.what();
+  }
+  if (problem.empty()) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Well);
+  KeepResult(al_Unit, files.local, problem);
+  return arrived;
+}
+
+bool TransferFlows::Fetch(const FilePair& av_Files, const FilePair& av_Fetched, std::string& as_Problem) {
+  const std::string folder(FolderOf(av_Files.local));
+  if (!EnsureFolder(folder)) {
+    as_Problem = "its folder cannot be created";
     return false;
   }
-  std::int16_t unzipped = kZipOk;
-  if (p_.form.Chk_ZIPFiles.ticked()) {
-    unzipped = Unzip(fetched.local, std::string(FileNameOf(files.local)),
-                     p_.names.ClientFolder(static_cast<std::int32_t>(al_Unit)));
+  ShrinkGuard former(Calibrated() ? std::string() : av_Files.local);
+  if (!p_.ftp.GetFile(av_Fetched.remote, av_Fetched.local)) {
+    as_Problem = WhyFailed();
+    return false;
   }
-  if (unzipped == kZipOk) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Well);
-  KeepResult(al_Unit, files.local, WhyNotPacked(unzipped));
+  if (p_.form.Chk_ZIPFiles.ticked()) {
+    as_Problem = WhyNotPacked(Unzip(av_Fetched.local, std::string(FileNameOf(av_Files.local)), AddBackslash(folder)));
+  }
+  const std::string kept = former.KeepIfShorter();
+  if (!kept.empty()) as_Problem = "shorter than the one before, which is kept as " + kept;
   return true;
 }
 
@@ -224,12 +266,14 @@ void TransferFlows::DoBackup() {
   const BusyPointer busy(p_.form.Frm_Main);
   p_.bars.Unit.SetProcessText("Backup");
   p_.bars.Unit.Initialise(p_.registry.Units.count());
+  const std::size_t first = results_.size();
   for (std::int64_t i = 1; i <= p_.registry.Units.count() && !Cancelled(); ++i) {
     if (p_.registry.Units[i].Active == 0) continue;
     if (!BackUpUnit(i)) break;
     p_.bars.Unit.Increment();
     p_.loop.Poll();
   }
+  LogCount("Files backed up: ", first);
   p_.bars.Unit.Hide();
   p_.trace.Status("Finished...");
 }
@@ -259,7 +303,11 @@ bool TransferFlows::BackUpUnit(std::int64_t al_Unit) {
   const std::string archive = folder + WithExtension(p_.names.DataFileShortName(unit, Calibrated()), kArchiveExtension);
   const std::int16_t result = Zip(p_.names.DataFileName(unit, Calibrated()), archive, "Zip: " + archive);
   // A unit that has no file yet is nobody's fault.
-  if (result != kZipFilesSkipped) KeepResult(al_Unit, archive, WhyNotPacked(result));
+  if (result == kZipFilesSkipped) {
+    results_.push_back({al_Unit, archive, "", true});
+  } else {
+    KeepResult(al_Unit, archive, WhyNotPacked(result));
+  }
   return true;
 }
 

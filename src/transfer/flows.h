@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,8 +30,9 @@ enum SendDestination : std::int16_t { kToFtp = 1, kToWebData = 2 };
 /// What became of the file of one unit.
 struct TransferResult {
   std::int64_t unit = 0;
-  std::string file;     ///< where it was to go: on the server, here, or in the backup
-  std::string problem;  ///< empty when it got there
+  std::string file;      ///< where it was to go: on the server, here, or in the backup
+  std::string problem;   ///< empty when it got there, or when there was nothing to move
+  bool nothing = false;  ///< the unit has no file yet
 };
 
 /// Sends the units' data files, fetches those of other sites, and makes the backup.
@@ -81,6 +83,8 @@ class TransferFlows {
 
   /// Ends what runs, within a second.
   void Cancel();
+  /// Notes that the backup of a round is left out.
+  void LeaveBackupOut();
   /// The files that the present or last operation has tried, in order.
   [[nodiscard]] const std::vector<TransferResult>& Results() const { return results_; }
   /// Forgets them: an operation begins.
@@ -113,9 +117,14 @@ class TransferFlows {
   [[nodiscard]] bool BelongsToAnother(std::int64_t al_Unit) const;
   /// Leaves what ended a run in the status line.
   void ShowLastProblem();
+  /// Writes how many files the run has moved to the log; they begin at `al_First` of the results.
+  void LogCount(std::string_view as_What, std::size_t al_First);
   [[nodiscard]] bool BackUpUnit(std::int64_t al_Unit);
   /// Creates a folder where it is missing; false when that fails, which has been shown.
   [[nodiscard]] bool EnsureFolder(std::string_view as_Folder);
+  /// Brings one file in; true when it came, whatever `as_Problem` then says of it. A failure here throws
+  /// `RunTimeError`.
+  [[nodiscard]] bool Fetch(const FilePair& av_Files, const FilePair& av_Fetched, std::string& as_Problem);
   [[nodiscard]] std::string BackupFolder(std::int64_t al_Unit) const;
   std::int16_t Zip(const std::string& as_File, const std::string& as_Archive, const std::string& as_Status);
   std::int16_t Unzip(const std::string& as_Archive, const std::string& as_File, const std::string& as_Folder);
@@ -123,6 +132,7 @@ class TransferFlows {
 
   Parts p_;
   std::vector<TransferResult> results_;
+  std::set<std::int64_t> marked_;  ///< units whose sign is that of a failed transfer
 };
 
 }  // namespace corvane

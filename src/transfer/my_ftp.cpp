@@ -92,6 +92,7 @@ bool MyFTP::Connect() {
     return false;
   }
   settings_changed_ = false;
+  current_folder_.clear();
   log_.ShowStatus("Connected to: " + server_);
   if (connection_changed) connection_changed();
   if (SetRemoteDirectory()) {
@@ -269,6 +270,7 @@ bool MyFTP::Receive(const std::string& as_Remote, const std::string& as_Local, c
 
 bool MyFTP::GetDirectoryList(std::string_view as_Filter) {
   cancel_ = false;
+  listed_ = false;
   listing_.Clear();
   if (!ConnectIfNotConnected() || cancel_ || !SetRemoteDirectory()) return false;
   log_.ShowStatus("Getting directory list...");
@@ -277,6 +279,7 @@ bool MyFTP::GetDirectoryList(std::string_view as_Filter) {
   if (!CollectEntries(current_folder_ + (open_end ? "/" : "") + filter)) return false;
   listing_.Sort();
   log_.ShowStatus("");
+  listed_ = true;
   return true;
 }
 
@@ -330,6 +333,8 @@ bool MyFTP::MakeLevel(const std::string& as_Prefix) {
     return true;
   }
   if (cancel_) return true;
+  // Without a listing nothing is known, and the folder may not even be the right one to create something in.
+  if (!listed_) return false;
   log_.LogStatus(as_Prefix + " does not exist so creating directory: " + as_Prefix);
   if (!CreateFolder(as_Prefix)) return false;
   log_.Append("Created directory: " + as_Prefix);

@@ -131,6 +131,7 @@ class MyFTP {
   std::string agent_name_;
   bool settings_changed_ = false;
   bool cancel_ = false;
+  bool listed_ = false;  ///< the last listing is complete
   InternetHandle internet_ = 0;
   InternetHandle connection_ = 0;
   std::int64_t previous_callback_ = 0;

@@ -152,7 +152,9 @@ void RemoteBrowser::CreateRemoteFolders() {
   const BusyPointer busy(p_.form.Frm_Main);
   std::vector<std::string> folders;
   for (const Client& client : p_.registry.Clients) folders.push_back(ToLower(WithSlashes(client.Folder)));
-  bool well = true;
+  // The initial folder first: the clients' folders belong nowhere else.
+  bool well = p_.ftp.ConnectIfNotConnected() && !Cancelled() && p_.ftp.SetRemoteDirectory();
+  if (!well) return CountProblem(false);
   for (const std::string& folder : folders) {
     well = p_.ftp.CheckRemoteDirectory(folder) && well;
     if (Cancelled()) return CountProblem(false);

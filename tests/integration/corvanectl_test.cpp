@@ -220,7 +220,7 @@ TEST_F(CorvanectlTest, SendsFetchesAndBacksUp) {
   home_.Write("F1/00003.epd", "kept");
   const std::tuple<Words, int, std::vector<std::string>> rows[] = {
       {{"send", "1"}, 0, {"Site 1  f1/00001.zip  ok"}},
-      {{"send"}, 1, {"Site 1  f1/00001.zip  ok", "Site 2  00002.zip     there is no file " + home_.Name("00002.zip")}},
+      {{"send"}, 1, {"Site 1  f1/00001.zip  ok", "Site 2  00002.zip     there is no file " + home_.Name("00002.epd")}},
       {{"send", "3"}, 1, {"Site 3        not tried: its file is not sent by FTP"}},
       {{"fetch"}, 1, {"00003.zip"}},
       {{"backup"}, 0, {home_.Name("F1/00001.zip") + "  ok"}},

@@ -54,6 +54,7 @@ class FakeInternet : public InternetClient {
   }
   bool FtpGetFile(InternetHandle, const std::string& remote, const std::string& local) override {
     if (!Note("get " + remote) || !Require(files.contains(Full(remote)))) return false;
+    std::filesystem::remove(local);  // the new file takes the name, it does not go into the old one
     std::ofstream(local, std::ios::binary) << files[Full(remote)];
     ReportBytes(kResponseReceived, files[Full(remote)].size());
     return true;
@@ -189,6 +190,7 @@ class FakeZip : public ZipComponent {
     if (result != kZipOk) return result;
     const std::string contents = ReadAll(archive_);
     if (!contents.starts_with(Head(files_))) return kZipNothingToDo;
+    std::filesystem::remove(folder_ + files_);
     std::ofstream(folder_ + files_, std::ios::binary) << contents.substr(Head(files_).size());
     return kZipOk;
   }

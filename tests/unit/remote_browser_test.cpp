@@ -119,6 +119,16 @@ TEST_F(BrowserTest, WorksInTheFolderThatIsShownWhateverRanMeanwhile) {
   EXPECT_EQ(world.internet.Count("rmd") + world.internet.Count("dele"), 0) << "the folder could not be entered";
 }
 
+TEST_F(BrowserTest, CreatesNothingBesideTheFolderOfTheField) {
+  world.form().Txt_FTPFolder.SetText("/nowhere");
+  world.internet.folders = {"/"};
+  world.internet.calls.clear();
+  world.dialogs.boxes.clear();
+  world.form().mnu_Clients.Click(5);
+  EXPECT_EQ(world.internet.Count("mkd"), 0);
+  EXPECT_EQ(world.dialogs.boxes.size(), 1U);
+}
+
 TEST_F(BrowserTest, EmptyFolderIsThatOfTheLoginAgain) {
   world.internet.folders.insert("/f1");
   world.GiveRawFile(1, "F1");
@@ -128,6 +138,7 @@ TEST_F(BrowserTest, EmptyFolderIsThatOfTheLoginAgain) {
   ASSERT_EQ(world.form().Lbl_ftpRemoteFolder.text(), "/f1");
   world.form().mnu_ftpFile.Click(1);
   EXPECT_TRUE(world.internet.files.contains("/f1/u00001.epd"));
+  EXPECT_EQ(list.text(1), "f1\t[DIR]") << "the list is that of the login's folder, too";
 }
 
 TEST_F(BrowserTest, CancelEndsTheWalkThroughTheClients) {

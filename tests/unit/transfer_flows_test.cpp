@@ -121,6 +121,24 @@ TEST(Fetch, KeepsWhatIsBetterThanWhatComes) {
   EXPECT_EQ(world.internet.Count("get"), 1);
 }
 
+TEST(Fetch, KeepsALongerRawFileUnderAnotherName) {
+  TransferWorld world({"1 0 3 1"});
+  const auto fetch = [&](const std::string& contents) {
+    world.internet.files = {{"/web/f1/u00001.epd", contents}};
+    world.form().mnu_Download.Click(3);
+    EXPECT_EQ(world.home.Read("data/F1/u00001.epd"), contents);
+    EXPECT_EQ(world.home.Read("data/F1/u00001.epd.before"), "");
+    return world.home.Read("data/F1/u00001.epd.old");
+  };
+  EXPECT_EQ(fetch("ten bytes\n"), "");
+  EXPECT_EQ(fetch("twelve bytes"), "");
+  EXPECT_EQ(fetch("cut"), "twelve bytes");
+  EXPECT_EQ(world.form().Lst_Units.mark(0), RowMark::Problem);
+  EXPECT_EQ(fetch(""), "twelve bytes") << "the longest is kept";
+  EXPECT_EQ(fetch("twelve bytes and more"), "twelve bytes");
+  EXPECT_EQ(world.form().Lst_Units.mark(0), RowMark::Well);
+}
+
 TEST(Fetch, LeavesCalibratedFilesAsTheyCame) {
   TransferWorld world({"1 0 3 1"}, "WebFileType=1\n");
   world.internet.files = {{"/web/f1/u00001.txt", "fetched"}};
@@ -216,6 +234,7 @@ TEST_P(Rounds, FollowTheDownloadWithFetchSendAndBackup) {
     world.form().Cmd_DownloadAll[row.mode].Click();
   }
   EXPECT_EQ(steps, row.steps);
+  EXPECT_EQ(world.Logged("Backup left out"), row.refused_puts > 0);
   EXPECT_EQ(world.dialogs.open_boxes, 0);
 }
 
