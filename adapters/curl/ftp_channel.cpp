@@ -81,7 +81,7 @@ void FtpChannel::SetUp() {
   set(CURLOPT_MAXAGE_CONN, kForEver);
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_BUFFERSIZE, kBufferSize);
-  set(CURLOPT_UPLOAD_BUFFERSIZE, kBufferSize);
+  set(CURLOPT_UPLOAD_BUFFERSIZE, 2 * kBufferSize);
   set(CURLOPT_ERRORBUFFER, error_);
   set(CURLOPT_VERBOSE, 1L);
   set(CURLOPT_DEBUGFUNCTION, &OnDebug);
