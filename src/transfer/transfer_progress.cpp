@@ -74,8 +74,7 @@ void TransferProgress::StartTransfer(std::string_view as_File, std::int64_t al_S
 }
 
 void TransferProgress::EndTransfer() {
-  log_.ShowStatus(
-      RateText(std::string(FileNameOf(file_)) + " ", loop_.MonotonicMilliseconds() - start_, bytes_this_transfer_));
+  ShowRate();
   GiveUpTransfer();
 }
 
@@ -158,9 +157,13 @@ std::string TransferProgress::ProgressText() const {
   return std::to_string(bytes_this_transfer_) + " of " + std::to_string(size_);
 }
 
+void TransferProgress::ShowRate() {
+  const std::int64_t elapsed = loop_.MonotonicMilliseconds() - start_;
+  log_.ShowStatus(RateText(std::string(FileNameOf(file_)) + " ", elapsed, bytes_this_transfer_));
+}
+
 void TransferProgress::ShowProgress() {
-  log_.ShowStatus(
-      RateText(std::string(FileNameOf(file_)) + " ", loop_.MonotonicMilliseconds() - start_, bytes_this_transfer_));
+  ShowRate();
   if (size_ <= 0) return log_.Append("filesize=0");
   if (bar_ == nullptr) return;
   const double percent = 100.0 * static_cast<double>(bytes_this_transfer_) / static_cast<double>(size_);

@@ -42,6 +42,7 @@ class TransferProgress {
   void Count(std::int64_t al_Bytes);
   void OnSending(std::int64_t al_Bytes);
   void OnReceived(std::int64_t al_Bytes);
+  void ShowRate();
   void ShowProgress();
   [[nodiscard]] std::string ProgressText() const;
 
