@@ -1,6 +1,5 @@
 #include "curl/ftp_connection.h"
 
-#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,10 +12,6 @@
 namespace corvane {
 
 namespace {
-
-bool HasControlCharacter(std::string_view text) {
-  return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; });
-}
 
 /// A host without the brackets that addresses of IPv6 are often written in.
 FtpLogin WithPlainHost(FtpLogin login) {

@@ -7,6 +7,7 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/text.h"
 #include "posix/run_aside.h"
 #include "zip/zip_reader.h"
 #include "zip/zip_writer.h"
@@ -22,8 +23,7 @@ bool IsFullPath(const std::string& path) {
 
 /// A name that stands for a file in a folder and nothing else.
 bool IsPlainName(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." &&
-         std::none_of(name.begin(), name.end(), [](char sign) { return (sign >= 0 && sign < ' ') || sign == 127; });
+  return !name.empty() && name != "." && name != ".." && !HasControlCharacter(name);
 }
 
 }  // namespace

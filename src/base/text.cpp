@@ -88,6 +88,10 @@ void AppendVisible(std::string& out, std::string_view text) {
   }
 }
 
+bool HasControlCharacter(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 32 || c == 127; });
+}
+
 std::string ZeroPadded(long long number, int width) {
   std::string digits = std::to_string(number);
   const std::size_t sign = number < 0 ? 1 : 0;

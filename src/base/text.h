@@ -34,6 +34,9 @@ void SplitInto(std::string_view text, char separator, std::vector<std::string_vi
 /// Appends `Visible(text)` to `out`.
 void AppendVisible(std::string& out, std::string_view text);
 
+/// True when `text` holds a character below the blank, or the one of code 127.
+[[nodiscard]] bool HasControlCharacter(std::string_view text);
+
 /// `number` in decimal, at least `width` digits, with leading zeros; a minus sign comes before the digits.
 [[nodiscard]] std::string ZeroPadded(long long number, int width);
 

@@ -1,6 +1,5 @@
 #include "transfer/my_ftp.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -20,11 +19,6 @@ constexpr std::string_view kAnonymousPassword = "corvane@localhost";
 /// A local name by the rule for paths. One that is not full has no folder to be placed in and is not found.
 std::string LocalName(std::string_view name) {
   return PlaceInFolder("", name);
-}
-
-/// True for a name that could not be told from a column of the list, nor be sent in a command.
-bool HasControlCharacter(std::string_view name) {
-  return std::any_of(name.begin(), name.end(), [](unsigned char c) { return c < 32 || c == 127; });
 }
 
 }  // namespace
@@ -291,6 +285,7 @@ bool MyFTP::CollectEntries(const std::string& as_Path) {
   const InternetHandle find = client_.FtpFindFirstFile(connection_, as_Path, FindPurpose::Listing, record);
   if (find == 0) return client_.GetLastError() == kInternetNoError || Fail("GetDirectoryList:" + as_Path);
   do {
+    // Such a name could not be told from a column of the list, nor be sent in a command.
     if (HasControlCharacter(record.name)) {
       log_.LogStatus("Left out of the list, its name holds a control character: " + Visible(record.name));
     } else {
