@@ -10,11 +10,11 @@
 
 #include "app/application.h"
 #include "curl/curl_internet_client.h"
-#include "link/raw_file.h"
+#include "data/raw_file.h"
+#include "desktop/posix_shell.h"
 #include "posix/posix_loop.h"
-#include "posix/posix_shell.h"
-#include "posix/termios_port.h"
 #include "printing_dialogs.h"
+#include "serial/termios_port.h"
 #include "zip/libzip_component.h"
 
 namespace {

@@ -13,10 +13,10 @@
 
 #include "base/paths.h"
 #include "curl/curl_internet_client.h"
-#include "link/link_state.h"
+#include "desktop/posix_shell.h"
 #include "posix/posix_loop.h"
-#include "posix/posix_shell.h"
 #include "printing_dialogs.h"
+#include "state/link_state.h"
 #include "transfer/my_ftp.h"
 
 namespace {

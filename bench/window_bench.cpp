@@ -25,10 +25,10 @@
 
 #include "app/application.h"
 #include "curl/curl_internet_client.h"
-#include "posix/posix_shell.h"
-#include "posix/termios_port.h"
+#include "desktop/posix_shell.h"
 #include "printing_dialogs.h"
 #include "qt/qt_loop.h"
+#include "serial/termios_port.h"
 #include "window/main_window.h"
 #include "zip/libzip_component.h"
 

@@ -9,8 +9,8 @@
 #include "console_output.h"
 #include "form/form.h"
 #include "form/form_view.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
 
 namespace corvane::console {
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "app/app_info.h"
 #include "console/options.h"
 #include "console/program.h"
+#include "state/app_info.h"
 
 int main(int argc, char** argv) {
   using namespace corvane::console;

@@ -17,10 +17,10 @@
 #include "console_output.h"
 #include "console_view.h"
 #include "curl/curl_internet_client.h"
-#include "posix/application_folder.h"
+#include "desktop/application_folder.h"
+#include "desktop/posix_shell.h"
 #include "posix/posix_loop.h"
-#include "posix/posix_shell.h"
-#include "posix/termios_port.h"
+#include "serial/termios_port.h"
 #include "zip/libzip_component.h"
 
 namespace corvane::console {

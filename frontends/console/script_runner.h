@@ -4,10 +4,10 @@
 #include <functional>
 #include <string>
 
-#include "app/run_flags.h"
 #include "form/form.h"
 #include "platform/event_loop.h"
 #include "script.h"
+#include "state/run_flags.h"
 
 namespace corvane::console {
 

@@ -6,7 +6,7 @@
 
 #include "base/files.h"
 #include "base/format.h"
-#include "link/raw_file.h"
+#include "data/raw_file.h"
 
 namespace corvane::console {
 

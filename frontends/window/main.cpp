@@ -9,8 +9,8 @@
 #include <QApplication>
 #include <QSettings>
 
-#include "app/app_info.h"
 #include "posix/signal_watch.h"
+#include "state/app_info.h"
 #include "window/options.h"
 #include "window/program.h"
 

@@ -11,8 +11,8 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "data/logging_schedule.h"
-#include "link/line_settings.h"
 #include "link/schedule.h"
+#include "platform/line_settings.h"
 #include "transfer/server_address.h"
 
 namespace corvane {

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "app/app_info.h"
-#include "data/file_names.h"
 #include "form/form.h"
+#include "state/app_info.h"
+#include "state/file_names.h"
 
 namespace corvane {
 

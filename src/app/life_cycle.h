@@ -2,11 +2,8 @@
 
 #include <string_view>
 
-#include "app/app_info.h"
 #include "app/commands.h"
-#include "app/operation_slot.h"
 #include "app/run_at_startup.h"
-#include "app/run_flags.h"
 #include "app/settings.h"
 #include "app/settings_store.h"
 #include "data/local_files.h"
@@ -19,6 +16,9 @@
 #include "registry/client_editor.h"
 #include "registry/relay_editor.h"
 #include "registry/unit_editor.h"
+#include "state/app_info.h"
+#include "state/operation_slot.h"
+#include "state/run_flags.h"
 #include "trace/summary.h"
 #include "trace/trace.h"
 #include "ui/progress_bar.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "app/settings_store.h"
-#include "link/port_devices.h"
+#include "state/port_devices.h"
 
 namespace corvane {
 

@@ -6,14 +6,14 @@
 #include <variant>
 #include <vector>
 
-#include "app/app_info.h"
 #include "app/settings_store.h"
 #include "form/form.h"
-#include "link/port_devices.h"
 #include "registry/client_editor.h"
-#include "registry/records.h"
 #include "registry/relay_editor.h"
 #include "registry/unit_editor.h"
+#include "state/app_info.h"
+#include "state/port_devices.h"
+#include "state/records.h"
 #include "trace/trace.h"
 #include "ui/messages.h"
 

@@ -8,7 +8,7 @@
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/text.h"
-#include "link/raw_line.h"
+#include "data/raw_line.h"
 #include "ui/mouse_pointer.h"
 
 namespace corvane {

@@ -5,14 +5,14 @@
 #include <string>
 #include <string_view>
 
-#include "app/run_flags.h"
 #include "data/calibration.h"
 #include "data/logging_schedule.h"
 #include "data/lookup.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
-#include "registry/records.h"
+#include "state/link_state.h"
+#include "state/records.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 #include "ui/messages.h"
 #include "ui/progress_bar.h"

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "app/run_flags.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 #include "ui/messages.h"
 

@@ -5,15 +5,15 @@
 #include <optional>
 #include <string>
 
-#include "app/app_info.h"
-#include "app/operation_slot.h"
-#include "app/run_flags.h"
 #include "data/file_listbox.h"
-#include "data/file_names.h"
 #include "form/form.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/shell.h"
+#include "state/app_info.h"
+#include "state/file_names.h"
+#include "state/operation_slot.h"
+#include "state/run_flags.h"
 #include "ui/messages.h"
 
 namespace corvane {

@@ -4,7 +4,7 @@
 #include "base/format.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "link/raw_file.h"
+#include "data/raw_file.h"
 
 namespace corvane {
 namespace {

@@ -6,12 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "data/raw_line.h"
 #include "form/form.h"
 #include "link/exchange.h"
-#include "link/link_state.h"
 #include "link/link_writer.h"
-#include "link/raw_line.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
 #include "trace/summary.h"
 #include "trace/trace.h"
 #include "ui/progress_bar.h"

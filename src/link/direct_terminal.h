@@ -5,13 +5,13 @@
 #include <memory>
 #include <string>
 
-#include "app/command_states.h"
-#include "app/run_flags.h"
 #include "form/form.h"
 #include "link/exchange.h"
-#include "link/link_state.h"
 #include "link/port_link.h"
 #include "platform/event_loop.h"
+#include "state/command_states.h"
+#include "state/link_state.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 
 namespace corvane {

@@ -4,15 +4,15 @@
 #include <string>
 #include <string_view>
 
-#include "app/run_flags.h"
 #include "base/dates.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "link/link_writer.h"
 #include "link/pause.h"
 #include "link/reply_timer.h"
 #include "platform/event_loop.h"
-#include "registry/records.h"
+#include "state/link_state.h"
+#include "state/records.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 
 namespace corvane {

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "link/link_state.h"
 #include "platform/serial_port.h"
+#include "state/link_state.h"
 #include "trace/trace.h"
 
 namespace corvane {

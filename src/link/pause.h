@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "app/run_flags.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 
 namespace corvane {

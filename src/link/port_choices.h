@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "base/status.h"
-#include "link/port_devices.h"
 #include "platform/serial_port.h"
+#include "state/port_devices.h"
 
 namespace corvane {
 

@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
-#include "app/command_states.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "link/link_writer.h"
-#include "link/port_devices.h"
 #include "link/reply_timer.h"
 #include "platform/serial_port.h"
+#include "state/command_states.h"
+#include "state/link_state.h"
+#include "state/port_devices.h"
 #include "trace/trace.h"
 #include "ui/progress_bar.h"
 

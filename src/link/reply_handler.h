@@ -5,8 +5,8 @@
 #include "form/form.h"
 #include "link/capture.h"
 #include "link/exchange.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
 #include "trace/summary.h"
 #include "trace/trace.h"
 

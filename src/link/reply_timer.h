@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "form/form.h"
-#include "link/link_state.h"
 #include "link/link_writer.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
 #include "trace/trace.h"
 
 namespace corvane {

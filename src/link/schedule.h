@@ -6,10 +6,10 @@
 #include <optional>
 #include <string_view>
 
-#include "app/operation_slot.h"
-#include "app/run_flags.h"
 #include "form/form.h"
 #include "platform/event_loop.h"
+#include "state/operation_slot.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 
 namespace corvane {

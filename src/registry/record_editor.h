@@ -6,10 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "app/command_states.h"
-#include "app/operation_slot.h"
 #include "form/form.h"
-#include "registry/records.h"
+#include "state/command_states.h"
+#include "state/operation_slot.h"
+#include "state/records.h"
 #include "ui/messages.h"
 
 namespace corvane {

@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-#include "app/run_flags.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
+#include "state/link_state.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 
 namespace corvane {

@@ -1,9 +1,9 @@
 #include "trace/trace.h"
 
-#include "app/app_info.h"
 #include "base/file_numbers.h"
 #include "base/format.h"
 #include "base/text.h"
+#include "state/app_info.h"
 
 namespace corvane {
 namespace {

@@ -7,9 +7,9 @@
 
 #include "base/files.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "platform/event_loop.h"
 #include "platform/shell.h"
+#include "state/link_state.h"
 
 namespace corvane {
 

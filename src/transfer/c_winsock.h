@@ -8,11 +8,11 @@
 #include <string>
 #include <string_view>
 
-#include "app/app_info.h"
 #include "base/files.h"
 #include "form/control.h"
 #include "platform/event_loop.h"
 #include "platform/tcp_socket.h"
+#include "state/app_info.h"
 
 namespace corvane {
 

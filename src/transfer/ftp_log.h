@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/app_info.h"
 #include "form/form.h"
 #include "platform/event_loop.h"
+#include "state/app_info.h"
 #include "trace/trace.h"
 
 namespace corvane {

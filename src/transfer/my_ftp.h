@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "app/app_info.h"
 #include "form/form.h"
 #include "platform/event_loop.h"
 #include "platform/internet_client.h"
+#include "state/app_info.h"
 #include "trace/trace.h"
 #include "transfer/ftp_log.h"
 #include "transfer/remote_listing.h"

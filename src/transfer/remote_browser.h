@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "app/app_info.h"
-#include "app/run_flags.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "platform/dialogs.h"
-#include "registry/records.h"
+#include "state/app_info.h"
+#include "state/link_state.h"
+#include "state/records.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 #include "transfer/my_ftp.h"
 #include "ui/messages.h"

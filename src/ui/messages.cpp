@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "app/app_info.h"
+#include "state/app_info.h"
 
 namespace corvane {
 namespace {

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "app/run_flags.h"
 #include "form/form.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 
 namespace corvane {

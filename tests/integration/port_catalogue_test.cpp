@@ -1,4 +1,4 @@
-#include "posix/port_catalogue.h"
+#include "serial/port_catalogue.h"
 
 #include <gtest/gtest.h>
 

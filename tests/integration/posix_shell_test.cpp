@@ -1,4 +1,4 @@
-#include "posix/posix_shell.h"
+#include "desktop/posix_shell.h"
 
 #include <cerrno>
 #include <csignal>

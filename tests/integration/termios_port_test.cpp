@@ -1,4 +1,4 @@
-#include "posix/termios_port.h"
+#include "serial/termios_port.h"
 
 #include <algorithm>
 #include <atomic>

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "app/run_flags.h"
 #include "form/form.h"
-#include "link/link_state.h"
+#include "state/link_state.h"
+#include "state/run_flags.h"
 #include "support/fake_loop.h"
 #include "support/recorders.h"
 #include "support/temp_folder.h"

@@ -3,8 +3,8 @@
 #include <string>
 #include <tuple>
 
-#include "app/command_states.h"
 #include "form/form.h"
+#include "state/command_states.h"
 
 namespace corvane {
 namespace {

@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "app/home_folder.h"
 #include "base/status.h"
 #include "console/options.h"
+#include "state/home_folder.h"
 
 namespace corvane::console {
 namespace {

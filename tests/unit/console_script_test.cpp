@@ -4,11 +4,11 @@
 #include <tuple>
 #include <vector>
 
-#include "app/run_flags.h"
 #include "console/options.h"
 #include "console/script.h"
 #include "console/script_runner.h"
 #include "form/form.h"
+#include "state/run_flags.h"
 #include "support/fake_loop.h"
 
 namespace corvane::console {

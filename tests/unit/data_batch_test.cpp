@@ -4,7 +4,7 @@
 #include <tuple>
 #include <vector>
 
-#include "data/batch_conversion.h"
+#include "rounds/batch_conversion.h"
 #include "support/scripted_port.h"
 #include "unit/data_world.h"
 

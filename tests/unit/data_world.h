@@ -2,14 +2,14 @@
 
 #include <cstdint>
 
-#include "app/app_info.h"
-#include "app/command_states.h"
-#include "app/operation_slot.h"
 #include "data/calibrated_converter.h"
 #include "data/file_listbox.h"
-#include "data/file_names.h"
 #include "data/local_files.h"
 #include "data/lookup.h"
+#include "state/app_info.h"
+#include "state/command_states.h"
+#include "state/file_names.h"
+#include "state/operation_slot.h"
 #include "support/fake_loop.h"
 #include "support/recorders.h"
 #include "support/temp_folder.h"

@@ -1,4 +1,4 @@
-#include "link/raw_file.h"
+#include "data/raw_file.h"
 
 #include <gtest/gtest.h>
 

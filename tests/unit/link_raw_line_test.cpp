@@ -1,4 +1,4 @@
-#include "link/raw_line.h"
+#include "data/raw_line.h"
 
 #include <gtest/gtest.h>
 

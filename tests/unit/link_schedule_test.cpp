@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/operation_slot.h"
+#include "state/operation_slot.h"
 #include "unit/link_world.h"
 
 namespace corvane::test {

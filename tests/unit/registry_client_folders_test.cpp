@@ -1,4 +1,4 @@
-#include "registry/client_folders.h"
+#include "rounds/client_folders.h"
 
 #include <gtest/gtest.h>
 

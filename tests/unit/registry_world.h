@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "app/command_states.h"
-#include "app/operation_slot.h"
-#include "app/run_flags.h"
 #include "form/form.h"
-#include "link/link_state.h"
 #include "registry/client_editor.h"
 #include "registry/relay_editor.h"
 #include "registry/unit_editor.h"
+#include "state/command_states.h"
+#include "state/link_state.h"
+#include "state/operation_slot.h"
+#include "state/run_flags.h"
 #include "support/fake_loop.h"
 #include "support/recorders.h"
 #include "trace/trace.h"

@@ -1,4 +1,4 @@
-#include "transfer/flows.h"
+#include "rounds/transfer_flows.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "posix/posix_shell.h"
+#include "desktop/posix_shell.h"
 #include "window_world.h"
 
 namespace corvane::test {

@@ -12,9 +12,9 @@
 
 #include <gtest/gtest.h>
 
-#include "posix/termios_port.h"
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
+#include "serial/termios_port.h"
 #include "window_world.h"
 
 namespace corvane::test {

@@ -1,0 +1,108 @@
+#include "desktop/posix_shell.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include "desktop/autostart_entry.h"
+#include "desktop/spawn.h"
+
+namespace corvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kLockFile = "corvane.lock";
+constexpr const char* kEntryFile = "autostart/corvane.desktop";
+
+std::string Environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+/// The user's autostart entry, empty when the environment names no home; a relative `$XDG_CONFIG_HOME` does not count.
+std::string EntryPath() {
+  fs::path config = Environment("XDG_CONFIG_HOME");
+  if (!config.is_absolute()) config = fs::path(Environment("HOME")) / ".config";
+  return config.is_absolute() ? (config / kEntryFile).string() : "";
+}
+
+}  // namespace
+
+PosixShell::PosixShell(std::string name, const std::string& home) : name_(std::move(name)) {
+  std::error_code error;
+  program_ = fs::read_symlink("/proc/self/exe", error).string();
+  if (!home.empty()) home_ = fs::absolute(home, error).string();
+}
+
+PosixShell::~PosixShell() {
+  if (lock_ >= 0) close(lock_);
+}
+
+std::string PosixShell::ProgramFolder() const {
+  return fs::path(program_).parent_path().string();
+}
+
+std::string PosixShell::ProgramName() const {
+  return name_;
+}
+
+Status PosixShell::OpenEditor(const std::string& file) {
+  std::vector<std::string> command = SplitAtBlanks(Environment("VISUAL"));
+  if (command.empty()) command = {"xdg-open"};
+  const std::string editor = command.front();
+  command.push_back(file);
+  const int error = SpawnDetached(command);
+  if (error == 0) return Status::Ok();
+  return Status::FromErrno("no editor started, set VISUAL to an installed one (" + editor + ")", error);
+}
+
+Status PosixShell::OpenDocument(const std::string& file) {
+  const int error = SpawnDetached({"xdg-open", file});
+  return error == 0 ? Status::Ok() : Status::FromErrno("xdg-open is needed to show " + file, error);
+}
+
+bool PosixShell::HasLogOnEntry() const {
+  return IsEntryActive(EntryPath());
+}
+
+Status PosixShell::WriteLogOnEntry(const std::string& arguments) {
+  const std::string path = EntryPath();
+  if (path.empty()) return {ENOENT, "the folder for the log-on entry is unknown: set HOME"};
+  return WriteEntry(path, AutostartEntry{name_, program_, home_, arguments});
+}
+
+Status PosixShell::DeleteLogOnEntry() {
+  const std::string path = EntryPath();
+  if (unlink(path.c_str()) != 0 && errno != ENOENT) return Status::FromErrno("deleting " + path, errno);
+  return Status::Ok();
+}
+
+bool PosixShell::TakeInstanceLock(const std::string& folder) {
+  if (lock_ >= 0 && folder == locked_folder_) return true;
+  const std::string path = (fs::path(folder) / kLockFile).string();
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0600);
+  if (descriptor < 0) return true;
+  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    close(descriptor);
+    return false;
+  }
+  if (lock_ >= 0) close(lock_);
+  lock_ = descriptor;
+  locked_folder_ = folder;
+  return true;
+}
+
+void PosixShell::Beep() {
+  if (isatty(STDERR_FILENO) == 0) return;
+  static_cast<void>(!write(STDERR_FILENO, "\a", 1));
+}
+
+}  // namespace corvane

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+
+#include "rounds/batch_conversion.h"
+#include "rounds/sessions.h"
+#include "rounds/transfer_flows.h"
+
+namespace corvane {
+
+/// The modes of a chained download.
+enum DownloadMode : std::int16_t { kHandHeldUnits = 0, kRadioUnits = 1, kCurrentUnit = 2 };
+
+/// A download session and the conversion, fetch, send and backup that follow it.
+class DownloadRound {
+ public:
+  DownloadRound(Form& av_Form, const LinkState& av_Link, EventLoop& av_Loop, Sessions& av_Sessions,
+                BatchConversion& av_Conversion, TransferFlows& av_Flows, Schedule& av_Schedule);
+
+  /// Runs the chain of a mode; every step after the first runs only while nothing was cancelled. **Yields.**
+  void DownloadAllUnits(bool ab_All, std::int16_t ai_Mode);
+  /// Fetches from one source (3 FTP, 4 web data) and converts what came when it is raw. **Yields.**
+  void FetchAndConvert(bool ab_All, std::int32_t al_Source);
+
+ private:
+  void RadioRound(bool ab_All);
+  void HandHeldRound(bool ab_All);
+  void CurrentUnitRound();
+  void FetchEverything(bool ab_All);
+  void ConvertFetched(bool ab_All, std::int32_t al_Source);
+  void SendEverything(bool ab_All, std::int32_t al_GetFrom);
+
+  Form& form_;
+  const LinkState& link_;
+  EventLoop& loop_;
+  Sessions& sessions_;
+  BatchConversion& conversion_;
+  TransferFlows& flows_;
+  Schedule& schedule_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,119 @@
+#include "rounds/unit_session.h"
+
+#include "base/format.h"
+#include "base/numbers.h"
+#include "base/paths.h"
+#include "base/status.h"
+#include "data/raw_file.h"
+#include "ui/mouse_pointer.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::string_view kStampPattern = "yymmddHHNNSS";
+
+}  // namespace
+
+void UnitSession::ProcessUnit(std::int16_t ai_Command) {
+  try {
+    Run(ai_Command);
+  } catch (const RunTimeError& error) {
+    FailHere(error.what());
+  }
+  p_.exchange.SetStateFinished();
+  p_.trace.TraceDecision(
+      "Finish 'ProcessUnit' - closing output file: " + std::to_string(p_.capture.OutputFileNumber()) + " just in case");
+  p_.capture.CloseOutputFile();
+  p_.timer.Stop();
+}
+
+void UnitSession::FailHere(const std::string& as_Error) {
+  p_.link.HalvexError = true;
+  p_.link.ResultCode = 9;
+  p_.link.ResultText[9] = as_Error;
+  p_.trace.AErrorReport(as_Error);
+  p_.trace.Status(as_Error);
+}
+
+std::string UnitSession::Caption(std::int16_t ai_Command) const {
+  if (ai_Command == kTestBaseStation) return "Test " + p_.form.Cmb_Port[p_.port.LastIndex() == 1 ? 1 : 0].shown_text();
+  std::string caption = std::string(CommandOf(ai_Command).name) + ": ";
+  caption += p_.registry.Units[p_.form.Lst_Units.current() + 1].Name;
+  const std::string& tries = p_.form.Lbl_Try.text();
+  if (LeadingNumber(tries) > 1) caption += " (" + tries + "/" + p_.form.Txt_MaxRetries.text() + ")";
+  return caption;
+}
+
+void UnitSession::Run(std::int16_t ai_Command) {
+  const std::int64_t index = p_.form.Lst_Units.current() + 1;
+  if (ai_Command != kTestBaseStation && !p_.registry.Units.Has(index)) throw RunTimeError("Choose a unit");
+  const std::string caption = Caption(ai_Command);
+  p_.port.ClearBeforeCommand(caption);
+  p_.link.OverunCount = 0;
+  p_.link.OverunFlag = false;
+  p_.trace.Status(caption);
+  p_.bars.Unit.SetProcessText(caption);
+  p_.bars.Download.SetProcessText(caption);
+
+  const std::string parameters = ai_Command == kDownload ? PrepareDownload() : Parameters(ai_Command);
+  if (ai_Command == kDownload && !p_.link.ContinueOk()) return;
+  const Unit unit = ai_Command == kTestBaseStation ? Unit() : p_.registry.Units[index];
+  p_.exchange.SendCommand(BuildCommandLine(p_.registry, unit, ai_Command, parameters));
+  p_.exchange.SetState(ai_Command);
+  p_.exchange.WaitForChangeOfState();
+}
+
+std::string UnitSession::PrepareDownload() {
+  const auto index = static_cast<std::int32_t>(p_.form.Lst_Units.current() + 1);
+  p_.download.OutputFileName = p_.names.DataFileName(index, false);
+  p_.download.HeaderLine.clear();
+  CreatePath(FolderOf(p_.download.OutputFileName));
+  p_.download.LastDate = GetLastDate(p_.download.OutputFileName);
+  const std::string parameters = DownloadParameters(p_.download.LastDate);
+  if (!p_.link.ContinueOk()) return parameters;
+  p_.download.SavingData = true;
+  if (p_.download.LastDate.IsNone()) {
+    p_.trace.TraceDecision("Dump all data - parameters: " + parameters);
+  } else {
+    p_.trace.TraceDecision("Dump data after: " + FormatDate(p_.download.LastDate, "d mmm yyyy HHNN") +
+                           " Command: " + parameters);
+  }
+  return parameters;
+}
+
+std::string UnitSession::Parameters(std::int16_t ai_Command) {
+  switch (ai_Command) {
+    case kSetDate:
+      return FormatDate(p_.loop.Now(), kStampPattern);
+    case kSetLogPeriod:
+      return LogPeriodParameters(p_.form.Cmb_LogPeriod.shown_text());
+    case kSetMode:
+      return p_.form.Lbl_Mode.text();
+    case kSetDelays:
+      return p_.form.Txt_Delays.text();
+    default:
+      return {};
+  }
+}
+
+DateTime UnitSession::GetLastDate(const std::string& as_File) {
+  if (!ExamineFile(as_File)) return {};
+  const BusyPointer busy(p_.form.Frm_Main);
+  p_.trace.Status("Get date in: " + as_File);
+  const std::string torn = RepairTornTail(as_File);
+  if (!torn.empty()) p_.trace.LogWrite("Torn tail cut off " + as_File + ": " + torn);
+  const LastDateResult found = ReadLastDate(as_File, [this] {
+    p_.loop.Poll();
+    return !p_.link.UserCancel;
+  });
+  if (!found.problems.empty()) p_.messages.Show(found.problems, "last date");
+  if (found.last_date > p_.loop.Now()) {
+    const std::string report = "The last reading is in the future: " + GeneralDate(found.last_date) + " in " + as_File +
+                               ", line: " + found.line_text + ". Check the unit's clock and correct the file.";
+    p_.trace.AErrorReport(report);
+    p_.messages.Show(report, "future date");
+  }
+  return found.last_date;
+}
+
+}  // namespace corvane
