@@ -45,11 +45,8 @@ void Commands::RunCommand(std::string_view as_Name, const std::function<void()>&
 
 bool Commands::DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic) {
   // Also for what follows when the slot is given back.
-  const bool was_automatic = p_.flags.automatic_run;
-  p_.flags.automatic_run = was_automatic || ab_Automatic;
-  const bool ran = RunOperation("Download", [&] { p_.round.DownloadAllUnits(ab_All, av_Mode); });
-  p_.flags.automatic_run = was_automatic;
-  return ran;
+  const AutomaticRun automatic(p_.flags, ab_Automatic);
+  return RunOperation("Download", [&] { p_.round.DownloadAllUnits(ab_All, av_Mode); });
 }
 
 bool Commands::Process(bool ab_All, std::int16_t ai_Command) {

@@ -20,7 +20,7 @@ bool IsGiven(std::string_view as_Switches, std::string_view as_Switch) {
 }  // namespace
 
 void LifeCycle::OnWindowCreate(std::string_view as_Switches) {
-  p_.flags.automatic_run = IsGiven(as_Switches, kDownloadSwitch);
+  const AutomaticRun automatic(p_.flags, IsGiven(as_Switches, kDownloadSwitch));
   p_.store.SetFile(p_.app.AppPath("corvane.ini"));
   p_.trace.SetLogFile(p_.app.AppPath("corvane.log"));
   p_.summary.SetFile(p_.app.AppPath("summary.csv"));
@@ -37,7 +37,6 @@ void LifeCycle::OnWindowCreate(std::string_view as_Switches) {
   p_.files.RefreshFileListBox();
   p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.IsRunAtStartup());
   p_.states.UpdateCommandStates();
-  p_.flags.automatic_run = false;
 }
 
 void LifeCycle::LoadCaptions() {
@@ -75,9 +74,10 @@ void LifeCycle::OnWindowActivate(std::string_view as_Switches) {
     ShowFirstRecords();
     p_.states.UpdateCommandStates();
   }
-  p_.flags.automatic_run = IsGiven(as_Switches, kDownloadSwitch);
-  p_.files.RefreshFileListBox();
-  p_.flags.automatic_run = false;
+  {
+    const AutomaticRun automatic(p_.flags, IsGiven(as_Switches, kDownloadSwitch));
+    p_.files.RefreshFileListBox();
+  }
   {
     const SuppressEvents::Guard suppressed(p_.form.Suppress);
     ActOnSwitches(as_Switches);

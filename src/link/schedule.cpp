@@ -99,9 +99,8 @@ void Schedule::CheckSchedule() {
   const auto due = DueTime();
   if (!due) return;
   started_ = *due;
-  flags_.automatic_run = true;
+  const AutomaticRun automatic(flags_);
   start_download();
-  flags_.automatic_run = false;
 }
 
 void Schedule::CalculateNextDownload() {

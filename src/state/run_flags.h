@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "base/scoped_value.h"
+
 namespace corvane {
 
 /// Flags of the running program that several classes read.
@@ -15,6 +17,24 @@ struct RunFlags {
   std::int64_t error_counter = 0;  ///< bad lines of the current conversion command
   std::int64_t line_counter = 0;   ///< data lines of the right width of the current conversion command
   std::int64_t problems = 0;       ///< ports, units and files of this operation that ended untried or with a problem
+};
+
+/// Makes what runs in its scope an automatic run, where `ab_On`; inside another one it stays that.
+///
+/// The outermost one counts the problems from zero.
+class AutomaticRun {
+ public:
+  explicit AutomaticRun(RunFlags& av_Flags, bool ab_On = true)
+      : automatic_(av_Flags.automatic_run, BeginsRun(av_Flags, ab_On)) {}
+
+ private:
+  /// Whether an automatic run runs from now on.
+  static bool BeginsRun(RunFlags& av_Flags, bool ab_On) {
+    if (ab_On && !av_Flags.automatic_run) av_Flags.problems = 0;
+    return ab_On || av_Flags.automatic_run;
+  }
+
+  ScopedValue<bool> automatic_;
 };
 
 }  // namespace corvane
