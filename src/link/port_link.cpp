@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/scoped_value.h"
 #include "base/status.h"
 #include "base/text.h"
 #include "ui/mouse_pointer.h"
@@ -172,17 +173,18 @@ void PortLink::ShowReceiveBuffer() {
 
 void PortLink::CutLines() {
   for (;;) {
+    // At first those that an error in the handler has left.
+    HandLinesOn();
     const std::size_t last = link_.ReceiveBuffer.rfind(kLineEnd);
     if (last == std::string::npos) return;
     lines_.assign(link_.ReceiveBuffer, 0, last + 1);
     next_line_ = 0;
     link_.ReceiveBuffer.erase(0, last + 1);
-    HandLinesOn();
   }
 }
 
 void PortLink::HandLinesOn() {
-  dispatching_ = true;
+  const ScopedValue<bool> dispatching(dispatching_, true);
   while (next_line_ < lines_.size()) {
     const std::size_t end = lines_.find(kLineEnd, next_line_);
     std::string_view line = std::string_view(lines_).substr(next_line_, end - next_line_);
@@ -192,7 +194,6 @@ void PortLink::HandLinesOn() {
     trace_.TraceReceive(link_.ReplyLine);
     if (line_received) line_received();
   }
-  dispatching_ = false;
 }
 
 void PortLink::TakeError(int al_Code, std::string_view as_Error) {

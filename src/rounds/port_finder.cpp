@@ -1,5 +1,6 @@
 #include "rounds/port_finder.h"
 
+#include "base/scoped_value.h"
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
@@ -13,15 +14,17 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
   link_.HalvexError = false;
   link_.Timeout = false;
   const BusyPointer busy(form_.Frm_Main);
-  link_.TestingPort = true;
-  bool answered = false;
-  if (port_.OpenPort(ai_Index)) {
-    session_.ProcessUnit(kTestBaseStation);
-    answered = link_.ContinueOk();
-    port_.ClosePort();
-  }
-  link_.TestingPort = false;
+  const bool answered = Probe(ai_Index);
   port_.ClearEverything();
+  return answered;
+}
+
+bool PortFinder::Probe(std::int16_t ai_Index) {
+  const ScopedValue<bool> testing(link_.TestingPort, true);
+  if (!port_.OpenPort(ai_Index)) return false;
+  session_.ProcessUnit(kTestBaseStation);
+  const bool answered = link_.ContinueOk();
+  port_.ClosePort();
   return answered;
 }
 

@@ -23,6 +23,8 @@ class PortFinder {
   bool FindPort(std::int16_t ai_Index);
 
  private:
+  bool Probe(std::int16_t ai_Index);
+
   Form& form_;
   LinkState& link_;
   PortLink& port_;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "link/port_choices.h"
 #include "unit/link_world.h"
 
@@ -120,6 +122,13 @@ TEST_F(PortLinkTest, NestedEventsOnlyAppend) {
   port.ReceiveNow("one\rtwo\r");
   EXPECT_EQ(lines, (Texts{"one(", ")", "two(", ")", "three(", ")"}));
   EXPECT_EQ(link.ReceiveBuffer, "four");
+
+  lines.clear();
+  port_link.line_received = [] { throw std::runtime_error("the line cannot be taken"); };
+  EXPECT_THROW(port.ReceiveNow("\rfive\rsix"), std::runtime_error);
+  port_link.line_received = [this] { lines.push_back(link.ReplyLine); };
+  port.ReceiveNow("\rseven\r");
+  EXPECT_EQ(lines, (Texts{"five", "six", "seven"})) << "an exception costs the line that it was thrown for, no other";
 }
 
 TEST_F(PortLinkTest, ThePortMayGoWhileLinesAreCut) {
