@@ -28,13 +28,13 @@ std::optional<Seconds> TimeOf(int year, int month, int day, int hour, int minute
   return days * kDay + hour * kHour + minute * kMinute + second;
 }
 
-std::optional<Seconds> TimeOfDigits(std::string_view digits) {
+std::optional<Seconds> ParseTimeDigits(std::string_view digits) {
   if (digits.size() != 10 && digits.size() != 12) {
     return std::nullopt;
   }
   std::array<int, 6> parts{};
   for (std::size_t i = 0; i < digits.size(); i += 2) {
-    const auto part = ParseNumber(digits.substr(i, 2), 0, 99);
+    const auto part = ParseInteger(digits.substr(i, 2), 0, 99);
     if (!part) {
       return std::nullopt;
     }
@@ -43,12 +43,12 @@ std::optional<Seconds> TimeOfDigits(std::string_view digits) {
   return TimeOf(2000 + parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
 }
 
-std::optional<Seconds> TimeOfText(std::string_view text) {
+std::optional<Seconds> ParseTime(std::string_view text) {
   constexpr std::array<char, 4> kEnds{'/', '/', ' ', ':'};
   std::array<int, 5> parts{};
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const std::size_t end = i < kEnds.size() ? text.find(kEnds[i]) : text.size();
-    const auto part = end == text.npos ? std::nullopt : ParseNumber(text.substr(0, end), 0, 9999);
+    const auto part = end == text.npos ? std::nullopt : ParseInteger(text.substr(0, end), 0, 9999);
     if (!part) {
       return std::nullopt;
     }

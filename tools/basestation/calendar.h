@@ -16,10 +16,10 @@ inline constexpr Seconds kMinute = 60;
 [[nodiscard]] std::optional<Seconds> TimeOf(int year, int month, int day, int hour, int minute, int second);
 
 /// The time of "yymmddHHNN" or "yymmddHHNNSS" (years 2000 to 2099), nothing when the text is neither.
-[[nodiscard]] std::optional<Seconds> TimeOfDigits(std::string_view digits);
+[[nodiscard]] std::optional<Seconds> ParseTimeDigits(std::string_view digits);
 
 /// The time of "YYYY/MM/DD HH:MM" (fields of any width), nothing when the text is none.
-[[nodiscard]] std::optional<Seconds> TimeOfText(std::string_view text);
+[[nodiscard]] std::optional<Seconds> ParseTime(std::string_view text);
 
 /// Appends the time as a unit writes it: 2010/3/12 14:05.
 void AppendTime(std::string& out, Seconds time);

@@ -46,7 +46,7 @@ std::string Header(const Unit& unit, std::int64_t lines) {
 
 /// Changes the items of a reading (or of a header, at its first date) as the fault demands.
 void SpoilItems(FaultKind kind, std::string& items) {
-  if (kind == FaultKind::kWrongItems) {
+  if (kind == FaultKind::WrongItems) {
     items.resize(std::min(items.rfind(','), items.size()));
     return;
   }
@@ -55,7 +55,7 @@ void SpoilItems(FaultKind kind, std::string& items) {
   if (slash == items.npos || second == items.npos) {
     return;
   }
-  if (kind == FaultKind::kBadDate) {
+  if (kind == FaultKind::BadDate) {
     items.replace(slash + 1, second - slash - 1, "13");
   } else {
     const std::size_t comma = items.rfind(',', slash);
@@ -89,16 +89,16 @@ void Exchange::ArrangeFaults() {
   for (Fault& fault : faults_) {
     fault.line = std::min(fault.line, EndLine());
     switch (fault.kind) {
-      case FaultKind::kNoOk:
+      case FaultKind::NoOk:
         sends_ok_ = false;
         break;
-      case FaultKind::kPieces:
+      case FaultKind::Pieces:
         piece_size_ = AmountOr(fault, -1);
         break;
-      case FaultKind::kHeader:
+      case FaultKind::Header:
         head_ = fault.text + "\r\n";
         break;
-      case FaultKind::kReply:
+      case FaultKind::Reply:
         head_ = fault.text + "\r\n";
         lines_ = 0;
         download_unit_ = 0;
@@ -108,7 +108,7 @@ void Exchange::ArrangeFaults() {
         break;
     }
   }
-  std::erase_if(faults_, [](const Fault& fault) { return fault.kind >= FaultKind::kNoOk; });
+  std::erase_if(faults_, [](const Fault& fault) { return fault.kind >= FaultKind::NoOk; });
   std::stable_sort(faults_.begin(), faults_.end(),
                    [](const Fault& a, const Fault& b) { return std::tie(a.line, a.kind) < std::tie(b.line, b.kind); });
 }
@@ -123,42 +123,42 @@ Step Exchange::Produce(std::string& out) {
   while (!ended_ && out.size() - start < kEnoughBytes) {
     if (babbling_) {
       out += Noise(1);
-      return {Step::Kind::kPause, kBabblePause};
+      return {Step::Kind::Pause, kBabblePause};
     }
     if (flood_left_ > 0) {
       const auto bytes = std::min<std::int64_t>(flood_left_, kEnoughBytes);
       out += Noise(bytes);
       flood_left_ -= bytes;
-    } else if (FaultDue(FaultKind::kError, FaultKind::kDelay)) {
+    } else if (FaultDue(FaultKind::Error, FaultKind::Delay)) {
       const Step step = Meet(faults_[next_fault_++], out);
-      if (step.kind != Step::Kind::kMore) {
+      if (step.kind != Step::Kind::More) {
         return step;
       }
     } else {
       AppendLine(out);
     }
   }
-  return {ended_ ? Step::Kind::kEnd : Step::Kind::kMore, 0};
+  return {ended_ ? Step::Kind::End : Step::Kind::More, 0};
 }
 
 Step Exchange::Meet(const Fault& fault, std::string& out) {
   switch (fault.kind) {
-    case FaultKind::kError:
+    case FaultKind::Error:
       out += fault.amount < 0 ? "ERROR\r\n" : ErrorLine(fault.amount);
       ended_ = true;
-      return {Step::Kind::kEnd, 0};
-    case FaultKind::kSilence:
+      return {Step::Kind::End, 0};
+    case FaultKind::Silence:
       ended_ = true;
-      return {Step::Kind::kEnd, 0};
-    case FaultKind::kHangUp:
+      return {Step::Kind::End, 0};
+    case FaultKind::HangUp:
       ended_ = true;
-      return {Step::Kind::kHangUp, fault.amount};
-    case FaultKind::kDelay:
-      return {Step::Kind::kPause, AmountOr(fault, kDelay)};
-    case FaultKind::kBabble:
+      return {Step::Kind::HangUp, fault.amount};
+    case FaultKind::Delay:
+      return {Step::Kind::Pause, AmountOr(fault, kDelay)};
+    case FaultKind::Babble:
       babbling_ = true;
       break;
-    case FaultKind::kFlood:
+    case FaultKind::Flood:
       flood_left_ = AmountOr(fault, kFloodBytes);
       break;
     default:
@@ -181,34 +181,32 @@ void Exchange::AppendLine(std::string& out) {
     complete_ = sends_ok_;
     ended_ = true;
   }
-  while (FaultDue(FaultKind::kWrongItems, FaultKind::kNoiseWithin)) Spoil(faults_[next_fault_++], out, start);
+  while (FaultDue(FaultKind::WrongItems, FaultKind::NoiseWithin)) Spoil(faults_[next_fault_++], out, start);
   if (lower_checksum_due_) LowerChecksum(out, start);
   ++line_;
 }
 
 void Exchange::AppendReading(std::string& out) {
   const std::size_t start = out.size();
-  std::int64_t number = 0;
-  Seconds date = 0;
-  readings_.Take(number, date);
+  const StoredReading reading = readings_.Take();
   out += '$';
-  soil_.AppendReading(out, number, date);
+  soil_.AppendReading(out, reading.number, reading.date);
   CloseFrame(out, start);
 }
 
 void Exchange::Spoil(const Fault& fault, std::string& out, std::size_t line_start) {
-  if (fault.kind == FaultKind::kLowerChecksum) {
+  if (fault.kind == FaultKind::LowerChecksum) {
     lower_checksum_due_ = true;
     return;
   }
-  if (fault.kind == FaultKind::kNoiseWithin) {
+  if (fault.kind == FaultKind::NoiseWithin) {
     out.insert(line_start + (out.size() - line_start) / 2, Noise(AmountOr(fault, kNoiseBytes)));
     return;
   }
   if (out.size() - line_start <= kFrameEnd || out[line_start] != '$') {
     return;
   }
-  if (fault.kind == FaultKind::kBadChecksum) {
+  if (fault.kind == FaultKind::BadChecksum) {
     char& digit = out[out.size() - 3];
     digit = digit == '0' ? '1' : '0';
     return;

@@ -13,9 +13,9 @@ namespace corvane::basestation {
 
 /// What the line has to do once the bytes produced so far are out.
 struct Step {
-  enum class Kind { kMore, kPause, kHangUp, kEnd };
-  Kind kind = Kind::kMore;
-  /// `kPause`: milliseconds to wait. `kHangUp`: milliseconds until the line comes back, -1 for never.
+  enum class Kind { More, Pause, HangUp, End };
+  Kind kind = Kind::More;
+  /// `Pause`: milliseconds to wait. `HangUp`: milliseconds until the line comes back, -1 for never.
   std::int64_t amount = 0;
 };
 

@@ -14,35 +14,35 @@ namespace corvane::basestation {
 /// What can go wrong in one exchange; docs/formats/simulator-script.md describes each.
 enum class FaultKind {
   // Instead of a line or before it.
-  kError,
-  kSilence,
-  kHangUp,
-  kBabble,
-  kNoise,
-  kFlood,
-  kDelay,
+  Error,
+  Silence,
+  HangUp,
+  Babble,
+  Noise,
+  Flood,
+  Delay,
   // Within a line.
-  kWrongItems,
-  kBadDate,
-  kFutureDate,
-  kBadChecksum,
-  kLowerChecksum,
-  kNoiseWithin,
+  WrongItems,
+  BadDate,
+  FutureDate,
+  BadChecksum,
+  LowerChecksum,
+  NoiseWithin,
   // Of the whole answer.
-  kNoOk,
-  kPieces,
-  kReply,
-  kHeader,
+  NoOk,
+  Pieces,
+  Reply,
+  Header,
 };
 
 /// One fault of one exchange.
 struct Fault {
-  FaultKind kind = FaultKind::kError;
+  FaultKind kind = FaultKind::Error;
   /// The line that it falls on or comes before: -1 the echo, 0 the header or the only line, 1 and up the data lines.
   std::int64_t line = -1;
   /// Error number, bytes, milliseconds or piece size; -1 when the script gave none.
   std::int64_t amount = -1;
-  std::string text;  ///< the line of `kReply` and `kHeader`
+  std::string text;  ///< the line of `Reply` and `Header`
 };
 
 /// The name of a fault kind in scripts and on the command line.
@@ -53,10 +53,11 @@ class FaultPlan {
  public:
   explicit FaultPlan(std::uint64_t seed) : random_(seed) {}
 
-  /// Reads a script; returns an empty text, or the number of the first wrong line and what is wrong with it.
-  [[nodiscard]] std::string ReadScript(std::istream& script);
-  /// Reads "kind=probability,..."; returns an empty text, or what is wrong with it.
-  [[nodiscard]] std::string ReadProbabilities(std::string_view text);
+  /// Adds the rules of a script; throws `RunTimeError` with the number of the first wrong line and what is wrong with
+  /// it.
+  void ReadScript(std::istream& script);
+  /// Adds the kinds of "kind=probability,..."; throws `RunTimeError` when the text is something else.
+  void ReadProbabilities(std::string_view text);
 
   /// The faults of the `attempt`-th time (from 1) that a unit gets a command (named as in scripts).
   ///
@@ -75,8 +76,8 @@ class FaultPlan {
     double probability;
   };
 
-  static std::string ParseRule(std::string_view line, Rule& rule);
-  Fault RandomFault(FaultKind kind, std::int64_t lines);
+  [[nodiscard]] static Rule ParseRule(std::string_view line);
+  [[nodiscard]] Fault RandomFault(FaultKind kind, std::int64_t lines);
 
   Random random_;
   std::vector<Rule> rules_;

@@ -5,16 +5,18 @@
 #include <iomanip>
 #include <iostream>
 
+#include "run_time_error.h"
+
 namespace corvane::basestation {
 
-bool Log::Open(const std::string& path) {
+void Log::Open(const std::string& path) {
   if (path == "-") {
     out_ = &std::cerr;
-    return true;
+    return;
   }
   file_.open(path, std::ios::app);
+  if (!file_.is_open()) throw RunTimeError("cannot write the log " + path);
   out_ = &file_;
-  return file_.is_open();
 }
 
 void Log::Write(std::string_view text) {

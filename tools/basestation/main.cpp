@@ -8,7 +8,9 @@
 #include "log.h"
 #include "options.h"
 #include "pty.h"
+#include "run_time_error.h"
 #include "server.h"
+#include "state_file.h"
 #include "station.h"
 
 namespace corvane::basestation {
@@ -17,28 +19,23 @@ namespace {
 constexpr int kUsage = 2;
 constexpr int kCannotStart = 3;
 
-/// A reason not to start; `what()` says which.
-class StartError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-void Require(const std::string& problem) {
-  if (!problem.empty()) throw StartError(problem);
-}
-
 FaultPlan PlanFaults(const Options& options) {
   FaultPlan plan(static_cast<std::uint64_t>(options.seed));
   if (!options.faults.empty()) {
-    if (const std::string problem = plan.ReadProbabilities(options.faults); !problem.empty()) {
-      throw UsageError("--faults: " + problem);
+    try {
+      plan.ReadProbabilities(options.faults);
+    } catch (const RunTimeError& error) {
+      throw UsageError(std::string("--faults: ") + error.what());
     }
   }
   if (!options.script.empty()) {
     std::ifstream script(options.script);
-    if (!script) throw StartError("cannot read the script " + options.script);
-    const std::string problem = plan.ReadScript(script);
-    Require(problem.empty() ? "" : options.script + ": " + problem);
+    if (!script) throw RunTimeError("cannot read the script " + options.script);
+    try {
+      plan.ReadScript(script);
+    } catch (const RunTimeError& error) {
+      throw RunTimeError(options.script + ": " + error.what());
+    }
   }
   return plan;
 }
@@ -65,16 +62,16 @@ int CatchSignals() {
 void Serve(const Options& options) {
   const int signals = CatchSignals();
   Station station = BuildStation(options);
-  if (!options.state.empty()) Require(station.Load(options.state));
+  if (!options.state.empty()) LoadState(options.state, station);
   Log log;
-  if (!options.log.empty() && !log.Open(options.log)) throw StartError("cannot write the log " + options.log);
+  if (!options.log.empty()) log.Open(options.log);
   Pty pty(options.link);
-  Require(pty.Open());
+  pty.Open();
   std::cout << "ready: " << pty.name() << std::endl;
   Server server(
       {options.baud, options.clock_speed, std::max<std::int64_t>(options.advance, 1), options.idle_exit, options.state},
       station, pty, log);
-  Require(server.Run(signals));
+  server.Run(signals);
 }
 
 int Main(const std::vector<std::string>& arguments) {

@@ -26,23 +26,23 @@ struct OptionRow {
 };
 
 std::int64_t Number(const std::string& value, std::int64_t least, std::int64_t most) {
-  const auto number = ParseNumber(value, least, most);
+  const auto number = ParseInteger(value, least, most);
   if (!number) {
     throw UsageError("\"" + value + "\" is not a number from " + std::to_string(least) + " to " + std::to_string(most));
   }
   return *number;
 }
 
-Seconds StartDate(const std::string& value) {
-  const auto time = TimeOfText(value);
+Seconds ParseStartDate(const std::string& value) {
+  const auto time = ParseTime(value);
   if (!time || *time < *TimeOf(2001, 1, 1, 0, 0, 0) || *time > *TimeOf(2099, 12, 31, 23, 59, 0)) {
     throw UsageError("\"" + value + "\" is not a date such as \"2010/03/12 14:05\" in the years 2001 to 2099");
   }
   return *time;
 }
 
-double Speed(const std::string& value) {
-  const auto speed = ParseFraction(value);
+double ParseSpeed(const std::string& value) {
+  const auto speed = ParseNumber(value);
   if (!speed || !(*speed >= 0 && *speed <= 1e6)) {
     throw UsageError("\"" + value + "\" is not a number from 0 to 1000000");
   }
@@ -67,13 +67,13 @@ constexpr OptionRow kOptions[] = {
     {"--seed", "N", "number that all readings and random faults follow from; 1",
      [](Raw& raw, const std::string& value) { raw.options.seed = Number(value, 0, 1'000'000'000); }},
     {"--start", "DATE", "date of the first reading; \"2010/03/12 00:00\"",
-     [](Raw& raw, const std::string& value) { raw.options.start = StartDate(value); }},
+     [](Raw& raw, const std::string& value) { raw.options.start = ParseStartDate(value); }},
     {"--advance", "N",
      "after a complete download the unit's clock moves on by N readings; also what\n"
      "SIGUSR1 adds to every unit (at least 1); 0",
      [](Raw& raw, const std::string& value) { raw.options.advance = Number(value, 0, 1'000'000); }},
     {"--clock-speed", "X", "let the units' clocks run X times as fast as real time; 0: they stand still",
-     [](Raw& raw, const std::string& value) { raw.options.clock_speed = Speed(value); }},
+     [](Raw& raw, const std::string& value) { raw.options.clock_speed = ParseSpeed(value); }},
     {"--baud", "N", "send no faster than a line of N baud; unpaced",
      [](Raw& raw, const std::string& value) { raw.options.baud = Number(value, 1, 10'000'000); }},
     {"--no-echo", "", "do not repeat the command line before the answer",
@@ -93,11 +93,11 @@ constexpr OptionRow kOptions[] = {
 };
 
 /// The numbers of "N" (1 to N) or of a list of numbers and ranges.
-std::vector<int> Ids(std::string_view text) {
+std::vector<int> ParseIds(std::string_view text) {
   const auto bad = [text] { return UsageError("\"" + std::string(text) + "\" is no number or list of identifiers"); };
   const std::size_t dash = text.find('-');
-  const auto low = ParseNumber(text.substr(0, dash), 1, kHighestId);
-  const auto high = dash == text.npos ? low : ParseNumber(text.substr(dash + 1), 1, kHighestId);
+  const auto low = ParseInteger(text.substr(0, dash), 1, kHighestId);
+  const auto high = dash == text.npos ? low : ParseInteger(text.substr(dash + 1), 1, kHighestId);
   if (!low || !high || *low > *high) {
     throw bad();
   }
@@ -108,34 +108,34 @@ std::vector<int> Ids(std::string_view text) {
 
 /// "N" alone means 1 to N; anything else is a list as it stands.
 std::string Spelled(const std::string& text) {
-  return ParseNumber(text, 1, kHighestId) ? "1-" + text : text;
+  return ParseInteger(text, 1, kHighestId) ? "1-" + text : text;
 }
 
-std::vector<int> RelaysOf(const std::string& text) {
+std::vector<int> ParseRelays(const std::string& text) {
   std::vector<int> ids;
   if (text.empty() || text == "0") {
     return ids;
   }
   const std::string list = Spelled(text);
   for (const std::string_view part : Split(list, ',')) {
-    const std::vector<int> more = Ids(part);
+    const std::vector<int> more = ParseIds(part);
     ids.insert(ids.end(), more.begin(), more.end());
   }
   return ids;
 }
 
-std::vector<Place> PlacesOf(const std::string& units, const std::vector<int>& relay_ids) {
+std::vector<Place> ParsePlaces(const std::string& units, const std::vector<int>& relay_ids) {
   const std::string list = Spelled(units);
   std::vector<Place> places;
   std::set<int> seen;
   std::size_t turn = 0;
   for (const std::string_view part : Split(list, ',')) {
     const std::size_t at = part.find('@');
-    const auto named = at == part.npos ? std::nullopt : ParseNumber(part.substr(at + 1), 0, kHighestId);
+    const auto named = at == part.npos ? std::nullopt : ParseInteger(part.substr(at + 1), 0, kHighestId);
     if (at != part.npos && !named) {
       throw UsageError("\"" + std::string(part) + "\" names no relay after the @");
     }
-    for (const int id : Ids(part.substr(0, at))) {
+    for (const int id : ParseIds(part.substr(0, at))) {
       const int dealt = relay_ids.empty() || named ? 0 : relay_ids[turn++ % relay_ids.size()];
       places.push_back({id, named ? static_cast<int>(*named) : dealt});
       if (!seen.insert(id).second) throw UsageError("unit " + std::to_string(id) + " is listed twice");
@@ -167,7 +167,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
       throw UsageError(name + ": " + error.what());
     }
   }
-  raw.options.places = PlacesOf(raw.units, RelaysOf(raw.relays));
+  raw.options.places = ParsePlaces(raw.units, ParseRelays(raw.relays));
   const Options& options = raw.options;
   if (options.start + options.readings * options.interval * kMinute > *TimeOf(2099, 1, 1, 0, 0, 0)) {
     throw UsageError("so many readings at this interval end after the year 2098: choose fewer or an earlier start");

@@ -15,19 +15,19 @@ struct CommandRow {
 };
 
 constexpr CommandRow kCommands[] = {
-    {Command::kDownload, "rr", "download"},      {Command::kSetDate, "WT", "set-date"},
-    {Command::kGetDate, "rt", "get-date"},       {Command::kSetLogPeriod, "WI", "set-log-period"},
-    {Command::kSetMode, "SM", "set-mode"},       {Command::kSetDelays, "SD", "set-delays"},
-    {Command::kReadMemory, "rm", "read-memory"}, {Command::kTest, "", "test"},
+    {Command::Download, "rr", "download"},      {Command::SetDate, "WT", "set-date"},
+    {Command::GetDate, "rt", "get-date"},       {Command::SetLogPeriod, "WI", "set-log-period"},
+    {Command::SetMode, "SM", "set-mode"},       {Command::SetDelays, "SD", "set-delays"},
+    {Command::ReadMemory, "rm", "read-memory"}, {Command::Test, "", "test"},
 };
 
 constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 constexpr std::string_view kAddressShape = "RRRRR:UUUUU:PP";
 constexpr std::size_t kHeadSize = kAddressShape.size() + 3;
 
-std::optional<int> FiveDigits(std::string_view text) {
+std::optional<int> ParseIdentifier(std::string_view text) {
   const bool digits = text.size() == 5 && text.find_first_not_of("0123456789") == text.npos;
-  const auto number = digits ? ParseNumber(text, 0, 99999) : std::nullopt;
+  const auto number = digits ? ParseInteger(text, 0, 99999) : std::nullopt;
   return number ? std::optional(static_cast<int>(*number)) : std::nullopt;
 }
 
@@ -40,8 +40,8 @@ std::optional<Request> ParseRequest(std::string_view line) {
   if (line.size() < kHeadSize || line[5] != ':' || line[11] != ':' || line[kHeadSize - 1] != ' ') {
     return std::nullopt;
   }
-  const auto relay = FiveDigits(line.substr(0, 5));
-  const auto unit = FiveDigits(line.substr(6, 5));
+  const auto relay = ParseIdentifier(line.substr(0, 5));
+  const auto unit = ParseIdentifier(line.substr(6, 5));
   const bool password = line.substr(12, 2).find_first_not_of(kHexDigits) == line.npos;
   const std::string_view code = line.substr(kAddressShape.size(), 2);
   const auto* row =

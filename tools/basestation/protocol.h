@@ -8,7 +8,7 @@
 namespace corvane::basestation {
 
 /// The commands that a base station understands.
-enum class Command { kDownload, kSetDate, kGetDate, kSetLogPeriod, kSetMode, kSetDelays, kReadMemory, kTest };
+enum class Command { Download, SetDate, GetDate, SetLogPeriod, SetMode, SetDelays, ReadMemory, Test };
 
 /// The numbers of the error replies, "ERROR" followed by one of these.
 inline constexpr int kInvalidCommand = 1;
@@ -18,13 +18,13 @@ inline constexpr int kBusy = 5;
 
 /// One command line taken apart: which unit behind which relay shall do what.
 struct Request {
-  Command command = Command::kTest;
+  Command command = Command::Test;
   int relay = 0;
   int unit = 0;
   std::string_view parameters;
 };
 
-/// Takes a command line (without its carriage return) apart; nothing when it is not one. An empty line is `kTest`.
+/// Takes a command line (without its carriage return) apart; nothing when it is not one. An empty line is `Test`.
 [[nodiscard]] std::optional<Request> ParseRequest(std::string_view line);
 
 /// The name of a command in scripts and logs, such as "get-date".

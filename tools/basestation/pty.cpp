@@ -11,11 +11,14 @@
 #include <cstring>
 #include <utility>
 
+#include "run_time_error.h"
+
 namespace corvane::basestation {
 namespace {
 
-std::string Failure(const std::string& what) {
-  return what + ": " + std::strerror(errno);
+/// The failure of the last system call, as an error for the user.
+RunTimeError Failure(const std::string& what) {
+  return RunTimeError(what + ": " + std::strerror(errno));
 }
 
 void CloseDescriptor(int& fd) {
@@ -24,27 +27,30 @@ void CloseDescriptor(int& fd) {
 
 }  // namespace
 
-std::string Pty::Open() {
-  std::string problem = OpenDescriptors();
-  if (problem.empty() && !link_.empty()) problem = PlaceLink();
-  if (!problem.empty()) Close();
-  return problem;
+void Pty::Open() {
+  try {
+    OpenDescriptors();
+    if (!link_.empty()) PlaceLink();
+  } catch (const RunTimeError&) {
+    Close();
+    throw;
+  }
 }
 
-std::string Pty::OpenDescriptors() {
+void Pty::OpenDescriptors() {
   master_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   char name[128];
   if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0 || ptsname_r(master_, name, sizeof name) != 0) {
-    return Failure("cannot open a pseudo-terminal");
+    throw Failure("cannot open a pseudo-terminal");
   }
   slave_name_ = name;
   slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
   termios settings{};
   if (slave_ < 0 || tcgetattr(slave_, &settings) != 0) {
-    return Failure("cannot open " + slave_name_);
+    throw Failure("cannot open " + slave_name_);
   }
   cfmakeraw(&settings);
-  return tcsetattr(slave_, TCSANOW, &settings) == 0 ? "" : Failure("cannot set up " + slave_name_);
+  if (tcsetattr(slave_, TCSANOW, &settings) != 0) throw Failure("cannot set up " + slave_name_);
 }
 
 std::string Pty::LinkTarget() const {
@@ -53,15 +59,16 @@ std::string Pty::LinkTarget() const {
   return size < 0 ? std::string() : std::string(target, static_cast<std::size_t>(size));
 }
 
-std::string Pty::PlaceLink() const {
+void Pty::PlaceLink() const {
   struct stat info {};
   if (lstat(link_.c_str(), &info) == 0) {
     if (!LinkTarget().starts_with("/dev/pts/")) {
-      return link_ + " exists and is no link of a simulated base station; remove it or choose another name";
+      throw RunTimeError(link_ +
+                         " exists and is no link of a simulated base station; remove it or choose another name");
     }
     unlink(link_.c_str());
   }
-  return symlink(slave_name_.c_str(), link_.c_str()) == 0 ? "" : Failure("cannot make the link " + link_);
+  if (symlink(slave_name_.c_str(), link_.c_str()) != 0) throw Failure("cannot make the link " + link_);
 }
 
 void Pty::Close() {

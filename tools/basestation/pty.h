@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace corvane::basestation {
 
@@ -18,11 +19,11 @@ class Pty {
   Pty& operator=(const Pty&) = delete;
   ~Pty() { Close(); }
 
-  /// Opens a new pseudo-terminal in raw mode and points the link at it; returns an empty text, or what went wrong.
+  /// Opens a new pseudo-terminal in raw mode and points the link at it. Throws `RunTimeError`, and is closed.
   ///
   /// A link to another terminal is replaced (one left behind, or a running simulator's, which then leaves it alone);
   /// anything else that bears the name is not touched.
-  [[nodiscard]] std::string Open();
+  void Open();
   /// Hangs up: both descriptors are closed, the link removed if it is still this one's.
   void Close();
 
@@ -39,8 +40,8 @@ class Pty {
   [[nodiscard]] bool Drained() const;
 
  private:
-  [[nodiscard]] std::string OpenDescriptors();
-  [[nodiscard]] std::string PlaceLink() const;
+  void OpenDescriptors();
+  void PlaceLink() const;
   [[nodiscard]] std::string LinkTarget() const;
 
   std::string link_;

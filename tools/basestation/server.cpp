@@ -10,14 +10,14 @@
 #include <iostream>
 #include <utility>
 
+#include "run_time_error.h"
+#include "state_file.h"
+
 namespace corvane::basestation {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kEscape = 27;
-constexpr std::size_t kLongestCommand = 4096;
-constexpr std::size_t kLongestLine = 1024;
 constexpr std::int64_t kBitsPerByte = 10;
 constexpr std::int64_t kBurstsPerSecond = 100;
 constexpr std::uint64_t kLongestPiece = 64;
@@ -26,168 +26,79 @@ constexpr auto kSettling = 20ms;
 }  // namespace
 
 Server::Server(Settings settings, Station& station, Pty& pty, Log& log)
-    : settings_(std::move(settings)), station_(station), pty_(pty), log_(log) {}
+    : settings_(std::move(settings)), station_(station), pty_(pty), log_(log), conversation_(station, log) {
+  conversation_.answer_over = [this] { changed_ = true; };
+}
 
-std::string Server::Run(int signals) {
+void Server::Run(int signals) {
   last_input_ = units_time_ = Clock::now();
   while (!stop_) {
-    if (std::string problem = ReopenWhenDue(); !problem.empty()) {
-      return problem;
-    }
-    Refill();
-    SaveState();
+    ReopenWhenDue();
+    conversation_.Advance(Clock::now());
+    HangUpWhenRead();
+    KeepState();
     const short events = Wait(signals);
     TakeSignals(signals);
     if ((events & POLLIN) != 0) {
       TakeInput(pty_.Read());
     } else if ((events & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-      return "the pseudo-terminal is lost";
+      throw RunTimeError("the pseudo-terminal is lost");
     }
     Send();
     const auto idle = Clock::now() - last_input_;
     stop_ = stop_ || (settings_.idle_exit > 0 && idle >= std::chrono::seconds(settings_.idle_exit));
   }
-  SaveState();
-  return {};
+  KeepState();
 }
 
 void Server::TakeInput(std::string_view bytes) {
   last_input_ = Clock::now();
-  for (const char byte : bytes) {
-    if (byte == kEscape) {
-      TakeEscape();
-    } else if (byte == '\r') {
-      TakeLine();
-    } else if (byte != '\n' && line_.size() < kLongestCommand) {
-      line_ += byte;
-    }
-  }
-}
-
-void Server::TakeLine() {
-  const std::string line = std::exchange(line_, {});
-  log_.Write("< " + line);
-  EndAnswerThatIsOut();
-  if (exchange_ && !exchange_->stubborn()) {
-    log_.Write("busy");
-    Interrupt(ErrorLine(kBusy), true);
-    return;
-  }
-  if (exchange_) Interrupt("", false);
   PassRealTime();
-  exchange_.emplace(station_.Answer(line));
-  if (!station_.last_faults().empty()) log_.Write("fault: " + station_.last_faults());
-  Refill();
+  conversation_.TakeInput(bytes, last_input_);
 }
 
-/// The application reads an answer's last carriage return before the line feed behind it has left a paced line.
-void Server::EndAnswerThatIsOut() {
-  const bool over = exchange_ && step_ && step_->kind == Step::Kind::kEnd;
-  if (over && out_.size() - sent_ <= 1) ActOnStep();
-}
-
-void Server::TakeEscape() {
-  line_.clear();
-  EndAnswerThatIsOut();
-  if (exchange_ && !exchange_->stubborn()) {
-    log_.Write("< escape, stopped");
-    Interrupt(ErrorLine(kCancelled), false);
-  } else {
-    log_.Write("< escape");
-  }
-}
-
-/// Puts a line into the output at the next end of a line; what was to follow is sent behind it or given up.
-void Server::Interrupt(std::string_view line, bool keep_rest) {
-  std::size_t at = sent_;
-  std::string text(line);
-  if (!at_line_start_) {
-    const std::size_t end = out_.find('\n', sent_);
-    if (end == out_.npos || end - sent_ > kLongestLine) {
-      text = "\r\n" + text;
-    } else {
-      at = end + 1;
-    }
-  }
-  if (!keep_rest) {
-    out_.resize(at);
-    exchange_.reset();
-    step_.reset();
-    resume_at_ = {};
-  }
-  out_.insert(at, text);
-}
-
-void Server::Refill() {
-  while (exchange_ && sent_ == out_.size()) {
-    // An answer that is out is over at once: the application may already be sending its next command.
-    const bool over = step_ && step_->kind == Step::Kind::kEnd;
-    if (!over && Clock::now() < resume_at_) {
-      return;
-    }
-    if (step_) {
-      ActOnStep();
-      continue;
-    }
-    out_.clear();
-    sent_ = 0;
-    const Step step = exchange_->Produce(out_);
-    if (step.kind != Step::Kind::kMore) step_ = step;
-  }
-}
-
-void Server::ActOnStep() {
-  // Hanging up loses what the application has not read; bytes just sent take a moment to show as unread.
-  if (step_->kind == Step::Kind::kHangUp && (!pty_.Drained() || Clock::now() - last_sent_ < kSettling)) {
-    resume_at_ = Clock::now() + 2ms;
+/// Hanging up loses what the application has not read; bytes just sent take a moment to show as unread.
+void Server::HangUpWhenRead() {
+  const auto now = Clock::now();
+  if (!conversation_.WantsHangUp() || now < hold_until_) {
     return;
   }
-  const Step step = *std::exchange(step_, std::nullopt);
-  if (step.kind == Step::Kind::kPause) {
-    resume_at_ = Clock::now() + std::chrono::milliseconds(step.amount);
-  } else if (step.kind == Step::Kind::kHangUp) {
-    HangUp(step.amount);
-  } else {
-    log_.Write(exchange_->complete() ? "> sent to the end" : "> sent");
-    station_.Finish(*exchange_);
-    exchange_.reset();
-    changed_ = true;
+  if (!pty_.Drained() || now - last_sent_ < kSettling) {
+    hold_until_ = now + 2ms;
+    return;
   }
-}
-
-void Server::HangUp(std::int64_t back_after) {
   log_.Write("hung up");
   pty_.Close();
-  exchange_.reset();
-  out_.clear();
-  line_.clear();
-  sent_ = 0;
-  at_line_start_ = true;
-  if (back_after >= 0) reopen_at_ = Clock::now() + std::chrono::milliseconds(back_after);
+  const std::int64_t back_after = conversation_.HangUp();
+  if (back_after >= 0) reopen_at_ = now + std::chrono::milliseconds(back_after);
 }
 
-std::string Server::ReopenWhenDue() {
+void Server::ReopenWhenDue() {
   if (!reopen_at_ || Clock::now() < *reopen_at_) {
-    return {};
+    return;
   }
   reopen_at_.reset();
-  std::string problem = pty_.Open();
-  log_.Write(problem.empty() ? "back on " + pty_.name() : problem);
-  return problem;
+  try {
+    pty_.Open();
+  } catch (const RunTimeError& error) {
+    log_.Write(error.what());
+    throw;
+  }
+  log_.Write("back on " + pty_.name());
 }
 
 bool Server::MaySend() const {
   const auto now = Clock::now();
-  return pty_.fd() >= 0 && sent_ < out_.size() && now >= resume_at_ && now >= pace_from_;
+  return pty_.fd() >= 0 && !conversation_.Waiting(now).empty() && now >= hold_until_ && now >= pace_from_;
 }
 
 /// How many bytes may go out now.
 std::size_t Server::Allowance() {
-  std::size_t bytes = out_.size() - sent_;
-  const std::int64_t piece = exchange_ ? exchange_->piece_size() : 0;
+  std::size_t bytes = conversation_.Waiting(Clock::now()).size();
+  const std::int64_t piece = conversation_.piece_size();
   if (piece != 0 && !pty_.Drained()) {
     const bool reading = Clock::now() - last_sent_ < 20ms;
-    resume_at_ = Clock::now() + (reading ? 100us : 5000us);
+    hold_until_ = Clock::now() + (reading ? 100us : 5000us);
     return 0;
   }
   if (piece != 0) {
@@ -203,14 +114,13 @@ std::size_t Server::Allowance() {
 
 void Server::Send() {
   const std::size_t allowed = MaySend() ? Allowance() : 0;
-  const std::size_t written = allowed > 0 ? pty_.Write(std::string_view(out_).substr(sent_, allowed)) : 0;
+  const std::size_t written = allowed > 0 ? pty_.Write(conversation_.Waiting(Clock::now()).substr(0, allowed)) : 0;
   if (written == 0) {
     return;
   }
-  sent_ += written;
-  at_line_start_ = out_[sent_ - 1] == '\n';
+  conversation_.NoteSent(written);
   last_sent_ = Clock::now();
-  if (exchange_ && exchange_->piece_size() != 0) resume_at_ = last_sent_ + 100us;
+  if (conversation_.piece_size() != 0) hold_until_ = last_sent_ + 100us;
   if (settings_.baud > 0) {
     const auto bits = static_cast<std::int64_t>(written) * kBitsPerByte;
     pace_from_ =
@@ -220,9 +130,9 @@ void Server::Send() {
 
 Server::Clock::time_point Server::NextWake() const {
   auto wake = Clock::time_point::max();
-  if (exchange_ || sent_ < out_.size()) {
-    const auto ready = std::max(resume_at_, pace_from_);
-    if (ready > Clock::now() || sent_ == out_.size()) wake = ready;
+  if (conversation_.active()) {
+    const auto ready = std::max({conversation_.resume_at(), hold_until_, pace_from_});
+    if (ready > Clock::now() || !conversation_.HasOutput()) wake = ready;
   }
   if (reopen_at_) wake = std::min(wake, *reopen_at_);
   if (settings_.idle_exit > 0) wake = std::min(wake, last_input_ + std::chrono::seconds(settings_.idle_exit));
@@ -267,12 +177,14 @@ void Server::PassRealTime() {
   station_.PassTime(seconds);
 }
 
-void Server::SaveState() {
+void Server::KeepState() {
   if (!std::exchange(changed_, false) || settings_.state_path.empty()) {
     return;
   }
-  if (const std::string problem = station_.Save(settings_.state_path); !problem.empty()) {
-    std::cerr << "corvane-basestation: " << problem << std::endl;
+  try {
+    SaveState(settings_.state_path, station_);
+  } catch (const RunTimeError& error) {
+    std::cerr << "corvane-basestation: " << error.what() << std::endl;
   }
 }
 

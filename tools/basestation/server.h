@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "exchange.h"
+#include "conversation.h"
 #include "log.h"
 #include "pty.h"
 #include "random.h"
@@ -14,8 +14,7 @@
 
 namespace corvane::basestation {
 
-/// Runs a station on a pseudo-terminal: cuts the input into command lines, sends the answers at the line's pace,
-/// obeys escapes and signals.
+/// Carries a conversation over a pseudo-terminal in real time: the line's pace, hang-ups, signals, the state file.
 class Server {
  public:
   struct Settings {
@@ -27,24 +26,20 @@ class Server {
   };
 
   Server(Settings settings, Station& station, Pty& pty, Log& log);
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
 
-  /// Serves until SIGTERM, SIGINT or SIGHUP (or idle); returns an empty text, or why the line was lost.
+  /// Serves until SIGTERM, SIGINT or SIGHUP (or idle); throws `RunTimeError` when the line is lost.
   ///
   /// `signals` is a signalfd descriptor of the blocked signals.
-  [[nodiscard]] std::string Run(int signals);
+  void Run(int signals);
 
  private:
   using Clock = std::chrono::steady_clock;
 
   void TakeInput(std::string_view bytes);
-  void TakeLine();
-  void EndAnswerThatIsOut();
-  void TakeEscape();
-  void Interrupt(std::string_view line, bool keep_rest);
-  void Refill();
-  void ActOnStep();
-  void HangUp(std::int64_t back_after);
-  [[nodiscard]] std::string ReopenWhenDue();
+  void HangUpWhenRead();
+  void ReopenWhenDue();
   void Send();
   [[nodiscard]] std::size_t Allowance();
   [[nodiscard]] bool MaySend() const;
@@ -52,21 +47,16 @@ class Server {
   [[nodiscard]] short Wait(int signals);
   void TakeSignals(int signals);
   void PassRealTime();
-  void SaveState();
+  void KeepState();
 
   Settings settings_;
   Station& station_;
   Pty& pty_;
   Log& log_;
+  Conversation conversation_;
   Random pieces_{1};
-  std::string line_;                  ///< the command line as far as it has come in
-  std::optional<Exchange> exchange_;  ///< the answer under way
-  std::string out_;                   ///< bytes produced and not yet sent
-  std::size_t sent_ = 0;              ///< how many of them are gone
-  bool at_line_start_ = true;         ///< whether the last byte sent ended a line
-  std::optional<Step> step_;          ///< what to do when `out_` is sent
-  Clock::time_point resume_at_{};     ///< nothing is sent before
-  Clock::time_point pace_from_{};     ///< when the byte after the last one may start
+  Clock::time_point hold_until_{};  ///< the application has to read first; looked at again then
+  Clock::time_point pace_from_{};   ///< when the byte after the last one may start
   Clock::time_point last_sent_{};
   std::optional<Clock::time_point> reopen_at_;
   Clock::time_point last_input_{};

@@ -1,12 +1,13 @@
 #include "station.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <charconv>
+#include <istream>
 #include <optional>
+#include <ostream>
 
 #include "random.h"
+#include "run_time_error.h"
 #include "text.h"
 
 namespace corvane::basestation {
@@ -14,7 +15,7 @@ namespace {
 
 constexpr std::string_view kDone = "OK\r\n";
 
-std::optional<Seconds> LogPeriodOf(std::string_view hex) {
+std::optional<Seconds> ParseLogPeriod(std::string_view hex) {
   unsigned minutes = 0;
   const bool digits = hex.size() == 2 && hex.find_first_not_of("0123456789ABCDEF") == hex.npos;
   if (!digits || std::from_chars(hex.data(), hex.data() + 2, minutes, 16).ec != std::errc{} || minutes == 0) {
@@ -49,7 +50,7 @@ Exchange Station::Answer(std::string_view line) {
   if (!request) {
     return {echo, ErrorLine(kInvalidCommand), {}, seed};
   }
-  if (request->command == Command::kTest) {
+  if (request->command == Command::Test) {
     return {echo, "Corvane base station " CORVANE_VERSION " ready\r\n", FaultsOf(*request, 0), seed};
   }
   const auto found = units_.find(request->unit);
@@ -57,14 +58,14 @@ Exchange Station::Answer(std::string_view line) {
     return {echo, ErrorLine(kNoResponse), {}, seed};
   }
   Unit& unit = found->second;
-  if (request->command != Command::kDownload) {
+  if (request->command != Command::Download) {
     std::vector<Fault> faults = FaultsOf(*request, 0);
     const bool reached = std::none_of(faults.begin(), faults.end(), [](const Fault& fault) {
-      return fault.kind == FaultKind::kError && fault.line <= 0;
+      return fault.kind == FaultKind::Error && fault.line <= 0;
     });
     return {echo, reached ? ReplyOf(*request, unit) : ErrorLine(kNoResponse), std::move(faults), seed};
   }
-  const auto after = request->parameters.size() == 10 ? TimeOfDigits(request->parameters) : std::nullopt;
+  const auto after = request->parameters.size() == 10 ? ParseTimeDigits(request->parameters) : std::nullopt;
   if (!after) {
     return {echo, ErrorLine(kInvalidCommand), {}, seed};
   }
@@ -77,22 +78,22 @@ std::string Station::ReplyOf(const Request& request, Unit& unit) {
   const bool bare = request.parameters.empty();
   const std::string refusal = ErrorLine(kInvalidCommand);
   switch (request.command) {
-    case Command::kSetDate: {
-      const auto clock = request.parameters.size() == 12 ? TimeOfDigits(request.parameters) : std::nullopt;
+    case Command::SetDate: {
+      const auto clock = request.parameters.size() == 12 ? ParseTimeDigits(request.parameters) : std::nullopt;
       if (clock) unit.SetClock(*clock);
       return clock ? std::string(kDone) : refusal;
     }
-    case Command::kSetLogPeriod: {
-      const auto period = LogPeriodOf(request.parameters);
+    case Command::SetLogPeriod: {
+      const auto period = ParseLogPeriod(request.parameters);
       if (period) unit.SetPeriod(*period);
       return period ? std::string(kDone) : refusal;
     }
-    case Command::kGetDate: {
+    case Command::GetDate: {
       std::string line;
       AppendTimeWithSeconds(line, unit.clock());
       return bare ? line + "\r\n" : refusal;
     }
-    case Command::kReadMemory:
+    case Command::ReadMemory:
       return bare ? MemoryLine(unit) : refusal;
     default:
       return std::string(kDone);
@@ -127,37 +128,28 @@ std::string Station::StateHeader() const {
   return "seed " + std::to_string(settings_.seed) + " sensors " + std::to_string(sensors);
 }
 
-std::string Station::Load(const std::string& path) {
-  std::ifstream file(path);
+void Station::Restore(std::istream& state) {
   std::string line;
-  if (!std::getline(file, line)) {
-    return {};
+  if (!std::getline(state, line)) {
+    return;
   }
   if (line != StateHeader()) {
-    return path + " was written with other options (" + line + ")";
+    throw RunTimeError("was written with other options (" + line + ")");
   }
-  while (std::getline(file, line)) {
+  while (std::getline(state, line)) {
     const std::size_t colon = line.find(':');
-    const auto id = ParseNumber(std::string_view(line).substr(0, colon), 1, 99999);
+    const auto id = ParseInteger(std::string_view(line).substr(0, colon), 1, 99999);
     const auto unit = id ? units_.find(static_cast<int>(*id)) : units_.end();
     if (!id || colon == line.npos ||
         (unit != units_.end() && !unit->second.Restore(std::string_view(line).substr(colon + 1)))) {
-      return std::string(path).append(" holds a line that is no unit's state: ").append(line);
+      throw RunTimeError("holds a line that is no unit's state: " + line);
     }
   }
-  return {};
 }
 
-std::string Station::Save(const std::string& path) const {
-  const std::string temporary = path + ".new";
-  std::ofstream file(temporary, std::ios::trunc);
-  file << StateHeader() << '\n';
-  for (const auto& [id, unit] : units_) file << id << ": " << unit.State() << '\n';
-  file.close();
-  if (!file || std::rename(temporary.c_str(), path.c_str()) != 0) {
-    return "cannot write " + path;
-  }
-  return {};
+void Station::WriteState(std::ostream& out) const {
+  out << StateHeader() << '\n';
+  for (const auto& [id, unit] : units_) out << id << ": " << unit.State() << '\n';
 }
 
 }  // namespace corvane::basestation

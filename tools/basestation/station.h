@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <string_view>
@@ -15,6 +16,8 @@
 namespace corvane::basestation {
 
 /// The base station with everything behind it: takes command lines, gives answers, keeps the units.
+///
+/// Time passes only when it is told so, and chance follows from the seeds alone.
 class Station {
  public:
   struct Settings {
@@ -37,12 +40,10 @@ class Station {
   /// What went wrong on purpose in the last answer, for the log; empty when nothing.
   [[nodiscard]] const std::string& last_faults() const { return last_faults_; }
 
-  /// Reads the units' clocks and memories from a file that `Save` wrote; a missing file changes nothing.
-  ///
-  /// Returns an empty text, or what is wrong with the file.
-  [[nodiscard]] std::string Load(const std::string& path);
-  /// Writes the units' clocks and memories, in one step; returns an empty text, or why it could not.
-  [[nodiscard]] std::string Save(const std::string& path) const;
+  /// Takes over what `WriteState` wrote; empty input changes nothing. Throws `RunTimeError` when it is something else.
+  void Restore(std::istream& state);
+  /// Writes the units' clocks and memories as lines of text.
+  void WriteState(std::ostream& out) const;
 
  private:
   [[nodiscard]] std::string ReplyOf(const Request& request, Unit& unit);

@@ -4,7 +4,7 @@
 
 namespace corvane::basestation {
 
-std::optional<std::int64_t> ParseNumber(std::string_view text, std::int64_t least, std::int64_t most) {
+std::optional<std::int64_t> ParseInteger(std::string_view text, std::int64_t least, std::int64_t most) {
   std::int64_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc{} || end != text.data() + text.size() || number < least || number > most) {
@@ -13,7 +13,7 @@ std::optional<std::int64_t> ParseNumber(std::string_view text, std::int64_t leas
   return number;
 }
 
-std::optional<double> ParseFraction(std::string_view text) {
+std::optional<double> ParseNumber(std::string_view text) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc{} || end != text.data() + text.size()) {
@@ -51,31 +51,30 @@ std::vector<std::string_view> Words(std::string_view text) {
   return words;
 }
 
-std::optional<NumberSet> NumberSet::Parse(std::string_view text) {
+bool NumberSet::Contains(std::int64_t number) const {
+  return std::any_of(ranges_.begin(), ranges_.end(),
+                     [number](const auto& range) { return range.first <= number && number <= range.second; });
+}
+
+std::optional<NumberSet> ParseNumberSet(std::string_view text) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-  NumberSet set;
   if (text == "*") {
-    return set;
+    return NumberSet();
   }
-  set.ranges_.clear();
+  std::vector<NumberSet::Range> ranges;
   for (const std::string_view part : Split(text, ',')) {
     const std::size_t dash = part.find('-');
-    const auto low = ParseNumber(part.substr(0, dash), 0, kMost);
+    const auto low = ParseInteger(part.substr(0, dash), 0, kMost);
     auto high = low;
     if (dash != part.npos) {
-      high = dash + 1 == part.size() ? kMost : ParseNumber(part.substr(dash + 1), 0, kMost);
+      high = dash + 1 == part.size() ? kMost : ParseInteger(part.substr(dash + 1), 0, kMost);
     }
     if (!low || !high || *low > *high) {
       return std::nullopt;
     }
-    set.ranges_.emplace_back(*low, *high);
+    ranges.emplace_back(*low, *high);
   }
-  return set;
-}
-
-bool NumberSet::Contains(std::int64_t number) const {
-  return std::any_of(ranges_.begin(), ranges_.end(),
-                     [number](const auto& range) { return range.first <= number && number <= range.second; });
+  return NumberSet(std::move(ranges));
 }
 
 }  // namespace corvane::basestation

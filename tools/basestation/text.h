@@ -12,10 +12,10 @@
 namespace corvane::basestation {
 
 /// The whole text as a decimal number from `least` to `most`, nothing when it is none.
-[[nodiscard]] std::optional<std::int64_t> ParseNumber(std::string_view text, std::int64_t least, std::int64_t most);
+[[nodiscard]] std::optional<std::int64_t> ParseInteger(std::string_view text, std::int64_t least, std::int64_t most);
 
 /// The whole text as a number with a fraction, nothing when it is none.
-[[nodiscard]] std::optional<double> ParseFraction(std::string_view text);
+[[nodiscard]] std::optional<double> ParseNumber(std::string_view text);
 
 /// The text cut at every separator, empty parts included, blanks around the parts dropped; the parts point into it.
 [[nodiscard]] std::vector<std::string_view> Split(std::string_view text, char separator);
@@ -34,19 +34,23 @@ void AppendNumber(std::string& out, Number number) {
   out.append(digits, end);
 }
 
-/// A set of numbers written as "*", "3", "1-4", "2-" or several of these joined by ",".
+/// A set of numbers.
 class NumberSet {
  public:
+  using Range = std::pair<std::int64_t, std::int64_t>;
+
   /// Every number.
   NumberSet() : ranges_{{0, std::numeric_limits<std::int64_t>::max()}} {}
-
-  /// The set that a text describes, nothing when the text is none.
-  [[nodiscard]] static std::optional<NumberSet> Parse(std::string_view text);
+  /// The numbers of the ranges, first and last included.
+  explicit NumberSet(std::vector<Range> ranges) : ranges_(std::move(ranges)) {}
 
   [[nodiscard]] bool Contains(std::int64_t number) const;
 
  private:
-  std::vector<std::pair<std::int64_t, std::int64_t>> ranges_;
+  std::vector<Range> ranges_;
 };
+
+/// The set written as "*", "3", "1-4", "2-" or several of these joined by ",", nothing when the text is none.
+[[nodiscard]] std::optional<NumberSet> ParseNumberSet(std::string_view text);
 
 }  // namespace corvane::basestation

@@ -11,16 +11,16 @@ Selection::Selection(std::vector<Stretch> stretches) : stretches_(std::move(stre
   for (const Stretch& stretch : stretches_) size_ += stretch.count;
 }
 
-void Selection::Take(std::int64_t& number, Seconds& date) {
+StoredReading Selection::Take() {
   if (taken_ == stretches_[stretch_].count) {
     ++stretch_;
     taken_ = 0;
   }
   const Stretch& stretch = stretches_[stretch_];
-  number = stretch.first_number + taken_;
-  date = stretch.first + taken_ * stretch.period;
+  const StoredReading reading{stretch.first_number + taken_, stretch.first + taken_ * stretch.period};
   ++taken_;
   --size_;
+  return reading;
 }
 
 Unit::Unit(int id, int relay, Soil soil, Seconds start, Seconds period, std::int64_t readings)
@@ -106,7 +106,7 @@ bool Unit::Restore(std::string_view state) {
   constexpr std::int64_t kMost = 1'000'000'000'000;
   std::vector<std::int64_t> numbers;
   for (const std::string_view word : Words(state)) {
-    const auto number = ParseNumber(word, 1, kMost);
+    const auto number = ParseInteger(word, 1, kMost);
     if (!number) {
       return false;
     }

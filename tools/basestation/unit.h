@@ -18,6 +18,12 @@ struct Stretch {
   std::int64_t first_number = 0;  ///< number of the first reading, counted from 0 over the unit's whole life
 };
 
+/// Which reading of a unit's life it is, counted from 0, and when it was taken.
+struct StoredReading {
+  std::int64_t number = 0;
+  Seconds date = 0;
+};
+
 /// The readings that one download brings, taken when it begins: later changes of the unit do not reach it.
 class Selection {
  public:
@@ -27,7 +33,7 @@ class Selection {
   /// Number of readings not yet taken.
   [[nodiscard]] std::int64_t size() const { return size_; }
   /// Takes the next reading; `size()` must not be 0.
-  void Take(std::int64_t& number, Seconds& date);
+  StoredReading Take();
 
  private:
   std::vector<Stretch> stretches_;
