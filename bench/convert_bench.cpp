@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
   PrintingDialogs dialogs;
   NoShell shell;
   Trace trace(form, link, loop, shell);
-  Messages messages(form, flags, loop, dialogs, trace);
+  Messages messages({form, flags, loop, dialogs, trace});
   ProgressBars bars;
   bars.Download.SetBar(form.Bar_Download);
   Lookups lookups(messages);

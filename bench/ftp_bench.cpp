@@ -44,7 +44,7 @@ struct World {
   RunFlags flags;
   AppInfo app{""};
   Trace trace{form, link, loop, shell};
-  Messages messages{form, flags, loop, dialogs, trace};
+  Messages messages{{form, flags, loop, dialogs, trace}};
   MyFTP ftp{{form.Frm_Main, loop, client, app, messages, trace}};
 };
 

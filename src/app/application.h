@@ -33,9 +33,7 @@
 #include "platform/serial_port.h"
 #include "platform/shell.h"
 #include "platform/zip_component.h"
-#include "registry/client_editor.h"
-#include "registry/relay_editor.h"
-#include "registry/unit_editor.h"
+#include "registry/editors.h"
 #include "rounds/batch_conversion.h"
 #include "rounds/download_round.h"
 #include "rounds/port_finder.h"
@@ -87,7 +85,7 @@ class Application {
   [[nodiscard]] const FieldChecks& checks() const { return checks_; }
   [[nodiscard]] const PortDevices& devices() const { return devices_; }
   [[nodiscard]] PortChoices& ports() { return ports_; }
-  [[nodiscard]] UnitEditor& units() { return units_; }
+  [[nodiscard]] UnitEditor& units() { return editors_.units; }
   [[nodiscard]] OperationSlot& slot() { return slot_; }
   [[nodiscard]] TransferFlows& flows() { return flows_; }
   [[nodiscard]] const TransferFlows& flows() const { return flows_; }
@@ -121,10 +119,7 @@ class Application {
   FieldChecks checks_;
   CFileListbox file_list_;
   LocalFiles files_;
-  RecordEditor::Parts editor_parts_;
-  UnitEditor units_;
-  RelayEditor relays_;
-  ClientEditor clients_;
+  RegistryEditors editors_;
   SettingsStore store_;
   Settings settings_;
   RunAtStartup run_at_startup_;

@@ -8,7 +8,6 @@ namespace corvane {
 namespace {
 
 constexpr std::int16_t kCreateLocalFolders = 4;
-constexpr std::int32_t kAnySource = -1;
 constexpr const char* kAllFiles = "All files(*.*)|*.*";
 constexpr const char* kHexFilter = "Hex files(*.hex)|*.hex|All files(*.)|*.*";
 
@@ -60,7 +59,7 @@ bool Commands::Process(bool ab_All, std::int16_t ai_Command) {
 bool Commands::ConvertAll(bool ab_All) {
   return RunOperation("Convert", [&] {
     p_.conversion.ResetCounters();
-    p_.conversion.ConvertAllUnits(ab_All, -1, -1);
+    p_.conversion.ConvertAllUnits(ab_All, kAny, kAny);
   });
 }
 
@@ -171,14 +170,14 @@ bool Commands::Backup() {
 
 bool Commands::Send(bool ab_All) {
   return RunOperation("Send", [&] {
-    p_.flows.ftpAllUnits(ab_All, kAnySource, kToFtp);
-    if (!ab_All && !p_.link.UserCancel) p_.flows.ftpAllUnits(false, kAnySource, kToWebData);
+    p_.flows.ftpAllUnits(ab_All, kAny, kToFtp);
+    if (!ab_All && !p_.link.UserCancel) p_.flows.ftpAllUnits(false, kAny, kToWebData);
   });
 }
 
 void Commands::SendMenu(std::int16_t ai_Entry) {
   if (ai_Entry == 2) {
-    RunOperation("Send", [&] { p_.flows.ftpAllUnits(true, kAnySource, kToWebData); });
+    RunOperation("Send", [&] { p_.flows.ftpAllUnits(true, kAny, kToWebData); });
   } else {
     Send(ai_Entry == 1);
   }

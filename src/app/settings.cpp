@@ -195,66 +195,50 @@ const Settings::RecordSection<Client>& Settings::ClientSection() {
   return section;
 }
 
-Settings::Settings(const Parts& av_Parts)
-    : form_(av_Parts.form),
-      registry_(av_Parts.registry),
-      app_(av_Parts.app),
-      ports_(av_Parts.ports),
-      store_(av_Parts.store),
-      units_(av_Parts.units),
-      relays_(av_Parts.relays),
-      clients_(av_Parts.clients),
-      messages_(av_Parts.messages),
-      trace_(av_Parts.trace),
-      file_list_settings_(FileListSettings(form_, app_)),
-      other_settings_(OtherSettings(form_, app_)) {}
-
 void Settings::LoadSettings() {
   report_.clear();
   problem_count_ = 0;
-  const Status read = store_.Load();
+  const Status read = p_.store.Load();
   if (!read.ok()) Report(read.text());
   LoadGeneral(file_list_settings_);
   {
-    const SuppressEvents::Guard guard(form_.Suppress);
-    LoadRecords(UnitSection(), registry_.Units);
-    units_.FillList();
-    LoadRecords(RelaySection(), registry_.Relays);
-    registry_.Relays[1].Name = "Direct";
-    registry_.Relays[1].ID = 0;
-    relays_.FillList();
-    LoadRecords(ClientSection(), registry_.Clients);
-    clients_.FillList();
+    const SuppressEvents::Guard guard(p_.form.Suppress);
+    LoadRecords(UnitSection(), p_.registry.Units);
+    p_.editors.units.FillList();
+    LoadRecords(RelaySection(), p_.registry.Relays);
+    p_.registry.Relays[1].Name = "Direct";
+    p_.registry.Relays[1].ID = 0;
+    p_.editors.relays.FillList();
+    LoadRecords(ClientSection(), p_.registry.Clients);
+    p_.editors.clients.FillList();
     LoadGeneral(other_settings_);
-    form_.Frame_OstrelWebData.SetVisible(false);
-    LoadPorts(store_, ports_, [this](const std::string& key, const std::string& device, std::string_view problem) {
+    p_.form.Frame_OstrelWebData.SetVisible(false);
+    LoadPorts(p_.store, p_.ports, [this](const std::string& key, const std::string& device, std::string_view problem) {
       Report("Ports", key, device, problem);
     });
-    app_.SetPreviousVersion(store_.GetGeneral("Version", ""));
+    p_.app.SetPreviousVersion(p_.store.GetGeneral("Version", ""));
     // Intended: asked as a settled step of loading; no decision depends on the answer.
-    (void)app_.IsNewerVersion();
+    (void)p_.app.IsNewerVersion();
   }
   ShowReport();
 }
 
 bool Settings::SaveSettings() {
-  units_.StoreRecord();
-  relays_.StoreRecord();
-  clients_.StoreRecord();
+  p_.editors.StoreRecords();
   SaveGeneral(file_list_settings_);
-  SaveRecords(UnitSection(), registry_.Units);
-  SaveRecords(RelaySection(), registry_.Relays);
-  SaveRecords(ClientSection(), registry_.Clients);
+  SaveRecords(UnitSection(), p_.registry.Units);
+  SaveRecords(RelaySection(), p_.registry.Relays);
+  SaveRecords(ClientSection(), p_.registry.Clients);
   SaveGeneral(other_settings_);
-  SavePorts(store_, ports_);
-  store_.SaveSetting("General", "Version", AppInfo::VersionText());
-  return store_.Commit();
+  SavePorts(p_.store, p_.ports);
+  p_.store.SaveSetting("General", "Version", AppInfo::VersionText());
+  return p_.store.Commit();
 }
 
 void Settings::LoadGeneral(const std::vector<Setting>& av_Settings) {
   for (const Setting& setting : av_Settings) {
     if (setting.meaning == Meaning::SavedOnly) continue;
-    const std::string value = store_.GetGeneral(setting.key, setting.fallback);
+    const std::string value = p_.store.GetGeneral(setting.key, setting.fallback);
     std::visit([&](auto* control) { LoadValue(*control, setting, value); }, setting.control);
   }
 }
@@ -300,7 +284,7 @@ void Settings::LoadValue(Selector& av_Selector, const Setting& av_Setting, const
 void Settings::SaveGeneral(const std::vector<Setting>& av_Settings) {
   for (const Setting& setting : av_Settings) {
     const std::string value = std::visit([](const auto* control) { return TextOf(*control); }, setting.control);
-    store_.SaveSetting("General", setting.key, value);
+    p_.store.SaveSetting("General", setting.key, value);
   }
 }
 
@@ -323,19 +307,19 @@ void Settings::LoadRecords(const RecordSection<Record>& av_Section, RecordArray<
 
 template <class Record>
 void Settings::SaveRecords(const RecordSection<Record>& av_Section, const RecordArray<Record>& av_Records) {
-  store_.SaveSetting(av_Section.name, av_Section.count_key, std::to_string(av_Records.count()));
+  p_.store.SaveSetting(av_Section.name, av_Section.count_key, std::to_string(av_Records.count()));
   for (std::int32_t index = 1; index <= av_Records.count(); ++index) {
     const Record& record = av_Records[index];
     for (const RecordField<Record>& field : av_Section.fields) {
       const std::string value = std::visit([&](auto member) { return TextOf(record.*member); }, field.member);
-      store_.SaveSetting(av_Section.name, std::string(field.key) + Index(index), value);
+      p_.store.SaveSetting(av_Section.name, std::string(field.key) + Index(index), value);
     }
   }
 }
 
 void Settings::LoadMember(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default,
                           std::string& as_Member) {
-  as_Member = store_.GetSetting(as_Section, as_Key, as_Default);
+  as_Member = p_.store.GetSetting(as_Section, as_Key, as_Default);
 }
 
 template <class Number>
@@ -346,7 +330,7 @@ void Settings::LoadMember(std::string_view as_Section, const std::string& as_Key
 
 template <class Number>
 Number Settings::LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default) {
-  const std::string value = store_.GetSetting(as_Section, as_Key, as_Default);
+  const std::string value = p_.store.GetSetting(as_Section, as_Key, as_Default);
   const std::optional<Number> number = Convert<Number>(value);
   if (number) return *number;
   constexpr std::string_view kKind =
@@ -372,26 +356,27 @@ void Settings::Report(std::string_view as_Section, std::string_view as_Key, std:
 
 void Settings::Report(std::string as_Problem) {
   ++problem_count_;
-  if (problem_count_ <= kMostLoggedProblems) trace_.LogWrite("Settings: " + as_Problem);
+  if (problem_count_ <= kMostLoggedProblems) p_.trace.LogWrite("Settings: " + as_Problem);
   if (problem_count_ <= kMostShownProblems) report_ += std::move(as_Problem) + std::string(kLineBreak);
 }
 
 void Settings::ShowReport() {
-  if (store_.HasBrokenLines()) {
+  if (p_.store.HasBrokenLines()) {
     Report("Some lines are neither a section, a key nor a comment. They are not used and stay as they are.");
   }
-  if (store_.HasDoubledSections()) {
+  if (p_.store.HasDoubledSections()) {
     Report("Two sections have the same name. Only the first is used: move the lines of the second into it.");
   }
-  if (CutCharacters(app_.Folder(), kLongestFolder).size() < app_.Folder().size()) {
+  if (CutCharacters(p_.app.Folder(), kLongestFolder).size() < p_.app.Folder().size()) {
     Report("The name of the application folder is too long for the fields; choose one of at most " +
            std::to_string(kLongestFolder) + " characters.");
   }
   if (problem_count_ == 0) return;
   const std::int64_t more = problem_count_ - kMostShownProblems;
   if (more > 0) report_ += "and " + std::to_string(more) + " more; see the log" + std::string(kLineBreak);
-  messages_.ShowTimedMessage("Please check the settings (" + store_.File() + "):" + std::string(kLineBreak) + report_,
-                             kOkOnly | kExclamationIcon, {}, kReportSeconds);
+  p_.messages.ShowTimedMessage(
+      "Please check the settings (" + p_.store.File() + "):" + std::string(kLineBreak) + report_,
+      kOkOnly | kExclamationIcon, {}, kReportSeconds);
 }
 
 }  // namespace corvane

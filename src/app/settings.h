@@ -8,9 +8,7 @@
 
 #include "app/settings_store.h"
 #include "form/form.h"
-#include "registry/client_editor.h"
-#include "registry/relay_editor.h"
-#include "registry/unit_editor.h"
+#include "registry/editors.h"
 #include "state/app_info.h"
 #include "state/port_devices.h"
 #include "state/records.h"
@@ -29,14 +27,12 @@ class Settings {
     AppInfo& app;
     PortDevices& ports;
     SettingsStore& store;
-    UnitEditor& units;
-    RelayEditor& relays;
-    ClientEditor& clients;
+    RegistryEditors& editors;
     Messages& messages;
     Trace& trace;
   };
 
-  explicit Settings(const Parts& av_Parts);
+  explicit Settings(const Parts& av_Parts) : p_(av_Parts) {}
   Settings(const Settings&) = delete;
   Settings& operator=(const Settings&) = delete;
 
@@ -109,18 +105,9 @@ class Settings {
   void Report(std::string as_Problem);
   void ShowReport();
 
-  Form& form_;
-  Registry& registry_;
-  AppInfo& app_;
-  PortDevices& ports_;
-  SettingsStore& store_;
-  UnitEditor& units_;
-  RelayEditor& relays_;
-  ClientEditor& clients_;
-  Messages& messages_;
-  Trace& trace_;
-  std::vector<Setting> file_list_settings_;
-  std::vector<Setting> other_settings_;
+  Parts p_;
+  std::vector<Setting> file_list_settings_ = FileListSettings(p_.form, p_.app);
+  std::vector<Setting> other_settings_ = OtherSettings(p_.form, p_.app);
   std::string report_;  ///< the first problems of the present load, a line each
   std::int64_t problem_count_ = 0;
 };

@@ -116,20 +116,16 @@ std::string HexRecord::HexField(std::int64_t al_Index, std::int16_t ai_ByteCount
   return ZeroPadded(value, ai_Width);
 }
 
-HexConversion::HexConversion(Form& av_Form, const RunFlags& av_Flags, const LinkState& av_Link, EventLoop& av_Loop,
-                             Messages& av_Messages, Trace& av_Trace)
-    : form_(av_Form), flags_(av_Flags), link_(av_Link), loop_(av_Loop), messages_(av_Messages), trace_(av_Trace) {}
-
 bool HexConversion::ConvertHexToRaw(const std::string& as_InputFile) {
   try {
     const std::string output = WithExtension(as_InputFile, "tsc");
     if (output == as_InputFile) throw RunTimeError(output + " is a converted file already, choose a hex dump");
-    if (!messages_.Confirm("Convert: " + as_InputFile + std::string(kLineBreak) + "To: " + output)) return false;
-    const BusyPointer busy(form_.Frm_Main);
-    trace_.Status("Convert: " + as_InputFile);
+    if (!p_.messages.Confirm("Convert: " + as_InputFile + std::string(kLineBreak) + "To: " + output)) return false;
+    const BusyPointer busy(p_.form.Frm_Main);
+    p_.trace.Status("Convert: " + as_InputFile);
     return ConvertFile(as_InputFile, output);
   } catch (const RunTimeError& error) {
-    trace_.ErrorReport("ConvertHexToRaw", error.what());
+    p_.trace.ErrorReport("ConvertHexToRaw", error.what());
     return false;
   }
 }
@@ -143,7 +139,7 @@ bool HexConversion::ConvertFile(const std::string& as_InputFile, const std::stri
     TakeLine(run, line);
     Require(run.Output.FlushWhenFull());
     if (!GoOn(run)) {
-      trace_.Status("Cancelled: " + as_OutputFile + " is not written");
+      p_.trace.Status("Cancelled: " + as_OutputFile + " is not written");
       return false;
     }
   }
@@ -153,7 +149,7 @@ bool HexConversion::ConvertFile(const std::string& as_InputFile, const std::stri
                        ". Nothing is written");
   }
   Require(run.Output.Commit());
-  trace_.Status("Converted: " + std::to_string(run.Rows) + " records to " + as_OutputFile);
+  p_.trace.Status("Converted: " + std::to_string(run.Rows) + " records to " + as_OutputFile);
   if (run.Damage.empty()) return true;
   throw RunTimeError(as_InputFile + ": " + run.Damage +
                      ". The conversion ended there; records written: " + std::to_string(run.Rows));
@@ -178,11 +174,11 @@ void HexConversion::TakeLine(Run& av_Run, std::string_view as_Line) {
 
 bool HexConversion::GoOn(Run& av_Run) {
   if (av_Run.Lines % kLinesBetweenClockReadings != 0) return true;
-  if (loop_.MonotonicMilliseconds() >= av_Run.NextPoll) {
-    loop_.Poll();
-    av_Run.NextPoll = loop_.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
+  if (p_.loop.MonotonicMilliseconds() >= av_Run.NextPoll) {
+    p_.loop.Poll();
+    av_Run.NextPoll = p_.loop.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
   }
-  return !flags_.closing && !link_.UserCancel;
+  return !Cancelled(p_.link, p_.flags);
 }
 
 }  // namespace corvane

@@ -39,8 +39,16 @@ class HexRecord {
 /// Turns a memory dump of a unit into a readable comma-separated file.
 class HexConversion {
  public:
-  HexConversion(Form& av_Form, const RunFlags& av_Flags, const LinkState& av_Link, EventLoop& av_Loop,
-                Messages& av_Messages, Trace& av_Trace);
+  /// What a conversion works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    const RunFlags& flags;
+    const LinkState& link;
+    EventLoop& loop;
+    Messages& messages;
+    Trace& trace;
+  };
+  explicit HexConversion(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Converts `as_InputFile` (a full path) into a file of the same name with the extension "tsc", after a question.
   ///
@@ -55,12 +63,7 @@ class HexConversion {
   void TakeLine(Run& av_Run, std::string_view as_Line);
   bool GoOn(Run& av_Run);
 
-  Form& form_;
-  const RunFlags& flags_;
-  const LinkState& link_;
-  EventLoop& loop_;
-  Messages& messages_;
-  Trace& trace_;
+  Parts p_;
 };
 
 }  // namespace corvane

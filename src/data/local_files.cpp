@@ -27,38 +27,24 @@ std::string PatternFor(const Form& av_Form, const FileNames& av_Names) {
 
 }  // namespace
 
-LocalFiles::LocalFiles(Form& av_Form, const RunFlags& av_Flags, const OperationSlot& av_Slot, const AppInfo& av_App,
-                       const FileNames& av_Names, CFileListbox& av_FileList, EventLoop& av_Loop, Dialogs& av_Dialogs,
-                       Shell& av_Shell, Messages& av_Messages)
-    : form_(av_Form),
-      flags_(av_Flags),
-      slot_(av_Slot),
-      app_(av_App),
-      names_(av_Names),
-      file_list_(av_FileList),
-      loop_(av_Loop),
-      dialogs_(av_Dialogs),
-      shell_(av_Shell),
-      messages_(av_Messages) {}
-
 void LocalFiles::RefreshFileListBox() {
-  if (flags_.loading) return;
-  const std::int64_t begin = loop_.MonotonicMilliseconds();
-  stale_ = slot_.Taken() && last_refresh_cost_ * kRefreshShare > begin - last_refresh_end_;
+  if (p_.flags.loading) return;
+  const std::int64_t begin = p_.loop.MonotonicMilliseconds();
+  stale_ = p_.slot.Taken() && last_refresh_cost_ * kRefreshShare > begin - last_refresh_end_;
   if (stale_) return;
 
-  std::string folder = names_.DataFolder();
-  const auto unit = static_cast<std::int32_t>(form_.Lst_Units.current() + 1);
-  const std::string client_folder = WithSlashes(names_.ClientFolderName(unit));
+  std::string folder = p_.names.DataFolder();
+  const auto unit = static_cast<std::int32_t>(p_.form.Lst_Units.current() + 1);
+  const std::string client_folder = WithSlashes(p_.names.ClientFolderName(unit));
   // Intended: a separator always stands before the client folder, also behind one that ends the data folder.
   if (!client_folder.empty()) folder += "/" + client_folder;
-  form_.Lbl_Path.SetText(folder);
-  file_list_.SetPattern(PatternFor(form_, names_));
-  file_list_.SetSortBy(static_cast<std::int16_t>(form_.Opt_SortFile.GetOptionIndex()));
-  file_list_.SetSortDirection(static_cast<std::int16_t>(form_.Opt_Direction.GetOptionIndex()));
-  file_list_.SetPath(folder);
-  file_list_.Refresh(form_.Lst_LocalFiles);
-  last_refresh_end_ = loop_.MonotonicMilliseconds();
+  p_.form.Lbl_Path.SetText(folder);
+  p_.file_list.SetPattern(PatternFor(p_.form, p_.names));
+  p_.file_list.SetSortBy(static_cast<std::int16_t>(p_.form.Opt_SortFile.GetOptionIndex()));
+  p_.file_list.SetSortDirection(static_cast<std::int16_t>(p_.form.Opt_Direction.GetOptionIndex()));
+  p_.file_list.SetPath(folder);
+  p_.file_list.Refresh(p_.form.Lst_LocalFiles);
+  last_refresh_end_ = p_.loop.MonotonicMilliseconds();
   last_refresh_cost_ = last_refresh_end_ - begin;
 }
 
@@ -67,22 +53,23 @@ void LocalFiles::RefreshIfStale() {
 }
 
 void LocalFiles::UpdateFileExamples() {
-  form_.Lbl_DateExample.SetText(FormatDate(loop_.Now(), form_.Txt_DateFormat.text()));
-  form_.Lbl_FileExample[0].SetText(names_.DataFileName(FileNames::kExample, false));
-  form_.Lbl_FileExample[1].SetText(names_.DataFileName(FileNames::kExample, true));
+  p_.form.Lbl_DateExample.SetText(FormatDate(p_.loop.Now(), p_.form.Txt_DateFormat.text()));
+  p_.form.Lbl_FileExample[0].SetText(p_.names.DataFileName(FileNames::kExample, false));
+  p_.form.Lbl_FileExample[1].SetText(p_.names.DataFileName(FileNames::kExample, true));
 }
 
 void LocalFiles::DeleteFiles() {
   std::string full;
   std::string name;
   std::vector<std::string> chosen;  // the list may be filled anew while the question waits
-  const bool several = file_list_.SelCount() > 1;
-  if (!several && !file_list_.GetCurrent(full, name)) return;
+  const bool several = p_.file_list.SelCount() > 1;
+  if (!several && !p_.file_list.GetCurrent(full, name)) return;
   if (!several) chosen.push_back(full);
-  while (several && file_list_.GetNextSelected(full, name)) chosen.push_back(full);
-  if (!messages_.Confirm(several ? "Delete all selected files" : "Delete: " + full)) return;
+  while (several && p_.file_list.GetNextSelected(full, name)) chosen.push_back(full);
+  if (!p_.messages.Confirm(several ? "Delete all selected files" : "Delete: " + full)) return;
   for (const std::string& file : chosen) {
-    if (const Status removed = RemoveFile(file); !removed.ok()) return file_list_.ReportError(removed.text(), "Delete");
+    if (const Status removed = RemoveFile(file); !removed.ok())
+      return p_.file_list.ReportError(removed.text(), "Delete");
   }
   RefreshFileListBox();
 }
@@ -90,7 +77,7 @@ void LocalFiles::DeleteFiles() {
 void LocalFiles::EditDataFile() {
   std::string full;
   std::string name;
-  if (file_list_.GetCurrent(full, name)) OpenInEditor(full);
+  if (p_.file_list.GetCurrent(full, name)) OpenInEditor(full);
 }
 
 void LocalFiles::EditFile(std::int16_t ai_Index) {
@@ -98,41 +85,41 @@ void LocalFiles::EditFile(std::int16_t ai_Index) {
 }
 
 void LocalFiles::EditTrace() {
-  OpenInEditor(app_.AppPath(kLogFileName));
+  OpenInEditor(p_.app.AppPath(kLogFileName));
 }
 
 void LocalFiles::GetFile(std::int16_t ai_Index) {
   const std::string folder(FolderOf(SettingsFile(ai_Index)));
   const char* filter = ai_Index == kLanguageFile ? kLanguageFilter : kLookupFilter;
-  TakePath(dialogs_.ChooseFile("Choose a file", filter, folder),
-           [this, ai_Index](const std::string& path) { form_.Txt_File[ai_Index].SetText(path); });
+  TakePath(p_.dialogs.ChooseFile("Choose a file", filter, folder),
+           [this, ai_Index](const std::string& path) { p_.form.Txt_File[ai_Index].SetText(path); });
 }
 
 void LocalFiles::GetFolder() {
-  TakePath(dialogs_.ChooseFolder("Choose the folder of the data files", names_.DataFolder()),
-           [this](const std::string& path) { form_.Txt_Folder.SetText(path); });
+  TakePath(p_.dialogs.ChooseFolder("Choose the folder of the data files", p_.names.DataFolder()),
+           [this](const std::string& path) { p_.form.Txt_Folder.SetText(path); });
 }
 
 void LocalFiles::GetBackupFolder() {
-  const std::string present = WithSlashes(form_.Lbl_BackupDestination.text());
-  TakePath(dialogs_.ChooseFolder("Choose the folder of the backups", app_.AppPath(present)),
-           [this](const std::string& path) { form_.Lbl_BackupDestination.SetText(path); });
+  const std::string present = WithSlashes(p_.form.Lbl_BackupDestination.text());
+  TakePath(p_.dialogs.ChooseFolder("Choose the folder of the backups", p_.app.AppPath(present)),
+           [this](const std::string& path) { p_.form.Lbl_BackupDestination.SetText(path); });
 }
 
 std::string LocalFiles::SettingsFile(std::int16_t ai_Index) const {
-  return app_.AppPath(WithSlashes(form_.Txt_File[ai_Index].text()));
+  return p_.app.AppPath(WithSlashes(p_.form.Txt_File[ai_Index].text()));
 }
 
 void LocalFiles::OpenInEditor(const std::string& as_File) {
-  const Status opened = shell_.OpenEditor(as_File);
-  if (!opened.ok()) messages_.Show(opened.text(), "Editor");
+  const Status opened = p_.shell.OpenEditor(as_File);
+  if (!opened.ok()) p_.messages.Show(opened.text(), "Editor");
 }
 
 void LocalFiles::TakePath(const std::optional<std::string>& as_Path,
                           const std::function<void(const std::string&)>& av_Take) {
   if (!as_Path) return;
   if (as_Path->size() > CutCharacters(*as_Path, TextField::kLongestText).size()) {
-    messages_.Show("This name is too long for the settings, choose a shorter path: " + *as_Path);
+    p_.messages.Show("This name is too long for the settings, choose a shorter path: " + *as_Path);
     return;
   }
   av_Take(*as_Path);

@@ -21,9 +21,20 @@ namespace corvane {
 /// The list of local data files and the commands on them and on the files of the settings page.
 class LocalFiles {
  public:
-  LocalFiles(Form& av_Form, const RunFlags& av_Flags, const OperationSlot& av_Slot, const AppInfo& av_App,
-             const FileNames& av_Names, CFileListbox& av_FileList, EventLoop& av_Loop, Dialogs& av_Dialogs,
-             Shell& av_Shell, Messages& av_Messages);
+  /// What the list and its commands work with; all must outlive it.
+  struct Parts {
+    Form& form;
+    const RunFlags& flags;
+    const OperationSlot& slot;
+    const AppInfo& app;
+    const FileNames& names;
+    CFileListbox& file_list;
+    EventLoop& loop;
+    Dialogs& dialogs;
+    Shell& shell;
+    Messages& messages;
+  };
+  explicit LocalFiles(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Rebuilds the local file list; does nothing while the window is loading.
   ///
@@ -55,16 +66,7 @@ class LocalFiles {
   /// Calls `av_Take` with a chosen path, or reports one that is too long for the settings.
   void TakePath(const std::optional<std::string>& as_Path, const std::function<void(const std::string&)>& av_Take);
 
-  Form& form_;
-  const RunFlags& flags_;
-  const OperationSlot& slot_;
-  const AppInfo& app_;
-  const FileNames& names_;
-  CFileListbox& file_list_;
-  EventLoop& loop_;
-  Dialogs& dialogs_;
-  Shell& shell_;
-  Messages& messages_;
+  Parts p_;
   bool stale_ = false;
   std::int64_t last_refresh_end_ = 0;   ///< monotonic milliseconds
   std::int64_t last_refresh_cost_ = 0;  ///< milliseconds

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,9 +23,19 @@ namespace corvane {
 /// every close and at least every 5 seconds.
 class DownloadCapture {
  public:
-  DownloadCapture(Form& av_Form, LinkState& av_Link, DownloadState& av_Download, EventLoop& av_Loop,
-                  LinkWriter& av_Writer, Exchange& av_Exchange, DownloadSummary& av_Summary, ProgressBars& av_Bars,
-                  Trace& av_Trace);
+  /// What the capture works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    DownloadState& download;
+    EventLoop& loop;
+    LinkWriter& writer;
+    Exchange& exchange;
+    DownloadSummary& summary;
+    ProgressBars& bars;
+    Trace& trace;
+  };
+  explicit DownloadCapture(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Handles `ReplyLine` while a download is awaited.
   void SaveToFile();
@@ -34,9 +43,6 @@ class DownloadCapture {
   void CloseOutputFile();
   /// The raw file's number in trace lines, 0 while it is closed.
   [[nodiscard]] int OutputFileNumber() const;
-
-  /// Refreshes the look-up display of the selected unit after a reading was stored; set by the composition root.
-  std::function<void()> reading_stored;
 
  private:
   void TakeHeader();
@@ -57,17 +63,11 @@ class DownloadCapture {
   /// A decision trace of `as_What` and the items text, built only when it is wanted.
   void TraceItems(std::string_view as_What);
 
-  Form& form_;
-  LinkState& link_;
-  DownloadState& download_;
-  LinkWriter& writer_;
-  Exchange& exchange_;
-  DownloadSummary& summary_;
-  ProgressBars& bars_;
-  Trace& trace_;
+  Parts p_;
   RawLine line_;
   std::string output_line_;
-  std::unique_ptr<Timer> sync_timer_;  ///< runs while readings are written that are not yet on the disk
+  /// runs while readings are written that are not yet on the disk
+  std::unique_ptr<Timer> sync_timer_ = p_.loop.MakeTimer([this] { SyncOutput(); });
 };
 
 }  // namespace corvane

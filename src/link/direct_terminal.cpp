@@ -16,78 +16,66 @@ constexpr std::int64_t kMostMilliseconds = 3'600'000;  ///< a noisy line must no
 
 }  // namespace
 
-DirectTerminal::DirectTerminal(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop,
-                               PortLink& av_Port, Exchange& av_Exchange, CommandStates& av_States, Trace& av_Trace)
-    : form_(av_Form),
-      link_(av_Link),
-      flags_(av_Flags),
-      loop_(av_Loop),
-      port_(av_Port),
-      exchange_(av_Exchange),
-      states_(av_States),
-      trace_(av_Trace),
-      timer_(av_Loop.MakeTimer([this] { silent_ = true; })) {}
-
 bool DirectTerminal::Run() {
   waiting_.clear();
   silent_ = false;
-  port_.ClearEverything();
-  if (!port_.OpenPort(0)) return false;
-  port_.ClearBeforeCommand("Direct terminal");
-  link_.DirectListening = true;
-  states_.SetListening(true);
+  p_.port.ClearEverything();
+  if (!p_.port.OpenPort(0)) return false;
+  p_.port.ClearBeforeCommand("Direct terminal");
+  p_.link.DirectListening = true;
+  p_.states.SetListening(true);
   SendNext();
   while (!Ended()) {
     SendWaiting();
-    if (!Ended()) loop_.Yield();
+    if (!Ended()) p_.loop.Yield();
   }
-  const bool well = !link_.HalvexError;
+  const bool well = !p_.link.HalvexError;
   Finish();
   return well;
 }
 
 void DirectTerminal::SendNext() {
-  waiting_.push_back(form_.Txt_Direct.text());
+  waiting_.push_back(p_.form.Txt_Direct.text());
 }
 
 void DirectTerminal::SendWaiting() {
   while (!waiting_.empty() && !Ended()) {
     const std::string line = std::move(waiting_.front());
     waiting_.pop_front();
-    AddDirectRow(form_, ">" + line);
-    trace_.Status("Direct terminal: " + line);
-    exchange_.SendLine(line);
-    last_sent_ = loop_.MonotonicMilliseconds();
+    AddDirectRow(p_.form, ">" + line);
+    p_.trace.Status("Direct terminal: " + line);
+    p_.exchange.SendLine(line);
+    last_sent_ = p_.loop.MonotonicMilliseconds();
     RestartWait();
   }
 }
 
 void DirectTerminal::OnData() {
-  const bool in_time = loop_.MonotonicMilliseconds() - last_sent_ < kMostMilliseconds;
-  if (link_.DirectListening && in_time) RestartWait();
+  const bool in_time = p_.loop.MonotonicMilliseconds() - last_sent_ < kMostMilliseconds;
+  if (p_.link.DirectListening && in_time) RestartWait();
 }
 
 void DirectTerminal::RestartWait() {
-  const double seconds = std::clamp(LeadingNumber(form_.Txt_Timeout[1].text()), kShortestWait, kLongestWait);
+  const double seconds = std::clamp(LeadingNumber(p_.form.Txt_Timeout[1].text()), kShortestWait, kLongestWait);
   silent_ = false;
   timer_->Start(std::llround(seconds * 1000));
 }
 
 bool DirectTerminal::Ended() const {
-  return silent_ || link_.UserCancel || link_.HalvexError || flags_.closing || !form_.Chk_Direct.ticked();
+  return silent_ || Cancelled(p_.link, p_.flags) || p_.link.HalvexError || !p_.form.Chk_Direct.ticked();
 }
 
 void DirectTerminal::Finish() {
   timer_->Stop();
-  if (link_.HalvexError) {
-    trace_.Status("Direct terminal: " + link_.ResultTextOf(link_.ResultCode));
+  if (p_.link.HalvexError) {
+    p_.trace.Status("Direct terminal: " + p_.link.ResultTextOf(p_.link.ResultCode));
   } else {
-    trace_.Status("Direct terminal: the port is closed");
+    p_.trace.Status("Direct terminal: the port is closed");
   }
-  link_.DirectListening = false;
-  states_.SetListening(false);
-  port_.ClearEverything();
-  port_.ClosePort();
+  p_.link.DirectListening = false;
+  p_.states.SetListening(false);
+  p_.port.ClearEverything();
+  p_.port.ClosePort();
 }
 
 }  // namespace corvane

@@ -19,11 +19,21 @@ namespace corvane {
 /// The direct terminal: a person types raw commands to the base station and reads what comes back.
 class DirectTerminal {
  public:
-  DirectTerminal(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, PortLink& av_Port,
-                 Exchange& av_Exchange, CommandStates& av_States, Trace& av_Trace);
+  /// What the terminal works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    const RunFlags& flags;
+    EventLoop& loop;
+    PortLink& port;
+    Exchange& exchange;
+    CommandStates& states;
+    Trace& trace;
+  };
+  explicit DirectTerminal(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// True from the opening of the port to its close.
-  [[nodiscard]] bool Listening() const { return link_.DirectListening; }
+  [[nodiscard]] bool Listening() const { return p_.link.DirectListening; }
   /// Opens the radio port, sends the text of `Txt_Direct` and listens until the line is silent for the data time-out (1
   /// to 600 seconds), an hour after the last line sent, the user cancels, unticks `Chk_Direct` or the port fails.
   ///
@@ -40,15 +50,8 @@ class DirectTerminal {
   [[nodiscard]] bool Ended() const;
   void Finish();
 
-  Form& form_;
-  LinkState& link_;
-  const RunFlags& flags_;
-  EventLoop& loop_;
-  PortLink& port_;
-  Exchange& exchange_;
-  CommandStates& states_;
-  Trace& trace_;
-  std::unique_ptr<Timer> timer_;
+  Parts p_;
+  std::unique_ptr<Timer> timer_ = p_.loop.MakeTimer([this] { silent_ = true; });
   std::deque<std::string> waiting_;  ///< lines to be sent
   bool silent_ = false;
   std::int64_t last_sent_ = 0;  ///< monotonic milliseconds

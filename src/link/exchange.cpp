@@ -73,74 +73,63 @@ std::string LogPeriodParameters(std::string_view as_LogPeriod) {
   return HexText(static_cast<std::uint64_t>(std::llround(std::fmod(std::round(minutes), 256))), 2);
 }
 
-Exchange::Exchange(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop,
-                   LinkWriter& av_Writer, ReplyTimer& av_Timer, Pauser& av_Pauser, Trace& av_Trace)
-    : form_(av_Form),
-      link_(av_Link),
-      flags_(av_Flags),
-      loop_(av_Loop),
-      writer_(av_Writer),
-      timer_(av_Timer),
-      pauser_(av_Pauser),
-      trace_(av_Trace) {}
-
 void Exchange::SendLine(std::string_view as_Line) {
-  link_.CurrentCommand = as_Line;
-  form_.Lbl_Send.SetText(as_Line);
-  form_.Lbl_Send.Repaint();
-  link_.DataPhase = false;
-  link_.Aborted = false;
-  link_.LastLineTime = loop_.MonotonicMilliseconds();
+  p_.link.CurrentCommand = as_Line;
+  p_.form.Lbl_Send.SetText(as_Line);
+  p_.form.Lbl_Send.Repaint();
+  p_.link.DataPhase = false;
+  p_.link.Aborted = false;
+  p_.link.LastLineTime = p_.loop.MonotonicMilliseconds();
   const std::string line(as_Line);
-  if (form_.Chk_PauseOnSend.ticked()) {
+  if (p_.form.Chk_PauseOnSend.ticked()) {
     SendSlowly(line);
   } else {
-    writer_.Write(line + std::string(kCarriageReturn));
+    p_.writer.Write(line + std::string(kCarriageReturn));
   }
-  trace_.TraceSend("S>" + line);
+  p_.trace.TraceSend("S>" + line);
 }
 
 void Exchange::SendCommand(std::string_view as_Line) {
   SendLine(as_Line);
-  timer_.RestartReplyTimer();
+  p_.timer.RestartReplyTimer();
 }
 
 void Exchange::SendSlowly(const std::string& as_Line) {
   for (const char c : as_Line) {
-    writer_.Write(std::string_view(&c, 1));
-    pauser_.Pause(kSlowSendMilliseconds);
+    p_.writer.Write(std::string_view(&c, 1));
+    p_.pauser.Pause(kSlowSendMilliseconds);
     // The escape of a cancel has gone out already: the rest would reach the unit as a command of its own.
     if (Ended()) return;
   }
-  writer_.Write(kCarriageReturn);
+  p_.writer.Write(kCarriageReturn);
 }
 
 bool Exchange::Ended() const {
-  return link_.UserCancel || link_.HalvexError || link_.Timeout || flags_.closing;
+  return Cancelled(p_.link, p_.flags) || p_.link.HalvexError || p_.link.Timeout;
 }
 
 void Exchange::SetState(std::int16_t ai_Command) {
   if (!IsState(ai_Command)) {
-    trace_.AErrorReport("SetState: there is no command " + std::to_string(ai_Command));
+    p_.trace.AErrorReport("SetState: there is no command " + std::to_string(ai_Command));
     return;
   }
-  link_.State = ai_Command;
-  link_.Aborted = false;
-  link_.LineCount = 0;
-  link_.LinesExpected = CommandOf(ai_Command).lines_expected;
-  trace_.TraceDecision("SetState");
+  p_.link.State = ai_Command;
+  p_.link.Aborted = false;
+  p_.link.LineCount = 0;
+  p_.link.LinesExpected = CommandOf(ai_Command).lines_expected;
+  p_.trace.TraceDecision("SetState");
 }
 
 void Exchange::WaitForChangeOfState() {
-  const std::int16_t awaited = link_.State;
+  const std::int16_t awaited = p_.link.State;
   if (awaited == kIdle) return;
-  while (!Ended() && link_.State == awaited) loop_.Yield();
+  while (!Ended() && p_.link.State == awaited) p_.loop.Yield();
 }
 
 void Exchange::SetStateFinished() {
-  timer_.Stop();
-  link_.State = kIdle;
-  trace_.TraceDecision("SetStateFinished");
+  p_.timer.Stop();
+  p_.link.State = kIdle;
+  p_.trace.TraceDecision("SetStateFinished");
 }
 
 }  // namespace corvane

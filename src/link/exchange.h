@@ -41,8 +41,18 @@ inline constexpr std::int16_t kNoPort = 99;
 /// The exchange of one command and its answer.
 class Exchange {
  public:
-  Exchange(Form& av_Form, LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, LinkWriter& av_Writer,
-           ReplyTimer& av_Timer, Pauser& av_Pauser, Trace& av_Trace);
+  /// What an exchange works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    const RunFlags& flags;
+    EventLoop& loop;
+    LinkWriter& writer;
+    ReplyTimer& timer;
+    Pauser& pauser;
+    Trace& trace;
+  };
+  explicit Exchange(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Sends one line and its carriage return. **Yields** when "Slow send" is ticked.
   void SendLine(std::string_view as_Line);
@@ -60,14 +70,7 @@ class Exchange {
   /// Cancelled, failed, out of time or closing.
   [[nodiscard]] bool Ended() const;
 
-  Form& form_;
-  LinkState& link_;
-  const RunFlags& flags_;
-  EventLoop& loop_;
-  LinkWriter& writer_;
-  ReplyTimer& timer_;
-  Pauser& pauser_;
-  Trace& trace_;
+  Parts p_;
 };
 
 }  // namespace corvane

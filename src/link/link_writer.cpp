@@ -14,9 +14,7 @@ void LinkWriter::Write(std::string_view as_Text) {
     if (trace_.TracesDecisions()) trace_.TraceDecision("Not sent: " + written.text());
     return;
   }
-  link_.HalvexError = true;
-  link_.ResultCode = kCommsErrorResult;
-  link_.ResultText[kCommsErrorResult] = written.text();
+  link_.Fail(written.text());
   trace_.AErrorReport("Not sent: " + written.text());
 }
 

@@ -10,13 +10,6 @@ constexpr std::int64_t kShownAbove = 1000;
 
 }  // namespace
 
-Pauser::Pauser(const LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, Trace& av_Trace)
-    : link_(av_Link),
-      flags_(av_Flags),
-      loop_(av_Loop),
-      trace_(av_Trace),
-      timer_(av_Loop.MakeTimer([this] { PauseTick(); })) {}
-
 void Pauser::Pause(std::int64_t al_Milliseconds) {
   if (al_Milliseconds <= 0) return;
   if (al_Milliseconds > kShownAbove) {
@@ -26,7 +19,7 @@ void Pauser::Pause(std::int64_t al_Milliseconds) {
   if (traced) trace_.TraceDecision("PAUSE START: " + std::to_string(al_Milliseconds));
   timer_->Start(al_Milliseconds);
   pausing_ = true;
-  while (pausing_ && !link_.UserCancel && !flags_.closing) loop_.Yield();
+  while (pausing_ && !Cancelled(link_, flags_)) loop_.Yield();
   PauseTick();
   if (traced) trace_.TraceDecision("PAUSE END");
 }

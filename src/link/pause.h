@@ -13,7 +13,8 @@ namespace corvane {
 /// Deliberate waits between steps.
 class Pauser {
  public:
-  Pauser(const LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, Trace& av_Trace);
+  Pauser(const LinkState& av_Link, const RunFlags& av_Flags, EventLoop& av_Loop, Trace& av_Trace)
+      : link_(av_Link), flags_(av_Flags), loop_(av_Loop), trace_(av_Trace) {}
 
   /// Waits without blocking the window until `al_Milliseconds` have passed, the user cancels or the program closes.
   ///
@@ -29,7 +30,7 @@ class Pauser {
   const RunFlags& flags_;
   EventLoop& loop_;
   Trace& trace_;
-  std::unique_ptr<Timer> timer_;
+  std::unique_ptr<Timer> timer_ = loop_.MakeTimer([this] { PauseTick(); });
   bool pausing_ = false;
 };
 

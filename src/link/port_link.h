@@ -24,16 +24,26 @@ class PortLink {
   /// Characters kept without a line end before the line counts as overflowed.
   static constexpr std::size_t kLargestBuffer = std::size_t{64} * 1024;
 
-  PortLink(Form& av_Form, LinkState& av_Link, SerialPort& av_Port, const PortDevices& av_Devices,
-           CommandStates& av_States, LinkWriter& av_Writer, ReplyTimer& av_Timer, ProgressBars& av_Bars,
-           Trace& av_Trace);
+  /// What the line works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    SerialPort& port;
+    const PortDevices& devices;
+    CommandStates& states;
+    LinkWriter& writer;
+    ReplyTimer& timer;
+    ProgressBars& bars;
+    Trace& trace;
+  };
+  explicit PortLink(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Opens the port of a selector (0 radio, 1 hand-held); an index of 2 and more needs no port and succeeds.
   ///
   /// A failure is an error line and a status line that say at which step and why.
   [[nodiscard]] bool OpenPort(std::int16_t ai_Index);
   void ClosePort();
-  [[nodiscard]] bool IsOpen() const { return port_.IsOpen(); }
+  [[nodiscard]] bool IsOpen() const { return p_.port.IsOpen(); }
   /// The index last given to `OpenPort`, 0 before the first.
   [[nodiscard]] std::int16_t LastIndex() const { return last_index_; }
   /// Resets the link before one command; `as_Where` goes to the trace.
@@ -60,15 +70,7 @@ class PortLink {
   /// The error and the number of characters received and not yet handed on.
   [[nodiscard]] std::string WithBufferSize(std::string_view as_Error) const;
 
-  Form& form_;
-  LinkState& link_;
-  SerialPort& port_;
-  const PortDevices& devices_;
-  CommandStates& states_;
-  LinkWriter& writer_;
-  ReplyTimer& timer_;
-  ProgressBars& bars_;
-  Trace& trace_;
+  Parts p_;
   std::int16_t last_index_ = 0;
   std::string lines_;          ///< whole lines cut off the receive buffer and being handed on
   std::size_t next_line_ = 0;  ///< where the next of them begins

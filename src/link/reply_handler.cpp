@@ -24,29 +24,19 @@ std::int16_t ErrorNumber(std::string_view as_Line) {
 
 }  // namespace
 
-ReplyHandler::ReplyHandler(Form& av_Form, LinkState& av_Link, EventLoop& av_Loop, Exchange& av_Exchange,
-                           DownloadCapture& av_Capture, DownloadSummary& av_Summary, Trace& av_Trace)
-    : form_(av_Form),
-      link_(av_Link),
-      loop_(av_Loop),
-      exchange_(av_Exchange),
-      capture_(av_Capture),
-      summary_(av_Summary),
-      trace_(av_Trace) {}
-
 void ReplyHandler::HandleReply() {
-  link_.LastLineTime = loop_.MonotonicMilliseconds();
+  p_.link.LastLineTime = p_.loop.MonotonicMilliseconds();
   std::string direct;
-  if (form_.Chk_Direct.ticked()) direct = link_.ReplyLine;
-  if (!link_.HalvexError && !link_.DirectListening) TakeLine();
-  if (form_.Chk_Direct.ticked()) AddDirectRow(form_, std::move(direct));
-  link_.ReplyLine.clear();
+  if (p_.form.Chk_Direct.ticked()) direct = p_.link.ReplyLine;
+  if (!p_.link.HalvexError && !p_.link.DirectListening) TakeLine();
+  if (p_.form.Chk_Direct.ticked()) AddDirectRow(p_.form, std::move(direct));
+  p_.link.ReplyLine.clear();
 }
 
 void ReplyHandler::TakeLine() {
-  if (link_.ReplyLine == link_.CurrentCommand) {
-    if (trace_.TracesDecisions()) trace_.TraceDecision("EAT command echo: " + link_.ReplyLine);
-  } else if (StartsWithNoCase(link_.ReplyLine, kError)) {
+  if (p_.link.ReplyLine == p_.link.CurrentCommand) {
+    if (p_.trace.TracesDecisions()) p_.trace.TraceDecision("EAT command echo: " + p_.link.ReplyLine);
+  } else if (StartsWithNoCase(p_.link.ReplyLine, kError)) {
     TakeErrorReply();
   } else {
     TakeReply();
@@ -54,34 +44,34 @@ void ReplyHandler::TakeLine() {
 }
 
 void ReplyHandler::TakeReply() {
-  link_.DataPhase = true;
-  ++link_.LineCount;
-  if (link_.State == kDownload) {
-    capture_.SaveToFile();
-  } else if (link_.State >= kSetDate && link_.State <= kTestBaseStation) {
+  p_.link.DataPhase = true;
+  ++p_.link.LineCount;
+  if (p_.link.State == kDownload) {
+    p_.capture.SaveToFile();
+  } else if (p_.link.State >= kSetDate && p_.link.State <= kTestBaseStation) {
     TakeAnswer();
   } else {
-    trace_.AErrorReport("ExtraReply:" + link_.ReplyLine);
+    p_.trace.AErrorReport("ExtraReply:" + p_.link.ReplyLine);
   }
 }
 
 void ReplyHandler::TakeAnswer() {
-  if (!link_.ReplyLine.empty()) {
-    form_.Lbl_HeaderLine.SetText(link_.ReplyLine);
-    trace_.Status(link_.ReplyLine);
+  if (!p_.link.ReplyLine.empty()) {
+    p_.form.Lbl_HeaderLine.SetText(p_.link.ReplyLine);
+    p_.trace.Status(p_.link.ReplyLine);
   }
-  if (link_.LineCount != link_.LinesExpected) return;
-  trace_.TraceDecision(link_.CurrentCommand + " LineCount = LinesExpected - finish ok");
-  exchange_.SetStateFinished();
+  if (p_.link.LineCount != p_.link.LinesExpected) return;
+  p_.trace.TraceDecision(p_.link.CurrentCommand + " LineCount = LinesExpected - finish ok");
+  p_.exchange.SetStateFinished();
 }
 
 void ReplyHandler::TakeErrorReply() {
-  link_.ResultCode = ErrorNumber(link_.ReplyLine);
-  link_.HalvexError = true;
-  trace_.Status(link_.ResultTextOf(link_.ResultCode));
-  if (link_.State == kDownload) summary_.WriteSummary();
-  trace_.SwitchOnAllTrace("HalvexError: " + link_.ReplyLine, 1);
-  trace_.TraceDecision("HV Error received:" + link_.ReplyLine);
+  p_.link.ResultCode = ErrorNumber(p_.link.ReplyLine);
+  p_.link.HalvexError = true;
+  p_.trace.Status(p_.link.ResultTextOf(p_.link.ResultCode));
+  if (p_.link.State == kDownload) p_.summary.WriteSummary();
+  p_.trace.SwitchOnAllTrace("HalvexError: " + p_.link.ReplyLine, 1);
+  p_.trace.TraceDecision("HV Error received:" + p_.link.ReplyLine);
 }
 
 }  // namespace corvane

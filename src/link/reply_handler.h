@@ -15,8 +15,17 @@ namespace corvane {
 /// Decides what each complete reply line means.
 class ReplyHandler {
  public:
-  ReplyHandler(Form& av_Form, LinkState& av_Link, EventLoop& av_Loop, Exchange& av_Exchange,
-               DownloadCapture& av_Capture, DownloadSummary& av_Summary, Trace& av_Trace);
+  /// What the handling of a line works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    EventLoop& loop;
+    Exchange& exchange;
+    DownloadCapture& capture;
+    DownloadSummary& summary;
+    Trace& trace;
+  };
+  explicit ReplyHandler(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Handles `ReplyLine` and empties it.
   void HandleReply();
@@ -27,13 +36,7 @@ class ReplyHandler {
   void TakeReply();
   void TakeAnswer();
 
-  Form& form_;
-  LinkState& link_;
-  EventLoop& loop_;
-  Exchange& exchange_;
-  DownloadCapture& capture_;
-  DownloadSummary& summary_;
-  Trace& trace_;
+  Parts p_;
 };
 
 }  // namespace corvane

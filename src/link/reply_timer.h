@@ -13,7 +13,15 @@ namespace corvane {
 /// The count-down that ends an exchange when the line stays silent.
 class ReplyTimer {
  public:
-  ReplyTimer(Form& av_Form, LinkState& av_Link, EventLoop& av_Loop, LinkWriter& av_Writer, Trace& av_Trace);
+  /// What the count-down works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    EventLoop& loop;
+    LinkWriter& writer;
+    Trace& trace;
+  };
+  explicit ReplyTimer(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Restarts the count-down with the seconds that the present phase allows.
   void RestartReplyTimer();
@@ -27,12 +35,8 @@ class ReplyTimer {
   [[nodiscard]] double Seconds() const;
   [[nodiscard]] std::string UnitText() const;
 
-  Form& form_;
-  LinkState& link_;
-  EventLoop& loop_;
-  LinkWriter& writer_;
-  Trace& trace_;
-  std::unique_ptr<Timer> timer_;
+  Parts p_;
+  std::unique_ptr<Timer> timer_ = p_.loop.MakeTimer([this] { ReplyTimeoutTick(); });
 };
 
 }  // namespace corvane

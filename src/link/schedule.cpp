@@ -37,17 +37,9 @@ DateTime NextOnGrid(DateTime av_Now, std::int64_t al_Interval) {
   return av_Now.Midnight() + (av_Now.TimeOfDay() / al_Interval + 1) * al_Interval;
 }
 
-Schedule::Schedule(Form& av_Form, RunFlags& av_Flags, const OperationSlot& av_Slot, EventLoop& av_Loop, Trace& av_Trace)
-    : form_(av_Form),
-      flags_(av_Flags),
-      slot_(av_Slot),
-      loop_(av_Loop),
-      trace_(av_Trace),
-      timer_(av_Loop.MakeTimer([this] { HeartbeatTick(); })) {}
-
 void Schedule::StartHeartbeat() {
   timer_->Stop();
-  timer_->Start(form_.Opt_HeartBeat.GetOptionIndex() == 0 ? kMinuteTick : kSecondTick);
+  timer_->Start(p_.form.Opt_HeartBeat.GetOptionIndex() == 0 ? kMinuteTick : kSecondTick);
   HeartbeatTick();
 }
 
@@ -56,27 +48,27 @@ bool Schedule::TicksEverySecond() const {
 }
 
 bool Schedule::Held() const {
-  return form_.Suppress.set() || slot_.Taken() || flags_.closing;
+  return p_.form.Suppress.set() || p_.slot.Taken() || p_.flags.closing;
 }
 
 std::optional<DateTime> Schedule::NextDownload() const {
-  const auto next = ParseDate(form_.Lbl_NextDownload.text());
+  const auto next = ParseDate(p_.form.Lbl_NextDownload.text());
   if (!next || next->seconds() < kEarliestDate) return std::nullopt;
   return next;
 }
 
 std::optional<DateTime> Schedule::DueTime() const {
   const auto next = NextDownload();
-  if (!next || loop_.Now() <= *next || *next == started_) return std::nullopt;
+  if (!next || p_.loop.Now() <= *next || *next == started_) return std::nullopt;
   return next;
 }
 
 void Schedule::HeartbeatTick() {
-  form_.Lbl_Now.SetText(FormatDate(loop_.Now(), TicksEverySecond() ? "d mmm yyyy HH:MM:SS" : kShownDatePattern));
-  form_.Lbl_Now.Repaint();
-  if (form_.Chk_Automatic.ticked() && !Held()) {
+  p_.form.Lbl_Now.SetText(FormatDate(p_.loop.Now(), TicksEverySecond() ? "d mmm yyyy HH:MM:SS" : kShownDatePattern));
+  p_.form.Lbl_Now.Repaint();
+  if (p_.form.Chk_Automatic.ticked() && !Held()) {
     RecomputeAfterClockWasSetBack();
-    if (form_.Frm_Main.minimised()) ShowRemainingTime();
+    if (p_.form.Frm_Main.minimised()) ShowRemainingTime();
   }
   CheckSchedule();
 }
@@ -84,50 +76,50 @@ void Schedule::HeartbeatTick() {
 void Schedule::ShowRemainingTime() {
   const auto next = NextDownload();
   if (!next) return;
-  const std::int64_t remaining = *next - loop_.Now();
-  form_.Frm_Main.SetTitle((remaining < 0 ? "-" : "") + DurationText(remaining, TicksEverySecond()));
+  const std::int64_t remaining = *next - p_.loop.Now();
+  p_.form.Frm_Main.SetTitle((remaining < 0 ? "-" : "") + DurationText(remaining, TicksEverySecond()));
 }
 
 void Schedule::RecomputeAfterClockWasSetBack() {
   const auto next = NextDownload();
-  const auto interval = AutomaticInterval(form_.Txt_AutomaticInterval.text());
-  if (next && interval && *next > loop_.Now() + *interval) ShowNextDownload(*interval);
+  const auto interval = AutomaticInterval(p_.form.Txt_AutomaticInterval.text());
+  if (next && interval && *next > p_.loop.Now() + *interval) ShowNextDownload(*interval);
 }
 
 void Schedule::CheckSchedule() {
-  if (Held() || !form_.Chk_Automatic.ticked() || !start_download) return;
+  if (Held() || !p_.form.Chk_Automatic.ticked() || !start_download) return;
   const auto due = DueTime();
   if (!due) return;
   started_ = *due;
-  const AutomaticRun automatic(flags_);
+  const AutomaticRun automatic(p_.flags);
   start_download();
 }
 
 void Schedule::CalculateNextDownload() {
-  const std::string& text = form_.Txt_AutomaticInterval.text();
+  const std::string& text = p_.form.Txt_AutomaticInterval.text();
   const auto interval = AutomaticInterval(text);
   if (!interval) {
-    trace_.Status("\"" + text + "\" is no interval above zero: the next download stays at " +
-                  (form_.Lbl_NextDownload.text().empty() ? "none" : form_.Lbl_NextDownload.text()));
+    p_.trace.Status("\"" + text + "\" is no interval above zero: the next download stays at " +
+                    (p_.form.Lbl_NextDownload.text().empty() ? "none" : p_.form.Lbl_NextDownload.text()));
     return;
   }
-  if (form_.Chk_Automatic.ticked() && !flags_.automatic_run && DueTime()) return;
+  if (p_.form.Chk_Automatic.ticked() && !p_.flags.automatic_run && DueTime()) return;
   ShowNextDownload(*interval);
 }
 
 void Schedule::ShowNextDownload(std::int64_t al_Interval) {
   constexpr std::int64_t kMinute = 60;
-  const DateTime next = NextOnGrid(loop_.Now(), al_Interval);
+  const DateTime next = NextOnGrid(p_.loop.Now(), al_Interval);
   // The label has no seconds: rounded down, a time between two minutes would be due twice.
   const DateTime shown = next + (kMinute - next.TimeOfDay() % kMinute) % kMinute;
-  form_.Lbl_NextDownload.SetText(FormatDate(shown, kShownDatePattern));
+  p_.form.Lbl_NextDownload.SetText(FormatDate(shown, kShownDatePattern));
   started_ = DateTime();
 }
 
 void Schedule::LimitMaxRetries() {
-  const double retries = LeadingNumber(form_.Txt_MaxRetries.text());
-  if (retries > kMostRetries) form_.Txt_MaxRetries.SetText(std::to_string(kMostRetries));
-  if (!(retries >= kFewestRetries)) form_.Txt_MaxRetries.SetText(std::to_string(kFewestRetries));
+  const double retries = LeadingNumber(p_.form.Txt_MaxRetries.text());
+  if (retries > kMostRetries) p_.form.Txt_MaxRetries.SetText(std::to_string(kMostRetries));
+  if (!(retries >= kFewestRetries)) p_.form.Txt_MaxRetries.SetText(std::to_string(kFewestRetries));
 }
 
 }  // namespace corvane

@@ -23,7 +23,15 @@ namespace corvane {
 /// The heartbeat and the automatic schedule.
 class Schedule {
  public:
-  Schedule(Form& av_Form, RunFlags& av_Flags, const OperationSlot& av_Slot, EventLoop& av_Loop, Trace& av_Trace);
+  /// What the schedule works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    RunFlags& flags;
+    const OperationSlot& slot;
+    EventLoop& loop;
+    Trace& trace;
+  };
+  explicit Schedule(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// (Re)starts the heartbeat at a tick a minute or a second and runs one tick.
   void StartHeartbeat();
@@ -56,12 +64,8 @@ class Schedule {
   [[nodiscard]] bool Held() const;
   [[nodiscard]] bool TicksEverySecond() const;
 
-  Form& form_;
-  RunFlags& flags_;
-  const OperationSlot& slot_;
-  EventLoop& loop_;
-  Trace& trace_;
-  std::unique_ptr<Timer> timer_;
+  Parts p_;
+  std::unique_ptr<Timer> timer_ = p_.loop.MakeTimer([this] { HeartbeatTick(); });
   DateTime started_;  ///< the next download time that was started last and has not been recomputed since
 };
 

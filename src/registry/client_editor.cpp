@@ -23,33 +23,33 @@ ClientEditor::ClientEditor(const Parts& av_Parts)
                      "Choose a Client") {}
 
 void ClientEditor::ShowFields(std::int64_t al_Index) {
-  const Client& client = registry_.Clients[al_Index];
-  form_.Lbl_ClientID.SetText(std::to_string(client.ID));
-  form_.Txt_ClientFolder.SetText(client.Folder);
-  form_.Txt_OstrelUserID.SetText(client.UserID);
-  form_.Txt_OstrelPassword.SetText(client.Password);
+  const Client& client = p_.registry.Clients[al_Index];
+  p_.form.Lbl_ClientID.SetText(std::to_string(client.ID));
+  p_.form.Txt_ClientFolder.SetText(client.Folder);
+  p_.form.Txt_OstrelUserID.SetText(client.UserID);
+  p_.form.Txt_OstrelPassword.SetText(client.Password);
 }
 
 void ClientEditor::StoreFields(std::int64_t al_Index) {
-  Client& client = registry_.Clients[al_Index];
-  client.Folder = form_.Txt_ClientFolder.text();
-  client.UserID = form_.Txt_OstrelUserID.text();
-  client.Password = form_.Txt_OstrelPassword.text();
+  Client& client = p_.registry.Clients[al_Index];
+  client.Folder = p_.form.Txt_ClientFolder.text();
+  client.UserID = p_.form.Txt_OstrelUserID.text();
+  client.Password = p_.form.Txt_OstrelPassword.text();
 }
 
 void ClientEditor::ClearFields() {
-  form_.Lbl_ClientID.SetText("");
-  for (TextField* field : {&form_.Txt_ClientFolder, &form_.Txt_OstrelUserID, &form_.Txt_OstrelPassword}) {
+  p_.form.Lbl_ClientID.SetText("");
+  for (TextField* field : {&p_.form.Txt_ClientFolder, &p_.form.Txt_OstrelUserID, &p_.form.Txt_OstrelPassword}) {
     field->SetText("");
   }
 }
 
 void ClientEditor::AppendNew() {
   Client client;
-  client.ID = FirstFreeID(registry_.Clients);
+  client.ID = FirstFreeID(p_.registry.Clients);
   client.Name = "Client " + std::to_string(client.ID);
   client.Folder = "F" + std::to_string(client.ID);
-  registry_.Clients.Append(std::move(client));
+  p_.registry.Clients.Append(std::move(client));
 }
 
 }  // namespace corvane

@@ -12,7 +12,7 @@ class ClientEditor : public RecordEditorOf<Client> {
   void ShowClientRecord() { ShowRecord(); }
   void StoreClientRecord() { StoreRecord(); }
   /// Fills the client selector with "None" and every client; the entry with the same number stays selected.
-  void FillClientSelector() { RefillSelector(form_.Cmb_Client, true); }
+  void FillClientSelector() { RefillSelector(p_.form.Cmb_Client, true); }
 
  private:
   void ShowFields(std::int64_t al_Index) override;

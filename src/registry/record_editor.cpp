@@ -8,20 +8,13 @@ namespace corvane {
 
 RecordEditor::RecordEditor(const Parts& av_Parts, List& av_List, TextField& av_Name,
                            std::string_view as_NothingSelected)
-    : form_(av_Parts.form),
-      registry_(av_Parts.registry),
-      states_(av_Parts.states),
-      slot_(av_Parts.slot),
-      messages_(av_Parts.messages),
-      list_(av_List),
-      name_(av_Name),
-      nothing_selected_(as_NothingSelected) {
+    : p_(av_Parts), list_(av_List), name_(av_Name), nothing_selected_(as_NothingSelected) {
   list_.on_change = [this] { OnSelect(); };
   name_.on_change = [this] { OnNameChange(); };
 }
 
 void RecordEditor::ShowRecord() {
-  const SuppressEvents::Guard guard(form_.Suppress);
+  const SuppressEvents::Guard guard(p_.form.Suppress);
   const std::int64_t position = list_.current();
   shown_ = position < Count() ? position : -1;
   if (shown_ < 0) {
@@ -40,7 +33,7 @@ void RecordEditor::StoreRecord() {
 }
 
 void RecordEditor::FillList() {
-  const SuppressEvents::Guard guard(form_.Suppress);
+  const SuppressEvents::Guard guard(p_.form.Suppress);
   std::vector<std::string> names;
   names.reserve(static_cast<std::size_t>(Count()));
   for (std::int64_t index = 1; index <= Count(); ++index) names.push_back(NameOf(index));
@@ -50,37 +43,37 @@ void RecordEditor::FillList() {
 }
 
 void RecordEditor::Select(std::int64_t al_Index) {
-  const SuppressEvents::Guard guard(form_.Suppress);
+  const SuppressEvents::Guard guard(p_.form.Suppress);
   StoreRecord();
   list_.SetCurrent(al_Index - 1);
   ShowRecord();
 }
 
 void RecordEditor::OnSelect() {
-  if (form_.Suppress.set()) return;
-  if (slot_.Taken()) {
-    const SuppressEvents::Guard guard(form_.Suppress);
+  if (p_.form.Suppress.set()) return;
+  if (p_.slot.Taken()) {
+    const SuppressEvents::Guard guard(p_.form.Suppress);
     return list_.SetCurrent(shown_);
   }
   {
-    const SuppressEvents::Guard guard(form_.Suppress);
+    const SuppressEvents::Guard guard(p_.form.Suppress);
     StoreRecord();
     ShowRecord();
-    states_.UpdateCommandStates();
+    p_.states.UpdateCommandStates();
   }
   if (selection_changed) selection_changed();
 }
 
 void RecordEditor::OnNameChange() {
-  if (form_.Suppress.set() || shown_ < 0) return;
+  if (p_.form.Suppress.set() || shown_ < 0) return;
   StoreRecord();
   list_.SetText(shown_, name_.text());
 }
 
 void RecordEditor::RunCommand(std::int16_t ai_Command) {
-  if (slot_.Taken() || !MayRun(ai_Command)) return;
+  if (p_.slot.Taken() || !MayRun(ai_Command)) return;
   {
-    const SuppressEvents::Guard guard(form_.Suppress);
+    const SuppressEvents::Guard guard(p_.form.Suppress);
     StoreRecord();
     const std::int64_t record = Selected();
     if (ai_Command == kNew) New();
@@ -88,7 +81,7 @@ void RecordEditor::RunCommand(std::int16_t ai_Command) {
     if (ai_Command == kMoveUp && record > 1) Move(record, record - 1);
     if (ai_Command == kMoveDown && record < Count()) Move(record, record + 1);
     ShowRecord();
-    states_.UpdateCommandStates();
+    p_.states.UpdateCommandStates();
   }
   if (selection_changed) selection_changed();
 }
@@ -96,11 +89,11 @@ void RecordEditor::RunCommand(std::int16_t ai_Command) {
 bool RecordEditor::MayRun(std::int16_t ai_Command) {
   if (ai_Command < kNew || ai_Command > kMoveDown) return false;
   if (ai_Command != kNew && Selected() == 0) {
-    messages_.Show(nothing_selected_);
+    p_.messages.Show(nothing_selected_);
     return false;
   }
   if (ai_Command == kNew && Count() >= kMostRecords) {
-    messages_.Show("The list is full (" + std::to_string(kMostRecords) + " entries). Delete an entry first.");
+    p_.messages.Show("The list is full (" + std::to_string(kMostRecords) + " entries). Delete an entry first.");
     return false;
   }
   return true;

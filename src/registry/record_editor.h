@@ -75,11 +75,7 @@ class RecordEditor {
   /// The position in the array of the record in the editor, from 1; 0 when it shows none.
   [[nodiscard]] std::int64_t Shown() const { return shown_ + 1; }
 
-  Form& form_;
-  Registry& registry_;
-  CommandStates& states_;
-  const OperationSlot& slot_;
-  Messages& messages_;
+  Parts p_;
   List& list_;
   TextField& name_;
 
@@ -107,7 +103,7 @@ class RecordEditorOf : public RecordEditor {
   /// Fills a selector of the unit editor with every record, after "None" where wanted; the entry with the same number
   /// stays selected.
   void RefillSelector(Selector& av_Selector, bool ab_WithNone) {
-    const SuppressEvents::Guard guard(form_.Suppress);
+    const SuppressEvents::Guard guard(p_.form.Suppress);
     const bool had_entry = av_Selector.current() >= 0;
     const std::int32_t number = av_Selector.SelectedItemData();
     av_Selector.Clear();

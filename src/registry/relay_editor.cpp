@@ -12,30 +12,30 @@ RelayEditor::RelayEditor(const Parts& av_Parts)
                      "Choose a unit") {}
 
 void RelayEditor::ShowFields(std::int64_t al_Index) {
-  const Relay& relay = registry_.Relays[al_Index];
-  form_.Txt_RelayID.SetText(std::to_string(relay.ID));
-  form_.Opt_Password.SetOptionIndex(relay.PasswordStyle);
+  const Relay& relay = p_.registry.Relays[al_Index];
+  p_.form.Txt_RelayID.SetText(std::to_string(relay.ID));
+  p_.form.Opt_Password.SetOptionIndex(relay.PasswordStyle);
 }
 
 void RelayEditor::StoreFields(std::int64_t al_Index) {
-  Relay& relay = registry_.Relays[al_Index];
-  relay.PasswordStyle = static_cast<std::int16_t>(form_.Opt_Password.GetOptionIndex());
-  const std::int32_t id = LeadingInteger(form_.Txt_RelayID.text());
+  Relay& relay = p_.registry.Relays[al_Index];
+  relay.PasswordStyle = static_cast<std::int16_t>(p_.form.Opt_Password.GetOptionIndex());
+  const std::int32_t id = LeadingInteger(p_.form.Txt_RelayID.text());
   if (id == relay.ID) return;
   relay.ID = id;
   FillRelaySelector();
 }
 
 void RelayEditor::ClearFields() {
-  form_.Txt_RelayID.SetText("");
-  form_.Opt_Password.SetOptionIndex(0);
+  p_.form.Txt_RelayID.SetText("");
+  p_.form.Opt_Password.SetOptionIndex(0);
 }
 
 void RelayEditor::AppendNew() {
   Relay relay;
-  relay.ID = registry_.Relays.count() + 1;
+  relay.ID = p_.registry.Relays.count() + 1;
   relay.Name = "Relay " + std::to_string(relay.ID);
-  registry_.Relays.Append(std::move(relay));
+  p_.registry.Relays.Append(std::move(relay));
 }
 
 }  // namespace corvane

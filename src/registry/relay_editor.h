@@ -12,7 +12,7 @@ class RelayEditor : public RecordEditorOf<Relay> {
   void ShowRelayRecord() { ShowRecord(); }
   void StoreRelayRecord() { StoreRecord(); }
   /// Fills the relay selector with every relay; the entry with the same number stays selected.
-  void FillRelaySelector() { RefillSelector(form_.Cmb_Relay, false); }
+  void FillRelaySelector() { RefillSelector(p_.form.Cmb_Relay, false); }
 
  private:
   void ShowFields(std::int64_t al_Index) override;

@@ -20,71 +20,71 @@ UnitEditor::UnitEditor(const Parts& av_Parts)
     : RecordEditorOf(av_Parts, av_Parts.registry.Units, av_Parts.form.Lst_Units, av_Parts.form.Txt_UnitName,
                      "Choose a unit") {
   list_.on_check = [this](std::int64_t row) { OnCheck(row); };
-  form_.Chk_UnitActive.on_change = [this] { OnActiveTicked(); };
+  p_.form.Chk_UnitActive.on_change = [this] { OnActiveTicked(); };
 }
 
 bool UnitEditor::IsChecked(std::int64_t al_Index) const {
-  return registry_.Units[al_Index].Active != 0;
+  return p_.registry.Units[al_Index].Active != 0;
 }
 
 void UnitEditor::ShowFields(std::int64_t al_Index) {
-  const Unit& unit = registry_.Units[al_Index];
-  form_.Txt_UnitID.SetText(std::to_string(unit.ID));
-  form_.Chk_UnitActive.SetTicked(unit.Active != 0);
-  form_.Cmb_Relay.SelectByItemData(unit.RelayID);
-  form_.Cmb_Client.SelectByItemData(unit.ClientID);
-  form_.Cmb_GetFrom.SelectByItemData(unit.GetFrom);
-  form_.Cmb_SendTo.SelectByItemData(unit.ftpFile);
-  form_.Txt_Correction[0].SetText(ShortestText(unit.MoistureCorrection));
-  form_.Txt_Correction[1].SetText(ShortestText(unit.SalinityCorrection));
+  const Unit& unit = p_.registry.Units[al_Index];
+  p_.form.Txt_UnitID.SetText(std::to_string(unit.ID));
+  p_.form.Chk_UnitActive.SetTicked(unit.Active != 0);
+  p_.form.Cmb_Relay.SelectByItemData(unit.RelayID);
+  p_.form.Cmb_Client.SelectByItemData(unit.ClientID);
+  p_.form.Cmb_GetFrom.SelectByItemData(unit.GetFrom);
+  p_.form.Cmb_SendTo.SelectByItemData(unit.ftpFile);
+  p_.form.Txt_Correction[0].SetText(ShortestText(unit.MoistureCorrection));
+  p_.form.Txt_Correction[1].SetText(ShortestText(unit.SalinityCorrection));
 }
 
 void UnitEditor::StoreFields(std::int64_t al_Index) {
-  Unit& unit = registry_.Units[al_Index];
+  Unit& unit = p_.registry.Units[al_Index];
   // Intended: IDs are taken as entered; stations being exchanged may bear the same number for a while.
-  unit.ID = LeadingInteger(form_.Txt_UnitID.text());
+  unit.ID = LeadingInteger(p_.form.Txt_UnitID.text());
   unit.Active = list_.checked(al_Index - 1) ? 1 : 0;
   // Intended: an empty selector stores 0: direct, no client, by radio, not sent.
-  unit.RelayID = form_.Cmb_Relay.SelectedItemData();
-  unit.ClientID = form_.Cmb_Client.SelectedItemData();
-  unit.GetFrom = form_.Cmb_GetFrom.SelectedItemData();
-  unit.ftpFile = form_.Cmb_SendTo.SelectedItemData();
-  unit.MoistureCorrection = SinglePrecision(form_.Txt_Correction[0].text());
-  unit.SalinityCorrection = SinglePrecision(form_.Txt_Correction[1].text());
+  unit.RelayID = p_.form.Cmb_Relay.SelectedItemData();
+  unit.ClientID = p_.form.Cmb_Client.SelectedItemData();
+  unit.GetFrom = p_.form.Cmb_GetFrom.SelectedItemData();
+  unit.ftpFile = p_.form.Cmb_SendTo.SelectedItemData();
+  unit.MoistureCorrection = SinglePrecision(p_.form.Txt_Correction[0].text());
+  unit.SalinityCorrection = SinglePrecision(p_.form.Txt_Correction[1].text());
 }
 
 void UnitEditor::ClearFields() {
-  form_.Txt_UnitID.SetText("");
-  form_.Chk_UnitActive.SetTicked(false);
-  for (Selector* selector : {&form_.Cmb_Relay, &form_.Cmb_Client, &form_.Cmb_GetFrom, &form_.Cmb_SendTo}) {
+  p_.form.Txt_UnitID.SetText("");
+  p_.form.Chk_UnitActive.SetTicked(false);
+  for (Selector* selector : {&p_.form.Cmb_Relay, &p_.form.Cmb_Client, &p_.form.Cmb_GetFrom, &p_.form.Cmb_SendTo}) {
     selector->SetCurrent(-1);
   }
-  for (TextField& correction : form_.Txt_Correction) correction.SetText("");
+  for (TextField& correction : p_.form.Txt_Correction) correction.SetText("");
 }
 
 void UnitEditor::AppendNew() {
   Unit unit;
-  unit.ID = registry_.Units.count() + 1;
+  unit.ID = p_.registry.Units.count() + 1;
   unit.Name = "Site " + std::to_string(unit.ID);
   unit.Active = 1;
-  registry_.Units.Append(std::move(unit));
+  p_.registry.Units.Append(std::move(unit));
 }
 
 void UnitEditor::OnCheck(std::int64_t al_Row) {
-  if (form_.Suppress.set() || !registry_.Units.Has(al_Row + 1)) return;
+  if (p_.form.Suppress.set() || !p_.registry.Units.Has(al_Row + 1)) return;
   const bool active = list_.checked(al_Row);
-  registry_.Units[al_Row + 1].Active = active ? 1 : 0;
+  p_.registry.Units[al_Row + 1].Active = active ? 1 : 0;
   if (al_Row + 1 != Shown()) return;
-  const SuppressEvents::Guard guard(form_.Suppress);
-  form_.Chk_UnitActive.SetTicked(active);
+  const SuppressEvents::Guard guard(p_.form.Suppress);
+  p_.form.Chk_UnitActive.SetTicked(active);
 }
 
 void UnitEditor::OnActiveTicked() {
-  if (form_.Suppress.set() || !registry_.Units.Has(Shown())) return;
-  const SuppressEvents::Guard guard(form_.Suppress);
-  const bool active = form_.Chk_UnitActive.ticked();
+  if (p_.form.Suppress.set() || !p_.registry.Units.Has(Shown())) return;
+  const SuppressEvents::Guard guard(p_.form.Suppress);
+  const bool active = p_.form.Chk_UnitActive.ticked();
   list_.SetChecked(Shown() - 1, active);
-  registry_.Units[Shown()].Active = active ? 1 : 0;
+  p_.registry.Units[Shown()].Active = active ? 1 : 0;
 }
 
 }  // namespace corvane

@@ -5,12 +5,6 @@
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
-namespace {
-
-constexpr std::int32_t kAny = -1;
-
-}  // namespace
-
 BatchConversion::BatchConversion(Form& av_Form, RunFlags& av_Flags, const LinkState& av_Link,
                                  const Registry& av_Registry, const FileNames& av_Names, CFileListbox& av_FileList,
                                  LocalFiles& av_Files, Lookups& av_Lookups, CalibratedConverter& av_Converter,

@@ -14,8 +14,17 @@ enum DownloadMode : std::int16_t { kHandHeldUnits = 0, kRadioUnits = 1, kCurrent
 /// A download session and the conversion, fetch, send and backup that follow it.
 class DownloadRound {
  public:
-  DownloadRound(Form& av_Form, const LinkState& av_Link, EventLoop& av_Loop, Sessions& av_Sessions,
-                BatchConversion& av_Conversion, TransferFlows& av_Flows, Schedule& av_Schedule);
+  /// What a round strings together; all must outlive it.
+  struct Parts {
+    Form& form;
+    const LinkState& link;
+    EventLoop& loop;
+    Sessions& sessions;
+    BatchConversion& conversion;
+    TransferFlows& flows;
+    Schedule& schedule;
+  };
+  explicit DownloadRound(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Runs the chain of a mode; every step after the first runs only while nothing was cancelled. **Yields.**
   void DownloadAllUnits(bool ab_All, std::int16_t ai_Mode);
@@ -30,13 +39,7 @@ class DownloadRound {
   void ConvertFetched(bool ab_All, std::int32_t al_Source);
   void SendEverything(bool ab_All, std::int32_t al_GetFrom);
 
-  Form& form_;
-  const LinkState& link_;
-  EventLoop& loop_;
-  Sessions& sessions_;
-  BatchConversion& conversion_;
-  TransferFlows& flows_;
-  Schedule& schedule_;
+  Parts p_;
 };
 
 }  // namespace corvane

@@ -14,8 +14,16 @@ namespace corvane {
 /// Tests a port and looks for the one the base station answers on.
 class PortFinder {
  public:
-  PortFinder(Form& av_Form, LinkState& av_Link, PortLink& av_Port, UnitSession& av_Session, ProgressBars& av_Bars,
-             Trace& av_Trace);
+  /// What a probe works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    LinkState& link;
+    PortLink& port;
+    UnitSession& session;
+    ProgressBars& bars;
+    Trace& trace;
+  };
+  explicit PortFinder(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Probes the port selected in `Cmb_Port[ai_Index]`: true when something answered. **Yields.**
   bool TestBaseUnit(std::int16_t ai_Index);
@@ -25,12 +33,7 @@ class PortFinder {
  private:
   bool Probe(std::int16_t ai_Index);
 
-  Form& form_;
-  LinkState& link_;
-  PortLink& port_;
-  UnitSession& session_;
-  ProgressBars& bars_;
-  Trace& trace_;
+  Parts p_;
 };
 
 }  // namespace corvane

@@ -14,7 +14,6 @@
 namespace corvane {
 namespace {
 
-constexpr std::int32_t kAnySource = -1;
 constexpr std::int32_t kReplaceExisting = 2;
 constexpr std::string_view kArchiveExtension = "zip";
 
@@ -70,7 +69,7 @@ void TransferFlows::ftpAllUnits(bool ab_All, std::int32_t al_GetFrom, std::int16
   for (std::int64_t i = range.first; i <= range.second; ++i) {
     Unit& unit = p_.registry.Units[i];
     unit.ToSend =
-        unit.Active != 0 && unit.ftpFile == ai_Destination && (al_GetFrom == kAnySource || unit.GetFrom == al_GetFrom);
+        unit.Active != 0 && unit.ftpFile == ai_Destination && (al_GetFrom == kAny || unit.GetFrom == al_GetFrom);
     if (unit.ToSend) ++(unit.ftpFile == kToFtp ? by_ftp : by_other);
   }
   if (by_ftp > 0 && !p_.browser.ConfigureFTP()) return;

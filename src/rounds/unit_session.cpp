@@ -28,9 +28,7 @@ void UnitSession::ProcessUnit(std::int16_t ai_Command) {
 }
 
 void UnitSession::FailHere(const std::string& as_Error) {
-  p_.link.HalvexError = true;
-  p_.link.ResultCode = 9;
-  p_.link.ResultText[9] = as_Error;
+  p_.link.Fail(as_Error);
   p_.trace.AErrorReport(as_Error);
   p_.trace.Status(as_Error);
 }

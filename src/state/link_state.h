@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "base/dates.h"
 #include "base/files.h"
@@ -57,6 +58,12 @@ struct LinkState {
   /// True when neither the user nor the count-down ended the exchange.
   // Intended: an error reply does not count here, the session tries that unit again and goes on.
   [[nodiscard]] bool ContinueOk() const { return !UserCancel && !Timeout; }
+  /// An error on this side of the line ends the exchange like an error reply, with `as_Error` as its text.
+  void Fail(std::string_view as_Error) {
+    HalvexError = true;
+    ResultCode = kCommsErrorResult;
+    ResultText[kCommsErrorResult] = as_Error;
+  }
   /// The text of a result code; "HVError " and the code when the table has none.
   [[nodiscard]] std::string ResultTextOf(std::int16_t ai_Code) const {
     const bool known = ai_Code >= 0 && ai_Code < static_cast<std::int16_t>(ResultText.size()) &&

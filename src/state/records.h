@@ -11,6 +11,9 @@ namespace corvane {
 /// Where a unit's data comes from.
 enum GetFrom : std::int32_t { kFromRadio = 0, kFromNone = 1, kFromHandHeld = 2, kFromFtp = 3, kFromWebData = 4 };
 
+/// Any source, any client, where one is chosen by its number.
+inline constexpr std::int32_t kAny = -1;
+
 struct Unit {
   std::string Name;
   std::int32_t ID = 0;       ///< radio address
@@ -64,11 +67,22 @@ class RecordArray {
   std::vector<Record> records_;
 };
 
+/// Positions in the unit array, both included; none when `last` is below `first`.
+struct UnitSpan {
+  std::int64_t first = 1;
+  std::int64_t last = 0;
+};
+
 struct Registry {
   RecordArray<Unit> Units;
   RecordArray<Relay> Relays;
   RecordArray<Client> Clients;
 
+  /// All units, or the one at `al_Selected`; none when there is no such unit.
+  [[nodiscard]] UnitSpan UnitRange(bool ab_All, std::int64_t al_Selected) const {
+    if (ab_All) return {1, Units.count()};
+    return Units.Has(al_Selected) ? UnitSpan{al_Selected, al_Selected} : UnitSpan{};
+  }
   /// The first relay or client with that ID; nullptr when there is none.
   [[nodiscard]] const Relay* FindRelay(std::int32_t al_ID) const { return FindByID(Relays, al_ID); }
   [[nodiscard]] const Client* FindClient(std::int32_t al_ID) const { return FindByID(Clients, al_ID); }

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/scoped_value.h"
+#include "state/link_state.h"
 
 namespace corvane {
 
@@ -18,6 +19,11 @@ struct RunFlags {
   std::int64_t line_counter = 0;   ///< data lines of the right width of the current conversion command
   std::int64_t problems = 0;       ///< ports, units and files of this operation that ended untried or with a problem
 };
+
+/// True when the user cancelled or the program closes: what runs unwinds.
+[[nodiscard]] inline bool Cancelled(const LinkState& av_Link, const RunFlags& av_Flags) {
+  return av_Link.UserCancel || av_Flags.closing;
+}
 
 /// Makes what runs in its scope an automatic run, where `ab_On`; inside another one it stays that.
 ///

@@ -14,12 +14,8 @@ constexpr std::int64_t kShortestFile = 10;
 
 }  // namespace
 
-DownloadSummary::DownloadSummary(Form& av_Form, const LinkState& av_Link, const DownloadState& av_Download,
-                                 const RunFlags& av_Flags, EventLoop& av_Loop, Trace& av_Trace)
-    : form_(av_Form), link_(av_Link), download_(av_Download), flags_(av_Flags), loop_(av_Loop), trace_(av_Trace) {}
-
 void DownloadSummary::WriteSummary() {
-  if (download_.HeaderLine.empty()) return;
+  if (p_.download.HeaderLine.empty()) return;
   const auto existing = ExamineFile(path_);
   const bool append = existing && existing->size > kShortestFile;
   OutputFile file;
@@ -28,21 +24,21 @@ void DownloadSummary::WriteSummary() {
   if (!append) text = std::string(kColumns) + std::string(kLineBreak);
   text += Values() + std::string(kLineBreak);
   if (status.ok()) status = file.Write(text);
-  if (!status.ok()) trace_.AErrorReport("Summary not written: " + status.text());
+  if (!status.ok()) p_.trace.AErrorReport("Summary not written: " + status.text());
 }
 
 std::string DownloadSummary::Values() const {
-  std::string line = flags_.automatic_run ? "Auto" : "Manual";
-  line += ", " + form_.Lbl_Try.text() + "/" + form_.Txt_MaxRetries.text();
-  line += ", " + GeneralDate(loop_.Now());
-  line += ", " + Visible(link_.CurrentCommand);
-  const auto items = Split(download_.HeaderLine, ',');
+  std::string line = p_.flags.automatic_run ? "Auto" : "Manual";
+  line += ", " + p_.form.Lbl_Try.text() + "/" + p_.form.Txt_MaxRetries.text();
+  line += ", " + GeneralDate(p_.loop.Now());
+  line += ", " + Visible(p_.link.CurrentCommand);
+  const auto items = Split(p_.download.HeaderLine, ',');
   for (std::size_t item = 0; item < kHeaderColumns; ++item) {
     line += ", ";
     if (item < items.size()) line += items[item];
   }
-  line += ", " + std::to_string(link_.LineCount);
-  line += ", " + (link_.HalvexError ? link_.ResultTextOf(link_.ResultCode) : std::string("Ok"));
+  line += ", " + std::to_string(p_.link.LineCount);
+  line += ", " + (p_.link.HalvexError ? p_.link.ResultTextOf(p_.link.ResultCode) : std::string("Ok"));
   return line;
 }
 

@@ -14,8 +14,16 @@ namespace corvane {
 /// The summary file: one comma-separated line per download. Format: docs/formats/summary-file.md.
 class DownloadSummary {
  public:
-  DownloadSummary(Form& av_Form, const LinkState& av_Link, const DownloadState& av_Download, const RunFlags& av_Flags,
-                  EventLoop& av_Loop, Trace& av_Trace);
+  /// What a line of the summary is made of; all must outlive it.
+  struct Parts {
+    Form& form;
+    const LinkState& link;
+    const DownloadState& download;
+    const RunFlags& flags;
+    EventLoop& loop;
+    Trace& trace;
+  };
+  explicit DownloadSummary(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Sets the file's full path.
   void SetFile(std::string_view as_Path) { path_ = as_Path; }
@@ -25,12 +33,7 @@ class DownloadSummary {
  private:
   [[nodiscard]] std::string Values() const;
 
-  Form& form_;
-  const LinkState& link_;
-  const DownloadState& download_;
-  const RunFlags& flags_;
-  EventLoop& loop_;
-  Trace& trace_;
+  Parts p_;
   std::string path_;
 };
 

@@ -46,11 +46,8 @@ int DefaultPosition(std::int32_t style) {
 
 }  // namespace
 
-Messages::Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, Dialogs& av_Dialogs, Trace& av_Trace)
-    : form_(av_Form), flags_(av_Flags), loop_(av_Loop), dialogs_(av_Dialogs), trace_(av_Trace) {}
-
 bool Messages::Unattended() const {
-  return flags_.automatic_run || flags_.releasing || form_.Chk_Automatic.ticked();
+  return p_.flags.automatic_run || p_.flags.releasing || p_.form.Chk_Automatic.ticked();
 }
 
 void Messages::Show(std::string_view as_Text, std::string_view as_Kind, BoxIcon av_Icon) {
@@ -58,12 +55,12 @@ void Messages::Show(std::string_view as_Text, std::string_view as_Kind, BoxIcon 
     if (IsFirst(as_Kind.empty() ? as_Text : as_Kind)) {
       ShowTimedMessage(as_Text, kOkOnly | static_cast<std::int32_t>(av_Icon));
     } else {
-      trace_.LogWrite("Message: " + std::string(as_Text));
+      p_.trace.LogWrite("Message: " + std::string(as_Text));
     }
     return;
   }
-  trace_.LogWrite("Message: " + std::string(as_Text));
-  if (flags_.ending_silently) return;
+  p_.trace.LogWrite("Message: " + std::string(as_Text));
+  if (p_.flags.ending_silently) return;
   BoxContents contents;
   contents.title = kProductName;
   contents.text = as_Text;
@@ -78,16 +75,16 @@ bool Messages::Confirm(std::string_view as_Question) {
   contents.text = std::string(as_Question) + " ?";
   contents.buttons = {"Yes", "No"};
   contents.icon = BoxIcon::Question;
-  const bool yes = !flags_.ending_silently && RunBox(contents, kQuestionSeconds, false) == 1;
-  trace_.LogWrite("Question: " + contents.text + (yes ? " Yes" : " No"));
+  const bool yes = !p_.flags.ending_silently && RunBox(contents, kQuestionSeconds, false) == 1;
+  p_.trace.LogWrite("Question: " + contents.text + (yes ? " Yes" : " No"));
   return yes;
 }
 
 std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title,
                                         std::int16_t ai_Seconds, std::string_view as_Kind) {
-  trace_.LogWrite("Message: " + std::string(as_Message));
+  p_.trace.LogWrite("Message: " + std::string(as_Message));
   const ButtonSet& set = ButtonSetOf(al_Style);
-  if (flags_.ending_silently) return set.at_timeout;
+  if (p_.flags.ending_silently) return set.at_timeout;
   if (!as_Kind.empty() && Unattended() && !IsFirst(as_Kind)) return set.at_timeout;
   BoxContents contents;
   contents.title = as_Title.empty() ? kProductName : as_Title;
@@ -113,20 +110,20 @@ int Messages::RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bo
   bool out_of_time = false;
   Dialogs::BoxId box = 0;
   std::unique_ptr<Timer> timer;
-  timer = loop_.MakeTimer([&] {
+  timer = p_.loop.MakeTimer([&] {
     // Whatever runs beneath the box, it closes when its time is over.
     if (--left < 1) {
       out_of_time = true;
       timer->Stop();
-      return dialogs_.CloseBox(box);
+      return p_.dialogs.CloseBox(box);
     }
-    if (ab_ShowCountDown) dialogs_.SetCountDown(box, std::to_string(left));
+    if (ab_ShowCountDown) p_.dialogs.SetCountDown(box, std::to_string(left));
   });
-  box = dialogs_.OpenBox(av_Contents, [answer](int position) { *answer = {true, position}; });
+  box = p_.dialogs.OpenBox(av_Contents, [answer](int position) { *answer = {true, position}; });
   if (al_Seconds > 0) timer->Start(1000);
-  while (!answer->given && !out_of_time && !MustUnwind()) loop_.Yield();
+  while (!answer->given && !out_of_time && !MustUnwind()) p_.loop.Yield();
   timer->Stop();
-  if (!answer->given && !out_of_time) dialogs_.CloseBox(box);
+  if (!answer->given && !out_of_time) p_.dialogs.CloseBox(box);
   return answer->position;
 }
 

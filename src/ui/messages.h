@@ -41,7 +41,15 @@ enum MessageAnswer : std::int32_t {
 /// Everything the system says to a person in a box. Every message is logged; none can stop an unattended run.
 class Messages {
  public:
-  Messages(Form& av_Form, const RunFlags& av_Flags, EventLoop& av_Loop, Dialogs& av_Dialogs, Trace& av_Trace);
+  /// What the boxes work with; all must outlive it.
+  struct Parts {
+    Form& form;
+    const RunFlags& flags;
+    EventLoop& loop;
+    Dialogs& dialogs;
+    Trace& trace;
+  };
+  explicit Messages(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Shows a message with one button and waits for it. **Yields.**
   ///
@@ -64,15 +72,13 @@ class Messages {
   [[nodiscard]] bool Unattended() const;
   /// Keeps in mind that a message of that kind is shown; false when one was in this round.
   bool IsFirst(std::string_view as_Kind) { return shown_kinds_.emplace(as_Kind).second; }
-  [[nodiscard]] bool MustUnwind() const { return flags_.ending_silently || (flags_.closing && !flags_.releasing); }
+  [[nodiscard]] bool MustUnwind() const {
+    return p_.flags.ending_silently || (p_.flags.closing && !p_.flags.releasing);
+  }
   /// The position clicked; 0 after `al_Seconds` (0: no limit) or when what runs has to unwind.
   int RunBox(const BoxContents& av_Contents, std::int64_t al_Seconds, bool ab_ShowCountDown);
 
-  Form& form_;
-  const RunFlags& flags_;
-  EventLoop& loop_;
-  Dialogs& dialogs_;
-  Trace& trace_;
+  Parts p_;
   std::set<std::string, std::less<>> shown_kinds_;
 };
 

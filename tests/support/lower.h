@@ -23,7 +23,7 @@ struct Lower {
   LinkState link;
   RunFlags flags;
   Trace trace{form, link, loop, shell};
-  Messages messages{form, flags, loop, dialogs, trace};
+  Messages messages{{form, flags, loop, dialogs, trace}};
 
   Lower() { trace.SetLogFile(home.Name("corvane.log")); }
   [[nodiscard]] std::string Log() const { return home.Read("corvane.log"); }

@@ -30,7 +30,7 @@ struct Program : RegistryWorld {
   AppInfo app;
   PortDevices ports;
   SettingsStore store{messages, trace};
-  Settings settings{{form, registry, app, ports, store, units, relays, clients, messages, trace}};
+  Settings settings{{form, registry, app, ports, store, editors, messages, trace}};
 };
 
 std::string Replaced(std::string text, const std::string& what, const std::string& with) {

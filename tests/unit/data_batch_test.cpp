@@ -45,8 +45,8 @@ struct BatchWorld : DataWorld {
   ScriptedPort port{loop};
   PortDevices devices;
   LinkWriter writer{link, port, trace};
-  ReplyTimer timer{form, link, loop, writer, trace};
-  PortLink port_link{form, link, port, devices, states, writer, timer, bars, trace};
+  ReplyTimer timer{{form, link, loop, writer, trace}};
+  PortLink port_link{{form, link, port, devices, states, writer, timer, bars, trace}};
   UnitEditor units{{form, registry, states, slot, messages}};
   BatchConversion batch{form,      flags, link,      registry, names, file_list, files, lookups,
                         converter, units, port_link, loop,     bars,  messages,  trace};

@@ -44,14 +44,14 @@ struct DataWorld : TempFolder {
   RecordingDialogs dialogs;
   FakeShell shell;
   Trace trace{form, link, loop, shell};
-  Messages messages{form, flags, loop, dialogs, trace};
+  Messages messages{{form, flags, loop, dialogs, trace}};
   ProgressBars bars;
   AppInfo app{path()};
   CommandStates states{form};
   OperationSlot slot{link, states};
   FileNames names{form, registry, app};
   CFileListbox file_list{form, messages};
-  LocalFiles files{form, flags, slot, app, names, file_list, loop, dialogs, shell, messages};
+  LocalFiles files{{form, flags, slot, app, names, file_list, loop, dialogs, shell, messages}};
   Lookups lookups{messages};
   CalibratedConverter converter{form, flags, download, registry, lookups, loop, bars, messages, trace};
 };

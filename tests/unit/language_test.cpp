@@ -84,7 +84,7 @@ TEST(Language, TextsFallBackToTheirIDAndAMissingFileIsReportedOnce) {
   world.Start();
   EXPECT_TRUE(world.dialogs.boxes.empty()) << "without a window no language file is needed";
   Trace trace(world.form(), world.app().link(), world.loop, world.shell);
-  Messages messages(world.form(), world.app().flags(), world.loop, world.dialogs, trace);
+  Messages messages({world.form(), world.app().flags(), world.loop, world.dialogs, trace});
   CLanguage language(messages);
   language.SetLanguageFile(world.home.Name("none.lng"));
   FakeCaptions window;

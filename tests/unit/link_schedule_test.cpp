@@ -43,7 +43,7 @@ class ScheduleTest : public LinkTest {
     };
   }
   OperationSlot slot{link, states};
-  Schedule schedule{form, flags, slot, loop, trace};
+  Schedule schedule{{form, flags, slot, loop, trace}};
   std::string started;  ///< the times of day
 };
 

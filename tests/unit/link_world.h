@@ -68,13 +68,13 @@ class LinkTest : public ::testing::Test {
   CommandStates states{form};
   Trace trace{form, link, loop, shell};
   LinkWriter writer{link, port, trace};
-  ReplyTimer timer{form, link, loop, writer, trace};
+  ReplyTimer timer{{form, link, loop, writer, trace}};
   Pauser pauser{link, flags, loop, trace};
-  Exchange exchange{form, link, flags, loop, writer, timer, pauser, trace};
-  DownloadSummary summary{form, link, download, flags, loop, trace};
-  DownloadCapture capture{form, link, download, loop, writer, exchange, summary, bars, trace};
-  ReplyHandler replies{form, link, loop, exchange, capture, summary, trace};
-  PortLink port_link{form, link, port, devices, states, writer, timer, bars, trace};
+  Exchange exchange{{form, link, flags, loop, writer, timer, pauser, trace}};
+  DownloadSummary summary{{form, link, download, flags, loop, trace}};
+  DownloadCapture capture{{form, link, download, loop, writer, exchange, summary, bars, trace}};
+  ReplyHandler replies{{form, link, loop, exchange, capture, summary, trace}};
+  PortLink port_link{{form, link, port, devices, states, writer, timer, bars, trace}};
   std::vector<std::string> lines;
 };
 

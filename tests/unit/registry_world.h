@@ -5,9 +5,7 @@
 #include <vector>
 
 #include "form/form.h"
-#include "registry/client_editor.h"
-#include "registry/relay_editor.h"
-#include "registry/unit_editor.h"
+#include "registry/editors.h"
 #include "state/command_states.h"
 #include "state/link_state.h"
 #include "state/operation_slot.h"
@@ -41,13 +39,14 @@ struct RegistryWorld {
   RecordingDialogs dialogs;
   FakeShell shell;
   Trace trace{form, link, loop, shell};
-  Messages messages{form, flags, loop, dialogs, trace};
+  Messages messages{{form, flags, loop, dialogs, trace}};
   CommandStates states{form};
   OperationSlot slot{link, states};
   Registry registry;
-  UnitEditor units{{form, registry, states, slot, messages}};
-  RelayEditor relays{{form, registry, states, slot, messages}};
-  ClientEditor clients{{form, registry, states, slot, messages}};
+  RegistryEditors editors{{form, registry, states, slot, messages}};
+  UnitEditor& units = editors.units;
+  RelayEditor& relays = editors.relays;
+  ClientEditor& clients = editors.clients;
 
   RegistryWorld() {
     for (const int number : {1, 0, 2, 3}) form.Cmb_GetFrom.Add("source " + std::to_string(number), number);
