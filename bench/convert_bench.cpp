@@ -89,7 +89,7 @@ int main(int argc, char** argv) {
   ProgressBars bars;
   bars.Download.SetBar(form.Bar_Download);
   Lookups lookups(messages);
-  CalibratedConverter converter(form, flags, download, registry, lookups, loop, bars, messages, trace);
+  CalibratedConverter converter({form, flags, download, registry, lookups, loop, bars, messages, trace});
 
   Unit unit;
   unit.MoistureCorrection = 2.5F;

@@ -34,7 +34,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       terminal_({form_, link_, flags_, loop_, port_link_, exchange_, states_, trace_}),
       schedule_({form_, flags_, slot_, loop_, trace_}),
       lookups_(messages_),
-      converter_(form_, flags_, download_, registry_, lookups_, loop_, bars_, messages_, trace_),
+      converter_({form_, flags_, download_, registry_, lookups_, loop_, bars_, messages_, trace_}),
       conversion_(form_, flags_, link_, registry_, names_, file_list_, files_, lookups_, converter_, editors_.units,
                   port_link_, loop_, bars_, messages_, trace_),
       hex_({form_, flags_, link_, loop_, messages_, trace_}),

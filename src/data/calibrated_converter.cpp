@@ -53,23 +53,10 @@ struct CalibratedConverter::Run {
   bool HeaderWritten = false;
 };
 
-CalibratedConverter::CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const DownloadState& av_Download,
-                                         const Registry& av_Registry, Lookups& av_Lookups, EventLoop& av_Loop,
-                                         ProgressBars& av_Bars, Messages& av_Messages, Trace& av_Trace)
-    : form_(av_Form),
-      flags_(av_Flags),
-      download_(av_Download),
-      registry_(av_Registry),
-      lookups_(av_Lookups),
-      loop_(av_Loop),
-      bars_(av_Bars),
-      messages_(av_Messages),
-      trace_(av_Trace) {}
-
 bool CalibratedConverter::ConvertToCalibrated(const std::string& as_RawFile) {
-  const BusyPointer busy(form_.Frm_Main);
-  flags_.converting = true;
-  trace_.Status("Convert: " + as_RawFile);
+  const BusyPointer busy(p_.form.Frm_Main);
+  p_.flags.converting = true;
+  p_.trace.Status("Convert: " + as_RawFile);
   bool finished = true;
   const auto raw_info = ExamineFile(as_RawFile);
   if (raw_info) {
@@ -77,25 +64,25 @@ bool CalibratedConverter::ConvertToCalibrated(const std::string& as_RawFile) {
       finished = ConvertFile(as_RawFile, raw_info->size);
     } catch (const RunTimeError& error) {
       finished = false;
-      messages_.Show("Cannot convert: " + as_RawFile + std::string(kLineBreak) + error.what(), "Cannot convert");
+      p_.messages.Show("Cannot convert: " + as_RawFile + std::string(kLineBreak) + error.what(), "Cannot convert");
     }
   } else {
-    messages_.Show("Cannot find: " + as_RawFile, "Cannot find");
+    p_.messages.Show("Cannot find: " + as_RawFile, "Cannot find");
   }
   TraceFinish(raw_info.has_value());
-  flags_.converting = false;
-  bars_.Download.Clear();
-  form_.Lbl_Status.SetText("");
+  p_.flags.converting = false;
+  p_.bars.Download.Clear();
+  p_.form.Lbl_Status.SetText("");
   return finished;
 }
 
 bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_t al_RawSize) {
-  Run run(CalibratedNameOf(as_RawFile, form_.Txt_CalibratedFileExtension.text()), ReadSettings(), lookups_);
+  Run run(CalibratedNameOf(as_RawFile, p_.form.Txt_CalibratedFileExtension.text()), ReadSettings(), p_.lookups);
   run.Schedule = ReadSchedule();
   run.RawSize = al_RawSize;
   Require(run.Raw.Open(as_RawFile));
   Require(run.Output.Open());
-  bars_.Download.SetProcessText("Convert: " + as_RawFile);
+  p_.bars.Download.SetProcessText("Convert: " + as_RawFile);
   std::string_view line;
   while (run.Raw.Next(line)) {
     TakeLine(run, line);
@@ -109,24 +96,24 @@ bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_
 
 CalibrationSettings CalibratedConverter::ReadSettings() const {
   CalibrationSettings settings;
-  settings.Average = form_.Opt_Average.GetOptionIndex() == kAverageBetweenLogs;
-  settings.Kelvin = form_.Chk_Kelvin.ticked();
-  settings.Uncorrected = form_.Chk_Uncorrected.ticked();
-  settings.DateFormat = form_.Txt_DateFormat.text();
-  const std::int64_t unit = form_.Lst_Units.current() + 1;
-  if (registry_.Units.Has(unit)) {
-    settings.MoistureCorrection = HeldCorrection(registry_.Units[unit].MoistureCorrection);
-    settings.SalinityCorrection = HeldCorrection(registry_.Units[unit].SalinityCorrection);
+  settings.Average = p_.form.Opt_Average.GetOptionIndex() == kAverageBetweenLogs;
+  settings.Kelvin = p_.form.Chk_Kelvin.ticked();
+  settings.Uncorrected = p_.form.Chk_Uncorrected.ticked();
+  settings.DateFormat = p_.form.Txt_DateFormat.text();
+  const std::int64_t unit = p_.form.Lst_Units.current() + 1;
+  if (p_.registry.Units.Has(unit)) {
+    settings.MoistureCorrection = HeldCorrection(p_.registry.Units[unit].MoistureCorrection);
+    settings.SalinityCorrection = HeldCorrection(p_.registry.Units[unit].SalinityCorrection);
   }
   return settings;
 }
 
 std::optional<LoggingSchedule> CalibratedConverter::ReadSchedule() const {
-  if (form_.Opt_WhichReadings.GetOptionIndex() != kLogAt) return std::nullopt;
-  const auto start_at = ParseTimeOfDay(Trim(form_.Txt_StartAt.text()));
-  if (!start_at) throw RunTimeError("\"" + form_.Txt_StartAt.text() + "\" is no time of day to start logging at");
-  const auto interval = LoggingSchedule::Interval(form_.Txt_Interval.text());
-  if (!interval) throw RunTimeError("\"" + form_.Txt_Interval.text() + "\" is no logging interval above zero");
+  if (p_.form.Opt_WhichReadings.GetOptionIndex() != kLogAt) return std::nullopt;
+  const auto start_at = ParseTimeOfDay(Trim(p_.form.Txt_StartAt.text()));
+  if (!start_at) throw RunTimeError("\"" + p_.form.Txt_StartAt.text() + "\" is no time of day to start logging at");
+  const auto interval = LoggingSchedule::Interval(p_.form.Txt_Interval.text());
+  if (!interval) throw RunTimeError("\"" + p_.form.Txt_Interval.text() + "\" is no logging interval above zero");
   return LoggingSchedule(*start_at, *interval);
 }
 
@@ -135,12 +122,12 @@ void CalibratedConverter::TakeLine(Run& av_Run, std::string_view as_Line) {
   if (av_Run.Lines++ == 0) {
     TakeHeader(av_Run);
   } else if (!av_Run.Raw.terminated()) {
-    trace_.TraceDecision("ConvertToCalibrated - unterminated last line> " + std::string(as_Line));
+    p_.trace.TraceDecision("ConvertToCalibrated - unterminated last line> " + std::string(as_Line));
   } else if (av_Run.Fields.size() != av_Run.Rows.Expected()) {
-    ++flags_.error_counter;
-    trace_.AErrorReport("Wrong number of data items on line Actual:" + std::to_string(av_Run.Fields.size()) +
-                        " Expected: " + std::to_string(av_Run.Rows.Expected()) + std::string(kLineBreak) +
-                        std::string(as_Line));
+    ++p_.flags.error_counter;
+    p_.trace.AErrorReport("Wrong number of data items on line Actual:" + std::to_string(av_Run.Fields.size()) +
+                          " Expected: " + std::to_string(av_Run.Rows.Expected()) + std::string(kLineBreak) +
+                          std::string(as_Line));
   } else {
     TakeReading(av_Run, as_Line);
   }
@@ -150,17 +137,17 @@ void CalibratedConverter::TakeHeader(Run& av_Run) {
   av_Run.Rows.TakeHeader(av_Run.Fields);
   const auto bytes_per_line = static_cast<double>(av_Run.Rows.Expected()) * kBytesPerField;
   const double lines = bytes_per_line > 0 ? static_cast<double>(av_Run.RawSize) / bytes_per_line : 0;
-  bars_.Download.SetDoSkip(true);
-  bars_.Download.Initialise(std::llround(lines));
+  p_.bars.Download.SetDoSkip(true);
+  p_.bars.Download.Initialise(std::llround(lines));
 }
 
 void CalibratedConverter::TakeReading(Run& av_Run, std::string_view as_Line) {
-  ++flags_.line_counter;
-  bars_.Download.SetValue(++av_Run.DataLines);
+  ++p_.flags.line_counter;
+  p_.bars.Download.SetValue(++av_Run.DataLines);
   const std::optional<DateTime> when = ParseReadingDate(av_Run.Fields[0]);
   if (!when || as_Line.find('\0') != std::string_view::npos) {
-    ++flags_.error_counter;
-    trace_.AErrorReport("ConverToCalibrated - invalid date> " + std::string(as_Line));
+    ++p_.flags.error_counter;
+    p_.trace.AErrorReport("ConverToCalibrated - invalid date> " + std::string(as_Line));
     return;
   }
   if (!av_Run.DateSeen && av_Run.Schedule) av_Run.Schedule->SetUp(*when);
@@ -175,18 +162,19 @@ void CalibratedConverter::TakeReading(Run& av_Run, std::string_view as_Line) {
 
 bool CalibratedConverter::GoOn(Run& av_Run) {
   if (av_Run.Lines % kLinesBetweenClockReadings != 0) return true;
-  if (loop_.MonotonicMilliseconds() >= av_Run.NextPoll) {
-    loop_.Poll();
-    av_Run.NextPoll = loop_.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
+  if (p_.loop.MonotonicMilliseconds() >= av_Run.NextPoll) {
+    p_.loop.Poll();
+    av_Run.NextPoll = p_.loop.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
   }
-  return !flags_.closing;
+  return !p_.flags.closing;
 }
 
 void CalibratedConverter::TraceFinish(bool ab_Opened) {
-  trace_.TraceDecision("Finish 'ConvertToCalibrated' - closing Raw:" + std::to_string(ab_Opened ? kRawFile : kNoFile) +
-                       " calibrated: " + std::to_string(ab_Opened ? kCalibratedFile : kNoFile) +
-                       " OutputFile: " + std::to_string(download_.Output.IsOpen() ? kOutputFile : kNoFile) +
-                       " LogFile: " + std::to_string(trace_.LogFileNumber()));
+  p_.trace.TraceDecision(
+      "Finish 'ConvertToCalibrated' - closing Raw:" + std::to_string(ab_Opened ? kRawFile : kNoFile) +
+      " calibrated: " + std::to_string(ab_Opened ? kCalibratedFile : kNoFile) +
+      " OutputFile: " + std::to_string(p_.download.Output.IsOpen() ? kOutputFile : kNoFile) +
+      " LogFile: " + std::to_string(p_.trace.LogFileNumber()));
 }
 
 }  // namespace corvane

@@ -23,9 +23,19 @@ namespace corvane {
 /// docs/formats/calibrated-file.md.
 class CalibratedConverter {
  public:
-  CalibratedConverter(Form& av_Form, RunFlags& av_Flags, const DownloadState& av_Download, const Registry& av_Registry,
-                      Lookups& av_Lookups, EventLoop& av_Loop, ProgressBars& av_Bars, Messages& av_Messages,
-                      Trace& av_Trace);
+  /// What a conversion works with; all must outlive it.
+  struct Parts {
+    Form& form;
+    RunFlags& flags;
+    const DownloadState& download;
+    const Registry& registry;
+    Lookups& lookups;
+    EventLoop& loop;
+    ProgressBars& bars;
+    Messages& messages;
+    Trace& trace;
+  };
+  explicit CalibratedConverter(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Converts `as_RawFile` (a full name) with the correction factors of the unit selected in the unit list.
   ///
@@ -48,15 +58,7 @@ class CalibratedConverter {
   [[nodiscard]] bool GoOn(Run& av_Run);
   void TraceFinish(bool ab_Opened);
 
-  Form& form_;
-  RunFlags& flags_;
-  const DownloadState& download_;
-  const Registry& registry_;
-  Lookups& lookups_;
-  EventLoop& loop_;
-  ProgressBars& bars_;
-  Messages& messages_;
-  Trace& trace_;
+  Parts p_;
 };
 
 }  // namespace corvane

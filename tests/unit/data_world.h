@@ -53,7 +53,7 @@ struct DataWorld : TempFolder {
   CFileListbox file_list{form, messages};
   LocalFiles files{{form, flags, slot, app, names, file_list, loop, dialogs, shell, messages}};
   Lookups lookups{messages};
-  CalibratedConverter converter{form, flags, download, registry, lookups, loop, bars, messages, trace};
+  CalibratedConverter converter{{form, flags, download, registry, lookups, loop, bars, messages, trace}};
 };
 
 }  // namespace corvane::test
