@@ -42,7 +42,8 @@ Control* ControlRegistry::Find(std::string_view name) const {
   return found == controls_.end() ? nullptr : *found;
 }
 
-void Label::SetText(std::string_view text) {
+void Label::SetText(std::string_view text, StatusKind kind) {
+  status_kind_ = kind;
   if (text == text_) return;
   text_ = text;
   TellAndHandle(Aspect::Value);
@@ -88,8 +89,8 @@ void List::Clear() {
   }
 }
 
-void List::Add(std::string text) {
-  rows_.push_back({std::move(text)});
+void List::Add(std::string text, std::int64_t number) {
+  rows_.push_back({.text = std::move(text), .number = number});
   Tell(Aspect::Rows, rows_.size() - 1);
 }
 

@@ -71,14 +71,24 @@ class ControlRegistry {
   FormView* view_ = nullptr;
 };
 
+/// What a line of the status label tells.
+enum class StatusKind : std::uint8_t {
+  Step,    ///< something was begun, answered or done
+  Detail,  ///< how far it is: worth a look now and nothing later
+  Error,   ///< an exchange with a unit failed, or its port did not open
+};
+
 class Label : public Control {
  public:
   Label(ControlRegistry& registry, std::string name) : Control(registry, std::move(name), ControlKind::Label) {}
   [[nodiscard]] const std::string& text() const { return text_; }
-  void SetText(std::string_view text);
+  /// What the text tells; for the status label.
+  [[nodiscard]] StatusKind status_kind() const { return status_kind_; }
+  void SetText(std::string_view text, StatusKind kind = StatusKind::Step);
 
  private:
   std::string text_;
+  StatusKind status_kind_ = StatusKind::Step;
 };
 
 class TextField : public Control {
@@ -144,7 +154,7 @@ class List : public Control {
   [[nodiscard]] std::int64_t number(std::int64_t row) const { return rows_[static_cast<std::size_t>(row)].number; }
 
   void Clear();
-  void Add(std::string text);
+  void Add(std::string text, std::int64_t number = 0);
   /// Replaces all rows at once; nothing stays selected and no row is current.
   void SetRows(std::vector<std::string> texts);
   void Remove(std::int64_t row);

@@ -114,7 +114,7 @@ bool DownloadCapture::StoreReading() {
 
 void DownloadCapture::ShowProgress(DateTime av_When) {
   p_.bars.Download.SetValue(p_.link.LineCount);
-  p_.trace.Status(FormatDate(av_When, p_.form.Txt_DateFormat.text()));
+  p_.trace.Status(FormatDate(av_When, p_.form.Txt_DateFormat.text()), StatusKind::Detail);
 }
 
 void DownloadCapture::RejectLine() {
@@ -144,7 +144,7 @@ void DownloadCapture::FailDownload(const std::string& as_Reason) {
   }
   Abort(error);
   p_.link.Fail(error);
-  p_.trace.Status(error);
+  p_.trace.Status(error, StatusKind::Error);
 }
 
 bool DownloadCapture::OpenOutputFile() {
@@ -156,7 +156,7 @@ bool DownloadCapture::OpenOutputFile() {
     const std::string report = "The raw file " + p_.download.OutputFileName + " cannot be opened (" + error.what() +
                                "). Check its folder, its rights and the room on its disk";
     p_.trace.AErrorReport(report);
-    p_.trace.Status(report);
+    p_.trace.Status(report, StatusKind::Error);
     return false;
   }
 }

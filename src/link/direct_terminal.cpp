@@ -68,7 +68,7 @@ bool DirectTerminal::Ended() const {
 void DirectTerminal::Finish() {
   timer_->Stop();
   if (p_.link.HalvexError) {
-    p_.trace.Status("Direct terminal: " + p_.link.ResultTextOf(p_.link.ResultCode));
+    p_.trace.Status("Direct terminal: " + p_.link.ResultTextOf(p_.link.ResultCode), StatusKind::Error);
   } else {
     p_.trace.Status("Direct terminal: the port is closed");
   }

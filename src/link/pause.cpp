@@ -13,7 +13,8 @@ constexpr std::int64_t kShownAbove = 1000;
 void Pauser::Pause(std::int64_t al_Milliseconds) {
   if (al_Milliseconds <= 0) return;
   if (al_Milliseconds > kShownAbove) {
-    trace_.Status("pause " + ShortestText(static_cast<double>(al_Milliseconds) / 1000) + " secs...");
+    trace_.Status("pause " + ShortestText(static_cast<double>(al_Milliseconds) / 1000) + " secs...",
+                  StatusKind::Detail);
   }
   const bool traced = al_Milliseconds > kTracedAbove;
   if (traced) trace_.TraceDecision("PAUSE START: " + std::to_string(al_Milliseconds));

@@ -66,7 +66,7 @@ bool PortLink::OpenPort(std::int16_t ai_Index) {
     return true;
   } catch (const RunTimeError& error) {
     p_.trace.AErrorReport("OpenPort: " + step + " [" + error.what() + "]");
-    p_.trace.Status(std::string("The port did not open: ") + error.what());
+    p_.trace.Status(std::string("The port did not open: ") + error.what(), StatusKind::Error);
     return false;
   }
 }

@@ -68,7 +68,7 @@ void ReplyHandler::TakeAnswer() {
 void ReplyHandler::TakeErrorReply() {
   p_.link.ResultCode = ErrorNumber(p_.link.ReplyLine);
   p_.link.HalvexError = true;
-  p_.trace.Status(p_.link.ResultTextOf(p_.link.ResultCode));
+  p_.trace.Status(p_.link.ResultTextOf(p_.link.ResultCode), StatusKind::Error);
   if (p_.link.State == kDownload) p_.summary.WriteSummary();
   p_.trace.SwitchOnAllTrace("HalvexError: " + p_.link.ReplyLine, 1);
   p_.trace.TraceDecision("HV Error received:" + p_.link.ReplyLine);

@@ -47,7 +47,8 @@ void ReplyTimer::ReplyTimeoutTick() {
   timer_->Stop();
   p_.link.Timeout = true;
   p_.trace.SwitchOnAllTrace("Timeout", 1);
-  p_.trace.Status(UnitText() + ": waited " + ShortestText(static_cast<float>(p_.link.CountDown)) + " secs");
+  p_.trace.Status(UnitText() + ": waited " + ShortestText(static_cast<float>(p_.link.CountDown)) + " secs",
+                  StatusKind::Error);
   p_.writer.SendEscape();
 }
 

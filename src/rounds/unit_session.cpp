@@ -30,7 +30,7 @@ void UnitSession::ProcessUnit(std::int16_t ai_Command) {
 void UnitSession::FailHere(const std::string& as_Error) {
   p_.link.Fail(as_Error);
   p_.trace.AErrorReport(as_Error);
-  p_.trace.Status(as_Error);
+  p_.trace.Status(as_Error, StatusKind::Error);
 }
 
 std::string UnitSession::Caption(std::int16_t ai_Command) const {
@@ -97,7 +97,7 @@ std::string UnitSession::Parameters(std::int16_t ai_Command) {
 DateTime UnitSession::GetLastDate(const std::string& as_File) {
   if (!ExamineFile(as_File)) return {};
   const BusyPointer busy(p_.form.Frm_Main);
-  p_.trace.Status("Get date in: " + as_File);
+  p_.trace.Status("Get date in: " + as_File, StatusKind::Detail);
   const std::string torn = RepairTornTail(as_File);
   if (!torn.empty()) p_.trace.LogWrite("Torn tail cut off " + as_File + ": " + torn);
   const LastDateResult found = ReadLastDate(as_File, [this] {

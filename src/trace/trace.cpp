@@ -21,14 +21,14 @@ void Trace::SetLogFile(std::string_view as_Path) {
   log_failed_ = false;
 }
 
-void Trace::Status(std::string_view as_Text) {
+void Trace::Status(std::string_view as_Text, StatusKind av_Kind) {
   const std::string line = "Status: " + std::string(as_Text);
   if (form_.Chk_Trace[kTraceStatus].ticked()) {
-    LogWrite(line);
+    LogLine(line, kStatusRow);
   } else {
     TraceDecision(line);
   }
-  form_.Lbl_Status.SetText(as_Text);
+  form_.Lbl_Status.SetText(as_Text, av_Kind);
   form_.Lbl_Status.Repaint();
 }
 
@@ -74,15 +74,19 @@ void Trace::TraceDecision(std::string_view as_Text) {
 }
 
 void Trace::LogWrite(std::string_view as_Text) {
-  ShowOnScreen(as_Text);
+  LogLine(as_Text, 0);
+}
+
+void Trace::LogLine(std::string_view as_Text, std::int64_t al_RowNumber) {
+  ShowOnScreen(as_Text, al_RowNumber);
   if (OpenLog()) AppendLogLine(as_Text);
 }
 
-void Trace::ShowOnScreen(std::string_view as_Text) {
+void Trace::ShowOnScreen(std::string_view as_Text, std::int64_t al_RowNumber) {
   if (!form_.Chk_ShowTrace.ticked() || !form_.Chk_ShowReply.ticked()) return;
   List& list = form_.Lst_Debug;
   if (list.count() > kMostTraceRows) list.Clear();
-  list.Add(Visible(as_Text));
+  list.Add(Visible(as_Text), al_RowNumber);
   list.SetCurrent(list.count() - 1);
 }
 

@@ -16,6 +16,9 @@ namespace corvane {
 /// Indexes of the trace boxes; a box's caption names what its index switches.
 enum TraceCategory : int { kTraceStatus = 0, kTraceSend = 1, kTraceReceive = 2, kTraceDecision = 3, kTraceDetail = 4 };
 
+/// The number of a row of the on-screen trace whose text the status line shows too; other rows have 0.
+inline constexpr std::int64_t kStatusRow = 1;
+
 /// The status line, the trace log and the on-screen trace.
 ///
 /// Every part of the system reports through it. A log that cannot be written is reported once in the status line and
@@ -26,8 +29,8 @@ class Trace {
 
   /// Sets the log file's full path; used at the first line written.
   void SetLogFile(std::string_view as_Path);
-  /// Shows `as_Text` in the status line at once and logs it.
-  void Status(std::string_view as_Text);
+  /// Shows `as_Text` in the status line at once and logs it; front ends choose by its kind what they make of it.
+  void Status(std::string_view as_Text, StatusKind av_Kind = StatusKind::Step);
   /// Reports a run-time error of the operation `as_Where`: log line, beep and message box.
   void ErrorReport(std::string_view as_Where, std::string_view as_Description);
   /// Writes an error line with the state dump, whatever categories are ticked, and switches further categories on.
@@ -52,7 +55,8 @@ class Trace {
   std::function<void(const std::string& text)> show_message;
 
  private:
-  void ShowOnScreen(std::string_view as_Text);
+  void LogLine(std::string_view as_Text, std::int64_t al_RowNumber);
+  void ShowOnScreen(std::string_view as_Text, std::int64_t al_RowNumber);
   bool OpenLog();
   bool AppendLogLine(std::string_view as_Text);
   void GiveUpLog(const corvane::Status& av_Failure);

@@ -14,9 +14,9 @@ void FtpLog::SetTraces(bool ab_FilesSent, bool ab_Status, bool ab_Detail) {
   detail_ = ab_Detail;
 }
 
-void FtpLog::ShowStatus(std::string_view as_Text) {
+void FtpLog::ShowStatus(std::string_view as_Text, StatusKind av_Kind) {
   if (label_ != nullptr) {
-    label_->SetText(as_Text);
+    label_->SetText(as_Text, av_Kind);
     label_->Repaint();
   }
   LogStatus(as_Text);

@@ -23,7 +23,7 @@ class FtpLog {
   void SetStatusLabel(Label& av_Label) { label_ = &av_Label; }
 
   /// Shows `as_Text` in the status line at once, and writes it as a status line.
-  void ShowStatus(std::string_view as_Text);
+  void ShowStatus(std::string_view as_Text, StatusKind av_Kind = StatusKind::Step);
   /// Writes a line while status lines are switched on.
   void LogStatus(std::string_view as_Text);
   /// Writes a line while detail lines are switched on.

@@ -159,7 +159,7 @@ std::string TransferProgress::ProgressText() const {
 
 void TransferProgress::ShowRate() {
   const std::int64_t elapsed = loop_.MonotonicMilliseconds() - start_;
-  log_.ShowStatus(RateText(std::string(FileNameOf(file_)) + " ", elapsed, bytes_this_transfer_));
+  log_.ShowStatus(RateText(std::string(FileNameOf(file_)) + " ", elapsed, bytes_this_transfer_), StatusKind::Detail);
 }
 
 void TransferProgress::ShowProgress() {
