@@ -94,6 +94,7 @@ void Application::Wire() {
     messages_.StartRound();
     ftp_.SetCancel(false);
     flows_.ClearResults();
+    conversion_.ClearResults();
   };
   ftp_.connection_changed = [this] { states_.SetConnected(ftp_.IsConnected()); };
   slot_.on_given_back = [this] { files_.RefreshIfStale(); };

@@ -87,6 +87,7 @@ class Application {
   [[nodiscard]] PortChoices& ports() { return ports_; }
   [[nodiscard]] UnitEditor& units() { return editors_.units; }
   [[nodiscard]] OperationSlot& slot() { return slot_; }
+  [[nodiscard]] const BatchConversion& conversion() const { return conversion_; }
   [[nodiscard]] TransferFlows& flows() { return flows_; }
   [[nodiscard]] const TransferFlows& flows() const { return flows_; }
   [[nodiscard]] Commands& commands() { return commands_; }

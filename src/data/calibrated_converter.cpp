@@ -1,5 +1,6 @@
 #include "data/calibrated_converter.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -47,6 +48,7 @@ struct CalibratedConverter::Run {
   std::vector<std::string_view> Fields;
   std::int64_t RawSize = 0;
   std::int64_t Lines = 0;      ///< of any kind
+  std::int64_t TornLines = 0;  ///< without a line end: the last one, or none
   std::int64_t DataLines = 0;  ///< of the right width
   std::int64_t NextPoll = 0;
   bool DateSeen = false;
@@ -56,6 +58,7 @@ struct CalibratedConverter::Run {
 bool CalibratedConverter::ConvertToCalibrated(const std::string& as_RawFile) {
   const BusyPointer busy(p_.form.Frm_Main);
   p_.flags.converting = true;
+  readings_.reset();
   p_.trace.Status("Convert: " + as_RawFile);
   bool finished = true;
   const auto raw_info = ExamineFile(as_RawFile);
@@ -91,6 +94,7 @@ bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_
   }
   Require(run.Raw.status());
   Require(run.Output.Commit());
+  readings_ = std::max<std::int64_t>(run.Lines - run.TornLines - 1, 0);
   return true;
 }
 
@@ -122,6 +126,7 @@ void CalibratedConverter::TakeLine(Run& av_Run, std::string_view as_Line) {
   if (av_Run.Lines++ == 0) {
     TakeHeader(av_Run);
   } else if (!av_Run.Raw.terminated()) {
+    ++av_Run.TornLines;
     p_.trace.TraceDecision("ConvertToCalibrated - unterminated last line> " + std::string(as_Line));
   } else if (av_Run.Fields.size() != av_Run.Rows.Expected()) {
     ++p_.flags.error_counter;

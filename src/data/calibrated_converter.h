@@ -44,6 +44,9 @@ class CalibratedConverter {
   /// Memory does not grow with the file. **Yields** about every 20 ms.
   // Intended: only the program's end breaks a file off; a cancel is for the caller, who stops after the current file.
   bool ConvertToCalibrated(const std::string& as_RawFile);
+  /// Readings in the raw file of the last call, its whole lines behind the header; none when it made no calibrated
+  /// file.
+  [[nodiscard]] std::optional<std::int64_t> Readings() const { return readings_; }
 
  private:
   struct Run;
@@ -59,6 +62,7 @@ class CalibratedConverter {
   void TraceFinish(bool ab_Opened);
 
   Parts p_;
+  std::optional<std::int64_t> readings_;
 };
 
 }  // namespace corvane

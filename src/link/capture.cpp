@@ -108,6 +108,7 @@ bool DownloadCapture::StoreReading() {
     FailDownload(written.text());
     return false;
   }
+  ++p_.download.Stored;
   if (!sync_timer_->Running()) sync_timer_->Start(kSyncMilliseconds);
   return true;
 }

@@ -63,8 +63,10 @@ bool PortLink::OpenPort(std::int16_t ai_Index) {
   std::string step;
   try {
     OpenSteps(ai_Index, step);
+    p_.link.PortFailed = false;
     return true;
   } catch (const RunTimeError& error) {
+    p_.link.PortFailed = true;
     p_.trace.AErrorReport("OpenPort: " + step + " [" + error.what() + "]");
     p_.trace.Status(std::string("The port did not open: ") + error.what(), StatusKind::Error);
     return false;

@@ -37,6 +37,7 @@ bool BatchConversion::InitialiseLookups() {
 void BatchConversion::ConvertFile(const std::string& as_RawFile) {
   const std::int64_t errors_before = flags_.error_counter;
   const bool finished = converter_.ConvertToCalibrated(as_RawFile);
+  results_.push_back({units_.Selected(), converter_.Readings(), flags_.error_counter - errors_before});
   if (!finished || flags_.error_counter > errors_before) ++flags_.problems;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -22,6 +23,13 @@
 
 namespace corvane {
 
+/// What became of one raw file.
+struct ConversionResult {
+  std::int64_t unit = 0;
+  std::optional<std::int64_t> readings;  ///< in the raw file; none when no calibrated file was made
+  std::int64_t bad_lines = 0;
+};
+
 /// The conversion commands. All **yield** and run while the operation slot is held.
 class BatchConversion {
  public:
@@ -41,6 +49,10 @@ class BatchConversion {
   void ResetCounters();
   /// Reports lines, errors and time when there were errors.
   void ShowConvertSummary(std::string_view as_FileText, std::int64_t al_StartMilliseconds);
+  /// The raw files that the present or last operation has tried, in order.
+  [[nodiscard]] const std::vector<ConversionResult>& Results() const { return results_; }
+  /// Forgets them: an operation begins.
+  void ClearResults() { results_.clear(); }
 
  private:
   struct DataFile {
@@ -74,6 +86,7 @@ class BatchConversion {
   ProgressBars& bars_;
   Messages& messages_;
   Trace& trace_;
+  std::vector<ConversionResult> results_;
 };
 
 }  // namespace corvane

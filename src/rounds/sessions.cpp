@@ -51,6 +51,7 @@ void Sessions::MarkUnits(Run& av_Run, std::int32_t al_ConnectionType) {
     if (!p_.registry.Units.Has(index)) continue;
     Unit& unit = p_.registry.Units[index];
     unit.Tries = 0;
+    unit.Stored = 0;
     unit.Problem = true;
     unit.Marked = has_port && unit.Active != 0 && unit.GetFrom == al_ConnectionType;
     if (!unit.Marked) continue;
@@ -98,6 +99,7 @@ bool Sessions::Attempt(Run& av_Run, std::int64_t al_Index, std::int16_t ai_Comma
   if (unit.Tries < INT16_MAX) ++unit.Tries;
   p_.session.ProcessUnit(ai_Command);
   p_.registry.Units[al_Index].Problem = false;
+  p_.registry.Units[al_Index].Stored += p_.session.Stored();
   if (!p_.link.HalvexError || !p_.link.ContinueOk()) return true;
   ++av_Run.failed;
   p_.trace.TraceDecision("HVError: " + p_.link.ResultTextOf(p_.link.ResultCode));

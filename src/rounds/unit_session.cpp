@@ -15,6 +15,7 @@ constexpr std::string_view kStampPattern = "yymmddHHNNSS";
 }  // namespace
 
 void UnitSession::ProcessUnit(std::int16_t ai_Command) {
+  p_.download.Stored = 0;
   try {
     Run(ai_Command);
   } catch (const RunTimeError& error) {

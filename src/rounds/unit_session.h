@@ -45,6 +45,8 @@ class UnitSession {
   /// The test command needs no unit. An error on this computer (a folder or file that cannot be used) is reported and
   /// ends the command like an error reply, so that the next round asks the unit again.
   void ProcessUnit(std::int16_t ai_Command);
+  /// Readings that the last command has added to the unit's raw file.
+  [[nodiscard]] std::int64_t Stored() const { return p_.download.Stored; }
   /// The date of the last reading stored in a raw file, none when there is none. **Yields.**
   ///
   /// Cuts a torn tail off first; lines that are no readings are shown together, a date in the future is reported.

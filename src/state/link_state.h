@@ -46,6 +46,7 @@ struct LinkState {
                                             "HVError"};
   std::int64_t OverunCount = 0;
   bool OverunFlag = false;
+  bool PortFailed = false;  ///< the port did not open when the operation last tried
   bool TestingPort = false;
   bool DirectListening = false;  ///< the direct terminal has the line: nothing that arrives is an answer
   std::int64_t LineCount = 0;    ///< reply lines counted for the current command
@@ -79,7 +80,8 @@ struct DownloadState {
   bool SavingData = false;
   OutputFile Output;  ///< the open raw file
   std::string OutputFileName;
-  DateTime LastDate;  ///< last reading already stored, none when there is none
+  DateTime LastDate;        ///< last reading already stored, none when there is none
+  std::int64_t Stored = 0;  ///< readings stored for the present command
 };
 
 }  // namespace corvane

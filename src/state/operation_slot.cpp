@@ -15,6 +15,7 @@ bool OperationSlot::Run(const std::function<void()>& av_Operation) {
     }
   } give_back{*this};
   link_.UserCancel = false;
+  link_.PortFailed = false;
   states_.SetIdle(false);
   states_.UpdateCommandStates();
   if (on_taken) on_taken();

@@ -30,6 +30,7 @@ struct Unit {
   bool Problem = false;
   bool Marked = false;
   bool ToSend = false;
+  std::int64_t Stored = 0;  ///< readings that the session has added to the raw file
 };
 
 struct Relay {
