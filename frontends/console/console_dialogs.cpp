@@ -1,13 +1,9 @@
 #include "console_dialogs.h"
 
-#include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cerrno>
 #include <utility>
 
 #include "base/text.h"
+#include "desktop/terminal.h"
 
 namespace corvane::console {
 namespace {
@@ -76,11 +72,7 @@ void ConsoleDialogs::Ask() {
 }
 
 void ConsoleDialogs::OnInput() {
-  std::array<char, 1024> block;
-  const ssize_t length = read(input_, block.data(), block.size());
-  if (length < 0 && (errno == EINTR || errno == EAGAIN)) return;
-  if (length <= 0) return TakeLine("no");
-  typed_.append(block.data(), static_cast<std::size_t>(length));
+  if (!ReadArrived(input_, typed_)) return TakeLine("no");
   const std::size_t end = typed_.find('\n');
   if (end == std::string::npos) return;
   const std::string line = typed_.substr(0, end);

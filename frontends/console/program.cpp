@@ -1,9 +1,5 @@
 #include "program.h"
 
-#include <poll.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <csignal>
 #include <utility>
@@ -19,6 +15,7 @@
 #include "curl/curl_internet_client.h"
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
+#include "desktop/terminal.h"
 #include "posix/posix_loop.h"
 #include "serial/termios_port.h"
 #include "zip/libzip_component.h"
@@ -35,32 +32,15 @@ class ConsoleShell : public PosixShell {
   }
 };
 
-/// Writes all of `text`. `patient`: waits for a slow reader; else what the reader does not take at once is lost.
-void WriteOut(int descriptor, std::string_view text, bool patient) {
-  while (!text.empty()) {
-    pollfd out{descriptor, POLLOUT, 0};
-    if (!patient && poll(&out, 1, 0) != 1) return;
-    const ssize_t written = write(descriptor, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
-int TerminalColumns() {
-  winsize size{};
-  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
 ConsoleOutput::Settings OutputSettings(const Options& options, const EventLoop& loop) {
   const bool stays = options.command == CommandId::Run;
   ConsoleOutput::Settings settings;
   // A program that stays for months must not stand still because nobody reads its lines.
   settings.write = [stays](bool error, const std::string& text) {
-    WriteOut(error ? STDERR_FILENO : STDOUT_FILENO, text, !stays);
+    WriteOut(error ? kStandardError : kStandardOutput, text, !stays);
   };
   if (stays) settings.stamp = [&loop] { return GeneralDate(loop.Now()) + " "; };
-  if (isatty(STDOUT_FILENO) != 0) settings.columns = TerminalColumns;
+  if (IsTerminal(kStandardOutput)) settings.columns = TerminalColumns;
   settings.quiet = options.quiet;
   return settings;
 }
@@ -69,7 +49,7 @@ Answering WhoAnswers(const Options& options) {
   if (options.command == CommandId::Run) return Answering::Nobody;
   if (options.command == CommandId::Script) return Answering::Script;
   if (options.yes) return Answering::Yes;
-  return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0 ? Answering::Terminal : Answering::Nobody;
+  return IsTerminal(kStandardInput) && IsTerminal(kStandardError) ? Answering::Terminal : Answering::Nobody;
 }
 
 /// Switches the trace on for `--verbose`; the boxes that are settings get their former state back.
@@ -109,7 +89,7 @@ class Program {
         shell_("corvane", options.home.empty() ? "" : folder_),
         port_(loop_, loop_),
         output_(OutputSettings(options, loop_)),
-        dialogs_(output_, loop_, STDIN_FILENO, WhoAnswers(options)),
+        dialogs_(output_, loop_, kStandardInput, WhoAnswers(options)),
         internet_(loop_),
         zip_(loop_),
         app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder_),
@@ -188,7 +168,7 @@ int RunProgram(const Options& options) {
     const std::string folder = ChooseApplicationFolder(options.home, PosixShell("corvane"));
     return Program(options, folder).Run();
   } catch (const RunTimeError& error) {
-    WriteOut(STDERR_FILENO, std::string("corvanectl: ") + error.what() + "\n", true);
+    WriteOut(kStandardError, std::string("corvanectl: ") + error.what() + "\n", true);
     return kNotStarted;
   }
 }

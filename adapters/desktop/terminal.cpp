@@ -1,0 +1,43 @@
+#include "desktop/terminal.h"
+
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+
+namespace corvane {
+
+bool IsTerminal(int descriptor) {
+  return isatty(descriptor) != 0;
+}
+
+int TerminalColumns() {
+  constexpr int kUsual = 80;
+  winsize size{};
+  return ioctl(kStandardOutput, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+void WriteOut(int descriptor, std::string_view text, bool patient) {
+  while (!text.empty()) {
+    pollfd out{descriptor, POLLOUT, 0};
+    if (!patient && poll(&out, 1, 0) != 1) return;
+    const ssize_t written = write(descriptor, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+bool ReadArrived(int descriptor, std::string& text) {
+  std::array<char, 1024> block;
+  const ssize_t length = read(descriptor, block.data(), block.size());
+  if (length < 0 && (errno == EINTR || errno == EAGAIN)) return true;
+  if (length <= 0) return false;
+  text.append(block.data(), static_cast<std::size_t>(length));
+  return true;
+}
+
+}  // namespace corvane

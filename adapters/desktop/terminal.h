@@ -1,0 +1,22 @@
+// The standard streams of a console program.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+inline constexpr int kStandardInput = 0;
+inline constexpr int kStandardOutput = 1;
+inline constexpr int kStandardError = 2;
+
+/// True when a person sees or types what goes through `descriptor`.
+[[nodiscard]] bool IsTerminal(int descriptor);
+/// Columns of the terminal at the standard output; 80 when it does not say.
+[[nodiscard]] int TerminalColumns();
+/// Writes all of `text`; when `patient`, waits for a slow reader, else what the reader does not take at once is lost.
+void WriteOut(int descriptor, std::string_view text, bool patient);
+/// Appends what has arrived to `text`, waiting where nothing has; false at the end of the input.
+[[nodiscard]] bool ReadArrived(int descriptor, std::string& text);
+
+}  // namespace corvane
