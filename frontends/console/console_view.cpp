@@ -1,33 +1,12 @@
 #include "console_view.h"
 
-#include <algorithm>
-#include <array>
-
 #include "base/numbers.h"
+#include "trace/trace.h"
 
 namespace corvane::console {
 namespace {
 
 constexpr std::int64_t kProgressInterval = 100;  ///< milliseconds
-
-/// Status lines about steps that say nothing afterwards.
-constexpr std::array<std::string_view, 2> kDetails = {"Get date in: ", "pause "};
-
-/// How the line about the bytes of a transfer ends.
-constexpr std::string_view kRate = " bytes/sec]";
-
-/// `text` with each run of digits as "0" and each run of letters as "a": dates of one pattern have one shape.
-std::string Shape(std::string_view text) {
-  std::string shape;
-  for (const char character : text) {
-    char kind = character;
-    if (character >= '0' && character <= '9') kind = '0';
-    if ((character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z')) kind = 'a';
-    const bool repeated = !shape.empty() && shape.back() == kind && (kind == '0' || kind == 'a');
-    if (!repeated) shape += kind;
-  }
-  return shape;
-}
 
 }  // namespace
 
@@ -42,35 +21,21 @@ void ConsoleView::ControlChanged(const Control& control, Aspect aspect, std::siz
 }
 
 void ConsoleView::OnStatus() {
-  const std::string& text = form_.Lbl_Status.text();
-  if (text.empty()) return;
-  if (IsDetail(text)) {
+  const Label& status = form_.Lbl_Status;
+  if (status.text().empty()) return;
+  if (status.status_kind() == StatusKind::Detail) {
     ShowProgress();
-  } else if (output_.quiet() && IsError(text)) {
-    output_.Error(text);
+  } else if (status.status_kind() == StatusKind::Error && output_.quiet()) {
+    output_.Error(status.text());
   } else {
-    output_.Line(text);
+    output_.Line(status.text());
   }
-}
-
-bool ConsoleView::IsError(std::string_view text) const {
-  return link_.HalvexError || link_.Timeout || text.starts_with(kPortDidNotOpen);
 }
 
 void ConsoleView::OnTrace(std::size_t first_row) {
   for (auto row = static_cast<std::int64_t>(first_row); row < form_.Lst_Debug.count(); ++row) {
-    const std::string& text = form_.Lst_Debug.text(row);
-    if (!text.starts_with("Status: ")) output_.Line("  " + text);
+    if (form_.Lst_Debug.number(row) != kStatusRow) output_.Line("  " + form_.Lst_Debug.text(row));
   }
-}
-
-bool ConsoleView::IsDetail(std::string_view text) const {
-  const auto begins = [text](std::string_view start) { return text.starts_with(start); };
-  return std::any_of(kDetails.begin(), kDetails.end(), begins) || text.ends_with(kRate) || IsReadingDate(text);
-}
-
-bool ConsoleView::IsReadingDate(std::string_view text) const {
-  return link_.State == kDownload && Shape(text) == Shape(form_.Lbl_DateExample.text());
 }
 
 void ConsoleView::ShowProgress() {

@@ -3,27 +3,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <string>
-#include <string_view>
 
 #include "console_output.h"
 #include "form/form.h"
 #include "form/form_view.h"
 #include "platform/event_loop.h"
-#include "state/link_state.h"
 
 namespace corvane::console {
-
-/// How the status line of a port that did not open begins.
-inline constexpr std::string_view kPortDidNotOpen = "The port did not open";
 
 /// Prints what an operator wants to read later: what was begun, answers, results and errors. The rest goes to the
 /// progress line of a terminal only, so that a pipe gets no line for each reading.
 class ConsoleView : public FormView {
  public:
   /// All must outlive the view; `verbose` prints the lines of the on-screen trace too.
-  ConsoleView(const Form& form, const LinkState& link, const EventLoop& loop, ConsoleOutput& output, bool verbose)
-      : form_(form), link_(link), loop_(loop), output_(output), verbose_(verbose) {}
+  ConsoleView(const Form& form, const EventLoop& loop, ConsoleOutput& output, bool verbose)
+      : form_(form), loop_(loop), output_(output), verbose_(verbose) {}
 
   void ControlChanged(const Control& control, Aspect aspect, std::size_t row) override;
   /// A console has nothing to repaint.
@@ -39,12 +33,8 @@ class ConsoleView : public FormView {
   void OnStatus();
   void OnTrace(std::size_t first_row);
   void ShowProgress();
-  [[nodiscard]] bool IsReadingDate(std::string_view text) const;
-  [[nodiscard]] bool IsDetail(std::string_view text) const;
-  [[nodiscard]] bool IsError(std::string_view text) const;
 
   const Form& form_;
-  const LinkState& link_;
   const EventLoop& loop_;
   ConsoleOutput& output_;
   bool verbose_;

@@ -93,7 +93,7 @@ class Program {
         internet_(loop_),
         zip_(loop_),
         app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder_),
-        view_(app_.form(), app_.link(), loop_, output_, options.verbose) {}
+        view_(app_.form(), loop_, output_, options.verbose) {}
 
   int Run() {
     if (OnlyReads(options_.command) ? !LookAtFolder() : !PrepareFolder()) return kNotStarted;

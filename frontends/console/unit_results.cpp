@@ -1,9 +1,9 @@
 #include "unit_results.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/files.h"
-#include "console_view.h"
 #include "text_table.h"
 #include "unit_files.h"
 
@@ -11,8 +11,6 @@ namespace corvane::console {
 namespace {
 
 constexpr const char* kOk = "ok";
-constexpr const char* kConverting = "Convert: ";
-constexpr const char* kFinished = "Finished";
 
 const std::vector<Column>& ColumnsOf(UnitResults::Kind kind) {
   static const std::vector<Column> kDownload = {{"Unit"},      {"Tries", true},  {"Readings", true},
@@ -27,95 +25,77 @@ const std::vector<Column>& ColumnsOf(UnitResults::Kind kind) {
 }  // namespace
 
 void UnitResults::Begin(const std::vector<std::int64_t>& units) {
-  watched_.clear();
-  converting_ = 0;
-  port_failed_ = false;
+  failures_.clear();
   stopped_ = false;
-  for (const std::int64_t unit : units) {
-    Watched watched;
-    if (kind_ != Kind::Command) {
-      watched.readings_before = CountReadings(FileOf(unit, false));
-      watched.calibrated_before = FileMark(FileOf(unit, true));
-    }
-    watched_.emplace(unit, watched);
-  }
+  for (const std::int64_t unit : units) failures_.emplace(unit, "");
 }
 
 void UnitResults::OnChange(const Control& control) {
-  const LinkState& link = app_.link();
   // A transfer that fails ends what follows it; the units have been asked by then.
   const bool transfers = !app_.flows().Results().empty();
-  if (app_.slot().Taken() && !transfers && !link.ContinueOk()) stopped_ = true;
+  if (app_.slot().Taken() && !transfers && !app_.link().ContinueOk()) stopped_ = true;
   const Form& form = app_.form();
-  if (&control != &form.Lbl_Status) return;
-  EndConversionOfFile();
-  const std::string& text = form.Lbl_Status.text();
-  if (text.starts_with(kPortDidNotOpen)) port_failed_ = true;
-  const auto watched = watched_.find(form.Lst_Units.current() + 1);
-  if (watched == watched_.end()) return;
-  if (text.starts_with(kConverting)) {
-    converting_ = watched->first;
-    errors_before_ = app_.flags().error_counter;
-    watched->second.conversion_begun = true;
-  } else if ((link.HalvexError || link.Timeout) && !text.starts_with(kFinished)) {
-    watched->second.failure = text;
-  }
-}
-
-void UnitResults::EndConversionOfFile() {
-  if (converting_ != 0) watched_[converting_].bad_lines = app_.flags().error_counter - errors_before_;
-  converting_ = 0;
+  if (&control != &form.Lbl_Status || form.Lbl_Status.status_kind() != StatusKind::Error) return;
+  const auto failure = failures_.find(form.Lst_Units.current() + 1);
+  if (failure != failures_.end()) failure->second = form.Lbl_Status.text();
 }
 
 void UnitResults::End() {
-  EndConversionOfFile();
   std::int64_t last_tried = 0;
-  for (const auto& [unit, watched] : watched_) {
+  for (const auto& [unit, failure] : failures_) {
     if (app_.registry().Units[unit].Tries > 0) last_tried = unit;
   }
-  for (const auto& [unit, watched] : watched_) AddRow(unit, watched, unit == last_tried);
+  for (const auto& [unit, failure] : failures_) {
+    const std::string result = ResultText(unit, last_tried);
+    if (result != kOk) ++problems_;
+    rows_.push_back(RowOf(unit, result));
+  }
 }
 
 std::string UnitResults::FileOf(std::int64_t unit, bool calibrated) const {
   return app_.names().DataFileName(static_cast<std::int32_t>(unit), calibrated);
 }
 
-std::string UnitResults::LinkResult(std::int64_t unit, const Watched& watched, bool was_last) const {
+std::string UnitResults::LinkResult(std::int64_t unit, std::int64_t last_tried) const {
   const Unit& record = app_.registry().Units[unit];
-  const bool ended_by_stop = was_last && stopped_;
-  if (record.Tries == 0) return port_failed_ ? "not asked: the port did not open" : "not asked";
+  const bool ended_by_stop = unit == last_tried && stopped_;
+  if (record.Tries == 0) return app_.link().PortFailed ? "not asked: the port did not open" : "not asked";
   if (!record.Problem && !ended_by_stop) return kOk;
-  if (!watched.failure.empty()) return watched.failure;
+  if (const std::string& failure = failures_.at(unit); !failure.empty()) return failure;
   return ended_by_stop ? "cancelled" : "problem, see corvane.log";
 }
 
-std::string UnitResults::ConversionResult(std::int64_t unit, const Watched& watched) const {
-  if (!ExamineFile(FileOf(unit, false))) return "no raw file";
-  if (FileMark(FileOf(unit, true)) == watched.calibrated_before) return "not converted";
-  return watched.bad_lines > 0 ? std::to_string(watched.bad_lines) + " bad lines" : kOk;
+std::optional<ConversionResult> UnitResults::ConversionOf(std::int64_t unit) const {
+  const auto& results = app_.conversion().Results();
+  const auto found = std::find_if(results.rbegin(), results.rend(),
+                                  [unit](const ConversionResult& each) { return each.unit == unit; });
+  return found == results.rend() ? std::nullopt : std::optional(*found);
 }
 
-void UnitResults::AddRow(std::int64_t unit, const Watched& watched, bool was_last) {
+std::string UnitResults::ConversionText(std::int64_t unit) const {
+  if (!ExamineFile(FileOf(unit, false))) return "no raw file";
+  const auto conversion = ConversionOf(unit);
+  if (!conversion || !conversion->readings) return "not converted";
+  return conversion->bad_lines > 0 ? std::to_string(conversion->bad_lines) + " bad lines" : kOk;
+}
+
+std::string UnitResults::ResultText(std::int64_t unit, std::int64_t last_tried) const {
+  if (kind_ == Kind::Convert) return ConversionText(unit);
+  const std::string asked = LinkResult(unit, last_tried);
+  if (kind_ == Kind::Command || asked != kOk) return asked;
+  const std::string conversion = ConversionText(unit);
+  return conversion == kOk ? asked : asked + ", but " + conversion;
+}
+
+std::vector<std::string> UnitResults::RowOf(std::int64_t unit, const std::string& result) const {
   const Unit& record = app_.registry().Units[unit];
-  std::string result = kind_ == Kind::Convert ? kOk : LinkResult(unit, watched, was_last);
-  if (kind_ == Kind::Convert || (kind_ == Kind::Download && result == kOk)) {
-    const std::string conversion = ConversionResult(unit, watched);
-    if (conversion != kOk) result = kind_ == Kind::Convert ? conversion : result + ", but " + conversion;
-  }
-  if (result != kOk) ++problems_;
-  if (kind_ == Kind::Command) {
-    rows_.push_back({record.Name, std::to_string(record.Tries), result});
-    return;
-  }
-  const auto readings = CountReadings(FileOf(unit, false));
-  const std::string count = readings ? std::to_string(*readings) : "";
+  const std::string tries = std::to_string(record.Tries);
+  if (kind_ == Kind::Command) return {record.Name, tries, result};
+  const auto conversion = ConversionOf(unit).value_or(ConversionResult());
+  const std::string readings = conversion.readings ? std::to_string(*conversion.readings) : "";
   const std::string last = LastReading(FileOf(unit, false));
-  if (kind_ == Kind::Convert) {
-    rows_.push_back({record.Name, count, std::to_string(watched.bad_lines), last, FileOf(unit, true), result});
-    return;
-  }
-  const std::int64_t added = readings.value_or(0) - watched.readings_before.value_or(0);
-  rows_.push_back({record.Name, std::to_string(record.Tries), count, std::to_string(added), last, result});
+  if (kind_ == Kind::Download) return {record.Name, tries, readings, std::to_string(record.Stored), last, result};
+  return {record.Name, readings, std::to_string(conversion.bad_lines), last, FileOf(unit, true), result};
 }
 
 void UnitResults::AddLeftOut(const std::string& name, const std::string& reason) {

@@ -12,6 +12,8 @@
 namespace corvane::console {
 
 /// What became of each unit in the operations of one command.
+///
+/// The numbers are those that the sessions and the conversion have counted: no raw file is read for them.
 class UnitResults {
  public:
   enum class Kind { Download, Convert, Command };
@@ -19,7 +21,7 @@ class UnitResults {
   /// `app` must outlive this object.
   UnitResults(Application& app, Kind kind) : app_(app), kind_(kind) {}
 
-  /// An operation over these units (positions from 1) begins; reads what their files hold now.
+  /// An operation over these units (positions from 1) begins.
   void Begin(const std::vector<std::int64_t>& units);
   /// To be called for every change of a control while the operation runs.
   void OnChange(const Control& control);
@@ -34,28 +36,19 @@ class UnitResults {
   [[nodiscard]] std::string Table() const;
 
  private:
-  /// One unit of the running operation.
-  struct Watched {
-    std::optional<std::int64_t> readings_before;
-    std::uint64_t calibrated_before = 0;
-    std::int64_t bad_lines = 0;
-    bool conversion_begun = false;
-    std::string failure;  ///< the last status line that told an error
-  };
-
-  void EndConversionOfFile();
-  [[nodiscard]] std::string LinkResult(std::int64_t unit, const Watched& watched, bool was_last) const;
-  [[nodiscard]] std::string ConversionResult(std::int64_t unit, const Watched& watched) const;
-  void AddRow(std::int64_t unit, const Watched& watched, bool was_last);
+  /// How the exchange with a unit ended; `last_tried` is the unit that a time-out or a cancel has hit.
+  [[nodiscard]] std::string LinkResult(std::int64_t unit, std::int64_t last_tried) const;
+  /// None for a unit whose raw file was not come to.
+  [[nodiscard]] std::optional<ConversionResult> ConversionOf(std::int64_t unit) const;
+  [[nodiscard]] std::string ConversionText(std::int64_t unit) const;
+  [[nodiscard]] std::string ResultText(std::int64_t unit, std::int64_t last_tried) const;
+  [[nodiscard]] std::vector<std::string> RowOf(std::int64_t unit, const std::string& result) const;
   [[nodiscard]] std::string FileOf(std::int64_t unit, bool calibrated) const;
 
   Application& app_;
   Kind kind_;
-  std::map<std::int64_t, Watched> watched_;
-  std::int64_t converting_ = 0;  ///< the unit whose file is being converted, 0 none
-  std::int64_t errors_before_ = 0;
-  bool port_failed_ = false;
-  bool stopped_ = false;  ///< a time-out or a cancel ended the session
+  std::map<std::int64_t, std::string> failures_;  ///< the last error told of each unit of the operation
+  bool stopped_ = false;                          ///< a time-out or a cancel ended the session
   std::vector<std::vector<std::string>> rows_;
   int problems_ = 0;
 };
