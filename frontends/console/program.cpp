@@ -107,7 +107,7 @@ class Program {
     }
     app_.form().SetView(&view_);
     app_.life().OnWindowCreate();
-    const int status = RunCommand();
+    const int status = RunOnDesk();
     if (!OnlyReads(options_.command) && status != kUsage) app_.life().OnWindowClose();
     app_.form().SetView(nullptr);
     return signal_ != 0 && options_.command != CommandId::Run ? kSignalBase + signal_ : status;
@@ -137,10 +137,11 @@ class Program {
     return false;
   }
 
-  int RunCommand() {
+  int RunOnDesk() {
     const VerboseTrace trace(app_.form(), options_.verbose);
     try {
-      return ConsoleCommands(app_, loop_, view_, dialogs_, output_).Run(options_);
+      Desk desk{app_, loop_, view_, dialogs_, output_};
+      return RunCommand(desk, options_);
     } catch (const UsageError& error) {
       output_.Error(std::string("corvanectl: ") + error.what());
       return kUsage;

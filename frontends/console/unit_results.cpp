@@ -5,7 +5,7 @@
 
 #include "base/files.h"
 #include "text_table.h"
-#include "unit_files.h"
+#include "units.h"
 
 namespace corvane::console {
 namespace {

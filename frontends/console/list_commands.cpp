@@ -1,0 +1,51 @@
+#include "list_commands.h"
+
+#include "text_table.h"
+#include "units.h"
+
+namespace corvane::console {
+namespace {
+
+std::string SourceName(const Selector& sources, std::int32_t get_from) {
+  for (std::int64_t row = 0; row < sources.count(); ++row) {
+    if (sources.number(row) == get_from) return sources.text(row);
+  }
+  return std::to_string(get_from);
+}
+
+std::vector<std::string> RowOf(Desk& desk, std::int32_t position) {
+  const Registry& registry = desk.app.registry();
+  const Unit& unit = registry.Units[position];
+  const Relay* const relay = registry.FindRelay(unit.RelayID);
+  const Client* const client = registry.FindClient(unit.ClientID);
+  const std::string raw_file = desk.app.names().DataFileName(position, false);
+  return {std::to_string(position),
+          unit.Name,
+          std::to_string(unit.ID),
+          unit.Active != 0 ? "yes" : "no",
+          relay != nullptr ? relay->Name : std::to_string(unit.RelayID),
+          client != nullptr ? client->Name : "",
+          SourceName(desk.app.form().Cmb_GetFrom, unit.GetFrom),
+          raw_file,
+          LastReading(raw_file)};
+}
+
+}  // namespace
+
+int ListUnits(Desk& desk, const Options& /*options*/) {
+  std::vector<std::vector<std::string>> rows;
+  for (std::int32_t i = 1; i <= desk.app.registry().Units.count(); ++i) rows.push_back(RowOf(desk, i));
+  desk.output.Result(FormatTable({{"No", true},
+                                  {"Name"},
+                                  {"ID", true},
+                                  {"Active"},
+                                  {"Relay"},
+                                  {"Client"},
+                                  {"Get from"},
+                                  {"Raw file"},
+                                  {"Last reading"}},
+                                 rows));
+  return kAllWell;
+}
+
+}  // namespace corvane::console

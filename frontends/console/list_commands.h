@@ -1,0 +1,11 @@
+#pragma once
+
+#include "desk.h"
+#include "options.h"
+
+namespace corvane::console {
+
+/// `units`: lists the units, their raw files and last readings.
+[[nodiscard]] int ListUnits(Desk& desk, const Options& options);
+
+}  // namespace corvane::console
