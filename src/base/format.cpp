@@ -36,9 +36,14 @@ void AppendSmall(std::string& out, int number, int width) {
   }
 }
 
+/// Apart from the years of readings, which need no guarded stack.
+[[gnu::noinline]] void AppendOddYear(std::string& out, std::int64_t year, int width) {
+  out += ZeroPadded(width > 2 ? year : std::abs(year % 100), 2);
+}
+
 void AppendYear(std::string& out, std::int64_t year, int width) {
   if (year < 0 || year > 9999) {
-    out += ZeroPadded(width > 2 ? year : std::abs(year % 100), 2);
+    AppendOddYear(out, year, width);
     return;
   }
   const auto number = static_cast<std::uint32_t>(year);

@@ -38,6 +38,12 @@ double NumberAtStart(std::string_view text, const char*& end) {
   return result.ec == std::errc() ? number : 0;
 }
 
+/// Apart from whole numbers, which are the most and need no guarded stack.
+[[gnu::noinline]] double LeadingFraction(std::string_view text) {
+  const char* end = nullptr;
+  return NumberAtStart(text, end);
+}
+
 /// Appends `rounded`, the size of `number` scaled by `decimals` places, with its sign and point.
 template <class Unsigned>
 void AppendRounded(std::string& out, double number, Unsigned rounded, int decimals) {
@@ -100,8 +106,7 @@ double LeadingNumber(std::string_view text) {
   if (at > start && (at == text.size() || (!IsDigit(text[at]) && text[at] != '.' && (text[at] | 0x20) != 'e'))) {
     return static_cast<double>(whole);
   }
-  const char* end = nullptr;
-  return NumberAtStart(text.substr(start), end);
+  return LeadingFraction(text.substr(start));
 }
 
 std::optional<double> ParseNumber(std::string_view text) {

@@ -35,7 +35,8 @@ bool CLookup::Initialise(std::string_view as_File) {
   return Count() > 0;
 }
 
-bool CLookup::Load() {
+// Apart from `Lookup`, which runs for every value and needs no guarded stack.
+[[gnu::noinline]] bool CLookup::Load() {
   if (loaded_) return true;
   try {
     ReadPoints();
@@ -85,7 +86,7 @@ void CLookup::ComputeSegments() {
 }
 
 double CLookup::Lookup(double ad_X) {
-  if (failed_ || !Load() || Count() == 0) return 0;
+  if (failed_ || (!loaded_ && !Load()) || Count() == 0) return 0;
   if (ad_X < points_[position_].X) {
     while (position_ > 0 && ad_X < points_[position_].X) --position_;
   } else {
