@@ -87,7 +87,10 @@ class FakeInternet : public InternetClient {
   bool FtpDeleteFile(InternetHandle, const std::string& file) override {
     return Note("dele " + file) && Require(files.erase(Full(file)) == 1);
   }
-  void InternetCloseHandle(InternetHandle handle) override { calls.push_back("close " + std::to_string(handle)); }
+  void InternetCloseHandle(InternetHandle handle) override {
+    calls.push_back("close " + std::to_string(handle));
+    if (on_call) on_call(calls.back());
+  }
   [[nodiscard]] int GetLastError() const override { return error_; }
   [[nodiscard]] std::string InternetGetLastResponseInfo() const override { return reply; }
   void Cancel() override { cancelled = true; }

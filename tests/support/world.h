@@ -16,13 +16,16 @@
 
 namespace corvane::test {
 
-/// The framing of a line, computed here so that the program's own is not tested with itself.
-inline std::string Framed(const std::string& items) {
+/// "$" + items + "*" + checksum, computed here so that the program's own is not tested with itself.
+inline std::string Frame(const std::string& items) {
   unsigned sum = 0;
   for (const char c : items) sum ^= static_cast<unsigned char>(c);
   char digits[3];
   std::snprintf(digits, sizeof digits, "%02X", sum & 0xFFU);
-  return "$" + items + "*" + digits + "\r\n";
+  return "$" + items + "*" + digits;
+}
+inline std::string Framed(const std::string& items) {
+  return Frame(items) + "\r\n";
 }
 
 /// The whole application on a fake machine, in a temporary application folder.
@@ -39,7 +42,7 @@ class World {
 
   /// Creates the application and runs the window-creation steps.
   Application& Start(const std::string& switches = "") {
-    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip}, home.path());
+    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip, help}, home.path());
     app_->life().OnWindowCreate(switches);
     return *app_;
   }
@@ -48,6 +51,8 @@ class World {
   [[nodiscard]] std::string Log() const { return home.Read("corvane.log"); }
   [[nodiscard]] bool Logged(const std::string& text) const { return Log().find(text) != std::string::npos; }
 
+  /// Answers a line sent as it does without a script.
+  void AnswerAsUsual(const std::string& line) { Answer(line); }
   /// Sends the lines of one answer as one event.
   void Reply(const std::string& text) { port.Receive(text); }
 
@@ -58,6 +63,7 @@ class World {
   FakeShell shell;
   FakeInternet internet;
   FakeZip zip;
+  HelpFiles help;
   /// Answers for the next commands to a unit ID, before the normal one ("" is silence).
   std::map<int, std::vector<std::string>> next_answers;
   std::vector<std::string> readings = {"2010/3/12 8:00,12500,29310,1,1500,900,29300",

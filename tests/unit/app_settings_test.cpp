@@ -1,37 +1,14 @@
-#include "app/settings.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <memory>
 
-#include "app/run_at_startup.h"
-#include "registry_world.h"
-#include "support/temp_folder.h"
+#include "support/world.h"
 
-namespace corvane {
+namespace corvane::test {
 namespace {
 
 namespace fs = std::filesystem;
-using test::RegistryWorld;
-using test::TempFolder;
-
-/// One run of the program on the settings file of a folder.
-struct Program : RegistryWorld {
-  explicit Program(const std::string& folder) : app(folder) {
-    for (Selector& selector : form.Cmb_Port) {
-      for (int number = 1; number <= 50; ++number) selector.Add("COM" + std::to_string(number), number);
-    }
-    for (const char* period : {"00:15", "00:30", "01:00", "02:00", "03:00"}) form.Cmb_LogPeriod.Add(period);
-    store.SetFile(app.AppPath("corvane.ini"));
-  }
-
-  AppInfo app;
-  PortDevices ports;
-  SettingsStore store{messages, trace};
-  Settings settings{{form, registry, app, ports, store, editors, messages, trace}};
-};
 
 std::string Replaced(std::string text, const std::string& what, const std::string& with) {
   for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
@@ -43,61 +20,63 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
 class SettingsTest : public testing::Test {
  protected:
   /// Starts the program on a file of these contents.
-  std::unique_ptr<Program> Load(const std::string& contents) {
-    folder_.Write("corvane.ini", contents);
+  Application& Load(const std::string& contents) {
+    home.Write("corvane.ini", contents);
     return Start();
   }
-  std::unique_ptr<Program> Start() {
-    auto run = std::make_unique<Program>(folder_.path());
-    run->settings.LoadSettings();
-    return run;
+  Application& Start() {
+    world.dialogs.boxes.clear();
+    return world.Start();
+  }
+  /// Ends the program and gives what it saved.
+  std::string Saved() {
+    world.app().life().OnWindowClose();
+    return home.Read("corvane.ini");
   }
   /// A file of tests/data, in which "@" stands for the application folder.
   std::string Stored(const std::string& name) {
     std::ifstream file(std::string(TEST_DATA_DIR) + "/" + name, std::ios::binary);
-    return Replaced({std::istreambuf_iterator<char>(file), {}}, "@", folder_.path());
+    return Replaced({std::istreambuf_iterator<char>(file), {}}, "@", home.path());
   }
 
-  TempFolder folder_;
-  std::string file_ = folder_.Name("corvane.ini");
+  World world;
+  TempFolder& home = world.home;
+  RecordingDialogs& dialogs = world.dialogs;
 };
 
 TEST_F(SettingsTest, FirstCloseWritesACompleteFileForItsOwner) {
-  const auto run = Start();
-  EXPECT_FALSE(run->form.Frame_OstrelWebData.visible());
-  EXPECT_FALSE(run->form.Suppress.set());
-  EXPECT_TRUE(run->settings.SaveSettings());
-  EXPECT_EQ(folder_.Read("corvane.ini"), Stored("fresh_settings.ini"));
-  EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0600));
-  EXPECT_TRUE(run->dialogs.boxes.empty());
+  Start();
+  EXPECT_FALSE(world.form().Frame_OstrelWebData.visible());
+  EXPECT_FALSE(world.form().Suppress.set());
+  EXPECT_EQ(Saved(), Stored("fresh_settings.ini"));
+  EXPECT_EQ(fs::status(home.Name("corvane.ini")).permissions(), fs::perms(0600));
+  EXPECT_TRUE(dialogs.boxes.empty());
 }
 
 TEST_F(SettingsTest, AFileComesBackAsItWas) {
   const std::string contents = Replaced(Stored("used_settings.ini"), "\n", "\r\n");
-  const auto run = Load(contents);
-  run->relays.FillRelaySelector();
-  EXPECT_EQ(run->form.Txt_Folder.text(), "données");
-  EXPECT_EQ(run->form.Txt_FTPFolder.text(), "") << "null is empty";
-  EXPECT_EQ(run->form.Cmb_LogPeriod.shown_text(), "04:17");
-  EXPECT_EQ(run->form.Cmb_Port[1].SelectedItemData(), 36);
-  EXPECT_EQ(run->ports.DeviceOf(5), "/dev/serial/by-id/usb-A");
-  EXPECT_FALSE(run->form.Lst_Units.checked(0));
-  EXPECT_TRUE(run->form.Lst_Units.checked(1));
-  EXPECT_TRUE(run->settings.SaveSettings());
-  EXPECT_EQ(folder_.Read("corvane.ini"), contents);
+  Load(contents);
+  EXPECT_EQ(world.form().Txt_Folder.text(), "données");
+  EXPECT_EQ(world.form().Txt_FTPFolder.text(), "") << "null is empty";
+  EXPECT_EQ(world.form().Cmb_LogPeriod.shown_text(), "04:17");
+  EXPECT_EQ(world.form().Cmb_Port[1].SelectedItemData(), 36);
+  EXPECT_EQ(world.app().devices().DeviceOf(5), "/dev/serial/by-id/usb-A");
+  EXPECT_FALSE(world.form().Lst_Units.checked(0));
+  EXPECT_TRUE(world.form().Lst_Units.checked(1));
+  EXPECT_EQ(Saved(), contents);
 }
 
 TEST_F(SettingsTest, WhatTheEditorsShowIsSaved) {
-  auto run = Start();
-  run->units.Select(2);
-  run->form.Txt_UnitID.SetText("77");
-  run->clients.Select(1);
-  run->form.Txt_ClientFolder.SetText("");
-  EXPECT_TRUE(run->settings.SaveSettings());
-  run = Start();
-  EXPECT_EQ(run->registry.Units[2].ID, 77);
-  EXPECT_EQ(run->registry.Clients[1].Folder, "");
-  EXPECT_EQ(run->app.PreviousVersion(), AppInfo::VersionText());
+  Start();
+  world.app().units().Select(2);
+  world.form().Txt_UnitID.SetText("77");
+  world.form().Lst_Clients.SetCurrent(0);
+  world.form().Txt_ClientFolder.SetText("");
+  Saved();
+  Start();
+  EXPECT_EQ(world.app().registry().Units[2].ID, 77);
+  EXPECT_EQ(world.app().registry().Clients[1].Folder, "");
+  EXPECT_EQ(world.app().app().PreviousVersion(), AppInfo::VersionText());
 }
 
 std::string Times(int count, const std::string& text) {
@@ -141,13 +120,13 @@ const InputCase kInputs[] = {
 TEST_F(SettingsTest, InputIsTakenOrReported) {
   for (const InputCase& row : kInputs) {
     SCOPED_TRACE(row.contents);
-    const auto run = Load(row.contents);
-    EXPECT_EQ(run->ports.DeviceOf(1), "/dev/ttyS0");
-    const auto texts = run->dialogs.Texts();
-    ASSERT_EQ(texts.size(), row.reported.empty() ? 0U : 1U);
-    for (const std::string& text : texts) EXPECT_NE(text.find(row.reported), std::string::npos) << text;
-    EXPECT_TRUE(run->settings.SaveSettings());
-    const std::string saved = folder_.Read("corvane.ini");
+    Load(row.contents);
+    EXPECT_EQ(world.app().devices().DeviceOf(1), "/dev/ttyS0");
+    const auto texts = dialogs.Texts();
+    ASSERT_EQ(texts.empty(), row.reported.empty());
+    const std::string first = texts.empty() ? "" : texts[0];
+    EXPECT_NE(first.find(row.reported), std::string::npos) << first;
+    const std::string saved = Saved();
     EXPECT_NE(saved.find("\n" + row.saved), std::string::npos) << saved;
   }
 }
@@ -169,14 +148,13 @@ TEST_F(SettingsTest, OnlyChangedPortsAreWritten) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.ports);
-    auto run = Load("[Ports]\n" + row.ports + "[Mine]\n");
-    run->ports.Assign(row.number, row.device);
-    EXPECT_TRUE(run->settings.SaveSettings());
-    EXPECT_NE(folder_.Read("corvane.ini").find("[Ports]\n" + row.saved + "[Mine]\n"), std::string::npos)
-        << folder_.Read("corvane.ini");
-    run = Start();
+    Load("[Ports]\n" + row.ports + "[Mine]\n");
+    EXPECT_EQ(world.app().ports().Assign(row.number, row.device).ok(), row.number > 0);
+    const std::string saved = Saved();
+    EXPECT_NE(saved.find("[Ports]\n" + row.saved + "[Mine]\n"), std::string::npos) << saved;
+    Start();
     if (row.number > 0) {
-      EXPECT_EQ(run->ports.AssignedTo(row.number), row.device);
+      EXPECT_EQ(world.app().devices().AssignedTo(row.number), row.device);
     }
   }
 }
@@ -184,53 +162,38 @@ TEST_F(SettingsTest, OnlyChangedPortsAreWritten) {
 TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
   std::string contents = "[Units]\nNumUnits=1000\n";
   for (int index = 1; index <= 1000; ++index) contents += "ID" + std::to_string(index) + "=x\n";
-  folder_.Write("corvane.ini", contents);
-  Program run(folder_.path());
-  run.dialogs.answer_plain_boxes = false;
-  run.settings.LoadSettings();
-  ASSERT_EQ(run.dialogs.boxes.size(), 1U);
-  EXPECT_NE(run.dialogs.boxes[0].text.find("and 995 more"), std::string::npos);
-  EXPECT_EQ(run.dialogs.open_boxes, 0);
-  EXPECT_EQ(run.registry.Units[1000].ID, 1000);
+  home.Write("corvane.ini", contents);
+  dialogs.answer_plain_boxes = false;
+  Start();
+  ASSERT_EQ(dialogs.boxes.size(), 1U);
+  EXPECT_NE(dialogs.boxes[0].text.find("and 995 more"), std::string::npos);
+  EXPECT_EQ(dialogs.open_boxes, 0);
+  EXPECT_EQ(world.app().registry().Units[1000].ID, 1000);
 }
 
 TEST_F(SettingsTest, WhatIsNoSettingsFileIsCopiedBeforeItIsReplaced) {
   const std::string damaged = std::string("[General]\nFTPServer=a\n") + std::string(100, '\0');
-  folder_.Write("corvane.ini.bad", "older");
-  auto run = Load(damaged);
-  EXPECT_EQ(folder_.Read("corvane.ini.bad"), damaged);
-  EXPECT_EQ(fs::status(file_ + ".bad").permissions() & fs::perms::group_read, fs::perms::none);
-  EXPECT_EQ(run->form.Txt_FTPServer.text(), "a");
-  ASSERT_EQ(run->dialogs.boxes.size(), 1U);
-  EXPECT_NE(run->dialogs.boxes[0].text.find("corvane.ini.bad"), std::string::npos);
-  EXPECT_TRUE(run->settings.SaveSettings());
-  fs::resize_file(file_, ProfileFile::kLargestFile + 1);
-  EXPECT_EQ(Start()->dialogs.boxes.size(), 1U);
-  EXPECT_EQ(fs::file_size(file_ + ".bad"), static_cast<std::uintmax_t>(ProfileFile::kLargestFile + 1));
+  home.Write("corvane.ini.bad", "older");
+  Load(damaged);
+  EXPECT_EQ(home.Read("corvane.ini.bad"), damaged);
+  EXPECT_EQ(fs::status(home.Name("corvane.ini") + ".bad").permissions() & fs::perms::group_read, fs::perms::none);
+  EXPECT_EQ(world.form().Txt_FTPServer.text(), "a");
+  ASSERT_EQ(dialogs.boxes.size(), 1U);
+  EXPECT_NE(dialogs.boxes[0].text.find("corvane.ini.bad"), std::string::npos);
+  Saved();
+  fs::resize_file(home.Name("corvane.ini"), ProfileFile::kLargestFile + 1);
+  EXPECT_EQ((Start(), dialogs.boxes.size()), 1U);
+  EXPECT_EQ(fs::file_size(home.Name("corvane.ini") + ".bad"),
+            static_cast<std::uintmax_t>(ProfileFile::kLargestFile + 1));
 }
 
 TEST_F(SettingsTest, WhatCouldNotBeCopiedIsNotOverwritten) {
-  fs::create_directory(file_ + ".bad");
-  const auto run = Load(std::string(10, '\0'));
-  EXPECT_FALSE(run->settings.SaveSettings());
-  EXPECT_EQ(run->dialogs.Texts().back(), "Cannot save INI file");
-  EXPECT_EQ(folder_.Read("corvane.ini"), std::string(10, '\0'));
-}
-
-TEST(RunAtStartup, WritesAndRemovesTheEntry) {
-  RegistryWorld world;
-  RunAtStartup startup(world.shell, world.messages, world.trace);
-  startup.SetRunAtStartup(true, "/M");
-  EXPECT_EQ(world.shell.log_on_entry, " /M");
-  EXPECT_TRUE(startup.IsRunAtStartup());
-  startup.SetRunAtStartup(true, " /M /D");
-  EXPECT_EQ(world.shell.log_on_entry, " /M /D");
-  startup.SetRunAtStartup(false, "/M");
-  EXPECT_FALSE(startup.IsRunAtStartup());
-  world.shell.write_result = Status(13, "Permission denied");
-  startup.SetRunAtStartup(true, "/M");
-  EXPECT_EQ(world.dialogs.Texts(), std::vector<std::string>{"Save setting result>0"});
+  fs::create_directory(home.Name("corvane.ini") + ".bad");
+  Load(std::string(10, '\0'));
+  Saved();
+  EXPECT_EQ(dialogs.Texts().back(), "Cannot save INI file");
+  EXPECT_EQ(home.Read("corvane.ini"), std::string(10, '\0'));
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::test

@@ -4,9 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "base/status.h"
 #include "console/options.h"
-#include "state/home_folder.h"
 
 namespace corvane::console {
 namespace {
@@ -52,19 +50,6 @@ TEST(ConsoleOptions, RefusesWrongUsage) {
       EXPECT_NE(std::string(error.what()).find(says), std::string::npos) << error.what();
     }
   }
-}
-
-TEST(HomeFolder, IsTheFirstThatIsNamed) {
-  const std::pair<HomeChoice, const char*> rows[] = {
-      {{"/a", "/b", "/c", "/d", "/now", "/p", true}, "/a"},
-      {{"a:b", "", "", "/d", "/now", "/p", false}, "/now/a:b"},
-      {{"", "b", "/c", "/d", "/now", "/p", true}, "/now/b"},
-      {{"", "", "/c", "/d", "/now", "/p", true}, "/p"},
-      {{"", "", "/c", "/d", "/now", "/p", false}, "/c/corvane"},
-      {{"", "", "c", "/d", "/now", "/p", false}, "/d/.local/share/corvane"},
-  };
-  for (const auto& [choice, folder] : rows) EXPECT_EQ(ApplicationFolder(choice), folder);
-  EXPECT_THROW(static_cast<void>(ApplicationFolder({"", "", "", "", "/now", "/p", false})), RunTimeError);
 }
 
 }  // namespace

@@ -3,7 +3,8 @@
 #include <utility>
 #include <vector>
 
-#include "unit/data_world.h"
+#include "data/lookup.h"
+#include "support/lower.h"
 
 namespace corvane::test {
 namespace {
@@ -27,9 +28,10 @@ const GoodTable kGoodTables[] = {
 TEST(Lookup, GivesTheValuesOfAGoodTable) {
   for (const GoodTable& table : kGoodTables) {
     SCOPED_TRACE(table.contents);
-    DataWorld world;
-    EXPECT_TRUE(world.lookups.Moisture.Initialise(world.Write("a.lkp", table.contents)));
-    for (const auto& [x, y] : table.values) EXPECT_NEAR(world.lookups.Moisture.Lookup(x), y, 1e-12) << x;
+    Lower world;
+    CLookup lookup(world.messages);
+    EXPECT_TRUE(lookup.Initialise(world.home.Write("a.lkp", table.contents)));
+    for (const auto& [x, y] : table.values) EXPECT_NEAR(lookup.Lookup(x), y, 1e-12) << x;
     EXPECT_TRUE(world.dialogs.boxes.empty());
   }
 }
@@ -43,16 +45,16 @@ TEST(Lookup, ReportsABadTableOnceAndAnswersZero) {
   };
   for (const auto& [contents, part] : rows) {
     SCOPED_TRACE(contents);
-    DataWorld world;
-    if (contents != "missing"s) world.Write("a.lkp", contents);
-    CLookup& lookup = world.lookups.Moisture;
-    EXPECT_FALSE(lookup.Initialise(world.Name("a.lkp")));
+    Lower world;
+    if (contents != "missing"s) world.home.Write("a.lkp", contents);
+    CLookup lookup(world.messages);
+    EXPECT_FALSE(lookup.Initialise(world.home.Name("a.lkp")));
     EXPECT_EQ(lookup.Lookup(1), 0);
     EXPECT_EQ(lookup.Lookup(2), 0);
     ASSERT_EQ(world.dialogs.boxes.size(), 1U);
     EXPECT_NE(world.dialogs.boxes[0].text.find(part), std::string::npos) << world.dialogs.boxes[0].text;
     EXPECT_EQ(world.dialogs.boxes[0].count_down, "10");
-    EXPECT_TRUE(lookup.Initialise(world.Write("good.lkp", "0,1\n")));
+    EXPECT_TRUE(lookup.Initialise(world.home.Write("good.lkp", "0,1\n")));
     EXPECT_EQ(lookup.Lookup(5), 1);
   }
 }

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/status.h"
-#include "unit/link_world.h"
+#include "support/world.h"
 
 namespace corvane::test {
 namespace {

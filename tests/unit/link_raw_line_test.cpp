@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "unit/link_world.h"
+#include "support/world.h"
 
 namespace corvane::test {
 namespace {
