@@ -115,6 +115,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string& value) { options.interval = value; }},
     {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
      [](Options& options, const std::string&) { options.yes = true; }},
+    {"--go-on", "", "go on past units and files that fail, in this run", kEverywhere,
+     [](Options& options, const std::string&) { options.go_on = true; }},
     {"--quiet", "", "print problems only", kEverywhere,
      [](Options& options, const std::string&) { options.quiet = true; }},
     {"--verbose", "", "print the trace too", kEverywhere,

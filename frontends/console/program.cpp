@@ -138,6 +138,7 @@ class Program {
   }
 
   int RunOnDesk() {
+    app_.flags().go_on_once = options_.go_on;
     const VerboseTrace trace(app_.form(), options_.verbose);
     try {
       Desk desk{app_, loop_, view_, dialogs_, output_};

@@ -142,6 +142,7 @@ std::vector<Settings::Setting> Settings::OtherSettings(Form& av_Form, const AppI
       {"PHPWebServer", &av_Form.Chk_PHPWebServer, "", Meaning::SavedOnly},
       {"Backup", &av_Form.Chk_Backup, "0"},
       {"BackupDestination", &av_Form.Lbl_BackupDestination, "", Meaning::Path},
+      {"GoOnPastFailures", &av_Form.Chk_GoOn, "0"},
   };
 }
 

@@ -104,6 +104,7 @@ struct Form : ControlRegistry {
 
   // Schedule and start-up
   CheckBox Chk_Automatic{*this, "Chk_Automatic"};
+  CheckBox Chk_GoOn{*this, "Chk_GoOn"};
   TextField Txt_AutomaticInterval{*this, "Txt_AutomaticInterval"};
   OptionGroup Opt_HeartBeat{*this, "Opt_HeartBeat", 2};
   CheckBox Chk_RunAtStartup{*this, "Chk_RunAtStartup"};

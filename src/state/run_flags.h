@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/scoped_value.h"
+#include "form/form.h"
 #include "state/link_state.h"
 
 namespace corvane {
@@ -15,6 +16,7 @@ struct RunFlags {
   bool ending_silently = false;  ///< ended by a signal or the session: no box is shown any more
   bool loading = true;           ///< the window is still being created
   bool converting = false;
+  bool go_on_once = false;         ///< goes on past what fails until the program ends, whatever the settings say
   std::int64_t error_counter = 0;  ///< bad lines of the current conversion command
   std::int64_t line_counter = 0;   ///< data lines of the right width of the current conversion command
   std::int64_t problems = 0;       ///< ports, units and files of this operation that ended untried or with a problem
@@ -23,6 +25,11 @@ struct RunFlags {
 /// True when the user cancelled or the program closes: what runs unwinds.
 [[nodiscard]] inline bool Cancelled(const LinkState& av_Link, const RunFlags& av_Flags) {
   return av_Link.UserCancel || av_Flags.closing;
+}
+
+/// True when a round goes on past units and files that fail.
+[[nodiscard]] inline bool GoesOn(const Form& av_Form, const RunFlags& av_Flags) {
+  return av_Form.Chk_GoOn.ticked() || av_Flags.go_on_once;
 }
 
 /// Makes what runs in its scope an automatic run, where `ab_On`; inside another one it stays that.
