@@ -20,7 +20,7 @@ void OperateOn(Desk& desk, UnitResults& results, const std::vector<std::int64_t>
     Operate(desk, operation);
   }
   results.End();
-  for (const TransferResult& result : desk.app.flows().Results()) {
+  for (const TransferResult& result : desk.app.transfer_results()) {
     if (!result.problem.empty()) desk.output.Error(result.file + ": " + result.problem);
   }
 }

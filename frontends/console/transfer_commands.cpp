@@ -29,7 +29,7 @@ std::string WhyNotTried(const Unit& unit, CommandId command) {
 /// Adds what the operation that just ended has tried, and the units of `expected` that it did not come to: those are
 /// problems that it has not counted.
 void Collect(Desk& desk, CommandId command, const std::vector<std::int64_t>& expected, Rows& rows) {
-  const auto& results = desk.app.flows().Results();
+  const auto& results = desk.app.transfer_results();
   const auto& units = desk.app.registry().Units;
   for (const TransferResult& result : results) {
     const std::string well = result.nothing ? "no file yet" : "ok";

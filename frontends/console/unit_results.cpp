@@ -32,7 +32,7 @@ void UnitResults::Begin(const std::vector<std::int64_t>& units) {
 
 void UnitResults::OnChange(const Control& control) {
   // A transfer that fails ends what follows it; the units have been asked by then.
-  const bool transfers = !app_.flows().Results().empty();
+  const bool transfers = !app_.transfer_results().empty();
   if (app_.slot().Taken() && !transfers && !app_.link().ContinueOk()) stopped_ = true;
   const Form& form = app_.form();
   if (&control != &form.Lbl_Status || form.Lbl_Status.status_kind() != StatusKind::Error) return;
@@ -66,7 +66,7 @@ std::string UnitResults::LinkResult(std::int64_t unit, std::int64_t last_tried) 
 }
 
 std::optional<ConversionResult> UnitResults::ConversionOf(std::int64_t unit) const {
-  const auto& results = app_.conversion().Results();
+  const auto& results = app_.conversion_results();
   const auto found = std::find_if(results.rbegin(), results.rend(),
                                   [unit](const ConversionResult& each) { return each.unit == unit; });
   return found == results.rend() ? std::nullopt : std::optional(*found);

@@ -189,7 +189,7 @@ int PrintLanguageTemplate() {
   CurlInternetClient internet(loop);
   LibzipComponent zip(loop);
   Application app(Platform{loop, port, shell, dialogs, internet, zip, {}}, shell.ProgramFolder());
-  app.commands().Bind();
+  app.BindCommands();
   const MainWindow window(app, loop);
   std::cout << window.captions().LanguageTemplate();
   return kClosed;

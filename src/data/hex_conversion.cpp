@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "data/poll_pace.h"
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
@@ -18,8 +19,6 @@ constexpr std::int64_t kFirstSensorField = 18;
 constexpr std::int64_t kFieldsPerSensor = 6;
 constexpr std::int32_t kBytesBeforeSensors = 14;
 constexpr std::int32_t kLargestByte = 0xFF;
-constexpr std::int64_t kMillisecondsBetweenPolls = 20;
-constexpr std::int64_t kLinesBetweenClockReadings = 64;
 
 /// What stands before a field of a row, and the field.
 struct Column {
@@ -71,7 +70,7 @@ std::string RowOf(const HexRecord& av_Record, std::int32_t al_Sensors) {
 }  // namespace
 
 struct HexConversion::Run {
-  explicit Run(const std::string& as_OutputFile) : Output(as_OutputFile) {}
+  Run(const std::string& as_OutputFile, EventLoop& av_Loop) : Output(as_OutputFile), Pace(av_Loop) {}
 
   LineReader Input;
   ReplacementFile Output;
@@ -80,7 +79,7 @@ struct HexConversion::Run {
   std::int64_t Lines = 0;
   std::int64_t Rows = 0;
   std::string Damage;  ///< why the conversion ended early
-  std::int64_t NextPoll = 0;
+  PollPace Pace;
 };
 
 void HexRecord::SetLine(std::string_view as_Line) {
@@ -131,14 +130,14 @@ bool HexConversion::ConvertHexToRaw(const std::string& as_InputFile) {
 }
 
 bool HexConversion::ConvertFile(const std::string& as_InputFile, const std::string& as_OutputFile) {
-  Run run(as_OutputFile);
+  Run run(as_OutputFile, p_.loop);
   Require(run.Input.Open(as_InputFile));
   Require(run.Output.Open());
   std::string_view line;
   while (run.Damage.empty() && run.Input.Next(line)) {
     TakeLine(run, line);
     Require(run.Output.FlushWhenFull());
-    if (!GoOn(run)) {
+    if (run.Pace.Step() && Cancelled(p_.link, p_.flags)) {
       p_.trace.Status("Cancelled: " + as_OutputFile + " is not written");
       return false;
     }
@@ -170,15 +169,6 @@ void HexConversion::TakeLine(Run& av_Run, std::string_view as_Line) {
     // Intended: a missing field ends the conversion; what follows it in a cut dump cannot be trusted.
     av_Run.Damage = "line " + std::to_string(av_Run.Lines) + ": " + error.what();
   }
-}
-
-bool HexConversion::GoOn(Run& av_Run) {
-  if (av_Run.Lines % kLinesBetweenClockReadings != 0) return true;
-  if (p_.loop.MonotonicMilliseconds() >= av_Run.NextPoll) {
-    p_.loop.Poll();
-    av_Run.NextPoll = p_.loop.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
-  }
-  return !Cancelled(p_.link, p_.flags);
 }
 
 }  // namespace corvane

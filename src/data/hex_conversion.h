@@ -61,7 +61,6 @@ class HexConversion {
 
   bool ConvertFile(const std::string& as_InputFile, const std::string& as_OutputFile);
   void TakeLine(Run& av_Run, std::string_view as_Line);
-  bool GoOn(Run& av_Run);
 
   Parts p_;
 };

@@ -26,4 +26,8 @@ void LinkWriter::SendEscape() {
   trace_.TraceSend("S:<27>");
 }
 
+void LinkWriter::SendEscapes() {
+  for (int time = 0; time < 3; ++time) SendEscape();
+}
+
 }  // namespace corvane

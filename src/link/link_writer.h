@@ -19,6 +19,9 @@ class LinkWriter {
   /// Sends the escape character, which stops whatever the unit is doing. An exchange that is awaited counts as aborted.
   void SendEscape();
 
+  /// Sends it three times: the program ends, and one may be lost on the way.
+  void SendEscapes();
+
  private:
   LinkState& link_;
   SerialPort& port_;

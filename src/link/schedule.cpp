@@ -116,6 +116,11 @@ void Schedule::ShowNextDownload(std::int64_t al_Interval) {
   started_ = DateTime();
 }
 
+void Schedule::RecordDownload() {
+  p_.form.Lbl_LastDownload.SetText(FormatDate(p_.loop.Now(), kShownDatePattern));
+  CalculateNextDownload();
+}
+
 void Schedule::LimitMaxRetries() {
   const double retries = LeadingNumber(p_.form.Txt_MaxRetries.text());
   if (retries > kMostRetries) p_.form.Txt_MaxRetries.SetText(std::to_string(kMostRetries));

@@ -46,6 +46,8 @@ class Schedule {
   /// While automatic download is on, a time that has passed is left to be started, never recomputed away; only an
   /// automatic run, which has just served it, moves it on.
   void CalculateNextDownload();
+  /// Shows now as the time of the last download and recomputes the next.
+  void RecordDownload();
   /// Forces the retry limit into 1 to 15.
   void LimitMaxRetries();
 

@@ -11,6 +11,8 @@ class UnitEditor : public RecordEditorOf<Unit> {
 
   void ShowUnitRecord() { ShowRecord(); }
   void StoreUnitRecord() { StoreRecord(); }
+  /// Selects unit `al_Index` (from 1) and shows it in the editor.
+  void ReselectUnit(std::int64_t al_Index) { Select(al_Index); }
 
  private:
   [[nodiscard]] bool IsChecked(std::int64_t al_Index) const override;

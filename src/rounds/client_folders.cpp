@@ -37,4 +37,13 @@ void CreateLocalFolders(const Registry& av_Registry, const FileNames& av_Names, 
   av_Messages.Show(std::to_string(created) + " folder(s) created");
 }
 
+bool EnsureFolder(std::string_view as_Folder, Messages& av_Messages) {
+  try {
+    return CreatePath(as_Folder);
+  } catch (const RunTimeError& error) {
+    av_Messages.Show("A folder for the files cannot be created. " + std::string(error.what()), "folder");
+    return false;
+  }
+}
+
 }  // namespace corvane

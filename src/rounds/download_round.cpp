@@ -19,25 +19,24 @@ void DownloadRound::DownloadAllUnits(bool ab_All, std::int16_t ai_Mode) {
 
 void DownloadRound::RadioRound(bool ab_All) {
   p_.sessions.ProcessAllUnits(ab_All, kFromRadio, kDownload);
-  if (!p_.link.ContinueOk()) return p_.flows.LeaveBackupOut();
+  if (!p_.link.ContinueOk()) return p_.backup.LeaveOut();
   p_.conversion.ConvertAllUnits(ab_All, kFromRadio, kAny);
   if (p_.link.ContinueOk() && !p_.form.Chk_ManualFTP.ticked()) {
     FetchEverything(ab_All);
     SendEverything(ab_All, kFromRadio);
   }
-  if (!p_.link.ContinueOk()) return p_.flows.LeaveBackupOut();
-  p_.form.Lbl_LastDownload.SetText(FormatDate(p_.loop.Now(), kShownDatePattern));
-  p_.schedule.CalculateNextDownload();
-  p_.flows.DoBackup();
+  if (!p_.link.ContinueOk()) return p_.backup.LeaveOut();
+  p_.schedule.RecordDownload();
+  p_.backup.DoBackup();
 }
 
 void DownloadRound::HandHeldRound(bool ab_All) {
   p_.sessions.ProcessAllUnits(ab_All, kFromHandHeld, kDownload);
-  if (!p_.link.ContinueOk()) return p_.flows.LeaveBackupOut();
+  if (!p_.link.ContinueOk()) return p_.backup.LeaveOut();
   p_.conversion.ConvertAllUnits(ab_All, kFromHandHeld, kAny);
   if (p_.link.ContinueOk() && !p_.form.Chk_ManualFTP.ticked()) SendEverything(ab_All, kFromHandHeld);
-  if (!p_.link.ContinueOk()) return p_.flows.LeaveBackupOut();
-  p_.flows.DoBackup();
+  if (!p_.link.ContinueOk()) return p_.backup.LeaveOut();
+  p_.backup.DoBackup();
 }
 
 void DownloadRound::CurrentUnitRound() {
@@ -47,14 +46,14 @@ void DownloadRound::CurrentUnitRound() {
 }
 
 void DownloadRound::FetchEverything(bool ab_All) {
-  const bool by_ftp = p_.flows.FetchAllUnits(ab_All, kFromFtp);
-  const bool by_web_data = p_.link.ContinueOk() && p_.flows.FetchAllUnits(ab_All, kFromWebData);
+  const bool by_ftp = p_.transfers.FetchAllUnits(ab_All, kFromFtp);
+  const bool by_web_data = p_.link.ContinueOk() && p_.transfers.FetchAllUnits(ab_All, kFromWebData);
   if (by_ftp) ConvertFetched(ab_All, kFromFtp);
   if (by_web_data) ConvertFetched(ab_All, kFromWebData);
 }
 
 void DownloadRound::FetchAndConvert(bool ab_All, std::int32_t al_Source) {
-  if (p_.flows.FetchAllUnits(ab_All, al_Source)) ConvertFetched(ab_All, al_Source);
+  if (p_.transfers.FetchAllUnits(ab_All, al_Source)) ConvertFetched(ab_All, al_Source);
 }
 
 void DownloadRound::ConvertFetched(bool ab_All, std::int32_t al_Source) {
@@ -64,8 +63,8 @@ void DownloadRound::ConvertFetched(bool ab_All, std::int32_t al_Source) {
 
 void DownloadRound::SendEverything(bool ab_All, std::int32_t al_GetFrom) {
   if (!p_.link.ContinueOk()) return;
-  p_.flows.ftpAllUnits(ab_All, al_GetFrom, kToFtp);
-  if (p_.link.ContinueOk()) p_.flows.ftpAllUnits(ab_All, al_GetFrom, kToWebData);
+  p_.transfers.ftpAllUnits(ab_All, al_GetFrom, kToFtp);
+  if (p_.link.ContinueOk()) p_.transfers.ftpAllUnits(ab_All, al_GetFrom, kToWebData);
 }
 
 }  // namespace corvane

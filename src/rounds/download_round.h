@@ -2,9 +2,10 @@
 
 #include <cstdint>
 
+#include "rounds/backup.h"
 #include "rounds/batch_conversion.h"
 #include "rounds/sessions.h"
-#include "rounds/transfer_flows.h"
+#include "rounds/transfer_round.h"
 
 namespace corvane {
 
@@ -18,10 +19,10 @@ class DownloadRound {
   struct Parts {
     Form& form;
     const LinkState& link;
-    EventLoop& loop;
     Sessions& sessions;
     BatchConversion& conversion;
-    TransferFlows& flows;
+    TransferRound& transfers;
+    Backup& backup;
     Schedule& schedule;
   };
   explicit DownloadRound(const Parts& av_Parts) : p_(av_Parts) {}

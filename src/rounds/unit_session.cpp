@@ -22,10 +22,19 @@ void UnitSession::ProcessUnit(std::int16_t ai_Command) {
     FailHere(error.what());
   }
   p_.exchange.SetStateFinished();
-  p_.trace.TraceDecision(
-      "Finish 'ProcessUnit' - closing output file: " + std::to_string(p_.capture.OutputFileNumber()) + " just in case");
+  CloseOutputFile("Finish 'ProcessUnit' - closing output file: ");
+}
+
+void UnitSession::CloseOutputFile(std::string_view as_Trace) {
+  p_.trace.TraceDecision(std::string(as_Trace) + std::to_string(p_.capture.OutputFileNumber()) + " just in case");
   p_.capture.CloseOutputFile();
-  p_.timer.Stop();
+}
+
+void UnitSession::ReleasePort() {
+  p_.capture.CloseOutputFile();
+  p_.port.ClearEverything();
+  p_.exchange.SetStateFinished();
+  p_.port.ClosePort();
 }
 
 void UnitSession::FailHere(const std::string& as_Error) {

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "form/form.h"
 #include "link/capture.h"
 #include "link/exchange.h"
 #include "link/port_link.h"
-#include "link/reply_timer.h"
 #include "platform/event_loop.h"
 #include "state/file_names.h"
 #include "state/link_state.h"
@@ -30,7 +30,6 @@ class UnitSession {
     DownloadState& download;
     EventLoop& loop;
     PortLink& port;
-    ReplyTimer& timer;
     Exchange& exchange;
     DownloadCapture& capture;
     const FileNames& names;
@@ -47,6 +46,10 @@ class UnitSession {
   void ProcessUnit(std::int16_t ai_Command);
   /// Readings that the last command has added to the unit's raw file.
   [[nodiscard]] std::int64_t Stored() const { return p_.download.Stored; }
+  /// Traces `as_Trace` with the number of the raw file and closes the file, just in case.
+  void CloseOutputFile(std::string_view as_Trace);
+  /// Ends a run over units: the raw file and the port are closed, nothing is awaited any more.
+  void ReleasePort();
   /// The date of the last reading stored in a raw file, none when there is none. **Yields.**
   ///
   /// Cuts a torn tail off first; lines that are no readings are shown together, a date in the future is reported.

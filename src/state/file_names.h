@@ -25,6 +25,8 @@ class FileNames {
   /// The name on the FTP server: client folder with forward slashes, short name, all in lower case.
   [[nodiscard]] std::string RemoteDataFileName(std::int32_t al_UnitIndex, bool ab_Calibrated) const;
   [[nodiscard]] const std::string& DataFileExtension(bool ab_Calibrated) const;
+  /// Whether the calibrated files are the ones that are sent, fetched and backed up; else the raw ones are.
+  [[nodiscard]] bool TransfersCalibrated() const { return form_.Opt_WebFileType.GetOptionIndex() != 0; }
   /// The data folder as a full path; a bare name is placed in the application folder.
   [[nodiscard]] std::string DataFolder() const;
   /// The local folder of a unit's client, with a separator at its end; the data folder when the client has none.

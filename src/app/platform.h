@@ -1,0 +1,24 @@
+#pragma once
+
+#include "app/file_commands.h"
+#include "platform/dialogs.h"
+#include "platform/event_loop.h"
+#include "platform/internet_client.h"
+#include "platform/serial_port.h"
+#include "platform/shell.h"
+#include "platform/zip_component.h"
+
+namespace corvane {
+
+/// The machine that the application runs on; all must outlive it.
+struct Platform {
+  EventLoop& loop;
+  SerialPort& port;
+  Shell& shell;
+  Dialogs& dialogs;
+  InternetClient& internet;
+  ZipComponent& zip;
+  HelpFiles help = {};  ///< what the help menu opens
+};
+
+}  // namespace corvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+
+#include "app/operations.h"
+#include "registry/editors.h"
+#include "state/file_names.h"
+#include "state/records.h"
+#include "ui/messages.h"
+
+namespace corvane {
+
+/// The commands New, Delete and Move of the three lists, and the clients' local folders. All **yield**.
+class RegistryCommands {
+ public:
+  /// All must outlive this object.
+  struct Parts {
+    const Registry& registry;
+    RegistryEditors& editors;
+    const FileNames& names;
+    Operations& operations;
+    Messages& messages;
+  };
+  explicit RegistryCommands(const Parts& av_Parts) : p_(av_Parts) {}
+
+  // `ai_Command` as `RegistryCommand`.
+  void RunOnUnits(std::int16_t ai_Command);
+  void RunOnRelays(std::int16_t ai_Command);
+  void RunOnClients(std::int16_t ai_Command);
+  void CreateFolders();
+
+ private:
+  Parts p_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,48 @@
+#include "app/unit_commands.h"
+
+namespace corvane {
+
+bool UnitCommands::DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic) {
+  // Also for what follows when the slot is given back.
+  const AutomaticRun automatic(p_.flags, ab_Automatic);
+  return p_.operations.RunOperation("Download", [&] { p_.round.DownloadAllUnits(ab_All, av_Mode); });
+}
+
+bool UnitCommands::DownloadOnly(std::int32_t al_ConnectionType) {
+  return p_.operations.RunOperation("Download",
+                                    [&] { p_.sessions.ProcessAllUnits(true, al_ConnectionType, kDownload); });
+}
+
+bool UnitCommands::Process(bool ab_All, std::int16_t ai_Command) {
+  return p_.operations.RunOperation(CommandOf(ai_Command).name, [&] {
+    const std::int64_t selected = p_.units.Selected();
+    const bool by_radio = ab_All || !p_.registry.Units.Has(selected);
+    p_.sessions.ProcessAllUnits(ab_All, by_radio ? kFromRadio : p_.registry.Units[selected].GetFrom, ai_Command);
+  });
+}
+
+bool UnitCommands::TestPort(std::int16_t ai_Index) {
+  return p_.operations.RunOperation("Test Port", [&] {
+    if (!p_.finder.TestBaseUnit(ai_Index)) ++p_.flags.problems;
+  });
+}
+
+bool UnitCommands::FindPort(std::int16_t ai_Index) {
+  return p_.operations.RunOperation("Find Port", [&] {
+    if (!p_.finder.FindPort(ai_Index)) ++p_.flags.problems;
+  });
+}
+
+void UnitCommands::SendDirect() {
+  if (p_.terminal.Listening()) return p_.terminal.SendNext();
+  p_.operations.RunOperation("Direct terminal", [&] {
+    if (!p_.terminal.Run()) ++p_.flags.problems;
+  });
+}
+
+void UnitCommands::AskMode() {
+  const auto mode = p_.dialogs.AskText("Set Mode", "Mode that is sent to the units:", p_.form.Lbl_Mode.text());
+  if (mode) p_.form.Lbl_Mode.SetText(*mode);
+}
+
+}  // namespace corvane

@@ -1,0 +1,58 @@
+#include "app/window_creation.h"
+
+#include <string>
+#include <utility>
+
+namespace corvane {
+namespace {
+
+constexpr int kPortNumbers = 50;
+constexpr std::int16_t kLanguageFile = 3;
+
+}  // namespace
+
+void WindowCreation::Run() {
+  p_.commands.Bind();
+  p_.fields.Bind();
+  FillFixedSelectors();
+  BindProgressBars();
+  p_.settings.LoadSettings();
+  LoadCaptions();
+  p_.editors.relays.FillRelaySelector();
+  p_.editors.clients.FillClientSelector();
+  p_.flags.loading = false;
+  const SuppressEvents::Guard suppressed(p_.form.Suppress);
+  p_.files.UpdateFileExamples();
+  p_.files.RefreshFileListBox();
+  p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.IsRunAtStartup());
+  p_.states.UpdateCommandStates();
+}
+
+void WindowCreation::LoadCaptions() {
+  if (captions_ == nullptr) return;
+  p_.language.SetLanguageFile(p_.files.SettingsFile(kLanguageFile));
+  p_.language.LoadCaptions(*captions_);
+}
+
+void WindowCreation::FillFixedSelectors() {
+  for (Selector& ports : p_.form.Cmb_Port) {
+    for (int number = 1; number <= kPortNumbers; ++number) ports.Add("COM" + std::to_string(number), number);
+  }
+  for (const char* period : {"00:15", "00:30", "01:00", "02:00", "03:00"}) p_.form.Cmb_LogPeriod.Add(period);
+  using Entry = std::pair<const char*, std::int32_t>;
+  for (const auto& [text, number] : {Entry("None", kFromNone), Entry("Radio", kFromRadio),
+                                     Entry("Hand held", kFromHandHeld), Entry("ftp", kFromFtp)}) {
+    p_.form.Cmb_GetFrom.Add(text, number);
+  }
+  p_.form.Cmb_SendTo.Add("None", 0);
+  p_.form.Cmb_SendTo.Add("ftp", 1);
+}
+
+void WindowCreation::BindProgressBars() {
+  p_.bars.Unit.SetBar(p_.form.Bar_Unit);
+  p_.bars.Download.SetBar(p_.form.Bar_Download);
+  p_.bars.Unit.SetParent(p_.form.Frm_Main);
+  p_.bars.Download.SetParent(p_.form.Frm_Main);
+}
+
+}  // namespace corvane

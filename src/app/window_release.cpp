@@ -1,0 +1,20 @@
+#include "app/window_release.h"
+
+namespace corvane {
+
+void WindowRelease::Run() {
+  p_.schedule.StopHeartbeat();
+  p_.flags.releasing = true;
+  p_.editors.StoreRecords();
+  p_.settings.SaveSettings();
+  p_.link.UserCancel = true;
+  if (p_.port.IsOpen()) p_.writer.SendEscapes();
+  if (p_.capture.OutputFileNumber() != 0) {
+    p_.capture.CloseOutputFile();
+    p_.summary.WriteSummary();
+  }
+  p_.port.ClosePort();
+  p_.trace.CloseLog();
+}
+
+}  // namespace corvane

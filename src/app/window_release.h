@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/settings.h"
+#include "link/capture.h"
+#include "link/link_writer.h"
+#include "link/port_link.h"
+#include "link/schedule.h"
+#include "registry/editors.h"
+#include "state/run_flags.h"
+#include "trace/summary.h"
+#include "trace/trace.h"
+
+namespace corvane {
+
+/// The close of the main window: what it leaves saved, told and released.
+class WindowRelease {
+ public:
+  /// What the steps work with; all must outlive this object.
+  struct Parts {
+    LinkState& link;
+    RunFlags& flags;
+    RegistryEditors& editors;
+    Settings& settings;
+    PortLink& port;
+    LinkWriter& writer;
+    DownloadCapture& capture;
+    Schedule& schedule;
+    DownloadSummary& summary;
+    Trace& trace;
+  };
+  explicit WindowRelease(const Parts& av_Parts) : p_(av_Parts) {}
+
+  /// Runs the steps. Called once, when nothing waits any more. **Yields** for messages.
+  void Run();
+
+ private:
+  Parts p_;
+};
+
+}  // namespace corvane
