@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/scoped_value.h"
 #include "curl/ftp_connection.h"
 #include "curl/listing_search.h"
 #include "curl/transfers.h"
@@ -14,75 +15,66 @@ CurlInternetClient::CurlInternetClient(EventLoop& loop, Limits limits) : loop_(l
 
 CurlInternetClient::~CurlInternetClient() = default;
 
-void CurlInternetClient::Report(int code, const std::string& text, std::int64_t bytes) {
-  if (code == kHandleCreated) transfer_ = ++last_handle_;
-  InternetHandle handle = connection_ != 0 ? connection_ : session_;
-  if (code == kHandleCreated || code == kHandleClosing) handle = transfer_;
-  // The handler may be taken away while it runs.
-  if (const StatusHandler handler = handler_) handler({handle, code, text, bytes});
-}
-
 InternetHandle CurlInternetClient::InternetOpen(const std::string&) {
   if (running_) return 0;
   ftp_.reset();
   searches_.clear();
-  handler_ = nullptr;
-  connection_ = 0;
+  session_.SetHandler(nullptr);
+  session_.connection = 0;
   last_error_ = kInternetNoError;
-  return session_ = ++last_handle_;
+  return session_.session = session_.NewHandle();
 }
 
 std::int64_t CurlInternetClient::InternetSetStatusCallback(InternetHandle session, StatusHandler handler) {
-  if (session == 0 || session != session_) {
+  if (session == 0 || session != session_.session) {
     last_error_ = kInternetWrongHandleType;
     return kInvalidCallback;
   }
-  handler_ = std::move(handler);
+  session_.SetHandler(std::move(handler));
   return 0;
 }
 
 InternetHandle CurlInternetClient::InternetConnect(InternetHandle session, const FtpLogin& login) {
-  if (running_ || session == 0 || session != session_) {
+  if (running_ || session == 0 || session != session_.session) {
     last_error_ = kInternetWrongHandleType;
     return 0;
   }
-  connection_ = 0;
-  ftp_ =
-      std::make_unique<FtpConnection>(loop_, limits_, login, cancelled_,
-                                      [this](auto code, const auto& text, auto bytes) { Report(code, text, bytes); });
-  running_ = true;
-  cancelled_ = false;
-  const bool connected = ftp_->LogIn();
-  running_ = false;
-  KeepResult(*ftp_);
+  session_.connection = 0;
+  ftp_ = std::make_unique<FtpConnection>(loop_, limits_, cancelled_, session_, login);
+  const bool connected = RunAlone([](FtpConnection& ftp) { return ftp.LogIn(); });
+  KeepResult();
   if (!connected) {
     ftp_.reset();
     return 0;
   }
-  return connection_ = ++last_handle_;
+  return session_.connection = session_.NewHandle();
 }
 
-void CurlInternetClient::KeepResult(const FtpConnection& ftp) {
-  last_error_ = ftp.error();
-  last_response_ = ftp.response();
+void CurlInternetClient::KeepResult() {
+  last_error_ = ftp_->error();
+  last_response_ = ftp_->response();
+}
+
+template <class Step>
+bool CurlInternetClient::RunAlone(Step step) {
+  const ScopedValue<bool> running(running_, true);
+  cancelled_ = false;
+  return step(*ftp_);
 }
 
 template <class Step>
 bool CurlInternetClient::Run(InternetHandle connection, Step step) {
-  if (running_ || connection == 0 || connection != connection_) {
+  if (running_ || connection == 0 || connection != session_.connection) {
     last_error_ = kInternetWrongHandleType;
     return false;
   }
-  running_ = true;
-  cancelled_ = false;
-  const bool done = step(*ftp_);
-  running_ = false;
-  KeepResult(*ftp_);
+  const bool done = RunAlone(step);
+  KeepResult();
   if (!ftp_->lost()) return done;
   ftp_.reset();
-  Report(kClosingConnection, "", 0);
-  Report(kConnectionClosed, "", 0);
-  session_ = connection_ = 0;
+  session_.Tell(kClosingConnection);
+  session_.Tell(kConnectionClosed);
+  session_.session = session_.connection = 0;
   return false;
 }
 
@@ -116,8 +108,9 @@ InternetHandle CurlInternetClient::FtpFindFirstFile(InternetHandle connection, c
   if (!found || search.records.empty()) return 0;
   record = search.records.front();
   search.next = 1;
-  searches_.emplace(++last_handle_, std::move(search));
-  return last_handle_;
+  const InternetHandle find = session_.NewHandle();
+  searches_.emplace(find, std::move(search));
+  return find;
 }
 
 bool CurlInternetClient::InternetFindNextFile(InternetHandle find, FindRecord& record) {
@@ -148,23 +141,23 @@ bool CurlInternetClient::FtpDeleteFile(InternetHandle connection, const std::str
 void CurlInternetClient::InternetCloseHandle(InternetHandle handle) {
   if (running_ || handle == 0) return;
   searches_.erase(handle);
-  if (handle != session_ && handle != connection_) return;
+  if (handle != session_.session && handle != session_.connection) return;
   CloseConnection();
-  if (handle != session_) return;
+  if (handle != session_.session) return;
   searches_.clear();
-  handler_ = nullptr;
-  session_ = 0;
+  session_.SetHandler(nullptr);
+  session_.session = 0;
 }
 
 void CurlInternetClient::CloseConnection() {
   if (ftp_ != nullptr) {
-    running_ = true;
-    cancelled_ = false;
-    ftp_->SayGoodbye();
-    running_ = false;
+    RunAlone([](FtpConnection& ftp) {
+      ftp.SayGoodbye();
+      return true;
+    });
   }
   ftp_.reset();
-  connection_ = 0;
+  session_.connection = 0;
 }
 
 }  // namespace corvane

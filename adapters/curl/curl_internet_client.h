@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "curl/ftp_limits.h"
+#include "curl/internet_session.h"
 #include "platform/event_loop.h"
 #include "platform/internet_client.h"
 
@@ -54,26 +55,24 @@ class CurlInternetClient : public InternetClient {
     std::size_t next = 0;
   };
 
-  /// Runs `step` on the connection as the one call that runs, and keeps what is to be known of its end.
+  /// Runs `step` on the connection as the one call that runs.
+  template <class Step>
+  bool RunAlone(Step step);
+  /// The same for a call that is given the connection's handle; keeps what is to be known of its end.
   template <class Step>
   [[nodiscard]] bool Run(InternetHandle connection, Step step);
-  void KeepResult(const FtpConnection& ftp);
+  void KeepResult();
   void CloseConnection();
-  void Report(int code, const std::string& text, std::int64_t bytes);
 
   EventLoop& loop_;
   const Limits limits_;
-  StatusHandler handler_;
+  InternetSession session_;
   std::map<InternetHandle, Search> searches_;
-  InternetHandle last_handle_ = 0;
-  InternetHandle session_ = 0;
-  InternetHandle connection_ = 0;
-  InternetHandle transfer_ = 0;
-  bool running_ = false;
-  bool cancelled_ = false;
+  bool running_ = false;    ///< a call does
+  bool cancelled_ = false;  ///< the call that runs, or the last one
   int last_error_ = kInternetNoError;
   std::string last_response_;
-  std::unique_ptr<FtpConnection> ftp_;  // last: it looks at `cancelled_`
+  std::unique_ptr<FtpConnection> ftp_;  // last: it looks at `cancelled_` and uses `session_`
 };
 
 }  // namespace corvane

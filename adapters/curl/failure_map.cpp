@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "platform/internet_client.h"
 
 namespace corvane {
 

@@ -2,7 +2,8 @@
 
 #include <string>
 
-#include "curl/ftp_channel.h"
+#include "curl/ftp_task.h"
+#include "curl/transcript.h"
 
 namespace corvane {
 

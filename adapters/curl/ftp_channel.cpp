@@ -1,17 +1,18 @@
 #include "curl/ftp_channel.h"
 
-#include <algorithm>
 #include <array>
-#include <chrono>
-#include <future>
-#include <system_error>
+#include <new>
+#include <string_view>
 #include <utility>
 
 #include <netdb.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "base/scoped_value.h"
+#include "curl/run_under_way.h"
 #include "curl/socket_state.h"
+#include "posix/run_aside.h"
 
 namespace corvane {
 
@@ -33,8 +34,9 @@ bool IsUnreserved(char c) {
          c == '_' || c == '~' || c == '/';
 }
 
-bool Moves(const FtpTask& task) {
-  return task.kind != FtpTask::Kind::Commands && task.kind != FtpTask::Kind::Login;
+bool IsOfAFile(const FtpTask& task) {
+  return task.kind == FtpTask::Kind::Examine || task.kind == FtpTask::Kind::Upload ||
+         task.kind == FtpTask::Kind::Download;
 }
 
 std::string AddressText(const curl_sockaddr& address) {
@@ -46,12 +48,13 @@ std::string AddressText(const curl_sockaddr& address) {
 
 }  // namespace
 
-FtpChannel::FtpChannel(EventLoop& loop, const FtpLimits& limits, FtpLogin login, const bool& cancelled, Report report)
+FtpChannel::FtpChannel(EventLoop& loop, const FtpLimits& limits, const bool& cancelled, InternetSession& session,
+                       FtpLogin login)
     : loop_(loop),
       limits_(limits),
-      login_(std::move(login)),
       cancelled_(cancelled),
-      report_(std::move(report)),
+      session_(session),
+      login_(std::move(login)),
       multi_(curl_multi_init()),
       easy_(curl_easy_init()) {
   if (Usable()) SetUp();
@@ -59,15 +62,12 @@ FtpChannel::FtpChannel(EventLoop& loop, const FtpLimits& limits, FtpLogin login,
 
 FtpChannel::~FtpChannel() {
   // Curl would say QUIT and wait for the answer.
-  CutConnections();
-  curl_easy_cleanup(easy_);
-  curl_multi_cleanup(multi_);
-  curl_slist_free_all(commands_);
+  sockets_.Cut();
 }
 
 void FtpChannel::SetUp() {
-  curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, 1L);
-  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_, option, value); };
+  curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, 1L);
+  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_.get(), option, value); };
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_NOPROGRESS, 1L);
   set(CURLOPT_PROTOCOLS_STR, "ftp");
@@ -75,6 +75,7 @@ void FtpChannel::SetUp() {
   set(CURLOPT_USERNAME, login_.user.c_str());
   set(CURLOPT_PASSWORD, login_.password.c_str());
   set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_NOCWD));
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect));
   set(CURLOPT_SERVER_RESPONSE_TIMEOUT, static_cast<long>(limits_.reply / 1000) + kSecondsBehind);
   set(CURLOPT_QUICK_EXIT, 1L);
@@ -82,7 +83,6 @@ void FtpChannel::SetUp() {
   set(CURLOPT_TCP_KEEPALIVE, 1L);
   set(CURLOPT_BUFFERSIZE, kBufferSize);
   set(CURLOPT_UPLOAD_BUFFERSIZE, 2 * kBufferSize);
-  set(CURLOPT_ERRORBUFFER, error_);
   set(CURLOPT_VERBOSE, 1L);
   set(CURLOPT_DEBUGFUNCTION, &OnDebug);
   set(CURLOPT_DEBUGDATA, this);
@@ -98,7 +98,7 @@ void FtpChannel::SetUp() {
 }
 
 void FtpChannel::SetUpEncryption() {
-  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_, option, value); };
+  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_.get(), option, value); };
   set(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
   set(CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
   set(CURLOPT_SSL_VERIFYPEER, 1L);
@@ -113,7 +113,7 @@ void FtpChannel::SetUpEncryption() {
 }
 
 void FtpChannel::AllowNewestEncryption() {
-  curl_easy_setopt(easy_, CURLOPT_SSLVERSION, kTls12);
+  curl_easy_setopt(easy_.get(), CURLOPT_SSLVERSION, kTls12);
 }
 
 bool FtpChannel::LoggedIn() const {
@@ -122,58 +122,65 @@ bool FtpChannel::LoggedIn() const {
   return !WaitReadable(control_, 0);
 }
 
-void FtpChannel::CutConnections() {
-  const std::lock_guard lock(sockets_mutex_);
-  for (const curl_socket_t socket : sockets_) shutdown(socket, SHUT_RDWR);
+FtpRun FtpChannel::Run(const FtpTask& task) {
+  if (task.data != nullptr) task.data->Begin();
+  if (task.kind == FtpTask::Kind::Login) sockets_.Cut();
+  RunUnderWay run{.task = task, .began = loop_.MonotonicMilliseconds(), .taken_before = TakenBytes(control_)};
+  const std::exception_ptr problem = CarryOut(run);
+  if (problem) {
+    run.ended_early = true;
+    sockets_.Cut();
+  }
+  FtpRun result = Finish(run);
+  if (problem) std::rethrow_exception(problem);
+  return result;
 }
 
-FtpRun FtpChannel::Run(const FtpTask& task) {
-  FtpRun run;
-  run.was_login = task.kind == FtpTask::Kind::Login;
-  if (task.begin) task.begin();
-  task_ = &task;
-  Prepare();
-  curl_multi_add_handle(multi_, easy_);
-  Drive();
-  task_ = nullptr;
-  Finish(run);
-  return run;
+std::exception_ptr FtpChannel::CarryOut(RunUnderWay& run) {
+  const ScopedValue<RunUnderWay*> under_way(run_, &run);
+  try {
+    Prepare();
+    curl_multi_add_handle(multi_.get(), easy_.get());
+    Drive();
+  } catch (...) {
+    return std::current_exception();
+  }
+  return run.problem;
 }
 
 void FtpChannel::Prepare() {
+  const FtpTask& task = run_->task;
   transcript_.Clear();
-  ended_early_ = had_address_ = connected_ = false;
-  address_.clear();
-  error_[0] = '\0';
-  reported_ = received_ = parsed_ = sign_ = 0;
-  began_ = last_sign_ = loop_.MonotonicMilliseconds();
-  report_due_ = began_ + kReportEvery;
-  const bool is_login = task_->kind == FtpTask::Kind::Login;
-  if (is_login) CutConnections();
-  taken_before_ = TakenBytes(control_);
-  curl_slist_free_all(std::exchange(commands_, nullptr));
-  for (const std::string& command : task_->commands) commands_ = curl_slist_append(commands_, ("*" + command).c_str());
-  curl_easy_setopt(easy_, CURLOPT_QUOTE, commands_);
-  curl_easy_setopt(easy_, CURLOPT_FRESH_CONNECT, is_login ? 1L : 0L);
+  run_->report_due = run_->began + kReportEvery;
+  for (const std::string& command : task.commands) {
+    // The list is the old one, or null when there was no memory for the word.
+    curl_slist* longer = curl_slist_append(run_->commands.get(), ("*" + command).c_str());
+    if (longer == nullptr) throw std::bad_alloc();
+    static_cast<void>(run_->commands.release());
+    run_->commands.reset(longer);
+  }
+  curl_easy_setopt(easy_.get(), CURLOPT_QUOTE, run_->commands.get());
+  curl_easy_setopt(easy_.get(), CURLOPT_ERRORBUFFER, run_->error);
+  curl_easy_setopt(easy_.get(), CURLOPT_FRESH_CONNECT, task.kind == FtpTask::Kind::Login ? 1L : 0L);
   PrepareTransfer();
 }
 
 void FtpChannel::PrepareTransfer() {
-  const bool lists = task_->kind == FtpTask::Kind::Listing;
-  const bool uploads = task_->kind == FtpTask::Kind::Upload;
-  const bool moves = Moves(*task_);
-  curl_easy_setopt(easy_, CURLOPT_URL, UrlOf(moves ? task_->path : "/", !moves || lists).c_str());
-  // A folder is listed from within: servers read blanks and wildcards in an argument of LIST in ways of their own.
-  curl_easy_setopt(easy_, CURLOPT_FTP_FILEMETHOD,
-                   static_cast<long>(lists ? CURLFTPMETHOD_SINGLECWD : CURLFTPMETHOD_NOCWD));
-  curl_easy_setopt(easy_, CURLOPT_CUSTOMREQUEST,
-                   lists && !task_->list_command.empty() ? task_->list_command.c_str() : nullptr);
-  curl_easy_setopt(easy_, CURLOPT_UPLOAD, uploads ? 1L : 0L);
-  curl_easy_setopt(easy_, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(uploads ? task_->size : -1));
-  curl_easy_setopt(easy_, CURLOPT_NOBODY, moves ? 0L : 1L);
+  const FtpTask& task = run_->task;
+  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_.get(), option, value); };
+  const bool lists = task.kind == FtpTask::Kind::Listing;
+  const bool uploads = task.kind == FtpTask::Kind::Upload;
+  // A folder is listed from within: servers read blanks and wildcards in an argument of LIST in ways of their own. With
+  // no path curl leaves the folder as it is, for it takes every such run for one in the folder of the run before.
+  set(CURLOPT_URL, UrlOf(IsOfAFile(task) ? task.path : "").c_str());
+  set(CURLOPT_CUSTOMREQUEST, lists && !task.list_command.empty() ? task.list_command.c_str() : nullptr);
+  set(CURLOPT_UPLOAD, uploads ? 1L : 0L);
+  set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(uploads ? task.size : -1));
+  set(CURLOPT_IGNORE_CONTENT_LENGTH, task.kind == FtpTask::Kind::Download && task.size >= 0 ? 1L : 0L);
+  set(CURLOPT_NOBODY, task.data == nullptr ? 1L : 0L);
 }
 
-std::string FtpChannel::UrlOf(const std::string& path, bool is_folder) const {
+std::string FtpChannel::UrlOf(const std::string& path) const {
   constexpr const char* kDigits = "0123456789ABCDEF";
   const bool is_ipv6 = login_.host.find(':') != std::string::npos;
   std::string url = "ftp://" + (is_ipv6 ? "[" + login_.host + "]" : login_.host) + ":" + std::to_string(login_.port);
@@ -186,8 +193,6 @@ std::string FtpChannel::UrlOf(const std::string& path, bool is_folder) const {
       url += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
     }
   }
-  // An empty path stands for the folder of the login; "//" is the root.
-  if (is_folder && url.back() != '/') url += '/';
   return url;
 }
 
@@ -197,194 +202,214 @@ void FtpChannel::Drive() {
     if (MayBlock()) {
       PerformAside(running);
     } else {
-      curl_multi_perform(multi_, &running);
+      curl_multi_perform(multi_.get(), &running);
     }
+    if (run_->problem) return;
     ReportConnecting();
-    ReportBytes(running == 0 && !ended_early_);
+    ReportBytes(running == 0 && !run_->ended_early);
     if (running == 0 || TurnLoop()) return;
     // Curl connects to the port of a reply in its next step, and names no socket that a wait for it could end with.
     const bool goes_on = transcript_.activity() != replies;
-    curl_multi_poll(multi_, nullptr, 0, goes_on ? 0 : static_cast<int>(kTurn), nullptr);
+    curl_multi_poll(multi_.get(), nullptr, 0, goes_on ? 0 : static_cast<int>(kTurn), nullptr);
   }
 }
 
 bool FtpChannel::TurnLoop() {
-  PollLoopWhenDue();
-  ended_early_ = ended_early_ || cancelled_ || TooLate();
-  return ended_early_;
-}
-
-void FtpChannel::PollLoopWhenDue() {
-  const std::int64_t now = loop_.MonotonicMilliseconds();
-  if (now - last_poll_ < kTurn / 2) return;
-  loop_.Poll();
-  last_poll_ = loop_.MonotonicMilliseconds();
+  if (loop_.MonotonicMilliseconds() - last_poll_ >= kTurn / 2) {
+    loop_.Poll();
+    last_poll_ = loop_.MonotonicMilliseconds();
+  }
+  run_->ended_early = run_->ended_early || cancelled_ || TooLate();
+  return run_->ended_early;
 }
 
 bool FtpChannel::MayBlock() const {
   if (!login_.encrypted) return false;
-  const bool uploads = task_->kind == FtpTask::Kind::Upload;
-  const std::int64_t moved = uploads ? Information(CURLINFO_SIZE_UPLOAD_T) : received_;
-  const std::int64_t size = uploads ? task_->size : Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  const bool uploads = run_->task.kind == FtpTask::Kind::Upload;
+  const std::int64_t moved = uploads ? Information(CURLINFO_SIZE_UPLOAD_T) : run_->received;
+  const std::int64_t announced = uploads ? -1 : Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  const std::int64_t size = announced >= 0 ? announced : run_->task.size;
   const bool in_the_middle = moved > 0 && size - moved > 4 * kBufferSize;
   return !in_the_middle;
 }
 
 void FtpChannel::PerformAside(int& running) {
-  const auto perform = [this, &running] { curl_multi_perform(multi_, &running); };
-  std::future<void> step;
-  try {
-    step = std::async(std::launch::async, perform);
-  } catch (const std::system_error&) {
-    return perform();  // no thread is to be had: better late than never
-  }
   std::int64_t last_sign = loop_.MonotonicMilliseconds();
   std::int64_t unsent = 0;
-  while (step.wait_for(std::chrono::milliseconds(kTurn)) != std::future_status::ready) {
-    PollLoopWhenDue();
+  const auto watch = [&] {
     const std::int64_t now = loop_.MonotonicMilliseconds();
-    if (UnsentBytes(data_) != std::exchange(unsent, UnsentBytes(data_))) last_sign = now;
-    const bool is_login = task_->kind == FtpTask::Kind::Login;
-    const bool late = is_login ? now - began_ > limits_.connect : now - last_sign > limits_.reply;
-    if (!cancelled_ && !late) continue;
-    ended_early_ = true;
-    CutConnections();
-  }
+    const std::int64_t left = UnsentBytes(run_->data);
+    if (left != std::exchange(unsent, left)) last_sign = now;
+    const bool is_login = run_->task.kind == FtpTask::Kind::Login;
+    const bool late = is_login ? now - run_->began > limits_.connect : now - last_sign > limits_.reply;
+    if (!cancelled_ && !late) return;
+    run_->ended_early = true;
+    sockets_.Cut();
+  };
+  RunAside(
+      loop_, [this, &running] { curl_multi_perform(multi_.get(), &running); }, watch);
 }
 
 void FtpChannel::WaitForLastReply() {
   const auto has_reply = [this] {
     // A reply that came together with the one before it is with curl already, and the socket silent.
-    return control_ == CURL_SOCKET_BAD || WaitReadable(control_, 0) || TakenBytes(control_) - taken_before_ > parsed_;
+    return control_ == CURL_SOCKET_BAD || WaitReadable(control_, 0) ||
+           TakenBytes(control_) - run_->taken_before > run_->parsed;
   };
   while (!has_reply()) {
     ReportBytes(false);
-    if (TurnLoop()) return CutConnections();
+    if (TurnLoop()) return sockets_.Cut();
     static_cast<void>(WaitReadable(control_, static_cast<int>(kTurn)));
   }
 }
 
 void FtpChannel::ReportConnecting() {
-  if (!address_.empty()) report_(kConnectingToServer, std::exchange(address_, ""), 0);
-  if (connected_ || task_->kind != FtpTask::Kind::Login || Information(CURLINFO_CONNECT_TIME_T) == 0) return;
-  connected_ = true;
-  report_(kConnectedToServer, login_.host, 0);
+  if (run_->task.kind != FtpTask::Kind::Login || !run_->task.told) return;
+  if (!run_->address.empty()) session_.Tell(kConnectingToServer, std::exchange(run_->address, ""));
+  if (run_->connected || Information(CURLINFO_CONNECT_TIME_T) == 0) return;
+  run_->connected = true;
+  session_.Tell(kConnectedToServer, login_.host);
 }
 
 void FtpChannel::ReportBytes(bool last) {
-  const bool uploads = task_->kind == FtpTask::Kind::Upload;
-  if (!uploads && task_->kind != FtpTask::Kind::Download) return;
-  if (!last && loop_.MonotonicMilliseconds() < report_due_) return;
-  report_due_ = loop_.MonotonicMilliseconds() + kReportEvery;
+  const bool uploads = run_->task.kind == FtpTask::Kind::Upload;
+  if (!uploads && run_->task.kind != FtpTask::Kind::Download) return;
+  if (!last && loop_.MonotonicMilliseconds() < run_->report_due) return;
+  run_->report_due = loop_.MonotonicMilliseconds() + kReportEvery;
   const std::int64_t moved = last && uploads ? Information(CURLINFO_SIZE_UPLOAD_T) : MovedBytes();
-  if (moved <= reported_) return;
-  const std::int64_t since = moved - std::exchange(reported_, moved);
-  report_(uploads ? kSendingRequest : kResponseReceived, "", since);
+  if (moved <= run_->reported) return;
+  const std::int64_t since = moved - std::exchange(run_->reported, moved);
+  session_.Tell(uploads ? kSendingRequest : kResponseReceived, "", since);
 }
 
 std::int64_t FtpChannel::MovedBytes() const {
-  if (task_->kind != FtpTask::Kind::Upload) return received_;
-  return Information(CURLINFO_SIZE_UPLOAD_T) - UnsentBytes(data_);
+  if (run_->task.kind != FtpTask::Kind::Upload) return run_->received;
+  return Information(CURLINFO_SIZE_UPLOAD_T) - UnsentBytes(run_->data);
 }
 
 std::int64_t FtpChannel::Information(CURLINFO what) const {
   curl_off_t value = 0;
-  return curl_easy_getinfo(easy_, what, &value) == CURLE_OK ? value : 0;
+  return curl_easy_getinfo(easy_.get(), what, &value) == CURLE_OK ? value : 0;
 }
 
 bool FtpChannel::TooLate() {
   const std::int64_t now = loop_.MonotonicMilliseconds();
-  if (task_->milliseconds > 0) return now - began_ > task_->milliseconds;
-  if (task_->kind == FtpTask::Kind::Login) return now - began_ > limits_.connect;
+  if (run_->task.milliseconds > 0) return now - run_->began > run_->task.milliseconds;
+  if (run_->task.kind == FtpTask::Kind::Login) return now - run_->began > limits_.connect;
   const std::int64_t sign = transcript_.activity() + MovedBytes();
-  if (sign != std::exchange(sign_, sign)) last_sign_ = now;
+  if (sign != std::exchange(run_->sign, sign)) run_->last_sign = now;
   const bool transfers = transcript_.Last().code / 100 == 1;
-  return now - last_sign_ > (transfers ? limits_.stalled : limits_.reply);
+  return now - run_->last_sign > (transfers ? limits_.stalled : limits_.reply);
 }
 
-void FtpChannel::Finish(FtpRun& run) {
-  int left = 0;
-  while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
-    if (message->msg == CURLMSG_DONE) run.code = message->data.result;
-  }
-  run.cancelled = ended_early_ && cancelled_;
-  run.timed_out = ended_early_ && !cancelled_;
-  run.had_address = had_address_;
-  curl_easy_getinfo(easy_, CURLINFO_OS_ERRNO, &run.os_error);
-  run.announced_size = Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
-  run.moved = received_ > 0 || Information(CURLINFO_SIZE_UPLOAD_T) > 0;
-  run.words = error_[0] != '\0' ? error_ : curl_easy_strerror(run.code);
+FtpRun FtpChannel::Finish(RunUnderWay& run) {
+  FtpRun result;
+  result.code = LetGo(run);
+  result.was_login = run.task.kind == FtpTask::Kind::Login;
+  result.cancelled = run.ended_early && cancelled_;
+  result.timed_out = run.ended_early && !cancelled_;
+  result.had_address = run.had_address;
+  curl_easy_getinfo(easy_.get(), CURLINFO_OS_ERRNO, &result.os_error);
+  result.announced_size = Information(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+  result.moved = run.received > 0 || Information(CURLINFO_SIZE_UPLOAD_T) > 0;
+  result.words = run.error[0] != '\0' ? run.error : curl_easy_strerror(result.code);
   const char* folder = nullptr;
-  if (curl_easy_getinfo(easy_, CURLINFO_FTP_ENTRY_PATH, &folder) == CURLE_OK && folder != nullptr) {
+  if (curl_easy_getinfo(easy_.get(), CURLINFO_FTP_ENTRY_PATH, &folder) == CURLE_OK && folder != nullptr) {
     entry_folder_ = folder;
   }
+  return result;
+}
+
+CURLcode FtpChannel::LetGo(RunUnderWay& run) {
+  CURLcode code = CURLE_FAILED_INIT;
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    if (message->msg == CURLMSG_DONE) code = message->data.result;
+  }
   curl_socket_t control = CURL_SOCKET_BAD;
-  if (!ended_early_) curl_easy_getinfo(easy_, CURLINFO_ACTIVESOCKET, &control);
+  if (!run.ended_early) curl_easy_getinfo(easy_.get(), CURLINFO_ACTIVESOCKET, &control);
   control_ = control;
-  curl_multi_remove_handle(multi_, easy_);
-  if (std::exchange(draining_, false)) close(data_);
-  data_ = CURL_SOCKET_BAD;
+  curl_multi_remove_handle(multi_.get(), easy_.get());
+  curl_easy_setopt(easy_.get(), CURLOPT_QUOTE, static_cast<curl_slist*>(nullptr));
+  curl_easy_setopt(easy_.get(), CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
+  if (run.draining) close(run.data);
   last_used_ = loop_.MonotonicMilliseconds();
+  return code;
+}
+
+template <class Result, class Body>
+Result FtpChannel::Guarded(void* self, Result failure, Body body) noexcept {
+  auto& channel = *static_cast<FtpChannel*>(self);
+  try {
+    return body(channel);
+  } catch (...) {
+    if (channel.run_ != nullptr) channel.run_->problem = std::current_exception();
+    channel.sockets_.Cut();
+    return failure;
+  }
 }
 
 int FtpChannel::OnDebug(CURL*, curl_infotype type, char* bytes, std::size_t length, void* self) {
-  Transcript& transcript = static_cast<FtpChannel*>(self)->transcript_;
-  if (type == CURLINFO_HEADER_OUT) transcript.AddCommand({bytes, length});
-  if (type != CURLINFO_HEADER_IN) return 0;
-  transcript.AddReplyLine({bytes, length});
-  static_cast<FtpChannel*>(self)->parsed_ += static_cast<std::int64_t>(length);
-  return 0;
+  return Guarded(self, 0, [type, line = std::string_view(bytes, length)](FtpChannel& channel) {
+    if (type == CURLINFO_HEADER_OUT) channel.transcript_.AddCommand(line);
+    if (type != CURLINFO_HEADER_IN) return 0;
+    channel.transcript_.AddReplyLine(line);
+    if (channel.run_ != nullptr) channel.run_->parsed += static_cast<std::int64_t>(line.size());
+    return 0;
+  });
 }
 
 std::size_t FtpChannel::OnRead(char* buffer, std::size_t size, std::size_t count, void* self) {
-  const FtpTask* task = static_cast<FtpChannel*>(self)->task_;
-  const std::ptrdiff_t length = task != nullptr && task->read ? task->read(buffer, size * count) : -1;
-  return length < 0 ? CURL_READFUNC_ABORT : static_cast<std::size_t>(length);
+  return Guarded(self, std::size_t{CURL_READFUNC_ABORT}, [buffer, length = size * count](FtpChannel& channel) {
+    FtpData* data = channel.run_ != nullptr ? channel.run_->task.data : nullptr;
+    const std::ptrdiff_t read = data != nullptr ? data->Read(buffer, length) : -1;
+    return read < 0 ? CURL_READFUNC_ABORT : static_cast<std::size_t>(read);
+  });
 }
 
 std::size_t FtpChannel::OnWrite(char* bytes, std::size_t size, std::size_t count, void* self) {
-  auto* channel = static_cast<FtpChannel*>(self);
-  const FtpTask* task = channel->task_;
-  if (task == nullptr || !task->write || !task->write({bytes, size * count})) return 0;
-  channel->received_ += static_cast<std::int64_t>(size * count);
-  return size * count;
+  return Guarded(self, std::size_t{0}, [bytes, length = size * count](FtpChannel& channel) {
+    FtpData* data = channel.run_ != nullptr ? channel.run_->task.data : nullptr;
+    if (data == nullptr) return length;  // curl's own words about a file whose size is asked for
+    if (!data->Write({bytes, length})) return std::size_t{0};
+    channel.run_->received += static_cast<std::int64_t>(length);
+    return length;
+  });
 }
 
 curl_socket_t FtpChannel::OnOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
-  auto* channel = static_cast<FtpChannel*>(self);
-  const curl_socket_t made = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
-  if (made == CURL_SOCKET_BAD || channel->task_ == nullptr) return made;
-  const std::lock_guard lock(channel->sockets_mutex_);
-  channel->sockets_.push_back(made);
-  if (channel->task_->kind == FtpTask::Kind::Login) {
-    channel->address_ = AddressText(*address);
-    channel->had_address_ = true;
-  } else {
-    channel->data_ = made;
-  }
-  return made;
+  return Guarded(self, curl_socket_t{CURL_SOCKET_BAD}, [address](FtpChannel& channel) {
+    const bool is_login = channel.run_ != nullptr && channel.run_->task.kind == FtpTask::Kind::Login;
+    if (is_login) {
+      channel.run_->address = AddressText(*address);
+      channel.run_->had_address = true;
+    }
+    const curl_socket_t made = channel.sockets_.Open(*address);
+    if (channel.run_ != nullptr && !is_login) channel.run_->data = made;
+    return made;
+  });
 }
 
 int FtpChannel::OnCloseSocket(void* self, curl_socket_t socket) {
-  auto* channel = static_cast<FtpChannel*>(self);
-  {
-    const std::lock_guard lock(channel->sockets_mutex_);
-    std::erase(channel->sockets_, socket);
-  }
-  if (socket == channel->control_) channel->control_ = CURL_SOCKET_BAD;
-  const bool is_data = channel->task_ != nullptr && socket == channel->data_;
-  return is_data ? channel->CloseData(socket) : close(socket);
+  return Guarded(self, 0, [socket](FtpChannel& channel) { return channel.CloseSocket(socket); });
+}
+
+int FtpChannel::CloseSocket(curl_socket_t socket) {
+  sockets_.Forget(socket);
+  if (socket == control_) control_ = CURL_SOCKET_BAD;
+  const bool is_data = run_ != nullptr && socket == run_->data;
+  return is_data ? CloseData(socket) : close(socket);
 }
 
 int FtpChannel::CloseData(curl_socket_t socket) {
   const bool reply_follows = transcript_.Last().code / 100 == 1 && !IsOver(socket);
   // What the kernel still holds of an upload tells whether a slow line is alive.
-  draining_ = reply_follows && task_->kind == FtpTask::Kind::Upload && UnsentBytes(socket) > 0;
+  run_->draining = reply_follows && run_->task.kind == FtpTask::Kind::Upload && UnsentBytes(socket) > 0;
   int result = 0;
-  if (draining_) {
+  if (run_->draining) {
     result = shutdown(socket, SHUT_WR);
   } else {
-    data_ = CURL_SOCKET_BAD;
+    run_->data = CURL_SOCKET_BAD;
     result = close(socket);
   }
   if (reply_follows && !login_.encrypted) WaitForLastReply();

@@ -1,53 +1,24 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <mutex>
+#include <exception>
+#include <memory>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include <curl/curl.h>
 
 #include "curl/ftp_limits.h"
+#include "curl/ftp_sockets.h"
+#include "curl/ftp_task.h"
+#include "curl/internet_session.h"
 #include "curl/transcript.h"
 #include "platform/event_loop.h"
 #include "platform/internet_client.h"
 
 namespace corvane {
 
-/// What one run of the channel does: first the commands, then the transfer if there is one.
-struct FtpTask {
-  enum class Kind : std::uint8_t { Commands, Login, Upload, Download, Listing };
-
-  Kind kind = Kind::Commands;
-  std::string path{};                   ///< of the file, or of the folder to list
-  std::vector<std::string> commands{};  ///< one that is refused does not end the run
-  std::string list_command{};           ///< instead of LIST
-  std::int64_t size = 0;                ///< of an upload
-  std::int64_t milliseconds = 0;        ///< the longest the whole run may take; 0: as long as something moves
-  /// Called when the run begins: a transfer may be tried again from its start.
-  std::function<void()> begin{};
-  /// Fills the buffer with the next bytes of an upload; below 0 ends it.
-  std::function<std::ptrdiff_t(char*, std::size_t)> read{};
-  /// Takes the next bytes of a download or listing; false ends it.
-  std::function<bool(std::string_view)> write{};
-};
-
-/// How a run ended.
-struct FtpRun {
-  CURLcode code = CURLE_FAILED_INIT;
-  long os_error = 0;
-  bool was_login = false;
-  bool had_address = false;  ///< the server's name did resolve
-  bool cancelled = false;
-  bool timed_out = false;
-  bool moved = false;                ///< some bytes of a transfer did move
-  std::int64_t announced_size = -1;  ///< of a download, when the server told it
-  std::string words;                 ///< curl's own, for failures
-};
+struct RunUnderWay;
 
 /// One logged-in control connection and the runs over it; the loop runs meanwhile.
 ///
@@ -55,11 +26,9 @@ struct FtpRun {
 /// which this class therefore waits for first, and in the handshakes of encryption, whose steps run aside.
 class FtpChannel {
  public:
-  /// Receives what happens during a run; called outside of curl, so that it may do anything but start a run.
-  using Report = std::function<void(InternetStatusCode code, const std::string& text, std::int64_t bytes)>;
-
-  /// A run ends soon after `cancelled` has become true, which must outlive the channel.
-  FtpChannel(EventLoop& loop, const FtpLimits& limits, FtpLogin login, const bool& cancelled, Report report);
+  /// A run ends soon after `cancelled` has become true. What happens is told outside of curl, but for the wait for a
+  /// last reply. All must outlive the channel.
+  FtpChannel(EventLoop& loop, const FtpLimits& limits, const bool& cancelled, InternetSession& session, FtpLogin login);
   /// Never blocks: the control connection is cut, without a good-bye.
   ~FtpChannel();
   FtpChannel(const FtpChannel&) = delete;
@@ -72,6 +41,8 @@ class FtpChannel {
   /// True while the login can be used: not closed by the server, not idle for too long.
   [[nodiscard]] bool LoggedIn() const;
   /// Runs `task`; a `Login` makes the control connection anew. **Yields.**
+  ///
+  /// What a handler or the task's data throws ends the run and the login, and is thrown from here.
   [[nodiscard]] FtpRun Run(const FtpTask& task);
   [[nodiscard]] const FtpLogin& login() const { return login_; }
   /// What went over the control connection in the last run.
@@ -80,23 +51,36 @@ class FtpChannel {
   [[nodiscard]] const std::string& entry_folder() const { return entry_folder_; }
 
  private:
+  struct FreeMulti {
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+  };
+  struct FreeEasy {
+    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+  };
+
   static int OnDebug(CURL* easy, curl_infotype type, char* bytes, std::size_t length, void* self);
   static std::size_t OnRead(char* buffer, std::size_t size, std::size_t count, void* self);
   static std::size_t OnWrite(char* bytes, std::size_t size, std::size_t count, void* self);
   static curl_socket_t OnOpenSocket(void* self, curlsocktype purpose, curl_sockaddr* address);
   static int OnCloseSocket(void* self, curl_socket_t socket);
+  /// The body of a callback: an exception must not cross curl, so it is kept for the end of the run.
+  template <class Result, class Body>
+  static Result Guarded(void* self, Result failure, Body body) noexcept;
 
   void SetUp();
   void SetUpEncryption();
+  /// Returns what was thrown meanwhile.
+  [[nodiscard]] std::exception_ptr CarryOut(RunUnderWay& run);
   void Prepare();
   void PrepareTransfer();
   void Drive();
-  void Finish(FtpRun& run);
+  [[nodiscard]] FtpRun Finish(RunUnderWay& run);
+  [[nodiscard]] CURLcode LetGo(RunUnderWay& run);
   /// Gives the loop a turn when it is due; true when the run has to end.
   [[nodiscard]] bool TurnLoop();
-  void PollLoopWhenDue();
   [[nodiscard]] bool MayBlock() const;
   void PerformAside(int& running);
+  int CloseSocket(curl_socket_t socket);
   int CloseData(curl_socket_t socket);
   void WaitForLastReply();
   void ReportConnecting();
@@ -104,42 +88,29 @@ class FtpChannel {
   [[nodiscard]] bool TooLate();
   [[nodiscard]] std::int64_t MovedBytes() const;
   [[nodiscard]] std::int64_t Information(CURLINFO what) const;
-  [[nodiscard]] std::string UrlOf(const std::string& path, bool is_folder) const;
-  void CutConnections();
+  [[nodiscard]] std::string UrlOf(const std::string& path) const;
 
+  // Never written after the construction.
   EventLoop& loop_;
   const FtpLimits limits_;
-  const FtpLogin login_;
   const bool& cancelled_;
-  const Report report_;
-  CURLM* multi_ = nullptr;
-  CURL* easy_ = nullptr;
-  curl_slist* commands_ = nullptr;
-  char error_[CURL_ERROR_SIZE] = {};
-  Transcript transcript_;
+  InternetSession& session_;
+  const FtpLogin login_;
+
+  // Written by the loop's thread.
   std::string entry_folder_;
-  std::atomic<curl_socket_t> control_ = CURL_SOCKET_BAD;
-  std::mutex sockets_mutex_;
-  std::vector<curl_socket_t> sockets_;  ///< that curl has open
   std::int64_t last_used_ = 0;
   std::int64_t last_poll_ = 0;
+  RunUnderWay* run_ = nullptr;
 
-  // Of the run that is under way.
-  const FtpTask* task_ = nullptr;
-  bool ended_early_ = false;  ///< by a cancel or a limit
-  std::string address_;       ///< that is being connected to and was not reported
-  bool had_address_ = false;
-  bool connected_ = false;  ///< was reported
-  std::int64_t began_ = 0;
-  std::int64_t reported_ = 0;  ///< bytes
-  std::int64_t report_due_ = 0;
-  std::int64_t received_ = 0;      ///< bytes of a download
-  std::int64_t parsed_ = 0;        ///< bytes of replies that curl has read
-  std::int64_t taken_before_ = 0;  ///< bytes from the control connection in former runs
-  std::int64_t last_sign_ = 0;     ///< when something moved
-  std::int64_t sign_ = 0;          ///< what had moved then
-  std::atomic<curl_socket_t> data_ = CURL_SOCKET_BAD;
-  bool draining_ = false;  ///< curl is done with the data connection, the kernel is not
+  // Written by curl's thread, see `RunUnderWay`, and by the loop's between curl's steps.
+  Transcript transcript_;
+  curl_socket_t control_ = CURL_SOCKET_BAD;
+  FtpSockets sockets_;
+
+  // Last: their ends call back.
+  std::unique_ptr<CURLM, FreeMulti> multi_;
+  std::unique_ptr<CURL, FreeEasy> easy_;
 };
 
 }  // namespace corvane

@@ -45,14 +45,9 @@ std::string QuotedFolder(std::string_view reply) {
 
 }  // namespace
 
-FtpConnection::FtpConnection(EventLoop& loop, const FtpLimits& limits, const FtpLogin& login, const bool& cancelled,
-                             FtpChannel::Report report)
-    : limits_(limits),
-      report_(std::move(report)),
-      channel_(loop, limits, WithPlainHost(login), cancelled, [this](auto code, const auto& text, auto bytes) {
-        // A login made again is nobody's business.
-        if (code > kConnectedToServer || !known_) report_(code, text, bytes);
-      }) {}
+FtpConnection::FtpConnection(EventLoop& loop, const FtpLimits& limits, const bool& cancelled, InternetSession& session,
+                             FtpLogin login)
+    : limits_(limits), session_(session), channel_(loop, limits, cancelled, session, WithPlainHost(std::move(login))) {}
 
 bool FtpConnection::Fail(int error, const std::string& words) {
   error_ = error;
@@ -76,7 +71,7 @@ bool FtpConnection::CheckLogin() {
 
 bool FtpConnection::LogIn() {
   if (!CheckLogin()) return false;
-  report_(kResolvingName, channel_.login().host, 0);
+  session_.Tell(kResolvingName, channel_.login().host);
   const FtpTask task{.kind = FtpTask::Kind::Login, .commands = {"FEAT"}};
   FtpRun run;
   bool logged_in = RunOnce(task, run);
@@ -85,9 +80,9 @@ bool FtpConnection::LogIn() {
     logged_in = RunOnce(task, run);
   }
   if (!logged_in) return false;
-  known_ = true;
   ReadFeatures();
   current_folder_ = channel_.entry_folder();
+  current_is_told_ = !current_folder_.empty();
   return !has_utf8_ || Perform({.commands = {"OPTS UTF8 ON"}});
 }
 
@@ -102,7 +97,7 @@ void FtpConnection::ReadFeatures() {
 }
 
 bool FtpConnection::LogInAgain() {
-  FtpTask task{.kind = FtpTask::Kind::Login};
+  FtpTask task{.kind = FtpTask::Kind::Login, .told = false};
   if (has_utf8_) task.commands = {"OPTS UTF8 ON"};
   FtpRun run;
   lost_ = !RunOnce(task, run);
@@ -110,18 +105,27 @@ bool FtpConnection::LogInAgain() {
 }
 
 bool FtpConnection::RunOnce(const FtpTask& task, FtpRun& run) {
-  current_is_fresh_ = false;
   run = channel_.Run(task);
+  if (run.was_login) server_folder_ = channel_.entry_folder();
+  if (!transcript().Of("CWD").verb.empty()) server_folder_.clear();
   const FtpFailure failure = FailureOf(run, transcript());
   error_ = failure.error;
   response_ = failure.words.empty() ? transcript().Last().text : failure.words;
   return error_ == kInternetNoError;
 }
 
+bool FtpConnection::RunInFolder(const FtpTask& task, FtpRun& run) {
+  if (task.kind == FtpTask::Kind::Listing && task.path != server_folder_) {
+    if (!RunOnce({.commands = {"CWD " + task.path}}, run) || !Accepted("CWD")) return false;
+    server_folder_ = task.path;
+  }
+  return RunOnce(task, run);
+}
+
 bool FtpConnection::Perform(const FtpTask& task, FtpRun& run) {
-  if (!channel_.LoggedIn()) return LogInAgain() && RunOnce(task, run);
-  if (RunOnce(task, run)) return true;
-  return MetClosedLogin(run, transcript()) && LogInAgain() && RunOnce(task, run);
+  if (!channel_.LoggedIn()) return LogInAgain() && RunInFolder(task, run);
+  if (RunInFolder(task, run)) return true;
+  return MetClosedLogin(run, transcript()) && LogInAgain() && RunInFolder(task, run);
 }
 
 bool FtpConnection::Perform(const FtpTask& task) {
@@ -146,19 +150,20 @@ bool FtpConnection::EnterFolder(const std::string& folder) {
   const std::string target = Below(channel_.entry_folder(), folder);
   if (!Perform({.commands = {"CWD " + target, "PWD"}}) || !Accepted("CWD")) return false;
   const std::string named = QuotedFolder(transcript().Of("PWD").text);
-  current_is_fresh_ = !named.empty();
-  current_folder_ = current_is_fresh_ ? named : target;
+  current_is_told_ = !named.empty();
+  current_folder_ = server_folder_ = current_is_told_ ? named : target;
   return true;
 }
 
 bool FtpConnection::AskFolder() {
-  // The reply to PWD that followed the last CWD is still true: nothing else went out since.
-  if (current_is_fresh_) return true;
+  // Nothing has led elsewhere since the server named it, and nobody else can.
+  if (current_is_told_ && current_folder_ == server_folder_ && channel_.LoggedIn()) return true;
   FtpTask task{.commands = {"PWD"}};
   if (!current_folder_.empty()) task.commands.insert(task.commands.begin(), "CWD " + current_folder_);
   if (!Perform(task) || !Accepted("PWD")) return false;
   if (!current_folder_.empty() && !Accepted("CWD")) return false;
-  current_folder_ = QuotedFolder(transcript().Of("PWD").text);
+  current_folder_ = server_folder_ = QuotedFolder(transcript().Of("PWD").text);
+  current_is_told_ = !current_folder_.empty();
   return true;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
+#include <utility>
 
 #include "curl/ftp_channel.h"
 #include "platform/event_loop.h"
@@ -15,8 +15,8 @@ namespace corvane {
 /// Steps that return bool leave the reason of a failure in `error` and `response`.
 class FtpConnection {
  public:
-  FtpConnection(EventLoop& loop, const FtpLimits& limits, const FtpLogin& login, const bool& cancelled,
-                FtpChannel::Report report);
+  FtpConnection(EventLoop& loop, const FtpLimits& limits, const bool& cancelled, InternetSession& session,
+                FtpLogin login);
 
   /// Connects, logs in and asks for the server's features. **Yields.**
   [[nodiscard]] bool LogIn();
@@ -29,7 +29,8 @@ class FtpConnection {
   [[nodiscard]] bool Accepted(const std::string& verb);
   /// Makes `folder` current, a relative one taken from the folder of the login. **Yields.**
   [[nodiscard]] bool EnterFolder(const std::string& folder);
-  /// Learns the current folder from the server. **Yields.**
+  /// Learns the current folder from the server; asks when something may have led elsewhere since its last word.
+  /// **Yields.**
   [[nodiscard]] bool AskFolder();
   /// Runs one command on a name in the current folder. **Yields.**
   [[nodiscard]] bool RunCommand(const std::string& verb, const std::string& name);
@@ -43,9 +44,7 @@ class FtpConnection {
   [[nodiscard]] const std::string& current_folder() const { return current_folder_; }
   [[nodiscard]] bool has_mlsd() const { return has_mlsd_; }
   [[nodiscard]] const Transcript& transcript() const { return channel_.transcript(); }
-  void Report(InternetStatusCode code, const std::string& text = "", std::int64_t bytes = 0) {
-    report_(code, text, bytes);
-  }
+  void Report(InternetStatusCode code, const std::string& text = "") { session_.Tell(code, text); }
 
   /// Fails a step; without `words` the server's last reply is what a person gets to see. Always false.
   bool Fail(int error, const std::string& words = "");
@@ -56,29 +55,30 @@ class FtpConnection {
   /// True when the login was lost and could not be made again.
   [[nodiscard]] bool lost() const { return lost_; }
 
-  // The size that a file was last told to have; servers without SIZE in a download leave nothing else to compare with.
+  /// Keeps the size that a file was just told to have for the fetch that follows: no server is asked twice.
   void RememberSize(const std::string& path, std::int64_t size) { sized_path_ = path, sized_as_ = size; }
-  /// -1 when it is not known.
-  [[nodiscard]] std::int64_t RememberedSize(const std::string& path) const {
-    return path == sized_path_ ? sized_as_ : -1;
+  /// Gives that size once; -1 when it is not known.
+  [[nodiscard]] std::int64_t TakeSize(const std::string& path) {
+    return path == sized_path_ ? std::exchange(sized_as_, -1) : -1;
   }
 
  private:
   [[nodiscard]] static std::string Below(const std::string& folder, const std::string& name);
   [[nodiscard]] bool CheckLogin();
   [[nodiscard]] bool LogInAgain();
+  [[nodiscard]] bool RunInFolder(const FtpTask& task, FtpRun& run);
   [[nodiscard]] bool RunOnce(const FtpTask& task, FtpRun& run);
   void ReadFeatures();
 
   const FtpLimits limits_;
-  FtpChannel::Report report_;
+  InternetSession& session_;
   FtpChannel channel_;
-  bool known_ = false;  ///< was logged in once
   bool has_mlsd_ = false;
   bool has_utf8_ = false;
   bool lost_ = false;
-  std::string current_folder_;
-  bool current_is_fresh_ = false;  ///< the server has just named it
+  std::string current_folder_;    ///< that names are taken from
+  bool current_is_told_ = false;  ///< in the server's own words
+  std::string server_folder_;     ///< that the server is in; empty when that is not known
   std::string sized_path_;
   std::int64_t sized_as_ = -1;
   int error_ = kInternetNoError;

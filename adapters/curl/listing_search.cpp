@@ -50,18 +50,30 @@ bool ResolveLinks(FtpConnection& ftp, const std::string& folder, ListingReader& 
   return true;
 }
 
+/// Gives a listing to its reader as it comes.
+class ListingTarget : public FtpData {
+ public:
+  explicit ListingTarget(ListingReader& listing) : listing_(listing) {}
+  bool Write(std::string_view bytes) override { return fits_ = listing_.Take(bytes); }
+  [[nodiscard]] bool fits() const { return fits_; }
+
+ private:
+  ListingReader& listing_;
+  bool fits_ = true;
+};
+
 bool ReadListing(FtpConnection& ftp, const std::string& folder, ListingReader& listing) {
-  FtpTask task{.kind = FtpTask::Kind::Listing, .path = folder, .commands = {"CWD " + folder}};
+  ListingTarget target(listing);
+  FtpTask task{.kind = FtpTask::Kind::Listing, .path = folder, .data = &target};
   if (ftp.has_mlsd()) task.list_command = "MLSD";
-  bool fits = true;
-  task.write = [&](std::string_view bytes) { return fits = listing.Take(bytes); };
   const bool came = ftp.Perform(task);
   for (const std::string& line : listing.skipped()) ftp.Report(kListingLineSkipped, line);
-  if (!fits) return ftp.Refuse("The listing of " + folder + " is too long to be read.");
+  if (!target.fits()) return ftp.Refuse("The listing of " + folder + " is too long to be read.");
   // Some servers refuse to list an empty folder.
-  if (!came) return ftp.transcript().Last().code == kNoMatchingFiles && ftp.Accepted("CWD");
+  const FtpExchange& last = ftp.transcript().Last();
+  if (!came) return last.code == kNoMatchingFiles && last.verb != "CWD";
   listing.End();
-  return ftp.Accepted("CWD") && ResolveLinks(ftp, folder, listing);
+  return ResolveLinks(ftp, folder, listing);
 }
 
 bool ReadFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& folder,
@@ -104,7 +116,7 @@ bool ListFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& pa
 bool FindOneFile(FtpConnection& ftp, const EventLoop& loop, const std::string& path, std::vector<FindRecord>& records) {
   if (!ftp.CheckName(path)) return false;
   const std::string full = ftp.Absolute(path);
-  if (!ftp.Perform({.commands = {"TYPE I", "SIZE " + full, "MDTM " + full}})) return false;
+  if (!ftp.Perform({.kind = FtpTask::Kind::Examine, .path = full, .commands = {"MDTM " + full}})) return false;
   const FtpExchange& size = ftp.transcript().Of("SIZE");
   constexpr int kUnknownCommands[] = {500, 502, 504};
   if (std::find(std::begin(kUnknownCommands), std::end(kUnknownCommands), size.code) != std::end(kUnknownCommands)) {

@@ -16,7 +16,7 @@ namespace corvane {
 namespace {
 
 /// A local file being sent, as long as it was when it was opened.
-class UploadSource {
+class UploadSource : public FtpData {
  public:
   explicit UploadSource(const std::string& path) : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
     struct stat found {};
@@ -27,15 +27,13 @@ class UploadSource {
     }
     size_ = found.st_size;
   }
-  ~UploadSource() {
+  ~UploadSource() override {
     if (descriptor_ >= 0) close(descriptor_);
   }
-  UploadSource(const UploadSource&) = delete;
-  UploadSource& operator=(const UploadSource&) = delete;
 
-  void Rewind() { done_ = 0; }
+  void Begin() override { done_ = 0; }
   /// The next bytes; -1 after an error or when the file has become shorter.
-  std::ptrdiff_t Read(char* buffer, std::size_t length) {
+  std::ptrdiff_t Read(char* buffer, std::size_t length) override {
     const auto wanted = std::min<std::int64_t>(static_cast<std::int64_t>(length), size_ - done_);
     if (wanted == 0) return 0;
     const ssize_t got = pread(descriptor_, buffer, static_cast<std::size_t>(wanted), done_);
@@ -59,11 +57,41 @@ class UploadSource {
   std::int64_t done_ = 0;
 };
 
+/// A local file being fetched, in place only when all of it has come.
+class DownloadTarget : public FtpData {
+ public:
+  explicit DownloadTarget(const std::string& path) : file_(path), disk_(file_.Open()) {}
+
+  bool Write(std::string_view bytes) override {
+    file_.buffer() += bytes;
+    received_ += static_cast<std::int64_t>(bytes.size());
+    disk_ = file_.FlushWhenFull();
+    return disk_.ok();
+  }
+  /// Puts the file in its place, on the disk. **Yields.**
+  void Commit(EventLoop& loop) {
+    disk_ = RunAside(loop, [this] { return file_.Commit(); });
+  }
+
+  [[nodiscard]] std::int64_t received() const { return received_; }
+  [[nodiscard]] const Status& disk() const { return disk_; }
+
+ private:
+  ReplacementFile file_;
+  Status disk_;
+  std::int64_t received_ = 0;
+};
+
 /// Tells the beginning and the end of a transfer, whatever way it ends.
 class TransferReports {
  public:
   explicit TransferReports(FtpConnection& ftp) : ftp_(ftp) { ftp_.Report(kHandleCreated); }
-  ~TransferReports() { ftp_.Report(kHandleClosing); }
+  ~TransferReports() {
+    try {
+      ftp_.Report(kHandleClosing);
+    } catch (...) {  // a handler that fails has nothing to say about how the transfer ended
+    }
+  }
   TransferReports(const TransferReports&) = delete;
   TransferReports& operator=(const TransferReports&) = delete;
 
@@ -85,8 +113,8 @@ bool RefuseDisk(FtpConnection& ftp, const Status& status) {
 }
 
 /// False when the file that came is not the one that the server announced.
-bool CheckSize(FtpConnection& ftp, const FtpRun& run, const std::string& path, std::int64_t received) {
-  const std::int64_t expected = run.announced_size >= 0 ? run.announced_size : ftp.RememberedSize(path);
+bool CheckSize(FtpConnection& ftp, const FtpTask& task, const FtpRun& run, std::int64_t received) {
+  const std::int64_t expected = run.announced_size >= 0 ? run.announced_size : task.size;
   return expected < 0 || expected == received || ftp.Fail(kInternetConnectionAborted);
 }
 
@@ -97,9 +125,8 @@ bool UploadFile(FtpConnection& ftp, const std::string& local, const std::string&
   UploadSource source(local);
   if (!source.ok()) return RefuseLocal(ftp, local, source.Problem());
   const TransferReports reports(ftp);
-  FtpTask task{.kind = FtpTask::Kind::Upload, .path = ftp.Absolute(remote), .size = source.size()};
-  task.begin = [&source] { source.Rewind(); };
-  task.read = [&source](char* buffer, std::size_t length) { return source.Read(buffer, length); };
+  const FtpTask task{
+      .kind = FtpTask::Kind::Upload, .path = ftp.Absolute(remote), .size = source.size(), .data = &source};
   if (ftp.Perform(task)) {
     ftp.Report(kRequestSent);
     return true;
@@ -109,24 +136,17 @@ bool UploadFile(FtpConnection& ftp, const std::string& local, const std::string&
 
 bool DownloadFile(FtpConnection& ftp, EventLoop& loop, const std::string& remote, const std::string& local) {
   if (!CheckFileName(ftp, remote)) return false;
-  ReplacementFile file(local);
-  Status disk = file.Open();
-  if (!disk.ok()) return RefuseDisk(ftp, disk);
+  DownloadTarget target(local);
+  if (!target.disk().ok()) return RefuseDisk(ftp, target.disk());
   const TransferReports reports(ftp);
-  std::int64_t received = 0;
-  FtpTask task{.kind = FtpTask::Kind::Download, .path = ftp.Absolute(remote)};
-  task.write = [&](std::string_view bytes) {
-    file.buffer() += bytes;
-    received += static_cast<std::int64_t>(bytes.size());
-    disk = file.FlushWhenFull();
-    return disk.ok();
-  };
+  FtpTask task{.kind = FtpTask::Kind::Download, .path = ftp.Absolute(remote), .data = &target};
+  task.size = ftp.TakeSize(task.path);
   FtpRun run;
   const bool came = ftp.Perform(task, run);
-  if (!disk.ok()) return RefuseDisk(ftp, disk);
-  if (!came || !CheckSize(ftp, run, task.path, received)) return false;
-  disk = RunAside(loop, [&file] { return file.Commit(); });
-  return disk.ok() || RefuseDisk(ftp, disk);
+  if (!target.disk().ok()) return RefuseDisk(ftp, target.disk());
+  if (!came || !CheckSize(ftp, task, run, target.received())) return false;
+  target.Commit(loop);
+  return target.disk().ok() || RefuseDisk(ftp, target.disk());
 }
 
 }  // namespace corvane

@@ -2,7 +2,8 @@
 //
 // Everything runs in the loop's thread. Calls marked **Yields** wait for the network: they run the loop meanwhile and
 // end by themselves when the server is silent for too long. Status reports arrive only while such a call runs, in the
-// loop's thread; a handler must not call back into the client, except for `Cancel`.
+// loop's thread; a handler must not call back into the client, except for `Cancel`. What a handler throws ends the call
+// and is thrown from it; the next call works.
 #pragma once
 
 #include <cstdint>
@@ -105,7 +106,7 @@ class InternetClient {
   /// Makes `folder` current; a relative one is taken from the folder of the login, not from the current one.
   /// **Yields.**
   [[nodiscard]] virtual bool FtpSetCurrentDirectory(InternetHandle connection, const std::string& folder) = 0;
-  /// Asks the server for its current folder. **Yields.**
+  /// The server's current folder; asked for unless its last word about it still holds. **Yields.**
   [[nodiscard]] virtual bool FtpGetCurrentDirectory(InternetHandle connection, std::string& folder) = 0;
   /// Stores the file `local` (a full path) as `remote`, a name in or below the current folder, or absolute. **Yields.**
   [[nodiscard]] virtual bool FtpPutFile(InternetHandle connection, const std::string& local,

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/status.h"
 #include "base/text.h"
 #include "support/ftp_probe.h"
 #include "support/server_process.h"
@@ -280,6 +281,21 @@ TEST(FtpFaults, HostsThatCannotBeReached) {
     EXPECT_EQ(ftp.client->InternetConnect(ftp.session, ftp.login), 0);
     EXPECT_EQ(ftp.client->GetLastError(), error);
     EXPECT_LE(ftp.LongestGap(), kLongestGap);
+  }
+}
+
+TEST(FtpFaults, HandlerThatThrowsEndsItsCallOnly) {
+  // Between curl's steps, and in the wait for a last reply, which is in the middle of one.
+  for (const char* fault : {"stall_up", "late_last_reply"}) {
+    SCOPED_TRACE(fault);
+    FaultySession session(fault);
+    ASSERT_TRUE(session.Do(Step::Connect));
+    const auto timer = session.ftp.loop.MakeTimer([] { throw RunTimeError("thrown"); });
+    timer->Start(50);
+    EXPECT_THROW(static_cast<void>(session.Do(Step::Put)), RunTimeError);
+    timer->Stop();
+    EXPECT_EQ(session.ftp.Codes().back(), kHandleClosing);
+    EXPECT_TRUE(session.Do(Step::MakeFolder)) << session.Error() << session.Words();
   }
 }
 

@@ -30,6 +30,7 @@ class Session:
         self.past = past  # what all sessions of the server share
         self.lines = control.makefile("rb")
         self.port = None
+        self.heard = []
 
     def say(self, text):
         self.control.sendall(text.encode() + b"\r\n")
@@ -39,6 +40,7 @@ class Session:
             self.begin()
             while line := self.lines.readline():
                 verb, _, argument = line.decode(errors="replace").rstrip("\r\n").partition(" ")
+                self.heard.append(verb)
                 getattr(self, verb.upper(), self.unknown)(argument)
         except (Drop, OSError):
             pass
@@ -340,6 +342,15 @@ class odd_listing(Session):
 
     def CWD(self, folder):
         self.say("550 no folder" if folder == "/link" else "250 done")
+
+
+class tells_commands(Session):
+    """Refuses a folder with the names of the commands that came before it."""
+
+    def MKD(self, _):
+        told = [verb for verb in self.heard if verb in ("CWD", "PWD", "TYPE", "SIZE")]
+        self.heard.clear()
+        self.say("550 " + " ".join(told))
 
 
 class quit_hangs(Session):
