@@ -6,22 +6,15 @@
 #include <cmath>
 #include <limits>
 
+#include "base/number_fields.h"
 #include "base/text.h"
 
 namespace corvane {
 namespace {
 
-constexpr int kMostDecimals = 6;
-constexpr std::array<double, kMostDecimals + 1> kPowersOfTen = {1, 10, 100, 1e3, 1e4, 1e5, 1e6};
-constexpr double kLargestFast = 1e9;  // below it the scaled number is off by less than a millionth
-constexpr double kNearHalf = 1e-5;    // closer to a half than this, the decimal text decides
 constexpr int kSignificantDigits = 15;
 constexpr double kLargestPlain = 1e15;
 constexpr double kLargestInteger = 1e18;
-
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 /// The number at the start of `text` (one sign at most); where it ends is left in `end`, the start when there is none.
 double NumberAtStart(std::string_view text, const char*& end) {
@@ -38,15 +31,8 @@ double NumberAtStart(std::string_view text, const char*& end) {
   return result.ec == std::errc() ? number : 0;
 }
 
-/// Apart from whole numbers, which are the most and need no guarded stack.
-[[gnu::noinline]] double LeadingFraction(std::string_view text) {
-  const char* end = nullptr;
-  return NumberAtStart(text, end);
-}
-
-/// Appends `rounded`, the size of `number` scaled by `decimals` places, with its sign and point.
-template <class Unsigned>
-void AppendRounded(std::string& out, double number, Unsigned rounded, int decimals) {
+/// Writes `rounded`, the size of `number` scaled by `decimals` places, with its sign and point; returns the end.
+char* PutRounded(char* out, double number, std::uint64_t rounded, int decimals) {
   std::array<char, 24> digits;
   char* const end = digits.data() + digits.size();
   char* begin = end;
@@ -60,7 +46,7 @@ void AppendRounded(std::string& out, double number, Unsigned rounded, int decima
     rounded /= 10;
   } while (rounded != 0);
   if (negative) *--begin = '-';
-  out.append(begin, end);
+  return std::copy(begin, end, out);
 }
 
 /// Rounds the 15-digit decimal text of `number` (not negative, below 1e15) to `decimals`, halves up, as an integer.
@@ -98,15 +84,8 @@ std::string Shortest(Number number) {
 }  // namespace
 
 double LeadingNumber(std::string_view text) {
-  std::size_t at = 0;
-  while (at < text.size() && (text[at] == ' ' || text[at] == '\t')) ++at;
-  const std::size_t start = at;
-  std::int64_t whole = 0;
-  while (at < text.size() && IsDigit(text[at]) && at - start < 18) whole = whole * 10 + (text[at++] - '0');
-  if (at > start && (at == text.size() || (!IsDigit(text[at]) && text[at] != '.' && (text[at] | 0x20) != 'e'))) {
-    return static_cast<double>(whole);
-  }
-  return LeadingFraction(text.substr(start));
+  const char* end = nullptr;
+  return NumberAtStart(text.substr(std::min(text.find_first_not_of(" \t"), text.size())), end);
 }
 
 std::optional<double> ParseNumber(std::string_view text) {
@@ -143,31 +122,25 @@ std::string ShortestText(double number) {
   return Shortest(number);
 }
 
-void AppendFixed(std::string& out, double number, int decimals) {
-  decimals = std::clamp(decimals, 0, kMostDecimals);
+char* PutDecimalText(char* out, double number, int decimals) {
   const double size = std::abs(number);
   const double scaled = size * kPowersOfTen[static_cast<std::size_t>(decimals)];
-  if (scaled < kLargestFast) {
-    const auto whole = static_cast<std::uint32_t>(scaled);
-    const double above_half = scaled - whole - 0.5;
-    if (std::abs(above_half) > kNearHalf) {
-      AppendRounded(out, number, whole + (above_half > 0 ? 1U : 0U), decimals);
-      return;
-    }
-  }
   if (std::isnan(number)) {
-    out += "nan";
-  } else if (size >= kLargestPlain) {
-    std::array<char, 400> text;
-    const auto written =
-        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, decimals);
-    out.append(text.data(), written.ptr);
-  } else if (scaled >= kLargestInteger) {  // more decimals than the 15-digit text has
-    AppendFixed(out, number, decimals - 3);
-    out += "000";
-  } else {
-    AppendRounded(out, number, RoundDecimalText(size, decimals), decimals);
+    constexpr std::string_view kNoNumber = "nan";
+    return std::copy(kNoNumber.begin(), kNoNumber.end(), out);
   }
+  if (size >= kLargestPlain) {
+    return std::to_chars(out, out + kLongestFixed, number, std::chars_format::fixed, decimals).ptr;
+  }
+  if (scaled >= kLargestInteger) {  // more decimals than the 15-digit text has
+    return std::fill_n(PutFixed(out, number, decimals - 3), 3, '0');
+  }
+  return PutRounded(out, number, RoundDecimalText(size, decimals), decimals);
+}
+
+void AppendFixed(std::string& out, double number, int decimals) {
+  std::array<char, kLongestFixed> text;
+  out.append(text.data(), PutFixed(text.data(), number, std::clamp(decimals, 0, kMostDecimals)));
 }
 
 std::string FixedText(double number, int decimals) {
