@@ -132,11 +132,15 @@ DatePattern::DatePattern(std::string_view pattern) {
       pieces_.push_back({letter->field, width, {}});
       at += static_cast<std::size_t>(width);
     } else {
-      if (pieces_.empty() || pieces_.back().field != Field::Literal) pieces_.push_back({Field::Literal, 0, {}});
-      pieces_.back().literal += pattern[at++];
+      Literal() += pattern[at++];
     }
   }
   ResolveMinutes();
+}
+
+std::string& DatePattern::Literal() {
+  if (pieces_.empty() || pieces_.back().field != Field::Literal) pieces_.push_back({Field::Literal, 0, {}});
+  return pieces_.back().literal;
 }
 
 /// m or mm means minutes when the field before it is an hour or the field after it is a second.
@@ -155,7 +159,10 @@ void DatePattern::ResolveMinutes() {
 }
 
 void DatePattern::AppendTo(std::string& out, DateTime when) const {
-  const CivilTime civil = when.ToCivil();
+  AppendTo(out, when.ToCivil());
+}
+
+void DatePattern::AppendTo(std::string& out, const CivilTime& civil) const {
   for (const Piece& piece : pieces_) AppendPiece(out, piece, civil);
 }
 
@@ -196,6 +203,32 @@ void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilT
       out += civil.hour < 12 ? "AM" : "PM";
       break;
   }
+}
+
+DatePattern DatePattern::OfDay(const CivilTime& day) const {
+  DatePattern result;
+  result.twelve_hours_ = twelve_hours_;
+  for (const Piece& piece : pieces_) {
+    if (piece.field >= Field::Hour) {
+      result.pieces_.push_back(piece);
+    } else {
+      AppendPiece(result.Literal(), piece, day);
+    }
+  }
+  return result;
+}
+
+void DateWriter::AppendTo(std::string& out, DateTime when) {
+  if (when < midnight_ || when - midnight_ >= kSecondsPerDay || of_day_.pieces_.empty()) {
+    midnight_ = when.Midnight();
+    civil_ = when.ToCivil();
+    of_day_ = pattern_.OfDay(civil_);
+  }
+  const auto time = static_cast<std::uint32_t>(when - midnight_);
+  civil_.hour = static_cast<int>(time / 3600);
+  civil_.minute = static_cast<int>(time / 60 % 60);
+  civil_.second = static_cast<int>(time % 60);
+  of_day_.AppendTo(out, civil_);
 }
 
 std::string DatePattern::Text(DateTime when) const {

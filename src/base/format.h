@@ -18,12 +18,15 @@ inline constexpr std::string_view kShownDatePattern = "d mmm yyyy HH:MM";
 /// (or, before seconds, right before them) means minutes; English names; everything else is copied as it stands.
 class DatePattern {
  public:
+  DatePattern() = default;
   explicit DatePattern(std::string_view pattern);
   /// Appends the text of `when` to `out`.
   void AppendTo(std::string& out, DateTime when) const;
   [[nodiscard]] std::string Text(DateTime when) const;
 
  private:
+  friend class DateWriter;
+  /// Those from Hour on belong to the time of day.
   enum class Field : std::uint8_t { Literal, Day, Weekday, Month, Year, Hour, Minute, Second, AmPm };
   struct Piece {
     Field field;
@@ -31,10 +34,29 @@ class DatePattern {
     std::string literal;  ///< for Literal
   };
   void ResolveMinutes();
+  /// The literal at the end of the pieces, one more piece where there is none.
+  std::string& Literal();
+  /// This pattern with everything but the time of day written out.
+  [[nodiscard]] DatePattern OfDay(const CivilTime& day) const;
+  void AppendTo(std::string& out, const CivilTime& civil) const;
   void AppendPiece(std::string& out, const Piece& piece, const CivilTime& civil) const;
 
   std::vector<Piece> pieces_;
   bool twelve_hours_ = false;
+};
+
+/// Writes one date after another, fast while they stay on one day.
+class DateWriter {
+ public:
+  explicit DateWriter(std::string_view pattern) : pattern_(pattern) {}
+  /// Appends the text of `when` to `out`.
+  void AppendTo(std::string& out, DateTime when);
+
+ private:
+  DatePattern pattern_;
+  DateTime midnight_;   ///< that began the day of the last date
+  DatePattern of_day_;  ///< the pattern for that day; none yet: no pieces
+  CivilTime civil_;
 };
 
 /// `when` written with `pattern` (see `DatePattern`).
