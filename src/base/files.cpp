@@ -16,7 +16,6 @@ namespace corvane {
 namespace {
 
 constexpr std::size_t kBlockSize = 128 * 1024;
-constexpr std::size_t kFlushSize = 64 * 1024;
 
 Status CheckFullPath(const std::string& path) {
   if (path.starts_with('/') && path.find('\0') == std::string::npos) return Status::Ok();
@@ -252,10 +251,6 @@ Status ReplacementFile::Open() {
   if (CheckFullPath(temporary_).ok()) unlink(temporary_.c_str());
   failure_ = Status::Ok();
   return file_.Create(temporary_, mode_);
-}
-
-Status ReplacementFile::FlushWhenFull() {
-  return buffer_.size() < kFlushSize ? Status::Ok() : Flush();
 }
 
 Status ReplacementFile::Flush() {

@@ -94,7 +94,7 @@ class ReplacementFile {
   /// The buffer to append to; call `FlushWhenFull` after each row.
   std::string& buffer() { return buffer_; }
   /// Hands the buffer to the kernel once it holds 64 kB or more.
-  Status FlushWhenFull();
+  Status FlushWhenFull() { return buffer_.size() < kFlushSize ? Status::Ok() : Flush(); }
   /// Flushes, syncs and renames over the final name.
   Status Commit();
 
@@ -102,6 +102,8 @@ class ReplacementFile {
   static void RemoveUnfinished();
 
  private:
+  static constexpr std::size_t kFlushSize = 64 * 1024;
+
   Status Flush();
   void Discard();
 
