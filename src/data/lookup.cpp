@@ -35,8 +35,7 @@ bool CLookup::Initialise(std::string_view as_File) {
   return Count() > 0;
 }
 
-// Apart from `Lookup`, which runs for every value and needs no guarded stack.
-[[gnu::noinline]] bool CLookup::Load() {
+bool CLookup::Load() {
   if (loaded_) return true;
   try {
     ReadPoints();
@@ -83,16 +82,6 @@ void CLookup::ComputeSegments() {
   points_.back().Slope = 0;
   points_.back().Intercept = points_.back().Y;
   position_ = 1;
-}
-
-double CLookup::Lookup(double ad_X) {
-  if (failed_ || (!loaded_ && !Load()) || Count() == 0) return 0;
-  if (ad_X < points_[position_].X) {
-    while (position_ > 0 && ad_X < points_[position_].X) --position_;
-  } else {
-    while (position_ < Count() && ad_X >= points_[position_ + 1].X) ++position_;
-  }
-  return ad_X * points_[position_].Slope + points_[position_].Intercept;
 }
 
 void CLookup::ReportError(std::string_view as_Description, std::string_view as_Operation) {

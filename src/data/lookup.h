@@ -21,7 +21,7 @@ class CLookup {
   /// Reads the file if it is not loaded; false after an error, which has been shown. **Yields** then.
   bool Load();
   /// The calibrated value; 0 when the table failed or is empty. The search starts where the last one ended.
-  [[nodiscard]] double Lookup(double ad_X);
+  [[nodiscard]] double Lookup(double ad_X) { return loaded_ || (!failed_ && Load()) ? ValueAt(ad_X) : 0; }
   /// Number of points.
   [[nodiscard]] std::size_t Count() const { return points_.empty() ? 0 : points_.size() - 1; }
 
@@ -34,6 +34,19 @@ class CLookup {
   };
   void ReadPoints();
   void ComputeSegments();
+  /// The search and the line's value; the table is loaded.
+  [[nodiscard]] double ValueAt(double ad_X) {
+    if (points_.size() < 2) return 0;
+    const Point* at = points_.data() + position_;
+    if (ad_X < at->X) {
+      while (ad_X < at->X) --at;  // ends at the sentinel
+    } else {
+      const Point* const last = &points_.back();
+      while (at != last && ad_X >= at[1].X) ++at;
+    }
+    position_ = static_cast<std::size_t>(at - points_.data());
+    return ad_X * at->Slope + at->Intercept;
+  }
   void ReportError(std::string_view as_Description, std::string_view as_Operation);
 
   Messages& messages_;
