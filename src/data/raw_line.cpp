@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/numbers.h"
+#include "base/number_fields.h"
 #include "base/text.h"
 
 namespace corvane {
@@ -24,20 +24,16 @@ bool IsFramed(std::string_view as_Line) {
   return as_Line.size() >= kShortestFramedLine && as_Line.front() == '$' && as_Line.rfind('*') == as_Line.size() - 3;
 }
 
-/// One field of a date: its value when that lies within the limits.
-std::optional<int> DateField(std::string_view as_Text, int ai_Lowest, int ai_Highest) {
-  const double value = LeadingNumber(as_Text);
-  if (!(value >= ai_Lowest && value <= ai_Highest)) return std::nullopt;
-  return static_cast<int>(value);
-}
-
-/// Takes the text before the first `as_Separator` off the front of `av_Rest`.
-std::optional<std::string_view> TakeUntil(std::string_view& av_Rest, char as_Separator) {
-  const std::size_t end = av_Rest.find(as_Separator);
-  if (end == std::string_view::npos) return std::nullopt;
-  const std::string_view taken = av_Rest.substr(0, end);
-  av_Rest.remove_prefix(end + 1);
-  return taken;
+/// Takes a field of a date, cut to a whole number, and the separator behind it off the front of `as_Rest`. False when
+/// the separator is missing or the number not within the limits.
+bool TakeDateField(std::string_view& as_Rest, char as_Separator, int ai_Lowest, int ai_Highest, int& ai_Value) {
+  const char* const end = as_Rest.data() + as_Rest.size();
+  const char* at = as_Rest.data();
+  const double value = TakeNumber(at, end, as_Separator);
+  if (at == end || !(value >= ai_Lowest && value <= ai_Highest)) return false;
+  as_Rest = {at + 1, end};
+  ai_Value = static_cast<int>(value);
+  return true;
 }
 
 }  // namespace
@@ -59,19 +55,16 @@ std::string LineChecksum(std::string_view as_Text) {
 }
 
 std::optional<DateTime> ParseReadingDate(std::string_view as_Text) {
-  std::string_view rest = as_Text;
-  const auto year_text = TakeUntil(rest, '/');
-  const auto month_text = year_text ? TakeUntil(rest, '/') : std::nullopt;
-  const auto day_text = month_text ? TakeUntil(rest, ' ') : std::nullopt;
-  const auto hour_text = day_text ? TakeUntil(rest, ':') : std::nullopt;
-  if (!hour_text) return std::nullopt;
-  const auto year = DateField(*year_text, 2001, 9999);
-  const auto month = DateField(*month_text, 1, 12);
-  const auto day = DateField(*day_text, 1, 31);
-  const auto hour = DateField(*hour_text, 0, 23);
-  const auto minute = DateField(rest, 0, 59);
-  if (!year || !month || !day || !hour || !minute) return std::nullopt;
-  return DateTime::FromCivil(*year, *month, *day, *hour, *minute);
+  int year = 0;
+  int month = 0;
+  int day = 0;
+  int hour = 0;
+  const bool good = TakeDateField(as_Text, '/', 2001, 9999, year) && TakeDateField(as_Text, '/', 1, 12, month) &&
+                    TakeDateField(as_Text, ' ', 1, 31, day) && TakeDateField(as_Text, ':', 0, 23, hour);
+  const char* minutes = as_Text.data();
+  const double minute = good ? TakeNumber(minutes, minutes + as_Text.size(), ',') : -1;
+  if (!(minute >= 0 && minute <= 59)) return std::nullopt;
+  return DateTime::FromCivil(year, month, day, hour, static_cast<int>(minute));
 }
 
 }  // namespace corvane
