@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "base/file_numbers.h"
 #include "base/files.h"
@@ -45,7 +44,6 @@ struct CalibratedConverter::Run {
   ReplacementFile Output;
   Calibration Rows;
   std::optional<LoggingSchedule> Schedule;  ///< none: every reading is wanted
-  std::vector<std::string_view> Fields;
   std::int64_t RawSize = 0;
   std::int64_t Lines = 0;      ///< of any kind
   std::int64_t TornLines = 0;  ///< without a line end: the last one, or none
@@ -122,24 +120,22 @@ std::optional<LoggingSchedule> CalibratedConverter::ReadSchedule() const {
 }
 
 void CalibratedConverter::TakeLine(Run& av_Run, std::string_view as_Line) {
-  SplitInto(as_Line, ',', av_Run.Fields);
   if (av_Run.Lines++ == 0) {
-    TakeHeader(av_Run);
+    TakeHeader(av_Run, as_Line);
   } else if (!av_Run.Raw.terminated()) {
     ++av_Run.TornLines;
     p_.trace.TraceDecision("ConvertToCalibrated - unterminated last line> " + std::string(as_Line));
-  } else if (av_Run.Fields.size() != av_Run.Rows.Expected()) {
+  } else if (const std::size_t fields = av_Run.Rows.TakeLine(as_Line); fields != av_Run.Rows.Expected()) {
     ++p_.flags.error_counter;
-    p_.trace.AErrorReport("Wrong number of data items on line Actual:" + std::to_string(av_Run.Fields.size()) +
-                          " Expected: " + std::to_string(av_Run.Rows.Expected()) + std::string(kLineBreak) +
-                          std::string(as_Line));
+    p_.trace.AErrorReport("Wrong number of data items on line Actual:" + std::to_string(fields) + " Expected: " +
+                          std::to_string(av_Run.Rows.Expected()) + std::string(kLineBreak) + std::string(as_Line));
   } else {
     TakeReading(av_Run, as_Line);
   }
 }
 
-void CalibratedConverter::TakeHeader(Run& av_Run) {
-  av_Run.Rows.TakeHeader(av_Run.Fields);
+void CalibratedConverter::TakeHeader(Run& av_Run, std::string_view as_Line) {
+  av_Run.Rows.TakeHeader(Split(as_Line, ','));
   const auto bytes_per_line = static_cast<double>(av_Run.Rows.Expected()) * kBytesPerField;
   const double lines = bytes_per_line > 0 ? static_cast<double>(av_Run.RawSize) / bytes_per_line : 0;
   p_.bars.Download.SetDoSkip(true);
@@ -149,7 +145,7 @@ void CalibratedConverter::TakeHeader(Run& av_Run) {
 void CalibratedConverter::TakeReading(Run& av_Run, std::string_view as_Line) {
   ++p_.flags.line_counter;
   p_.bars.Download.SetValue(++av_Run.DataLines);
-  const std::optional<DateTime> when = ParseReadingDate(av_Run.Fields[0]);
+  const std::optional<DateTime> when = ParseReadingDate(av_Run.Rows.DateText());
   if (!when || as_Line.find('\0') != std::string_view::npos) {
     ++p_.flags.error_counter;
     p_.trace.AErrorReport("ConverToCalibrated - invalid date> " + std::string(as_Line));
@@ -157,12 +153,12 @@ void CalibratedConverter::TakeReading(Run& av_Run, std::string_view as_Line) {
   }
   if (!av_Run.DateSeen && av_Run.Schedule) av_Run.Schedule->SetUp(*when);
   av_Run.DateSeen = true;
-  av_Run.Rows.AddReading(av_Run.Fields);
+  av_Run.Rows.AddReading();
   if (av_Run.Schedule && !av_Run.Schedule->IsLoggingTime(*when)) return;
   std::string& out = av_Run.Output.buffer();
   if (!av_Run.HeaderWritten) av_Run.Rows.AppendHeader(out);
   av_Run.HeaderWritten = true;
-  av_Run.Rows.AppendRow(out, *when, av_Run.Fields);
+  av_Run.Rows.AppendRow(out, *when);
 }
 
 bool CalibratedConverter::GoOn(Run& av_Run) {

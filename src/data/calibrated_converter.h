@@ -55,7 +55,7 @@ class CalibratedConverter {
   /// None when every reading is wanted.
   [[nodiscard]] std::optional<LoggingSchedule> ReadSchedule() const;
   void TakeLine(Run& av_Run, std::string_view as_Line);
-  void TakeHeader(Run& av_Run);
+  void TakeHeader(Run& av_Run, std::string_view as_Line);
   void TakeReading(Run& av_Run, std::string_view as_Line);
   /// Handles events about every 20 ms; false when the program closes.
   [[nodiscard]] bool GoOn(Run& av_Run);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/numbers.h"
+#include "base/number_fields.h"
 #include "base/text.h"
 
 namespace corvane {
@@ -23,15 +23,19 @@ constexpr double kRawReference = 29300;  // 20 degrees in hundredths of a kelvin
 constexpr double kKelvinOffset = 273;
 constexpr double kOtherOffset = 20;
 
-void AppendField(std::string& as_Out, double ad_Value, int ai_Decimals) {
-  as_Out += ", ";
-  AppendFixed(as_Out, ad_Value, ai_Decimals);
+constexpr std::size_t kLongestField = kLongestFixed + 2;
+constexpr std::size_t kColumnsPerSensor = 4;
+
+char* PutField(char* as_Out, double ad_Value, int ai_Decimals) {
+  *as_Out++ = ',';
+  *as_Out++ = ' ';
+  return PutFixed(as_Out, ad_Value, ai_Decimals);
 }
 
 }  // namespace
 
 Calibration::Calibration(const CalibrationSettings& av_Settings, Lookups& av_Lookups)
-    : settings_(av_Settings), date_pattern_(av_Settings.DateFormat), lookups_(av_Lookups) {}
+    : settings_(av_Settings), date_writer_(av_Settings.DateFormat), lookups_(av_Lookups) {}
 
 void Calibration::TakeHeader(const std::vector<std::string_view>& av_Fields) {
   const auto number = [&av_Fields](std::size_t field) {
@@ -44,12 +48,24 @@ void Calibration::TakeHeader(const std::vector<std::string_view>& av_Fields) {
   expected_ = possible ? static_cast<std::size_t>(fixed + sensor_fields) : 0;
   sensors_ = (expected_ - fixed_) / kFieldsPerSensor;
   values_.assign(std::max(expected_, kFirstExtra), 0);
+  sums_ = values_;
   samples_ = 0;
+  const std::size_t columns = std::max(fixed_, kFirstExtra) + kColumnsPerSensor * sensors_;
+  row_ = std::make_unique_for_overwrite<char[]>(columns * kLongestField);
 }
 
-void Calibration::AddReading(const std::vector<std::string_view>& av_Fields) {
+std::size_t Calibration::TakeLine(std::string_view as_Line) {
+  const char* const end = as_Line.data() + as_Line.size();
+  const char* at = std::find(as_Line.data(), end, ',');
+  date_text_ = {as_Line.data(), at};
+  std::size_t fields = 1;
+  for (; at != end && fields < expected_; ++fields) values_[fields] = TakeNumber(++at, end, ',');
+  return fields + static_cast<std::size_t>(std::count(at, end, ','));
+}
+
+void Calibration::AddReading() {
   if (!settings_.Average) return;
-  for (std::size_t i = kBattery; i < expected_; ++i) values_[i] += LeadingNumber(av_Fields[i]);
+  for (std::size_t i = kBattery; i < expected_; ++i) sums_[i] += values_[i];
   ++samples_;
 }
 
@@ -66,38 +82,39 @@ void Calibration::AppendHeader(std::string& as_Out) const {
   as_Out += kLineBreak;
 }
 
-void Calibration::AppendRow(std::string& as_Out, DateTime av_When, const std::vector<std::string_view>& av_Fields) {
-  TakeValues(av_Fields);
-  date_pattern_.AppendTo(as_Out, av_When);
-  AppendField(as_Out, values_[kBattery] / 1000, 3);
-  AppendField(as_Out, Temperature(values_[kAmbient]), 2);
-  AppendField(as_Out, values_[kCount], 0);
-  for (std::size_t i = kFirstExtra; i < fixed_; ++i) AppendField(as_Out, values_[i] / 1000, 3);
-  for (std::size_t s = 0; s < sensors_; ++s) AppendSensor(as_Out, fixed_ + kFieldsPerSensor * s);
+void Calibration::AppendRow(std::string& as_Out, DateTime av_When) {
+  Average();
+  date_writer_.AppendTo(as_Out, av_When);
+  char* out = row_.get();
+  out = PutField(out, values_[kBattery] / 1000, 3);
+  out = PutField(out, Temperature(values_[kAmbient]), 2);
+  out = PutField(out, values_[kCount], 0);
+  for (std::size_t i = kFirstExtra; i < fixed_; ++i) out = PutField(out, values_[i] / 1000, 3);
+  for (std::size_t s = 0; s < sensors_; ++s) out = PutSensor(out, &values_[fixed_ + kFieldsPerSensor * s]);
+  as_Out.append(row_.get(), out);
   as_Out += kLineBreak;
-  if (settings_.Average) std::fill(values_.begin(), values_.end(), 0);
+}
+
+void Calibration::Average() {
+  if (samples_ > 1) {
+    const auto samples = static_cast<double>(samples_);
+    for (std::size_t i = kBattery; i < expected_; ++i) values_[i] = sums_[i] / samples;
+  }
+  if (samples_ > 0) std::fill(sums_.begin(), sums_.end(), 0);
   samples_ = 0;
 }
 
-void Calibration::TakeValues(const std::vector<std::string_view>& av_Fields) {
-  const bool averaged = samples_ > 1;
-  const auto samples = static_cast<double>(samples_);
-  for (std::size_t i = kBattery; i < expected_; ++i) {
-    values_[i] = averaged ? values_[i] / samples : LeadingNumber(av_Fields[i]);
-  }
-}
-
-void Calibration::AppendSensor(std::string& as_Out, std::size_t al_Field) {
-  const double raw_temperature = values_[al_Field + 2];
+char* Calibration::PutSensor(char* as_Out, const double* av_Values) {
+  const double raw_temperature = av_Values[2];
   const double from_reference = raw_temperature - kRawReference;
-  const double moisture_raw = values_[al_Field] - settings_.MoistureCorrection * from_reference / 100;
-  const double salinity_raw = values_[al_Field + 1] - settings_.SalinityCorrection * from_reference / 100;
+  const double moisture_raw = av_Values[0] - settings_.MoistureCorrection * from_reference / 100;
+  const double salinity_raw = av_Values[1] - settings_.SalinityCorrection * from_reference / 100;
   const double uncorrected = lookups_.Moisture.Lookup(moisture_raw);
   const double salinity = lookups_.Salinity.Lookup(salinity_raw);
-  if (settings_.Uncorrected) AppendField(as_Out, uncorrected, 2);
-  AppendField(as_Out, uncorrected + lookups_.Correction.Lookup(salinity), 2);
-  AppendField(as_Out, salinity, 3);
-  AppendField(as_Out, Temperature(raw_temperature), 2);
+  if (settings_.Uncorrected) as_Out = PutField(as_Out, uncorrected, 2);
+  as_Out = PutField(as_Out, uncorrected + lookups_.Correction.Lookup(salinity), 2);
+  as_Out = PutField(as_Out, salinity, 3);
+  return PutField(as_Out, Temperature(raw_temperature), 2);
 }
 
 double Calibration::Temperature(double ad_Raw) const {

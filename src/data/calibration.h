@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,26 +37,34 @@ class Calibration {
   void TakeHeader(const std::vector<std::string_view>& av_Fields);
   /// Fields that a data line must have.
   [[nodiscard]] std::size_t Expected() const { return expected_; }
-  /// Adds a reading to the averages, when those are wanted.
-  void AddReading(const std::vector<std::string_view>& av_Fields);
+  /// Takes a data line apart and returns the number of its fields; only one that has those expected is a reading.
+  [[nodiscard]] std::size_t TakeLine(std::string_view as_Line);
+  /// The first field of the line last taken; points into it.
+  [[nodiscard]] std::string_view DateText() const { return date_text_; }
+  /// Adds the reading last taken to the averages, when those are wanted.
+  void AddReading();
   /// Appends the header line.
   void AppendHeader(std::string& as_Out) const;
-  /// Appends the row of a logging time and starts the next averages; `av_Fields` is the reading of that time.
-  void AppendRow(std::string& as_Out, DateTime av_When, const std::vector<std::string_view>& av_Fields);
+  /// Appends the row of a logging time, that of the reading last taken, and starts the next averages.
+  void AppendRow(std::string& as_Out, DateTime av_When);
 
  private:
-  void TakeValues(const std::vector<std::string_view>& av_Fields);
-  void AppendSensor(std::string& as_Out, std::size_t al_Field);
+  void Average();
+  /// Writes the fields of one sensor; returns their end.
+  [[nodiscard]] char* PutSensor(char* as_Out, const double* av_Values);
   [[nodiscard]] double Temperature(double ad_Raw) const;
 
   CalibrationSettings settings_;
-  DatePattern date_pattern_;
+  DateWriter date_writer_;
   Lookups& lookups_;
   std::size_t fixed_ = 0;
   std::size_t sensors_ = 0;
   std::size_t expected_ = 0;
-  std::vector<double> values_;  ///< by field from 0; sums while averaging
-  std::int64_t samples_ = 0;    ///< readings in the sums
+  std::string_view date_text_;
+  std::vector<double> values_;   ///< of the line last taken, by field from 0
+  std::vector<double> sums_;     ///< by field from 0, while averaging
+  std::int64_t samples_ = 0;     ///< readings in the sums
+  std::unique_ptr<char[]> row_;  ///< room for all numbers of a row, hardly ever used to its end
 };
 
 }  // namespace corvane
