@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/format.h"
+#include "link/exchange.h"
 #include "link/schedule.h"
 
 namespace corvane::console {
@@ -12,7 +13,6 @@ namespace {
 
 constexpr std::size_t kHelpColumn = 34;
 constexpr std::size_t kMany = 1'000'000;
-constexpr std::int64_t kLongestLogPeriod = 255 * 60;  ///< seconds; a unit takes two hexadecimal digits of minutes
 
 /// Which commands an option belongs to.
 enum OptionScope : unsigned {
@@ -227,8 +227,7 @@ class Parser {
   }
 
   static void CheckLogPeriod(const std::string& text) {
-    const auto seconds = ParseTimeOfDay(text);
-    if (!seconds || *seconds < 60 || *seconds > kLongestLogPeriod || *seconds % 60 != 0) {
+    if (!ParseTimeOfDay(text) || !LogPeriodMinutes(text)) {
       throw UsageError(Quoted(text) + " is no log period from 00:01 to 04:15");
     }
   }

@@ -11,6 +11,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "data/logging_schedule.h"
+#include "link/exchange.h"
 #include "link/schedule.h"
 #include "platform/line_settings.h"
 #include "transfer/server_address.h"
@@ -49,6 +50,7 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_StartAt, &Checks::TimeOfDay},
       {&form_.Txt_Interval, &Checks::LoggingInterval},
       {&form_.Txt_AutomaticInterval, &Checks::DownloadInterval},
+      {&form_.Cmb_LogPeriod, &Checks::LogPeriod},
       {&form_.Txt_Timeout[0], &Checks::Decimal, 1, kSecondsPerDay},
       {&form_.Txt_Timeout[1], &Checks::Decimal, 1, kSecondsPerDay},
       {&form_.Txt_Timeout[2], &Checks::Decimal, 0, kSecondsPerDay},
@@ -72,43 +74,54 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
   }
 }
 
-std::string FieldChecks::ProblemOf(const TextField& av_Field) const {
+const std::string& FieldChecks::Row::text() const {
+  if (field->kind() == ControlKind::Selector) return dynamic_cast<const Selector&>(*field).shown_text();
+  return dynamic_cast<const TextField&>(*field).text();
+}
+
+std::string FieldChecks::ProblemOf(const Control& av_Field) const {
   const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const Row& r) { return r.field == &av_Field; });
   if (row == rows_.end() || (row->editor != nullptr && row->editor->current() < 0)) return {};
   return (this->*row->problem)(*row);
 }
 
 std::string FieldChecks::TimeOfDay(const Row& av_Row) const {
-  if (ParseTimeOfDay(Trim(av_Row.field->text()))) return {};
+  if (ParseTimeOfDay(Trim(av_Row.text()))) return {};
   return "This is no time of day; write hours and minutes, such as 06:00.";
 }
 
 std::string FieldChecks::LoggingInterval(const Row& av_Row) const {
-  if (LoggingSchedule::Interval(av_Row.field->text())) return {};
+  if (LoggingSchedule::Interval(av_Row.text())) return {};
   return "This is no interval above zero; write hours and minutes, such as 01:00, or a number of hours.";
 }
 
 std::string FieldChecks::DownloadInterval(const Row& av_Row) const {
-  if (AutomaticInterval(av_Row.field->text())) return {};
+  if (AutomaticInterval(av_Row.text())) return {};
   return "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below 24, or a "
          "number of hours from 24.";
 }
 
+std::string FieldChecks::LogPeriod(const Row& av_Row) const {
+  if (LogPeriodMinutes(av_Row.text())) return {};
+  const int sent = std::stoi(LogPeriodParameters(av_Row.text()), nullptr, 16);
+  return "This is no log period from 00:01 to 04:15; units would be sent " + std::to_string(sent) + " minutes.";
+}
+
 std::string FieldChecks::WholeNumber(const Row& av_Row) const {
   const auto lowest = static_cast<std::int64_t>(av_Row.lowest);
-  if (ParseInteger(av_Row.field->text(), lowest, static_cast<std::int64_t>(av_Row.highest))) return {};
+  if (ParseInteger(av_Row.text(), lowest, static_cast<std::int64_t>(av_Row.highest))) return {};
   return "This is no whole number" + RangeText(av_Row.lowest, av_Row.highest);
 }
 
 std::string FieldChecks::Decimal(const Row& av_Row) const {
-  const std::optional<double> number = ParseNumber(av_Row.field->text());
+  const std::optional<double> number = ParseNumber(av_Row.text());
   if (number && *number >= av_Row.lowest && *number <= av_Row.highest) return {};
   return "This is no number (with \".\" as the decimal point)" + RangeText(av_Row.lowest, av_Row.highest);
 }
 
 std::string FieldChecks::ExistingFile(const Row& av_Row) const {
-  if (av_Row.field->text().empty()) return "No file is named; choose one.";
-  const std::string path = app_.AppPath(WithSlashes(av_Row.field->text()));
+  if (av_Row.text().empty()) return "No file is named; choose one.";
+  const std::string path = app_.AppPath(WithSlashes(av_Row.text()));
   if (!path.starts_with('/')) return kForeignPath;
   const auto info = ExamineFile(path);
   if (!info) return "There is no file " + path + "; choose one that exists.";
@@ -116,11 +129,11 @@ std::string FieldChecks::ExistingFile(const Row& av_Row) const {
 }
 
 std::string FieldChecks::FileIfNamed(const Row& av_Row) const {
-  return av_Row.field->text().empty() ? std::string() : ExistingFile(av_Row);
+  return av_Row.text().empty() ? std::string() : ExistingFile(av_Row);
 }
 
 std::string FieldChecks::Server(const Row& av_Row) const {
-  const ServerAddress server = ParseServer(av_Row.field->text());
+  const ServerAddress server = ParseServer(av_Row.text());
   if (server.port != 0 && server.host.find_first_of("/@ ") == std::string::npos) return {};
   return "This is no server; write its name or address, and its port where that is not 21, such as "
          "ftp.example.org:2121.";
@@ -135,12 +148,12 @@ std::string FieldChecks::DataFolder(const Row& /*av_Row*/) const {
 }
 
 std::string FieldChecks::SerialSettings(const Row& av_Row) const {
-  if (ParseLineSettings(av_Row.field->text())) return {};
+  if (ParseLineSettings(av_Row.text())) return {};
   return "These are no serial settings; write baud, parity, data bits and stop bits, such as 9600,N,8,1.";
 }
 
 std::string FieldChecks::PartOfName(const Row& av_Row) const {
-  if (av_Row.field->text().find_first_of("/\\") == std::string::npos) return {};
+  if (av_Row.text().find_first_of("/\\") == std::string::npos) return {};
   return "This becomes part of a file name, which cannot hold \"/\" or \"\\\".";
 }
 
@@ -151,7 +164,7 @@ std::string FieldChecks::Extension(const Row& av_Row) const {
 
 std::string FieldChecks::DateFormat(const Row& av_Row) const {
   // Two dates that share no part but the time of day.
-  const std::string& pattern = av_Row.field->text();
+  const std::string& pattern = av_Row.text();
   const std::string one = FormatDate(DateTime::FromCivil(2001, 2, 3), pattern);
   if (one != FormatDate(DateTime::FromCivil(2010, 11, 22), pattern)) return {};
   return "This shows nothing of the date; write a pattern such as d mmm yyyy HH:MM.";

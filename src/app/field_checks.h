@@ -16,21 +16,25 @@ class FieldChecks {
 
   /// Empty when the text is fine, or nothing is known of the field; else a short sentence that says what is wrong and
   /// what is accepted.
-  [[nodiscard]] std::string ProblemOf(const TextField& av_Field) const;
+  [[nodiscard]] std::string ProblemOf(const Control& av_Field) const;
 
  private:
   /// One field and what it takes; the limits are those of numbers.
   struct Row {
-    const TextField* field;
+    const Control* field;
     std::string (FieldChecks::*problem)(const Row& av_Row) const;
     double lowest = 0;
     double highest = 0;
     const List* editor = nullptr;  ///< the list whose current row the field belongs to: without one it is empty
+
+    /// What is shown in the field.
+    [[nodiscard]] const std::string& text() const;
   };
 
   [[nodiscard]] std::string TimeOfDay(const Row& av_Row) const;
   [[nodiscard]] std::string LoggingInterval(const Row& av_Row) const;
   [[nodiscard]] std::string DownloadInterval(const Row& av_Row) const;
+  [[nodiscard]] std::string LogPeriod(const Row& av_Row) const;
   [[nodiscard]] std::string WholeNumber(const Row& av_Row) const;
   [[nodiscard]] std::string Decimal(const Row& av_Row) const;
   [[nodiscard]] std::string ExistingFile(const Row& av_Row) const;

@@ -27,9 +27,17 @@ constexpr std::string_view kAllData = "0001010000";
 constexpr int kAddressDigits = 5;
 constexpr std::int64_t kSlowSendMilliseconds = 10;
 constexpr std::string_view kCarriageReturn = "\r";
+constexpr int kMostMinutes = 255;  ///< of a log period: two hexadecimal digits
 
 bool IsState(std::int16_t ai_Command) {
   return ai_Command >= kIdle && ai_Command <= kLastState;
+}
+
+/// The minutes of a log-period text, 0 for any other.
+double MinutesIn(std::string_view as_LogPeriod) {
+  if (const auto time = ParseTimeOfDay(as_LogPeriod)) return static_cast<double>(*time) / 60;
+  const double minutes = ParseNumber(as_LogPeriod).value_or(0);
+  return std::isfinite(minutes) ? minutes : 0;
 }
 
 }  // namespace
@@ -61,14 +69,14 @@ std::string DownloadParameters(DateTime av_LastDate) {
   return av_LastDate.IsNone() ? std::string(kAllData) : FormatDate(av_LastDate, "yymmddHHNN");
 }
 
+std::optional<int> LogPeriodMinutes(std::string_view as_LogPeriod) {
+  const double minutes = MinutesIn(as_LogPeriod);
+  if (minutes < 1 || minutes > kMostMinutes || minutes != std::round(minutes)) return std::nullopt;
+  return static_cast<int>(minutes);
+}
+
 std::string LogPeriodParameters(std::string_view as_LogPeriod) {
-  double minutes = 0;
-  if (const auto time = ParseTimeOfDay(as_LogPeriod)) {
-    minutes = static_cast<double>(*time) / 60;
-  } else {
-    minutes = ParseNumber(as_LogPeriod).value_or(0);
-  }
-  if (!std::isfinite(minutes)) minutes = 0;
+  const double minutes = MinutesIn(as_LogPeriod);
   // Intended: the unit takes two digits, so 256 minutes and more wrap.
   return HexText(static_cast<std::uint64_t>(std::llround(std::fmod(std::round(minutes), 256))), 2);
 }

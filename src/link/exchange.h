@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,8 @@ inline constexpr std::int16_t kNoPort = 99;
                                            std::string_view as_Parameters);
 /// The parameters of a download: "yymmddHHNN" of the last reading, "0001010000" when there is none.
 [[nodiscard]] std::string DownloadParameters(DateTime av_LastDate);
+/// The minutes of a log-period text (a time of day, or a number of minutes) that a unit can take: whole ones, 1 to 255.
+[[nodiscard]] std::optional<int> LogPeriodMinutes(std::string_view as_LogPeriod);
 /// A log-period text (time of day or number of minutes) as two hexadecimal digits of whole minutes; "00" for any other.
 [[nodiscard]] std::string LogPeriodParameters(std::string_view as_LogPeriod);
 

@@ -64,6 +64,14 @@ TEST_F(FieldChecksTest, NumbersAndTimes) {
   for (const FieldCase& row : rows) Check(row);
   form.Lst_Units.SetCurrent(-1);
   Check({form.Txt_UnitID, {""}, {}, ""});
+  const std::pair<const char*, const char*> periods[] = {
+      {"00:01", ""},       {"04:15", ""},        {"15", ""},           {" 03:00", ""},  {"n sd", "sent 0 minutes."},
+      {"24:00", "sent 0"}, {"04:16", "sent 0 "}, {"05:00", "sent 44"}, {"0", "sent 0"}, {"00:01:30", "sent 2 "}};
+  for (const auto& [text, says] : periods) {
+    form.Cmb_LogPeriod.SetShownText(text);
+    const std::string problem = world.app().checks().ProblemOf(form.Cmb_LogPeriod);
+    EXPECT_TRUE(*says == 0 ? problem.empty() : problem.find(says) != std::string::npos) << text << ": " << problem;
+  }
 }
 
 TEST_F(FieldChecksTest, FilesFoldersAndNames) {
