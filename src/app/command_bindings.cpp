@@ -213,6 +213,8 @@ void CommandBindings::BindMenus() {
 }
 
 void CommandBindings::BindButtons() {
+  // What it brings back is known to the editor that deleted it.
+  p_.form.Cmd_Undo.SetCaption("Undo");
   std::vector<ButtonRow> rows = SingleButtons(p_.form);
   AddRepeatedButtons(p_.form, rows);
   for (const ButtonRow& row : rows) {

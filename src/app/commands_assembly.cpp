@@ -22,7 +22,7 @@ CommandsAssembly::CommandsAssembly(const Parts& av_Parts)
                 av_Parts.rounds.file_transfer, av_Parts.link.port, av_Parts.link.writer, av_Parts.report.trace}),
       bindings({av_Parts.state.form, units, conversion, transfer, remote, registry, files, commands}),
       fields({av_Parts.state.form, av_Parts.state.slot, av_Parts.state.states, av_Parts.data.files,
-              av_Parts.link.schedule, av_Parts.settings.run_at_startup, av_Parts.machine.loop, av_Parts.report.trace}) {
-}
+              av_Parts.link.schedule, av_Parts.settings.run_at_startup, operations, av_Parts.machine.loop,
+              av_Parts.report.trace}) {}
 
 }  // namespace corvane

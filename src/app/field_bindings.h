@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/operations.h"
 #include "app/run_at_startup.h"
 #include "data/local_files.h"
 #include "form/form.h"
@@ -22,6 +23,7 @@ class FieldBindings {
     LocalFiles& files;
     Schedule& schedule;
     RunAtStartup& run_at_startup;
+    Operations& operations;
     EventLoop& loop;
     Trace& trace;
   };

@@ -8,7 +8,9 @@ namespace corvane {
 
 bool Operations::RunOperation(std::string_view as_Name, const std::function<void()>& av_Operation) {
   if (p_.slot.Taken() || p_.flags.closing) return false;
-  p_.editors.StoreRecords();
+  StoreEditors();
+  if (!p_.flags.automatic_run) p_.editors.relays.LetUnitsFollow();
+  if (p_.slot.Taken() || p_.flags.closing) return false;
   return p_.slot.Run([&] {
     try {
       av_Operation();
@@ -29,8 +31,18 @@ void Operations::RunCommand(std::string_view as_Name, const std::function<void()
 }
 
 void Operations::BeginCommand() {
-  p_.editors.StoreRecords();
+  TakeRelayIDs();
   if (!p_.slot.Taken()) p_.messages.StartRound();
+}
+
+void Operations::TakeRelayIDs() {
+  StoreEditors();
+  if (!p_.slot.Taken()) p_.editors.relays.LetUnitsFollow();
+}
+
+void Operations::StoreEditors() {
+  // A round that starts by itself does not take half of an ID.
+  p_.editors.StoreRecords(!p_.flags.automatic_run);
 }
 
 }  // namespace corvane

@@ -29,10 +29,14 @@ class Operations {
   bool RunOperation(std::string_view as_Name, const std::function<void()>& av_Operation);
   /// Runs what needs no slot. **Yields** as the command does.
   void RunCommand(std::string_view as_Name, const std::function<void()>& av_Command);
-  /// Stores the editors; while no operation runs, messages are shown anew.
+  /// Stores the editors; while no operation runs, messages are shown anew. **Yields** as `TakeRelayIDs` does.
   void BeginCommand();
+  /// Stores the editors; units may follow a relay that has another ID by now. **Yields** when it asks.
+  void TakeRelayIDs();
 
  private:
+  void StoreEditors();
+
   Parts p_;
 };
 

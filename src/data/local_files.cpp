@@ -66,7 +66,7 @@ void LocalFiles::DeleteFiles() {
   if (!several && !p_.file_list.GetCurrent(full, name)) return;
   if (!several) chosen.push_back(full);
   while (several && p_.file_list.GetNextSelected(full, name)) chosen.push_back(full);
-  if (!p_.messages.Confirm(several ? "Delete all selected files" : "Delete: " + full)) return;
+  if (!p_.messages.Confirm(several ? "Delete all selected files" : "Delete: " + full, {}, kSecondDefault)) return;
   for (const std::string& file : chosen) {
     if (const Status removed = RemoveFile(file); !removed.ok())
       return p_.file_list.ReportError(removed.text(), "Delete");

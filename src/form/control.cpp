@@ -109,6 +109,14 @@ void List::SetRows(std::vector<std::string> texts) {
   if (had_current) TellAndHandle(Aspect::Selection);
 }
 
+void List::Insert(std::int64_t row, std::string text) {
+  rows_.insert(rows_.begin() + row, {std::move(text)});
+  const bool moved = current_ >= row;
+  if (moved) ++current_;
+  Tell(Aspect::Rows, static_cast<std::size_t>(row));
+  if (moved) TellAndHandle(Aspect::Selection);
+}
+
 void List::Remove(std::int64_t row) {
   if (row < 0 || row >= count()) return;
   rows_.erase(rows_.begin() + row);

@@ -157,6 +157,8 @@ class List : public Control {
   void Add(std::string text, std::int64_t number = 0);
   /// Replaces all rows at once; nothing stays selected and no row is current.
   void SetRows(std::vector<std::string> texts);
+  /// Puts a row in front of `row`; the count of rows puts it at the end.
+  void Insert(std::int64_t row, std::string text);
   void Remove(std::int64_t row);
   void SetText(std::int64_t row, std::string_view text);
   /// Sets a row's check mark; runs `on_check`.

@@ -20,7 +20,20 @@ std::int32_t FirstFreeID(const RecordArray<Client>& av_Clients) {
 
 ClientEditor::ClientEditor(const Parts& av_Parts)
     : RecordEditorOf(av_Parts, av_Parts.registry.Clients, av_Parts.form.Lst_Clients, av_Parts.form.Txt_ClientName,
-                     "Choose a Client") {}
+                     "Choose a Client") {
+  WatchForEdits({&p_.form.Txt_ClientFolder, &p_.form.Txt_OstrelUserID, &p_.form.Txt_OstrelPassword});
+}
+
+void ClientEditor::Keep(std::int64_t al_Index) {
+  RecordEditorOf::Keep(al_Index);
+  units_ = UnitsWith(kept_.ID, &Unit::ClientID, p_.form.Cmb_Client);
+}
+
+void ClientEditor::PutBack(std::int64_t al_Index) {
+  RecordEditorOf::PutBack(al_Index);
+  FillClientSelector();
+  Refer(units_, kept_.ID, &Unit::ClientID, p_.form.Cmb_Client);
+}
 
 void ClientEditor::ShowFields(std::int64_t al_Index) {
   const Client& client = p_.registry.Clients[al_Index];

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "registry/record_editor.h"
 
 namespace corvane {
@@ -15,12 +17,16 @@ class ClientEditor : public RecordEditorOf<Client> {
   void FillClientSelector() { RefillSelector(p_.form.Cmb_Client, true); }
 
  private:
+  void Keep(std::int64_t al_Index) override;
+  void PutBack(std::int64_t al_Index) override;
   void ShowFields(std::int64_t al_Index) override;
   void StoreFields(std::int64_t al_Index) override;
   void ClearFields() override;
   void AppendNew() override;
   void AfterListChanged() override { FillClientSelector(); }
   void AfterNameChanged() override { FillClientSelector(); }
+
+  std::vector<std::int64_t> units_;  ///< those of the deleted client
 };
 
 }  // namespace corvane

@@ -11,10 +11,10 @@ struct RegistryEditors {
   explicit RegistryEditors(const RecordEditor::Parts& av_Parts)
       : units(av_Parts), relays(av_Parts), clients(av_Parts) {}
 
-  /// Stores what the editors show into their records.
-  void StoreRecords() {
+  /// Stores what the editors show into their records; a relay whose ID is being typed only where `ab_Typed`.
+  void StoreRecords(bool ab_Typed = true) {
     units.StoreRecord();
-    relays.StoreRecord();
+    if (ab_Typed || !relays.Typing()) relays.StoreRecord();
     clients.StoreRecord();
   }
 

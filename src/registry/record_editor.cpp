@@ -11,6 +11,7 @@ RecordEditor::RecordEditor(const Parts& av_Parts, List& av_List, TextField& av_N
     : p_(av_Parts), list_(av_List), name_(av_Name), nothing_selected_(as_NothingSelected) {
   list_.on_change = [this] { OnSelect(); };
   name_.on_change = [this] { OnNameChange(); };
+  p_.form.Cmd_Undo.SetVisible(false);
 }
 
 void RecordEditor::ShowRecord() {
@@ -65,6 +66,7 @@ void RecordEditor::OnSelect() {
 }
 
 void RecordEditor::OnNameChange() {
+  NoticeEdit();
   if (p_.form.Suppress.set() || shown_ < 0) return;
   StoreRecord();
   list_.SetText(shown_, name_.text());
@@ -100,6 +102,7 @@ bool RecordEditor::MayRun(std::int16_t ai_Command) {
 }
 
 void RecordEditor::New() {
+  p_.form.Cmd_Undo.SetVisible(false);
   AppendNew();
   list_.Add(NameOf(Count()));
   list_.SetChecked(Count() - 1, IsChecked(Count()));
@@ -111,15 +114,49 @@ void RecordEditor::Delete() {
   if (!MayDelete()) return;
   const std::int64_t position = list_.current();
   shown_ = -1;
+  deleted_ = position;
+  deleted_mark_ = list_.mark(position);
+  Keep(position + 1);
+  p_.form.Cmd_Undo.on_click = [this] { UndoDelete(); };
+  p_.form.Cmd_Undo.SetVisible(true);
   RemoveAt(position + 1);
   list_.Remove(position);
   list_.SetCurrent(std::min(position, list_.count() - 1));
   AfterListChanged();
 }
 
+void RecordEditor::UndoDelete() {
+  if (p_.slot.Taken() || !p_.form.Cmd_Undo.visible()) return;
+  {
+    const SuppressEvents::Guard guard(p_.form.Suppress);
+    StoreRecord();
+    p_.form.Cmd_Undo.SetVisible(false);
+    shown_ = -1;
+    const std::int64_t row = deleted_;
+    PutBack(row + 1);
+    list_.Insert(row, NameOf(row + 1));
+    list_.SetChecked(row, IsChecked(row + 1));
+    list_.SetMark(row, deleted_mark_);
+    list_.SetCurrent(row);
+    AfterListChanged();
+    ShowRecord();
+    p_.states.UpdateCommandStates();
+  }
+  if (selection_changed) selection_changed();
+}
+
+void RecordEditor::WatchForEdits(std::initializer_list<Control*> av_Fields) {
+  for (Control* field : av_Fields) field->on_change = [this] { NoticeEdit(); };
+}
+
+void RecordEditor::NoticeEdit() {
+  if (!p_.form.Suppress.set()) p_.form.Cmd_Undo.SetVisible(false);
+}
+
 // Intended: the selection stays at its position, so that after a move it marks the neighbour that took the record's
 // place, and pressing the same button again brings the record back.
 void RecordEditor::Move(std::int64_t al_Record, std::int64_t al_Neighbour) {
+  p_.form.Cmd_Undo.SetVisible(false);
   Swap(al_Record, al_Neighbour);
   RewriteRow(al_Record);
   RewriteRow(al_Neighbour);

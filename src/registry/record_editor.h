@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "form/form.h"
 #include "state/command_states.h"
@@ -51,6 +53,10 @@ class RecordEditor {
   /// Runs a New, Delete or Move command; nothing while an operation runs. **Yields** when it has a message.
   void RunCommand(std::int16_t ai_Command);
 
+  /// Brings the record that was deleted last back to its place, with all its fields, and selects it; nothing while an
+  /// operation runs. `Cmd_Undo` does this for as long as it is visible: until something else in the lists is edited.
+  void UndoDelete();
+
   /// Refreshes the local file list after another record was selected; set by the composition root.
   std::function<void()> selection_changed;
 
@@ -72,8 +78,15 @@ class RecordEditor {
   virtual void AfterListChanged() {}
   /// Runs after a record was given another name.
   virtual void AfterNameChanged() {}
+  /// Keeps the record that is about to be deleted, and puts it back.
+  virtual void Keep(std::int64_t al_Index) = 0;
+  virtual void PutBack(std::int64_t al_Index) = 0;
   /// The position in the array of the record in the editor, from 1; 0 when it shows none.
   [[nodiscard]] std::int64_t Shown() const { return shown_ + 1; }
+  /// From now on a change of one of these by hand counts as an edit. Takes their change handlers.
+  void WatchForEdits(std::initializer_list<Control*> av_Fields);
+  /// Something was edited by hand, unless events are suppressed: what was deleted before stays so.
+  void NoticeEdit();
 
   Parts p_;
   List& list_;
@@ -89,7 +102,9 @@ class RecordEditor {
   void RewriteRow(std::int64_t al_Index);
 
   std::string nothing_selected_;
-  std::int64_t shown_ = -1;  ///< list position of the record in the editor, -1 none
+  std::int64_t shown_ = -1;    ///< list position of the record in the editor, -1 none
+  std::int64_t deleted_ = -1;  ///< list position of the record that was deleted last
+  RowMark deleted_mark_ = RowMark::None;
 };
 
 /// What the editors do alike with their arrays of records.
@@ -113,8 +128,33 @@ class RecordEditorOf : public RecordEditor {
   }
 
   [[nodiscard]] std::int64_t Count() const override { return records_.count(); }
+  void Keep(std::int64_t al_Index) override { kept_ = records_[al_Index]; }
+  void PutBack(std::int64_t al_Index) override { records_.Insert(al_Index, kept_); }
+
+  /// The units that refer to `al_ID` by `av_Field`, by position; the one in the editor by what its selector shows.
+  [[nodiscard]] std::vector<std::int64_t> UnitsWith(std::int32_t al_ID, std::int32_t Unit::*av_Field,
+                                                    const Selector& av_Selector) const {
+    std::vector<std::int64_t> found;
+    for (std::int64_t index = 1; index <= p_.registry.Units.count(); ++index) {
+      const bool in_editor = index == p_.form.Lst_Units.current() + 1 && av_Selector.current() >= 0;
+      const std::int32_t id = in_editor ? av_Selector.SelectedItemData() : p_.registry.Units[index].*av_Field;
+      if (id == al_ID) found.push_back(index);
+    }
+    return found;
+  }
+  /// Makes these units refer to `al_ID`, the one in the editor also in its selector.
+  void Refer(const std::vector<std::int64_t>& av_Units, std::int32_t al_ID, std::int32_t Unit::*av_Field,
+             Selector& av_Selector) {
+    const SuppressEvents::Guard guard(p_.form.Suppress);
+    for (const std::int64_t index : av_Units) {
+      if (!p_.registry.Units.Has(index)) continue;
+      p_.registry.Units[index].*av_Field = al_ID;
+      if (index == p_.form.Lst_Units.current() + 1) av_Selector.SelectByItemData(al_ID);
+    }
+  }
 
   RecordArray<Record>& records_;
+  Record kept_;  ///< what was deleted last
 
  private:
   [[nodiscard]] const std::string& NameOf(std::int64_t al_Index) const override { return records_[al_Index].Name; }

@@ -21,6 +21,8 @@ UnitEditor::UnitEditor(const Parts& av_Parts)
                      "Choose a unit") {
   list_.on_check = [this](std::int64_t row) { OnCheck(row); };
   p_.form.Chk_UnitActive.on_change = [this] { OnActiveTicked(); };
+  WatchForEdits({&p_.form.Txt_UnitID, &p_.form.Cmb_Relay, &p_.form.Cmb_Client, &p_.form.Cmb_GetFrom,
+                 &p_.form.Cmb_SendTo, &p_.form.Txt_Correction[0], &p_.form.Txt_Correction[1]});
 }
 
 bool UnitEditor::IsChecked(std::int64_t al_Index) const {
@@ -72,6 +74,7 @@ void UnitEditor::AppendNew() {
 
 void UnitEditor::OnCheck(std::int64_t al_Row) {
   if (p_.form.Suppress.set() || !p_.registry.Units.Has(al_Row + 1)) return;
+  NoticeEdit();
   const bool active = list_.checked(al_Row);
   p_.registry.Units[al_Row + 1].Active = active ? 1 : 0;
   if (al_Row + 1 != Shown()) return;
@@ -81,6 +84,7 @@ void UnitEditor::OnCheck(std::int64_t al_Row) {
 
 void UnitEditor::OnActiveTicked() {
   if (p_.form.Suppress.set() || !p_.registry.Units.Has(Shown())) return;
+  NoticeEdit();
   const SuppressEvents::Guard guard(p_.form.Suppress);
   const bool active = p_.form.Chk_UnitActive.ticked();
   list_.SetChecked(Shown() - 1, active);

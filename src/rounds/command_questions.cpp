@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-bool CommandQuestions::ConfirmCommand(std::int16_t ai_Command, const std::string& as_What) {
+bool CommandQuestions::ConfirmCommand(std::int16_t ai_Command, const std::string& as_What, const std::string& as_Unit) {
   const std::string question = QuestionFor(ai_Command, as_What);
   if (question.empty()) return true;
-  return messages_.Confirm(question) && messages_.Confirm(question + "\r\nAre you really sure");
+  return messages_.Confirm(question, as_Unit) && messages_.Confirm(question + "\r\nAre you really sure", as_Unit);
 }
 
 std::string CommandQuestions::QuestionFor(std::int16_t ai_Command, const std::string& as_What) const {

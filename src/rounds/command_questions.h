@@ -17,7 +17,9 @@ class CommandQuestions {
       : form_(av_Form), loop_(av_Loop), messages_(av_Messages) {}
 
   /// Asks twice before a command that changes units; true at once for any other. **Yields.**
-  [[nodiscard]] bool ConfirmCommand(std::int16_t ai_Command, const std::string& as_What);
+  ///
+  /// `as_Unit`, when one unit is meant, is shown in the title.
+  [[nodiscard]] bool ConfirmCommand(std::int16_t ai_Command, const std::string& as_What, const std::string& as_Unit);
 
  private:
   /// Empty for a command that changes nothing.

@@ -17,9 +17,12 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
 
 bool PortFinder::Probe(std::int16_t ai_Index) {
   const ScopedValue<bool> testing(p_.link.TestingPort, true);
+  Label& answer = p_.form.Lbl_PortAnswer[ai_Index];
+  answer.SetText("");
   if (!p_.port.OpenPort(ai_Index)) return false;
   p_.session.ProcessUnit(kTestBaseStation);
   const bool answered = p_.link.ContinueOk();
+  if (!answered && !p_.link.UserCancel) answer.SetText(p_.form.Cmb_Port[ai_Index].shown_text() + ": no answer");
   p_.port.ClosePort();
   return answered;
 }
@@ -40,6 +43,7 @@ bool PortFinder::FindPort(std::int16_t ai_Index) {
     p_.trace.Status("Found Pelvaro unit on " + ports.shown_text());
   } else {
     ports.SelectByItemData(remembered);
+    p_.form.Lbl_PortAnswer[ai_Index].SetText("");
     p_.trace.Status("Pelvaro not found");
   }
   p_.bars.Unit.Clear();

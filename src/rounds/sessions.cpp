@@ -13,7 +13,8 @@ bool Sessions::ProcessAllUnits(bool ab_All, std::int32_t al_ConnectionType, std:
   if (run.marked == 0) {
     result = "No units to download by radio";
   } else {
-    if (!p_.questions.ConfirmCommand(ai_Command, result)) return false;
+    const std::string unit = ab_All ? "" : p_.registry.Units[selected].Name;
+    if (!p_.questions.ConfirmCommand(ai_Command, result, unit)) return false;
     RunOverPort(run, al_ConnectionType, ai_Command);
     result = "Finished";
   }

@@ -37,7 +37,8 @@ void CommandStates::SetIdle(bool ab_Enabled) {
                          &form_.Cmd_DeleteFile, &form_.Cmd_GetFolder}) {
     button->SetEnabled(ab_Enabled);
   }
-  for (Button* button : {&form_.Cmd_Hex, &form_.Cmd_BackupFolder, &form_.Cmd_Mode}) button->SetEnabled(ab_Enabled);
+  for (Button* button : {&form_.Cmd_Hex, &form_.Cmd_BackupFolder, &form_.Cmd_Mode, &form_.Cmd_Undo})
+    button->SetEnabled(ab_Enabled);
   EnableEditors(ab_Enabled);
   form_.Lst_Units.SetEnabled(ab_Enabled);
   form_.Lst_Relays.SetEnabled(ab_Enabled);

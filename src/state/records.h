@@ -58,6 +58,8 @@ class RecordArray {
   const Record& operator[](std::int64_t index) const { return records_[static_cast<std::size_t>(index - 1)]; }
   void Resize(std::int32_t count) { records_.resize(static_cast<std::size_t>(count)); }
   void Append(Record record) { records_.push_back(std::move(record)); }
+  /// Puts the record at `index`, 1 to `count()` + 1.
+  void Insert(std::int64_t index, Record record) { records_.insert(records_.begin() + (index - 1), std::move(record)); }
   void Remove(std::int64_t index) { records_.erase(records_.begin() + (index - 1)); }
   auto begin() const { return records_.begin(); }
   auto end() const { return records_.end(); }

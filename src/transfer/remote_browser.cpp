@@ -116,7 +116,7 @@ std::function<void()> RemoteBrowser::Delete() {
   const std::string name = CurrentName();
   // Intended: a file of 0 bytes is taken for a folder, and the server refuses to remove it.
   const bool is_folder = list.number(list.current()) == 0;
-  if (!p_.messages.Confirm("Delete: '" + name + "'")) return {};
+  if (!p_.messages.Confirm("Delete: '" + name + "'", {}, kSecondDefault)) return {};
   return [this, name, is_folder, shown = p_.form.Lbl_ftpRemoteFolder.text()] {
     WorkIn(shown, [&] { return is_folder ? p_.ftp.DeleteFolder(name) : p_.ftp.DeleteFile(name); });
   };

@@ -69,11 +69,16 @@ void Messages::Show(std::string_view as_Text, std::string_view as_Kind, BoxIcon 
   RunBox(contents, 0, false);
 }
 
-bool Messages::Confirm(std::string_view as_Question) {
+bool Messages::Confirm(std::string_view as_Question, std::string_view as_About, std::int32_t al_Default) {
+  return Ask(std::string(as_Question) + " ?", as_About, al_Default);
+}
+
+bool Messages::Ask(std::string_view as_Text, std::string_view as_About, std::int32_t al_Default) {
   BoxContents contents;
-  contents.title = kProductName;
-  contents.text = std::string(as_Question) + " ?";
+  contents.title = (as_About.empty() ? "" : std::string(as_About) + " - ") + std::string(kProductName);
+  contents.text = as_Text;
   contents.buttons = {"Yes", "No"};
+  contents.default_position = DefaultPosition(al_Default);
   contents.icon = BoxIcon::Question;
   const bool yes = !p_.flags.ending_silently && RunBox(contents, kQuestionSeconds, false) == 1;
   p_.trace.LogWrite("Question: " + contents.text + (yes ? " Yes" : " No"));

@@ -57,7 +57,10 @@ class Messages {
   /// each kind (`as_Kind`; the text itself when empty) and round; the rest goes to the log only.
   void Show(std::string_view as_Text, std::string_view as_Kind = {}, BoxIcon av_Icon = BoxIcon::Information);
   /// Asks `as_Question` + " ?"; true only for Yes. Unanswered for 5 minutes, or while closing, it is No. **Yields.**
-  [[nodiscard]] bool Confirm(std::string_view as_Question);
+  /// `as_About`: the unit that it is about, for the title; `al_Default`: `kSecondDefault` makes No the default button.
+  [[nodiscard]] bool Confirm(std::string_view as_Question, std::string_view as_About = {}, std::int32_t al_Default = 0);
+  /// The same with `as_Text` as it stands. **Yields.**
+  [[nodiscard]] bool Ask(std::string_view as_Text, std::string_view as_About = {}, std::int32_t al_Default = 0);
   /// Shows the timed message box, which answers itself after its count-down. **Yields.**
   ///
   /// `al_Style` as `MessageStyle`; `ai_Seconds` 0 means 10. Returns a `MessageAnswer`. While the program is being
