@@ -31,7 +31,10 @@ QStyle::StandardPixmap PictureOf(BoxIcon icon) {
 }  // namespace
 
 MessageBox::MessageBox(QWidget* parent, const BoxContents& contents, std::function<void(int position)> on_done)
-    : QDialog(parent), count_down_(new QLabel(this)) {
+    : QDialog(parent),
+      closes_in_(new QLabel("closes in", this)),
+      count_down_(new QLabel(this)),
+      seconds_(new QLabel("s", this)) {
   setObjectName("frm_MsgBox");
   count_down_->setObjectName("Lbl_Timeout");
   setWindowTitle(QString::fromStdString(contents.title));
@@ -67,11 +70,12 @@ QWidget* MessageBox::MakeTextRow(const BoxContents& contents) {
 QWidget* MessageBox::MakeButtonRow(const BoxContents& contents) {
   auto* row = new QWidget(this);
   auto* layout = new QHBoxLayout(row);
-  layout->addWidget(count_down_);
+  for (QLabel* label : {closes_in_, count_down_, seconds_}) layout->addWidget(label);
   layout->addStretch(1);
   int position = 0;
   for (const std::string& caption : contents.buttons) {
-    auto* button = new QPushButton(QString::fromStdString(caption), row);
+    // No two captions of a box begin with the same letter.
+    auto* button = new QPushButton("&" + QString::fromStdString(caption), row);
     button->setObjectName(QString("Cmd_Command_%1").arg(++position));
     connect(button, &QPushButton::clicked, this, [this, position] { done(position); });
     if (position == contents.default_position) {
@@ -85,7 +89,10 @@ QWidget* MessageBox::MakeButtonRow(const BoxContents& contents) {
 
 void MessageBox::SetCountDown(const QString& text) {
   count_down_->setText(text);
-  count_down_->setToolTip(text.isEmpty() ? QString() : "Seconds until this box answers itself");
+  for (QLabel* label : {closes_in_, count_down_, seconds_}) {
+    label->setVisible(!text.isEmpty());
+    label->setToolTip("Seconds until this box answers itself");
+  }
 }
 
 }  // namespace corvane

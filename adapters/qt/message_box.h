@@ -22,7 +22,9 @@ class MessageBox : public QDialog {
   QWidget* MakeTextRow(const BoxContents& contents);
   QWidget* MakeButtonRow(const BoxContents& contents);
 
+  QLabel* closes_in_;
   QLabel* count_down_;
+  QLabel* seconds_;
 };
 
 }  // namespace corvane

@@ -7,6 +7,7 @@ namespace {
 
 constexpr std::int64_t kRepaintMilliseconds = 20;
 constexpr int kRecheckMilliseconds = 250;
+constexpr int kProblemMilliseconds = 2000;
 
 QWidget& WidgetOf(const Control& control, QWidget& window) {
   const QString name = QString::fromStdString(control.name());
@@ -24,6 +25,14 @@ Binder::Binder(Form& form, BindingContext context) : context_(std::move(context)
   QObject::connect(&recheck_timer_, &QTimer::timeout, &recheck_timer_, [this] {
     for (const auto& [control, binding] : bindings_) binding->Recheck();
   });
+  // What is wrong may be put right elsewhere: a table that was missing is copied to its place.
+  QObject::connect(&problem_timer_, &QTimer::timeout, &problem_timer_, [this] {
+    if (!context_.window.isActiveWindow()) return;
+    for (const auto& [control, binding] : bindings_) {
+      if (binding->HasProblem()) binding->Recheck();
+    }
+  });
+  problem_timer_.start(kProblemMilliseconds);
   context_.recheck_soon = [this] { recheck_timer_.start(); };
   for (Control* control : form.controls()) {
     bindings_.emplace(control, MakeBinding(*control, WidgetOf(*control, context_.window), context_));

@@ -27,6 +27,7 @@ class Binder : public FormView {
  private:
   BindingContext context_;
   QTimer recheck_timer_;
+  QTimer problem_timer_;
   std::unordered_map<const Control*, std::unique_ptr<Binding>> bindings_;
   std::int64_t last_repaint_ = 0;  ///< monotonic milliseconds
 };

@@ -5,11 +5,14 @@
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMainWindow>
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QWindow>
 
 namespace corvane::window {
 namespace {
@@ -63,7 +66,13 @@ class OptionsBinding : public Binding {
   }
   void Show(Aspect aspect, std::size_t /*row*/) override {
     const QSignalBlocker quiet(&group_);
-    if (aspect == Aspect::Value) group_.button(control_.GetOptionIndex())->setChecked(true);
+    if (aspect != Aspect::Value) return;
+    // Tab stops on the ticked one, from which the arrow keys go on.
+    const auto buttons = group_.buttons();
+    for (QAbstractButton* button : buttons) button->setFocusPolicy(Qt::ClickFocus);
+    QAbstractButton* const ticked = group_.button(control_.GetOptionIndex());
+    ticked->setFocusPolicy(Qt::StrongFocus);
+    ticked->setChecked(true);
   }
 
  private:
@@ -74,26 +83,17 @@ class OptionsBinding : public Binding {
 class ButtonBinding : public Binding {
  public:
   ButtonBinding(Button& button, QWidget& widget, const BindingContext& context)
-      : Binding(&widget),
-        control_(button),
-        button_(WidgetAs<QAbstractButton>(widget)),
-        cancel_(context.window.findChild<QWidget*>("Cmd_Cancel")) {
+      : Binding(&widget), control_(button), button_(WidgetAs<QAbstractButton>(widget)) {
     QObject::connect(button_, &QAbstractButton::clicked, button_,
                      [&button, &loop = context.loop] { loop.Post([&button] { button.Click(); }); });
   }
   void Show(Aspect aspect, std::size_t /*row*/) override {
     if (aspect == Aspect::Caption) button_->setText(QString::fromStdString(control_.caption()));
   }
-  void ShowEnabled(bool enabled) override {
-    // The focus of a command that has started goes where no key does harm.
-    if (!enabled && button_->hasFocus()) cancel_->setFocus();
-    Binding::ShowEnabled(enabled);
-  }
 
  private:
   Button& control_;
   QAbstractButton* button_;
-  QWidget* cancel_;
 };
 
 class ProgressBinding : public Binding {
@@ -111,7 +111,7 @@ class ProgressBinding : public Binding {
   QProgressBar* bar_;
 };
 
-class WindowBinding : public Binding {
+class WindowBinding : public QObject, public Binding {
  public:
   WindowBinding(Window& window, QWidget& widget) : Binding(&widget), control_(window) {}
   void Show(Aspect aspect, std::size_t /*row*/) override {
@@ -119,11 +119,27 @@ class WindowBinding : public Binding {
     if (aspect != Aspect::Value) return;
     ShowPointer();
     if (control_.minimised() != widget()->isMinimized() && widget()->isVisible()) {
-      control_.minimised() ? widget()->showMinimized() : widget()->showNormal();
+      control_.minimised() ? ShowMinimised() : widget()->showNormal();
     }
   }
 
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::Expose || !static_cast<QWindow*>(watched)->isExposed()) return false;
+    watched->removeEventFilter(this);
+    QMetaObject::invokeMethod(
+        this, [this] { widget()->showMinimized(); }, Qt::QueuedConnection);
+    return false;
+  }
+
  private:
+  /// A Wayland compositor takes no notice of what is asked of a window that it has not shown yet.
+  void ShowMinimised() {
+    QWindow* const shown = widget()->windowHandle();
+    if (!QGuiApplication::platformName().startsWith("wayland") || shown == nullptr || shown->isExposed()) {
+      return widget()->showMinimized();
+    }
+    shown->installEventFilter(this);
+  }
   void ShowTitle() {
     widget()->setWindowTitle(control_.title().empty() ? "Corvane" : QString::fromStdString(control_.title()));
   }
@@ -167,10 +183,23 @@ std::unique_ptr<Binding> BindByKind(Control& control, QWidget& widget, const Bin
 }  // namespace
 
 void Binding::ShowEnabled(bool enabled) {
+  if (!enabled) had_focus_ = PutFocusAside();
   widget_->setEnabled(enabled);
+  if (!enabled || had_focus_ == nullptr) return;
+  // Where the person has gone on to another field meanwhile, the focus stays there.
+  if (widget_->window()->focusWidget() == widget_->window()) had_focus_->setFocus(Qt::OtherFocusReason);
+  had_focus_.clear();
+}
+
+QWidget* Binding::PutFocusAside() {
+  QWidget* const focused = widget_->window()->focusWidget();
+  if (focused == nullptr || (focused != widget_ && !widget_->isAncestorOf(focused))) return nullptr;
+  widget_->window()->setFocus(Qt::OtherFocusReason);
+  return focused;
 }
 
 void Binding::ShowVisible(bool visible) {
+  if (!visible) PutFocusAside();
   widget_->setVisible(visible);
   const auto labels = widget_->window()->findChildren<QLabel*>();
   for (QLabel* label : labels) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include <QPointer>
 #include <QWidget>
 
 #include "base/status.h"
@@ -22,7 +23,7 @@ struct BindingContext {
   /// What an entry of a port selector shows; the entry itself keeps its plain text.
   std::function<std::string(int number)> port_text;
   /// What is wrong with a field's text; empty when nothing is.
-  std::function<std::string(const TextField& field)> problem_of;
+  std::function<std::string(const Control& field)> problem_of;
   /// Has all fields looked at again as soon as nothing is typed for a moment.
   std::function<void()> recheck_soon = {};  // the binder's own
   /// Shows what is wrong with the field that has the focus; empty clears it.
@@ -41,12 +42,19 @@ class Binding {
   virtual void Show(Aspect aspect, std::size_t row) = 0;
   /// Looks again whether the text is one that can be used; other fields or the files it names may have changed.
   virtual void Recheck() {}
+  /// True while the text is one that cannot be used.
+  [[nodiscard]] virtual bool HasProblem() const { return false; }
+  /// The focus of a widget that is disabled waits in the window itself, where no key does harm, and comes back.
   virtual void ShowEnabled(bool enabled);
   virtual void ShowVisible(bool visible);
   [[nodiscard]] QWidget* widget() const { return widget_; }
 
  private:
+  /// Gives the focus to the window where the widget or a part of it has it; that part, else nullptr.
+  QWidget* PutFocusAside();
+
   QWidget* widget_;
+  QPointer<QWidget> had_focus_;  ///< the widget, or a part of it, that lost the focus when it was disabled
 };
 
 /// Joins a control and the widget of its name and shows all of it; throws `RunTimeError` when the widget is of a kind

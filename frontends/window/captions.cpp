@@ -13,6 +13,8 @@
 #include <QTabWidget>
 #include <QTreeView>
 
+#include "window/access_keys.h"
+
 namespace corvane::window {
 namespace {
 
@@ -76,7 +78,7 @@ void Captions::AddWidget(QWidget& widget) const {
     item.caption = [button](int) { return QString::fromStdString(button->caption()); };
     item.set_caption = [button](int, const QString& text) { button->SetCaption(text.toStdString()); };
   } else if (auto* plain_button = qobject_cast<QAbstractButton*>(&widget)) {
-    item.caption = [plain_button](int) { return plain_button->text(); };
+    item.caption = [plain_button](int) { return CaptionOf(*plain_button); };
     item.set_caption = [plain_button](int, const QString& text) { plain_button->setText(text); };
   } else if (auto* group = qobject_cast<QGroupBox*>(&widget)) {
     item.caption = [group](int) { return group->title(); };

@@ -139,13 +139,21 @@ class ListBinding : public QObject, public Binding {
     if (control_.current() != row) Show(Aspect::Selection, 0);
   }
   void TakeSelection(const QItemSelection& ranges, bool selected) {
-    if (showing_ > 0 || !control_.multi_select()) return;
+    if (showing_ > 0) return;
+    if (!control_.multi_select()) return KeepSelected();
     const Scope taking(taking_);
     for (const QItemSelectionRange& range : ranges) {
       for (int row = range.top(); row <= range.bottom() && row < control_.count(); ++row) {
         control_.SetSelected(row, selected);
       }
     }
+  }
+  /// Ctrl with a click or the space bar would take the highlight away from the row that commands still act on.
+  void KeepSelected() {
+    const auto current = static_cast<int>(control_.current());
+    if (view_->selectionModel()->hasSelection() || current < 0 || current >= model_.rowCount()) return;
+    const Scope showing(showing_);
+    view_->selectionModel()->select(model_.index(current, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
   }
   void Open(const QModelIndex& index) {
     if (!index.isValid()) return;

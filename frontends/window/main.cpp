@@ -13,6 +13,7 @@
 #include "state/app_info.h"
 #include "window/options.h"
 #include "window/program.h"
+#include "window/toolkit_messages.h"
 
 namespace {
 
@@ -44,14 +45,16 @@ int main(int argc, char** argv) {
 
   const bool has_display = std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
   if (!has_display && std::getenv("QT_QPA_PLATFORM") == nullptr && !given("-platform")) {
-    std::cerr << "corvane: there is no display here; use corvanectl, the console program\n";
+    SayThereIsNoDisplay();
     return kNotStarted;
   }
   // Dialogs of the toolkit remember folders; this program remembers nothing outside its settings file.
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null");
   // The toolkit starts threads, which must not take these away from the program.
   corvane::SignalWatch::BlockEarly({SIGINT, SIGTERM, SIGHUP});
+  WatchToolkitMessages();
   QApplication toolkit(argc, argv);
+  DisplayIsThere();
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setApplicationName("corvane");
   QApplication::setDesktopFileName("corvane");

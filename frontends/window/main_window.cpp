@@ -1,12 +1,17 @@
 #include "window/main_window.h"
 
+#include <tuple>
+
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QScreen>
+#include <QScrollArea>
 #include <QShortcut>
 
 #include "ui_main_window.h"
+#include "window/access_keys.h"
 #include "window/key_codes.h"
 
 namespace corvane::window {
@@ -38,8 +43,11 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   ApplyListColours();
   NameForScreenReaders();
   AddTabShortcuts();
+  const auto areas = findChildren<QScrollArea*>();
+  for (QScrollArea* area : areas) area->setFocusPolicy(Qt::NoFocus);
   ui_->Cmd_Cancel->installEventFilter(this);
   AddPortDialog();
+  NameNewRecords();
   binder_ = std::make_unique<Binder>(app_.form(), Context());
   app_.form().SetView(binder_.get());
 }
@@ -53,7 +61,7 @@ BindingContext MainWindow::Context() {
       .window = *this,
       .loop = loop_,
       .port_text = [this](int number) { return app_.ports().Look(number).text; },
-      .problem_of = [this](const TextField& field) { return app_.checks().ProblemOf(field); },
+      .problem_of = [this](const Control& field) { return app_.checks().ProblemOf(field); },
       .show_hint = [this](const std::string& problem) { ui_->hintLabel->setText(QString::fromStdString(problem)); },
   };
 }
@@ -94,8 +102,37 @@ void MainWindow::AddTabShortcuts() {
 void MainWindow::AddPortDialog() {
   ports_ = new PortDialog(app_.ports(), this);
   ports_->assignment_changed = [this] { ShowPorts(); };
+  ports_->number_of = [this](int use) { return int{app_.form().Cmb_Port[use].SelectedItemData()}; };
+  ports_->number_chosen = [this](int use, int number) {
+    // A search for the port goes through the numbers.
+    if (!app_.slot().Taken()) app_.form().Cmb_Port[use].SelectByItemData(number);
+  };
+  ports_->help_asked = [this] { loop_.Post([this] { app_.form().mnu_Help.Click(0); }); };
   connect(ui_->portsButton, &QAbstractButton::clicked, this,
           [this] { ports_->OpenFor(app_.form().Cmb_Port[0].SelectedItemData()); });
+}
+
+void MainWindow::NameNewRecords() {
+  for (const auto& [button, menu, name] : {std::tuple(ui_->Cmd_Units_0, ui_->mnu_Units, ui_->Txt_UnitName),
+                                           std::tuple(ui_->Cmd_Relays_0, ui_->mnu_Relays, ui_->Txt_RelayName),
+                                           std::tuple(ui_->Cmd_Clients_0, ui_->mnu_Clients, ui_->Txt_ClientName)}) {
+    // Behind the command, which is posted too.
+    const auto after_command = [this, field = name] {
+      loop_.Post([this, field] { loop_.Post([this, field] { EditName(*field); }); });
+    };
+    connect(button, &QAbstractButton::clicked, this, after_command);
+    connect(menu, &QMenu::triggered, this, [menu = menu, after_command](const QAction* entry) {
+      if (entry == menu->actions().value(0)) after_command();
+    });
+  }
+}
+
+void MainWindow::EditName(QLineEdit& name) {
+  if (!name.isEnabled() || QApplication::activeModalWidget() != nullptr) return;
+  for (QWidget* page = &name; page != nullptr; page = page->parentWidget()) {
+    if (ui_->tabs->indexOf(page) >= 0) ui_->tabs->setCurrentWidget(page);
+  }
+  name.setFocus(Qt::TabFocusReason);
 }
 
 void MainWindow::ShowPorts() {
@@ -105,6 +142,7 @@ void MainWindow::ShowPorts() {
 void MainWindow::showEvent(QShowEvent* event) {
   // The devices behind the numbers were read behind the numbers themselves.
   ShowPorts();
+  SpreadAccessKeys(*ui_->menuBar, *ui_->tabs, *this);
   QMainWindow::showEvent(event);
 }
 

@@ -13,6 +13,7 @@
 namespace Ui {
 class MainWindow;
 }
+class QLineEdit;
 
 namespace corvane::window {
 
@@ -42,6 +43,9 @@ class MainWindow : public QMainWindow {
   void AddTabShortcuts();
   void AddPortDialog();
   void ShowPorts();
+  void NameNewRecords();
+  /// Shows the page of a name field and puts the focus there, with the text selected.
+  void EditName(QLineEdit& name);
 
   Application& app_;
   EventLoop& loop_;

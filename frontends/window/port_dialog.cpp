@@ -8,6 +8,7 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -100,7 +101,12 @@ void PortDialog::AddPortSelector(QVBoxLayout& layout) {
   row->addWidget(ports_, 1);
   layout.addLayout(row);
   state_ = MakeNote("State");
-  layout.addWidget(state_);
+  uses_ = {MakeButton("Use as &radio port", "UseAsRadio", "The radio base station is at this port number"),
+           MakeButton("Use as &handheld port", "UseAsHandheld", "The hand-held unit is at this port number")};
+  auto* below = new QHBoxLayout;
+  below->addWidget(state_, 1);
+  for (QPushButton* use : uses_) below->addWidget(use, 0, Qt::AlignTop);
+  layout.addLayout(below);
 }
 
 void PortDialog::AddDeviceList(QVBoxLayout& layout) {
@@ -159,7 +165,7 @@ void PortDialog::AddPermissionHelp(QVBoxLayout& layout) {
 }
 
 void PortDialog::OrderTabs() {
-  QWidget* const order[] = {ports_, devices_, look_again_, device_, use_, built_in_, close_};
+  QWidget* const order[] = {ports_, uses_[0], uses_[1], devices_, look_again_, device_, use_, built_in_, close_};
   for (std::size_t next = 1; next < std::size(order); ++next) setTabOrder(order[next - 1], order[next]);
 }
 
@@ -171,6 +177,12 @@ void PortDialog::Connect() {
   connect(device_, &QLineEdit::textChanged, this, [this] { ShowCheck(); });
   connect(use_, &QPushButton::clicked, this, [this] { Assign(device_->text()); });
   connect(built_in_, &QPushButton::clicked, this, [this] { Assign({}); });
+  for (const int use : {0, 1}) {
+    connect(uses_[static_cast<std::size_t>(use)], &QPushButton::clicked, this, [this, use] {
+      if (number_chosen) number_chosen(use, Number());
+      ShowState();
+    });
+  }
   connect(close_, &QPushButton::clicked, this, &QDialog::accept);
 }
 
@@ -216,6 +228,9 @@ void PortDialog::ShowState() {
   const PortChoice choice = choices_.Look(Number());
   state_->setText(ToText(choice.explanation));
   built_in_->setEnabled(choice.own);
+  for (const int use : {0, 1}) {
+    uses_[static_cast<std::size_t>(use)]->setEnabled(number_of && number_of(use) != Number());
+  }
   ShowCheck();
 }
 
@@ -246,6 +261,11 @@ void PortDialog::Assign(const QString& device) {
   FillPorts();
   ShowPort();
   if (assignment_changed) assignment_changed();
+}
+
+void PortDialog::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_F1 && help_asked) return help_asked();
+  QDialog::keyPressEvent(event);
 }
 
 int PortDialog::Number() const {

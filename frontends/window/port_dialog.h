@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 
 #include <QDialog>
@@ -26,6 +27,15 @@ class PortDialog : public QDialog {
 
   /// A number stands for another device now.
   std::function<void()> assignment_changed;
+  /// The port number that a use (0 the radio base station, 1 the hand-held unit) has now; none changes nothing.
+  std::function<int(int use)> number_of;
+  /// The person gives a use the number that is shown.
+  std::function<void(int use, int number)> number_chosen;
+  /// The person asks for the guide.
+  std::function<void()> help_asked;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void AddPortSelector(QVBoxLayout& layout);
@@ -51,6 +61,7 @@ class PortDialog : public QDialog {
   PortChoices& choices_;
   QComboBox* ports_ = nullptr;
   QLabel* state_ = nullptr;
+  std::array<QPushButton*, 2> uses_{};
   QTreeWidget* devices_ = nullptr;
   QPushButton* look_again_ = nullptr;
   QLineEdit* device_ = nullptr;

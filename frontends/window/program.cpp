@@ -1,16 +1,19 @@
 #include "window/program.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include <QApplication>
 #include <QFile>
 #include <QScopeGuard>
 #include <QSessionManager>
+#include <QThread>
 
 #include "app/application.h"
 #include "base/files.h"
@@ -23,11 +26,14 @@
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
 #include "window/main_window.h"
+#include "window/toolkit_messages.h"
 #include "zip/libzip_component.h"
 
 namespace corvane::window {
 namespace {
 
+/// How long the end of the process waits for the settings, which only the main thread can save.
+constexpr std::chrono::seconds kTimeToSave{5};
 constexpr const char* kLanguageFileName = "hveng.lng";
 constexpr const char* kLanguageResource = ":/hveng.lng";
 
@@ -120,6 +126,16 @@ class Program {
     std::atexit([] {
       if (running_ != nullptr) running_->SaveWithoutDisplay();
     });
+    // A lost Wayland compositor ends the process without its exit handlers, from a thread of the toolkit.
+    OnLostConnection([] {
+      const auto save_and_end = [] {
+        if (running_ != nullptr) running_->SaveWithoutDisplay();
+        std::_Exit(EXIT_FAILURE);
+      };
+      if (QThread::currentThread() == qApp->thread()) save_and_end();
+      QMetaObject::invokeMethod(qApp, save_and_end, Qt::QueuedConnection);
+      std::this_thread::sleep_for(kTimeToSave);
+    });
   }
 
   void SaveWithoutDisplay() {
@@ -160,6 +176,7 @@ class Program {
     dialogs_.on_box_closed = nullptr;
     app_->life().OnWindowClose();
     running_ = nullptr;
+    OnLostConnection(nullptr);
     window_.reset();
   }
 

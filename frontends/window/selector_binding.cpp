@@ -4,6 +4,7 @@
 #include <QSignalBlocker>
 
 #include "window/binding.h"
+#include "window/field_mark.h"
 
 namespace corvane::window {
 namespace {
@@ -25,6 +26,7 @@ class SelectorBinding : public QObject, public Binding {
     if (selector.editable()) {
       box_->setCompleter(nullptr);
       box_->lineEdit()->setMaxLength(static_cast<int>(TextField::kLongestText));
+      mark_ = std::make_unique<FieldMark>(selector, *box_->lineEdit(), *box_, context);
       connect(box_, &QComboBox::editTextChanged, this,
               [this](const QString& text) { control_.SetShownText(text.toStdString()); });
     }
@@ -41,7 +43,12 @@ class SelectorBinding : public QObject, public Binding {
     const bool typed = control_.editable() && current < 0;
     if (!typed && box_->currentIndex() != current) box_->setCurrentIndex(current);
     if (control_.editable() && box_->currentText() != shown) box_->setEditText(shown);
+    if (mark_) context_.recheck_soon();
   }
+  void Recheck() override {
+    if (mark_) mark_->Recheck();
+  }
+  [[nodiscard]] bool HasProblem() const override { return mark_ != nullptr && mark_->shown(); }
 
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
     // The wheel scrolls the page; a setting is not to change because it passed under the pointer.
@@ -78,6 +85,7 @@ class SelectorBinding : public QObject, public Binding {
   QComboBox* box_;
   const BindingContext& context_;
   bool shows_ports_;
+  std::unique_ptr<FieldMark> mark_;  ///< where the person may type
 };
 
 }  // namespace

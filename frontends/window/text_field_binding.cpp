@@ -1,25 +1,26 @@
-#include <QAction>
-#include <QEvent>
 #include <QLineEdit>
 #include <QSignalBlocker>
-#include <QStyle>
 
 #include "window/binding.h"
+#include "window/field_mark.h"
 
 namespace corvane::window {
 namespace {
 
-/// A line to type in, with a quiet mark behind a text that is none.
+/// A line to type in.
 class TextFieldBinding : public QObject, public Binding {
  public:
   TextFieldBinding(TextField& field, QWidget& widget, const BindingContext& context)
-      : Binding(&widget), control_(field), edit_(WidgetAs<QLineEdit>(widget)), context_(context) {
+      : Binding(&widget),
+        control_(field),
+        edit_(WidgetAs<QLineEdit>(widget)),
+        context_(context),
+        mark_(field, *edit_, widget, context) {
     edit_->setMaxLength(static_cast<int>(TextField::kLongestText));
-    mark_ = edit_->addAction(edit_->style()->standardIcon(QStyle::SP_MessageBoxWarning), QLineEdit::TrailingPosition);
-    mark_->setVisible(false);
     connect(edit_, &QLineEdit::textChanged, this, [this](const QString& text) { Take(text); });
-    connect(edit_, &QLineEdit::editingFinished, this, [this] { control_.Leave(); });
-    edit_->installEventFilter(this);
+    // What leaving a field starts may ask, which must not happen inside the widget's own event.
+    connect(edit_, &QLineEdit::editingFinished, this,
+            [&field, &loop = context.loop] { loop.Post([&field] { field.Leave(); }); });
   }
 
   void Show(Aspect aspect, std::size_t /*row*/) override {
@@ -31,24 +32,8 @@ class TextFieldBinding : public QObject, public Binding {
     }
     context_.recheck_soon();
   }
-  void Recheck() override {
-    const std::string problem = context_.problem_of(control_);
-    if (problem == problem_) return;
-    problem_ = problem;
-    mark_->setVisible(!problem.empty());
-    mark_->setToolTip(QString::fromStdString(problem));
-    edit_->setAccessibleDescription(QString::fromStdString(problem));
-    if (edit_->hasFocus()) context_.show_hint(problem);
-  }
-
-  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    if (event->type() == QEvent::FocusIn) {
-      Recheck();
-      context_.show_hint(problem_);
-    }
-    if (event->type() == QEvent::FocusOut) context_.show_hint({});
-    return false;
-  }
+  void Recheck() override { mark_.Recheck(); }
+  [[nodiscard]] bool HasProblem() const override { return mark_.shown(); }
 
  private:
   void Take(const QString& text) {
@@ -60,8 +45,7 @@ class TextFieldBinding : public QObject, public Binding {
   TextField& control_;
   QLineEdit* edit_;
   const BindingContext& context_;
-  QAction* mark_ = nullptr;
-  std::string problem_;
+  FieldMark mark_;
 };
 
 }  // namespace

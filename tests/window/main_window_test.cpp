@@ -55,6 +55,8 @@ TEST(MainWindow, WhatIsTypedOrClickedReachesTheForm) {
   EXPECT_EQ(form.Cmb_LogPeriod.shown_text(), "13:00") << "the cursor stays where the person types";
   world.Click("Cmd_Units_0");
   EXPECT_EQ(form.Lst_Units.count(), 6);
+  world.Settle();
+  EXPECT_EQ(world.window().focusWidget(), &world.Widget<QLineEdit>("Txt_UnitName")) << "a new unit wants a name";
 }
 
 TEST(MainWindow, WhatTheProgramChangesShowsAndDoesNotComeBack) {
@@ -121,6 +123,9 @@ TEST(MainWindow, ListsTakeClicksChecksAndSelections) {
   QTest::mouseClick(units.viewport(), Qt::LeftButton, {}, units.visualRect(units.model()->index(2, 0)).center());
   world.Settle();
   EXPECT_EQ(form.Txt_UnitName.text(), "Site 3");
+  QTest::mouseClick(units.viewport(), Qt::LeftButton, Qt::ControlModifier,
+                    units.visualRect(units.model()->index(2, 0)).center());
+  EXPECT_TRUE(units.selectionModel()->isSelected(units.model()->index(2, 0))) << "commands still act on it";
   units.model()->setData(units.model()->index(1, 0), Qt::Unchecked, Qt::CheckStateRole);
   EXPECT_EQ(world.app().registry().Units[2].Active, 0);
   form.Lst_Units.SetEnabled(false);
@@ -179,6 +184,29 @@ TEST(MainWindow, KeysAreHandedOn) {
   QTest::keyClick(&world.window(), Qt::Key_A);
   EXPECT_TRUE(world.Logged("Form_KeyDown KeyCode: 65"));
   EXPECT_TRUE(world.Logged("Form_KeyPress KeyAscii set to zero: 97"));
+}
+
+TEST(MainWindow, TheFocusOfWhatIsDisabledWaitsInTheWindowAndComesBack) {
+  for (const char* name : {"Txt_UnitName", "Cmb_GetFrom", "Chk_UnitActive", "Cmd_DownloadAll_1", "Txt_Direct"}) {
+    SCOPED_TRACE(name);
+    WindowWorld world("[Ports]\nCOM1=/dev/base\n[Units]\nNumUnits=2\n");
+    world.Open();
+    world.form().Chk_Direct.SetTicked(true);
+    auto& widget = world.Widget<QWidget>(name);
+    widget.setFocus();
+    world.loop.After(500, [&world] {
+      EXPECT_EQ(world.window().focusWidget(), &world.window());
+      QTest::keyClicks(&world.window(), "n sd");
+      QTest::keyClick(&world.window(), Qt::Key_Return);
+      QTest::keyClick(&world.window(), Qt::Key_Escape);
+    });
+    world.port.on_line = nullptr;
+    world.Choose("mnu_Download", 1);
+    EXPECT_EQ(world.port.lines.size(), 1U) << "Escape cancels";
+    EXPECT_EQ(world.form().Cmb_LogPeriod.shown_text(), "03:00");
+    EXPECT_EQ(world.form().Txt_UnitName.text(), "Site 1");
+    EXPECT_EQ(world.window().focusWidget(), &widget);
+  }
 }
 
 TEST(MainWindow, TabGoesRoundBothWays) {

@@ -57,7 +57,10 @@ class WindowWorld : public World {
     QTest::keyClicks(&edit, text);
   }
   /// Ends the typing in a field as leaving it does.
-  void Leave(const char* field) { Q_EMIT Widget<QLineEdit>(field).editingFinished(); }
+  void Leave(const char* field) {
+    Q_EMIT Widget<QLineEdit>(field).editingFinished();
+    Settle();
+  }
 
   HelpFiles help{"/guide/index.html", "/guide/index-of-words.html"};
 

@@ -474,6 +474,7 @@ def options(site):
             (["--help"], 0, r"Usage: corvane .*"),
             (["--language-template"], 0, re.escape(template)),
             (["--no-such"], 2, r"corvane: there is no option --no-such\nTry: corvane --help\n"),
+            (["-platform", "no-such"], 3, r".*use corvanectl, the console program\n"),
             (["--home"], 2, r"corvane: --home needs a folder\nTry: corvane --help\n")]
     for arguments, status, text in rows:
         program = site.start(*arguments, platform="offscreen", home=False)
