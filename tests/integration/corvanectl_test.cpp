@@ -1,81 +1,18 @@
 // Drives the real program against the simulated base station.
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <csignal>
-#include <functional>
 #include <memory>
 #include <set>
 #include <sstream>
-#include <string>
 #include <tuple>
-#include <vector>
 
-#include "support/server_process.h"
-#include "support/temp_folder.h"
+#include "support/child.h"
 
-namespace corvane {
+namespace corvane::test {
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-using Words = std::vector<std::string>;
-
-/// Waits until `done` returns true; false when it does not within `limit`.
-bool Until(const std::function<bool()>& done, Clock::duration limit) {
-  for (const auto deadline = Clock::now() + limit; !done(); usleep(10'000)) {
-    if (Clock::now() > deadline) return false;
-  }
-  return true;
-}
-
-/// A program as a child process, both outputs collected together.
-class Child {
- public:
-  explicit Child(Words command, const std::string& input = "") {
-    const std::string in = files_.Write("in", input);
-    const std::string out = files_.Write("out", "");
-    command.insert(command.begin(),
-                   {"sh", "-c", "unset CORVANE_HOME; exec \"$0\" \"$@\" <" + in + " >" + out + " 2>&1"});
-    std::vector<char*> words;
-    for (std::string& word : command) words.push_back(word.data());
-    words.push_back(nullptr);
-    EXPECT_EQ(posix_spawn(&process_, "/bin/sh", nullptr, nullptr, words.data(), environ), 0);
-  }
-  Child(Child&&) = delete;
-  ~Child() {
-    if (Ended()) return;
-    kill(process_, SIGKILL);
-    waitpid(process_, nullptr, 0);
-  }
-
-  void Signal(int signal) const { kill(process_, signal); }
-  /// Waits until the output holds `text`; false when it does not within 10 s.
-  [[nodiscard]] bool Shows(const std::string& text) const {
-    return Until([&] { return output().find(text) != std::string::npos; }, 10s);
-  }
-  /// Waits for the end and returns the exit status; -1 when it has not ended within `limit`.
-  int Wait(Clock::duration limit = 20s) {
-    if (!Until([this] { return Ended(); }, limit)) return -1;
-    return WIFEXITED(status_) ? WEXITSTATUS(status_) : 256 + WTERMSIG(status_);
-  }
-  [[nodiscard]] std::string output() const { return files_.Read("out"); }
-
- private:
-  bool Ended() {
-    ended_ = ended_ || waitpid(process_, &status_, WNOHANG) == process_;
-    return ended_;
-  }
-
-  test::TempFolder files_;
-  pid_t process_ = -1;
-  int status_ = 0;
-  bool ended_ = false;
-};
 
 /// An application folder with three units, and what is run in it.
 class CorvanectlTest : public testing::Test {
@@ -120,7 +57,7 @@ class CorvanectlTest : public testing::Test {
   }
   [[nodiscard]] bool Printed(const std::string& text) const { return output_.find(text) != std::string::npos; }
 
-  test::TempFolder home_;
+  TempFolder home_;
   std::unique_ptr<Child> station_;
   std::string output_;
 };
@@ -209,7 +146,7 @@ TEST_F(CorvanectlTest, SignalEndsADownloadAndTheNextOneGoesOn) {
 
 TEST_F(CorvanectlTest, SendsFetchesAndBacksUp) {
   home_.Write("server/f1/00003.zip", "no archive");
-  const test::ServerProcess server("ftp_server.py", {home_.Name("server")});
+  const ServerProcess server({"ftp_server.py", home_.Name("server")});
   const std::string address = "127.0.0.1:" + std::to_string(server.port());
   WriteSettings("FTPServer=" + address + "\nFTPUserName=user\nFTPPassword=secret\nZIPFiles=1\n");
   EXPECT_EQ(Run({"backup"}), 1);
@@ -234,7 +171,7 @@ TEST_F(CorvanectlTest, SendsFetchesAndBacksUp) {
 }
 
 TEST_F(CorvanectlTest, SignalEndsATransferWithinASecond) {
-  const test::ServerProcess server("faulty_ftp_server.py", {"stall_up"});
+  const ServerProcess server({"faulty_ftp_server.py", "stall_up"});
   WriteSettings("FTPServer=127.0.0.1:" + std::to_string(server.port()) + "\nFTPUserName=user\nFTPPassword=secret\n" +
                 "[Units]\nNumUnits=1\nftpFile1=1\n");
   home_.Write("00001.epd", std::string(20'000'000, 'x'));
@@ -260,4 +197,4 @@ TEST_F(CorvanectlTest, ScriptsWorkTheWindow) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::test

@@ -11,18 +11,15 @@
 #include <gtest/gtest.h>
 
 #include "base/text.h"
+#include "support/child.h"
 #include "support/ftp_probe.h"
-#include "support/server_process.h"
-#include "support/temp_folder.h"
 
-namespace corvane {
+namespace corvane::test {
 namespace {
-
-constexpr std::int64_t kLongestGap = 250;
 
 struct ServerRow {
   std::string name;
-  FtpLogin login;
+  FtpLogin login;  ///< without a host: a server is started
   std::string folder;
 };
 
@@ -57,127 +54,98 @@ void PrintTo(const ServerRow& row, std::ostream* out) {
 class FtpServers : public testing::TestWithParam<ServerRow> {
  protected:
   void SetUp() override {
-    FtpLogin login = GetParam().login;
-    if (login.host.empty()) {
-      server.emplace("ftp_server.py", std::vector<std::string>{remote.path()});
-      login.host = "127.0.0.1";
-      login.port = server->port();
-      login.user = "user";
-      login.password = "secret";
+    if (GetParam().login.host.empty()) {
+      server.emplace(corvane::test::Words{"ftp_server.py", remote.path()});
+      ftp.login.port = server->port();
+    } else {
+      ftp.login = GetParam().login;
     }
-    ftp.login = login;
-    ASSERT_TRUE(ftp.Connect(login.port, login.user, login.password)) << ftp.client->InternetGetLastResponseInfo();
+    ASSERT_TRUE(ftp.Connect()) << ftp.Words();
     EnterFolder();
   }
-  void TearDown() override {
-    EXPECT_LE(ftp.LongestGap(), kLongestGap);
-    ftp.client->InternetCloseHandle(ftp.session);
-  }
   void EnterFolder() {
-    ASSERT_TRUE(client->FtpSetCurrentDirectory(ftp.connection, GetParam().folder));
-    ASSERT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, folder));
+    ASSERT_TRUE(ftp.Enter(GetParam().folder));
+    folder = CurrentFolder();
+    ASSERT_NE(folder, "");
   }
-  [[nodiscard]] bool Put(const std::string& text, const std::string& name) {
-    const std::string sent = local.Write("sent", text);  // not in the call that the probe watches
-    return client->FtpPutFile(ftp.connection, sent, name);
+  [[nodiscard]] std::string CurrentFolder() {
+    std::string current;
+    return client->FtpGetCurrentDirectory(ftp.connection, current) ? current : "";
   }
-  [[nodiscard]] std::string Get(const std::string& name) {
-    const bool came = client->FtpGetFile(ftp.connection, name, local.Name("got"));
-    return came ? local.Read("got") : "failed";
-  }
-  [[nodiscard]] std::vector<std::string> List(const std::string& pattern = "*.*") {
+  [[nodiscard]] bool Delete(const std::string& name) { return client->FtpDeleteFile(ftp.connection, name); }
+  [[nodiscard]] bool Remove(const std::string& name) { return client->FtpRemoveDirectory(ftp.connection, name); }
+  [[nodiscard]] Names List(const std::string& pattern = "*.*") {
     return ftp.List((folder.back() == '/' ? folder : folder + "/") + pattern);
   }
 
-  test::TempFolder local, remote;
-  std::optional<test::ServerProcess> server;
-  test::FtpProbe ftp;
+  TempFolder remote;
+  std::optional<ServerProcess> server;
+  FtpProbe ftp;
   decltype(ftp.client)& client = ftp.client;
   std::string folder;
 };
 
 TEST_P(FtpServers, FilesOfAnyNameMakeTheRoundTrip) {
-  const char* kNames[] = {"plain.zip", "two  blanks", "\"quotes\"",     "100%41.txt",   "#1?;type=a",
-                          "a;type=d",  "-la",         "Bl\xc3\xa4tter", "[x]{y}~$&'()", "a,b=c+d@e!"};
-  std::vector<std::string> names(std::begin(kNames), std::end(kNames));
+  Names names = {"plain.zip", "two  blanks", "\"quotes\"",     "100%41.txt",   "#1?;type=a",
+                 "a;type=d",  "-la",         "Bl\xc3\xa4tter", "[x]{y}~$&'()", "a,b=c+d@e!"};
   for (const std::string& name : names) {
-    EXPECT_TRUE(Put("text of " + name, name)) << name << ": " << client->InternetGetLastResponseInfo();
+    EXPECT_TRUE(ftp.Put("text of " + name, name)) << name << ": " << ftp.Words();
     EXPECT_EQ(ftp.SizeOf(name), 8 + static_cast<std::int64_t>(name.size())) << name;
-    EXPECT_EQ(Get(name), "text of " + name);
+    EXPECT_EQ(ftp.Get(name), "text of " + name);
   }
   std::sort(names.begin(), names.end());
   EXPECT_EQ(List(), names);
-  EXPECT_EQ(List("*.zip"), std::vector<std::string>{"plain.zip"});
-  for (const std::string& name : names) EXPECT_TRUE(client->FtpDeleteFile(ftp.connection, name)) << name;
-  EXPECT_EQ(List(), std::vector<std::string>{});
-  EXPECT_EQ(client->GetLastError(), kInternetNoError);
+  EXPECT_EQ(List("*.zip"), Names{"plain.zip"});
+  for (const std::string& name : names) EXPECT_TRUE(Delete(name)) << name;
+  EXPECT_EQ(List(), Names{});
+  EXPECT_EQ(ftp.Error(), kInternetNoError);
 }
 
 TEST_P(FtpServers, BytesAreCountedOnceAndReplaceWhatWasThere) {
-  const std::string big(3'000'000, 'b');
-  for (const std::string& text : {big, std::string("short"), std::string()}) {
+  for (const std::string& text : {std::string(3'000'000, 'b'), std::string("short"), std::string()}) {
     ftp.statuses.clear();
-    ASSERT_TRUE(Put(text, "file"));
+    ASSERT_TRUE(ftp.Put(text, "file"));
     EXPECT_EQ(ftp.Bytes(kSendingRequest), static_cast<std::int64_t>(text.size()));
-    EXPECT_EQ(Get("file"), text);
+    EXPECT_EQ(ftp.Get("file"), text);
     EXPECT_EQ(ftp.Bytes(kResponseReceived), static_cast<std::int64_t>(text.size()));
-    const std::vector<int> codes = ftp.Codes();
-    EXPECT_EQ(std::count(codes.begin(), codes.end(), kHandleCreated), 2);
-    EXPECT_EQ(std::count(codes.begin(), codes.end(), kHandleClosing), 2);
+    EXPECT_EQ(ftp.Count(kHandleCreated), 2);
+    EXPECT_EQ(ftp.Count(kHandleClosing), 2);
   }
-  EXPECT_TRUE(client->FtpDeleteFile(ftp.connection, "file"));
+  EXPECT_TRUE(Delete("file"));
 }
 
 TEST_P(FtpServers, FoldersAreMadeEnteredListedAndTakenAway) {
-  ASSERT_TRUE(client->FtpCreateDirectory(ftp.connection, "my folder")) << client->InternetGetLastResponseInfo();
-  ASSERT_TRUE(client->FtpCreateDirectory(ftp.connection, "my folder/inner"));
-  EXPECT_EQ(List(), std::vector<std::string>{"my folder/"});
-  EXPECT_TRUE(Put("x", "my folder/file"));
+  ASSERT_TRUE(ftp.MakeFolder("my folder") && ftp.MakeFolder("my folder/inner")) << ftp.Words();
+  EXPECT_EQ(List(), Names{"my folder/"});
+  EXPECT_TRUE(ftp.Put("x", "my folder/file"));
   for (int turn = 0; turn < 2; ++turn) {
     // A relative folder is taken from the login's, so that entering it twice does not nest.
-    ASSERT_TRUE(client->FtpSetCurrentDirectory(ftp.connection, GetParam().folder + "/my folder"));
-    std::string entered;
-    ASSERT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, entered));
-    EXPECT_EQ(entered, (folder == "/" ? "" : folder) + "/my folder");
-    EXPECT_EQ(ftp.List(entered + "/*"), (std::vector<std::string>{"file", "inner/"}));
+    ASSERT_TRUE(ftp.Enter(GetParam().folder + "/my folder"));
+    EXPECT_EQ(CurrentFolder(), (folder == "/" ? "" : folder) + "/my folder");
+    EXPECT_EQ(ftp.List(CurrentFolder() + "/*"), (Names{"file", "inner/"}));
   }
-  EXPECT_EQ(Get("file"), "x");
-  ASSERT_TRUE(client->FtpDeleteFile(ftp.connection, "file"));
-  EXPECT_TRUE(client->FtpRemoveDirectory(ftp.connection, "inner"));
+  EXPECT_EQ(ftp.Get("file"), "x");
+  ASSERT_TRUE(Delete("file") && Remove("inner"));
   EnterFolder();
-  EXPECT_TRUE(client->FtpRemoveDirectory(ftp.connection, "my folder"));
+  EXPECT_TRUE(Remove("my folder"));
 }
 
 TEST_P(FtpServers, WhatIsMissingFailsWithTheServersWordsAndChangesNothing) {
-  const std::string before = local.Write("got", "old contents");
   EXPECT_EQ(ftp.SizeOf("nowhere"), -1);
-  EXPECT_EQ(Get("nowhere"), "failed");
-  EXPECT_EQ(ftp.List(folder + "/nowhere/*.*"), std::vector<std::string>{"failed"});
-  EXPECT_FALSE(client->FtpDeleteFile(ftp.connection, "nowhere"));
-  EXPECT_FALSE(client->FtpRemoveDirectory(ftp.connection, "nowhere"));
-  EXPECT_FALSE(Put("x", "nowhere/file"));
-  EXPECT_FALSE(client->FtpSetCurrentDirectory(ftp.connection, "nowhere"));
-  EXPECT_EQ(client->GetLastError(), kInternetExtendedError);
-  EXPECT_NE(client->InternetGetLastResponseInfo(), "");
-  EXPECT_EQ(local.Read("got"), "old contents");
-  EXPECT_FALSE(std::filesystem::exists(local.Name("got.part")));
-  std::string still;
-  EXPECT_TRUE(client->FtpGetCurrentDirectory(ftp.connection, still));
-  EXPECT_EQ(still, folder);
-  const std::vector<int> codes = ftp.Codes();
-  EXPECT_EQ(std::count(codes.begin(), codes.end(), kConnectedToServer), 1) << "one login for everything";
-}
-
-TEST_P(FtpServers, WrongPasswordIsToldApart) {
-  test::FtpProbe other;
-  other.login = ftp.login;
-  EXPECT_FALSE(other.Connect(ftp.login.port, ftp.login.user, "wrong"));
-  EXPECT_EQ(other.client->GetLastError(), kInternetWrongPassword);
-  EXPECT_LE(other.LongestGap(), kLongestGap);
+  EXPECT_EQ(ftp.Get("nowhere"), "failed");
+  EXPECT_EQ(ftp.List(folder + "/nowhere/*.*"), Names{"failed"});
+  EXPECT_FALSE(Delete("nowhere") || Remove("nowhere") || ftp.Put("x", "nowhere/file") || ftp.Enter("nowhere"));
+  EXPECT_EQ(ftp.Error(), kInternetExtendedError);
+  EXPECT_NE(ftp.Words(), "");
+  EXPECT_EQ(CurrentFolder(), folder);
+  EXPECT_EQ(ftp.Count(kConnectedToServer), 1) << "one login for everything";
+  ftp.login.password = "wrong";
+  EXPECT_FALSE(ftp.Connect());
+  EXPECT_EQ(ftp.Error(), kInternetWrongPassword);
 }
 
 INSTANTIATE_TEST_SUITE_P(On, FtpServers, testing::ValuesIn(ServerRows()),
                          [](const auto& row) { return row.param.name; });
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::test

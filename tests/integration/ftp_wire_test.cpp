@@ -8,7 +8,7 @@
 #include "posix/posix_loop.h"
 #include "state/link_state.h"
 #include "support/recorders.h"
-#include "support/server_process.h"
+#include "support/child.h"
 #include "support/temp_folder.h"
 #include "transfer/my_ftp.h"
 
@@ -41,7 +41,7 @@ struct SessionWorld {
 };
 
 TEST(FtpWire, NoQuestionIsPutTwice) {
-  const test::ServerProcess server("faulty_ftp_server.py", {"tells_commands"});
+  const test::ServerProcess server({"faulty_ftp_server.py", "tells_commands"});
   SessionWorld world(server.port());
   MyFTP& ftp = world.ftp;
   const auto list = [&] { return ftp.GetDirectoryList("") && !ftp.CurrentRemoteDirectory().empty(); };
