@@ -24,12 +24,9 @@ class PortDialogTest : public testing::Test {
  protected:
   PortDialogTest() {
     port_.devices_there = {{kRadio, "/dev/ttyUSB0", ""},
-                           {"/dev/ttyACM0", "/dev/ttyACM0",
-                            "no permission to use /dev/ttyACM0: add yourself to the group "
-                            "dialout and log in again"},
+                           {"/dev/ttyACM0", "/dev/ttyACM0", "no permission: add yourself to the group dialout"},
                            {"/dev/ttyS0", "/dev/ttyS0", ""}};
     dialog_.assignment_changed = [this] { ++changes_; };
-    QObject::connect(&dialog_, &QDialog::finished, &dialog_, [this] { ++closings_; });
     dialog_.OpenFor(3);
   }
 
@@ -37,6 +34,9 @@ class PortDialogTest : public testing::Test {
   Widget* Find(const char* name) {
     return dialog_.findChild<Widget*>(name);
   }
+  QString Typed() { return Find<QLineEdit>("Device")->text(); }
+  QString Check() { return Find<QLabel>("Check")->text(); }
+  QString Port() { return Find<QComboBox>("Ports")->currentText(); }
   void Click(const char* name) { QTest::mouseClick(Find<QPushButton>(name), Qt::LeftButton); }
   QTreeWidgetItem* Row(int row) { return Find<QTreeWidget>("Devices")->topLevelItem(row); }
 
@@ -46,28 +46,26 @@ class PortDialogTest : public testing::Test {
   PortChoices choices_{devices_, port_};
   PortDialog dialog_{choices_};
   int changes_ = 0;
-  int closings_ = 0;
 };
 
 TEST_F(PortDialogTest, AssignsWhatIsChosenFromTheList) {
-  EXPECT_EQ(Find<QComboBox>("Ports")->currentText(), QString("COM3   /dev/ttyS2   (not there)"));
+  EXPECT_EQ(Port(), "COM3   /dev/ttyS2   (not there)");
   EXPECT_FALSE(Find<QPushButton>("BuiltIn")->isEnabled());
   auto* list = Find<QTreeWidget>("Devices");
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(Row(0)).center());
-  EXPECT_EQ(Find<QLineEdit>("Device")->text().toStdString(), kRadio);
-  EXPECT_EQ(Find<QLabel>("Check")->text(), QString());
+  EXPECT_EQ(Typed().toStdString(), kRadio);
+  EXPECT_EQ(Check(), "");
   QTest::keyClick(list, Qt::Key_Return);
   EXPECT_EQ(devices_.DeviceOf(3), kRadio);
-  EXPECT_EQ(changes_, 1);
-  EXPECT_EQ(Row(0)->text(3), QString("COM3, COM5"));
-  EXPECT_TRUE(Find<QComboBox>("Ports")->currentText().endsWith("(there)"));
+  EXPECT_EQ(Row(0)->text(3), "COM3, COM5");
+  EXPECT_TRUE(Port().endsWith("(there)"));
   EXPECT_TRUE(dialog_.isVisible());
   QTest::keyClick(list, Qt::Key_Down);
-  EXPECT_TRUE(Find<QLabel>("Check")->text().contains("group dialout"));
+  EXPECT_TRUE(Check().contains("group dialout"));
 
   Click("BuiltIn");
-  EXPECT_EQ(devices_.DeviceOf(3), std::string("/dev/ttyS2"));
-  EXPECT_EQ(Find<QLineEdit>("Device")->text(), QString("/dev/ttyS2"));
+  EXPECT_EQ(devices_.DeviceOf(3), "/dev/ttyS2");
+  EXPECT_EQ(Typed(), "/dev/ttyS2");
   EXPECT_EQ(changes_, 2);
 }
 
@@ -76,14 +74,14 @@ TEST_F(PortDialogTest, TakesWhatIsTypedWhenItIsADevice) {
   field->clear();
   QTest::keyClicks(field, "ttyUSB7");
   EXPECT_FALSE(Find<QPushButton>("Use")->isEnabled());
-  EXPECT_TRUE(Find<QLabel>("Check")->text().contains("begins with \"/\""));
+  EXPECT_TRUE(Check().contains("begins with \"/\""));
   QTest::keyClick(field, Qt::Key_Return);
   EXPECT_EQ(changes_, 0);
   QTest::keyClick(field, Qt::Key_Home);
   QTest::keyClicks(field, "/dev/");
-  EXPECT_EQ(Find<QLabel>("Check")->text(), QString());
+  EXPECT_EQ(Check(), "");
   Click("Use");
-  EXPECT_EQ(devices_.DeviceOf(3), std::string("/dev/ttyUSB7"));
+  EXPECT_EQ(devices_.DeviceOf(3), "/dev/ttyUSB7");
   EXPECT_TRUE(Find<QLabel>("State")->text().contains("not there"));
 }
 
@@ -95,22 +93,20 @@ TEST_F(PortDialogTest, LooksAgainWithoutLosingWhatWasTyped) {
   EXPECT_FALSE((Row(0)->flags() & Qt::ItemIsSelectable));
   port_.devices_there = {{"/dev/ttyS2", "/dev/ttyS2", ""}};
   Click("LookAgain");
-  EXPECT_EQ(Row(0)->text(0), QString("/dev/ttyS2"));
-  EXPECT_EQ(Find<QComboBox>("Ports")->currentText(), QString("COM3   /dev/ttyS2   (there)"));
-  EXPECT_EQ(Find<QLineEdit>("Device")->text(), QString("/dev/typed"));
+  EXPECT_EQ(Row(0)->text(0), "/dev/ttyS2");
+  EXPECT_EQ(Port(), "COM3   /dev/ttyS2   (there)");
+  EXPECT_EQ(Typed(), "/dev/typed");
 }
 
-TEST_F(PortDialogTest, ClosesByKeyAndButton) {
+TEST_F(PortDialogTest, IsWorkedByKeyboardAndFitsASmallScreenAtTwiceItsSize) {
+  EXPECT_LE(dialog_.minimumSizeHint().width(), 1366 / 2);
+  EXPECT_LE(dialog_.minimumSizeHint().height(), 768 / 2);
   QTest::keyClick(&dialog_, Qt::Key_Escape);
-  EXPECT_EQ(closings_, 1);
-  dialog_.OpenFor(50);
-  EXPECT_EQ(Find<QLineEdit>("Device")->text(), QString());
-  Click("Close");
-  EXPECT_EQ(closings_, 2);
   EXPECT_FALSE(dialog_.isVisible());
-}
-
-TEST_F(PortDialogTest, TheTabKeyGoesFromTopToBottom) {
+  dialog_.OpenFor(50);
+  EXPECT_EQ(Typed(), "");
+  Click("Close");
+  EXPECT_FALSE(dialog_.isVisible());
   EXPECT_TRUE(choices_.Assign(3, kRadio).ok());
   dialog_.OpenFor(3);
   QStringList names;
@@ -118,12 +114,7 @@ TEST_F(PortDialogTest, TheTabKeyGoesFromTopToBottom) {
     names += dialog_.focusWidget()->objectName();
     QTest::keyClick(dialog_.focusWidget(), Qt::Key_Tab);
   }
-  EXPECT_EQ(names.join(" "), QString("Ports Devices LookAgain Device Use BuiltIn Close"));
-}
-
-TEST_F(PortDialogTest, FitsASmallScreenAtTwiceItsSize) {
-  const QSize least = dialog_.minimumSizeHint();
-  EXPECT_TRUE(least.width() <= 1366 / 2 && least.height() <= 768 / 2);
+  EXPECT_EQ(names.join(" "), "Ports Devices LookAgain Device Use BuiltIn Close");
 }
 
 }  // namespace

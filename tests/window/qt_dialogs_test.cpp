@@ -71,40 +71,36 @@ TEST_F(QtDialogsTest, ATimedBoxCountsDownAndIsTakenAwayWithoutAnAnswer) {
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
-TEST_F(QtDialogsTest, ATextIsAskedForUntilItIsAnswered) {
-  loop.Post([] {
+TEST_F(QtDialogsTest, TextsFilesAndFoldersAreAskedForUntilTheyAreAnswered) {
+  const TempFolder folder;
+  const std::string hex = folder.Write("a.hex", "0");
+  folder.Write("plain", "0");
+  QStringList seen;
+  loop.Post([&] {
     auto& dialog = Shown<QInputDialog>();
-    EXPECT_EQ(dialog.textValue(), "old");
+    seen << dialog.textValue();
     dialog.setTextValue(QString::fromUtf8("n\xC3\xA4u"));
     static_cast<QDialog&>(dialog).accept();
   });
   EXPECT_EQ(dialogs.AskText("Set Mode", "Mode:", "old"), "n\xC3\xA4u");
+  const auto choose = [&](const std::string& name) {
+    loop.Post([&, name] {
+      auto& dialog = Shown<QFileDialog>();
+      seen << dialog.nameFilters();
+      dialog.selectFile(QString::fromStdString(name));
+      static_cast<QDialog&>(dialog).accept();
+    });
+  };
+  choose(hex);
+  EXPECT_EQ(dialogs.ChooseFile("Hex", "Hex files(*.hex)|*.hex|All files(*.)|*.*", folder.path()), hex);
+  EXPECT_EQ(seen, (QStringList{"old", "Hex files (*.hex)", "All files (*)"}));
+  choose(folder.path());
+  EXPECT_EQ(dialogs.ChooseFolder("Folder", folder.path()), folder.path());
   loop.Post([] { Shown<QInputDialog>().reject(); });
   EXPECT_EQ(dialogs.AskText("Set Mode", "Mode:", "old"), std::nullopt);
-  EXPECT_EQ(closed, 0) << "a choice that was asked for brings no activation";
-}
-
-TEST_F(QtDialogsTest, FilesAndFoldersAreChosen) {
-  const TempFolder folder;
-  folder.Write("a.hex", "0");
-  folder.Write("plain", "0");
-  QStringList filters;
-  loop.Post([&folder, &filters] {
-    auto& dialog = Shown<QFileDialog>();
-    filters = dialog.nameFilters();
-    dialog.selectFile(QString::fromStdString(folder.Name("a.hex")));
-    static_cast<QDialog&>(dialog).accept();
-  });
-  EXPECT_EQ(dialogs.ChooseFile("Hex", "Hex files(*.hex)|*.hex|All files(*.)|*.*", folder.path()), folder.Name("a.hex"));
-  EXPECT_EQ(filters, (QStringList{"Hex files (*.hex)", "All files (*)"}));
-  loop.Post([&folder] {
-    auto& dialog = Shown<QFileDialog>();
-    dialog.selectFile(QString::fromStdString(folder.path()));
-    static_cast<QDialog&>(dialog).accept();
-  });
-  EXPECT_EQ(dialogs.ChooseFolder("Folder", folder.path()), folder.path());
   loop.Post([] { Shown<QFileDialog>().reject(); });
   EXPECT_EQ(dialogs.ChooseFolder("Folder", folder.path()), std::nullopt);
+  EXPECT_EQ(closed, 0) << "a choice that was asked for brings no activation";
 }
 
 TEST_F(QtDialogsTest, TheEndTakesEverythingAwayThatIsShown) {

@@ -1,13 +1,9 @@
 // The window under random use, and closed in every state.
 #include <algorithm>
 #include <filesystem>
-#include <iomanip>
 #include <random>
 #include <set>
-#include <sstream>
 
-#include <QAbstractItemView>
-#include <QMenu>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -35,21 +31,30 @@ class Storm : public WindowWorld {
     }
     dialogs.answer_plain_boxes = false;
     port.on_line = [this](const std::string& line) { Converse(line); };
-    port.on_escape = [this] { HangUp(); };
+    port.on_escape = [this] { ++exchange_, talking_ = false; };
     loop.After(kLongestRun, [] { throw std::logic_error("an operation does not come to its end"); });
   }
 
   void Rage() {
     Open();
-    FindWidgets();
-    end_ = loop.MonotonicMilliseconds() + kStormMilliseconds;
+    const auto loses_data = [](const QString& name) { return name == "Cmd_DeleteFile" || name == "Cmd_Close"; };
+    buttons_ = Named<QAbstractButton>({"Cmd_", "Chk_", "chk_", "Opt_"});
+    std::erase_if(buttons_, [&](const auto* button) { return loses_data(button->objectName()); });
+    for (QMenu* menu : Named<QMenu>({""})) {
+      for (QAction* entry : menu->actions()) {
+        if (entry->menu() == nullptr && entry->text() != "E&xit") entries_.push_back(entry);
+      }
+    }
+    fields_ = Named<QLineEdit>({""});
+    lists_ = Named<QAbstractItemView>({"Lst_"});
+    selectors_ = Named<QComboBox>({""});
     Step();
     Choose("mnu_Download", 1);
-    while (loop.MonotonicMilliseconds() < end_) loop.Advance(1000);
+    while (loop.MonotonicMilliseconds() < kStormMilliseconds) loop.Advance(1000);
     window().showNormal();
   }
-  /// Puts the fields right that a download needs.
-  void Repair() {
+  /// Puts the fields right that a download needs, and downloads one more unit.
+  void DownloadUnit4242() {
     Form& f = form();
     const std::pair<TextField*, const char*> rows[] = {
         {&f.Txt_Folder, "data"},     {&f.Txt_Prefix, ""},         {&f.Txt_RawFileExtension, "epd"},
@@ -59,36 +64,30 @@ class Storm : public WindowWorld {
     for (const auto& [field, text] : rows) field->SetText(text);
     f.Chk_Automatic.SetTicked(false);
     Click("Cmd_Units_0");
+    f.Txt_UnitID.SetText("4242");
+    f.Cmb_GetFrom.SelectByItemData(kFromRadio);
+    Choose("mnu_Download", 1);
+    loop.Advance(60'000);
   }
 
   int overlaps = 0;  ///< commands sent while the answer to another was under way
   int operations = 0;
 
  private:
+  template <class Kind>
+  std::vector<Kind*> Named(const std::vector<QString>& beginnings) {
+    const auto found = window().findChildren<Kind*>();
+    std::vector<Kind*> named;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(named), [&beginnings](const Kind* widget) {
+      return std::any_of(beginnings.begin(), beginnings.end(),
+                         [widget](const QString& beginning) { return widget->objectName().startsWith(beginning); });
+    });
+    return named;
+  }
   int Below(std::size_t count) { return static_cast<int>(random_() % count); }
   template <class Kind>
-  Kind* Any(const std::vector<Kind*>& widgets) {
-    return widgets[static_cast<std::size_t>(Below(widgets.size()))];
-  }
-
-  void FindWidgets() {
-    static const std::set<QString> kKinds = {"Cmd_", "Chk_", "chk_", "Opt_"};
-    static const std::set<QString> kLosesData = {"Cmd_DeleteFile", "Cmd_Close"};
-    for (auto* button : window().findChildren<QAbstractButton*>()) {
-      const QString name = button->objectName();
-      if (kKinds.contains(name.left(4)) && !kLosesData.contains(name)) buttons_.push_back(button);
-    }
-    for (auto* menu : window().findChildren<QMenu*>()) {
-      const auto entries = menu->actions();
-      for (QAction* entry : entries) {
-        if (entry->menu() == nullptr && entry->text() != "E&xit") entries_.push_back(entry);
-      }
-    }
-    for (auto* field : window().findChildren<QLineEdit*>()) fields_.push_back(field);
-    for (auto* list : window().findChildren<QAbstractItemView*>()) {
-      if (list->objectName().startsWith("Lst_")) lists_.push_back(list);
-    }
-    for (auto* selector : window().findChildren<QComboBox*>()) selectors_.push_back(selector);
+  const Kind& Any(const std::vector<Kind>& all) {
+    return all[static_cast<std::size_t>(Below(all.size()))];
   }
 
   /// One act of the person, and the next one after a while. A box takes every act until it is answered.
@@ -98,7 +97,7 @@ class Storm : public WindowWorld {
       dialogs.AnswerOpenBox(Below(dialogs.boxes.back().buttons.size() + 1));
       return Activate();
     }
-    if (loop.MonotonicMilliseconds() >= end_) return;
+    if (loop.MonotonicMilliseconds() >= kStormMilliseconds) return;
     operations += app().slot().Taken() ? 1 : 0;
     Act();
   }
@@ -113,22 +112,21 @@ class Storm : public WindowWorld {
   }
   void Act() {
     static const std::vector<QString> kTexts = {"", "7", "12", "x", "01:00", "36", "A:\\b", "0.5"};
-    static const std::vector<Qt::Key> kKeys = {Qt::Key_Escape, Qt::Key_F1, Qt::Key_Space, Qt::Key_A, Qt::Key_Return};
+    static const std::vector<Qt::Key> kKeys = {Qt::Key_F1, Qt::Key_Space, Qt::Key_A, Qt::Key_Return};
+    QLineEdit* field = Any(fields_);
+    QAbstractItemView* list = Any(lists_);
     switch (Below(8)) {
       case 0:
       case 1:
         return Any(buttons_)->click();
       case 2:
         return Any(entries_)->trigger();
-      case 3: {
-        QLineEdit* field = Any(fields_);
+      case 3:
         field->selectAll();
-        field->insert(kTexts[static_cast<std::size_t>(Below(kTexts.size()))]);
+        field->insert(Any(kTexts));
         Q_EMIT field->editingFinished();
         return;
-      }
       case 4: {
-        QAbstractItemView* list = Any(lists_);
         const QModelIndex row = list->model()->index(Below(5), 0);
         list->setCurrentIndex(row);
         list->model()->setData(row, Below(4) > 0 ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
@@ -139,7 +137,7 @@ class Storm : public WindowWorld {
         return QTest::keyClick(Any(selectors_), Below(2) == 0 ? Qt::Key_Down : Qt::Key_Up);
       case 6:
         // A cancel ends the download, so it comes less often.
-        return QTest::keyClick(&window(), kKeys[static_cast<std::size_t>(Below(10) == 0 ? 0 : 1 + Below(4))]);
+        return QTest::keyClick(&window(), Below(10) == 0 ? Qt::Key_Escape : Any(kKeys));
       default:
         dialogs.text_answer = Below(2) == 0 ? std::optional<std::string>("0123") : std::nullopt;
         return Below(2) == 0 ? window().showMinimized() : window().showNormal();
@@ -149,16 +147,15 @@ class Storm : public WindowWorld {
   /// Answers line by line, until it is done or told to stop.
   void Converse(const std::string& line) {
     overlaps += talking_ ? 1 : 0;
-    HangUp();
-    talking_ = true;
     std::vector<std::string> lines = {line + "\r\n"};
-    if (line.find("rr ") != std::string::npos) {
+    const bool is_download = line.find("rr ") != std::string::npos;
+    if (is_download) {
       lines.push_back(Framed("V2,00001,4,3," + std::to_string(readings.size()) + ",2010/3/12 10:00,12500,29310,100"));
       for (const std::string& reading : readings) lines.push_back(Framed(reading));
-      lines.emplace_back("OK\r\n");
-    } else {
-      lines.emplace_back("done\r\n");
     }
+    lines.emplace_back(is_download ? "OK\r\n" : "done\r\n");
+    talking_ = true;
+    ++exchange_;
     std::int64_t delay = 0;
     for (const std::string& text : lines) {
       const bool last = &text == &lines.back();
@@ -169,10 +166,6 @@ class Storm : public WindowWorld {
       });
     }
   }
-  void HangUp() {
-    ++exchange_;
-    talking_ = false;
-  }
 
   std::mt19937 random_;
   std::vector<QAbstractButton*> buttons_;
@@ -180,7 +173,6 @@ class Storm : public WindowWorld {
   std::vector<QLineEdit*> fields_;
   std::vector<QAbstractItemView*> lists_;
   std::vector<QComboBox*> selectors_;
-  std::int64_t end_ = 0;
   int exchange_ = 0;
   bool talking_ = false;
   bool activating_ = false;
@@ -204,139 +196,109 @@ TEST_P(WindowStorm, LosesNothingAndLeavesAWindowThatWorks) {
   storm.Rage();
   EXPECT_EQ(storm.overlaps, 0) << "one command at a time";
   EXPECT_GT(storm.operations, 5) << "the storm met a running operation";
-  storm.Repair();
-  const std::int32_t unit = storm.app().registry().Units.count();
-  storm.form().Txt_UnitID.SetText("4242");
-  storm.form().Cmb_GetFrom.SelectByItemData(kFromRadio);
-  storm.Choose("mnu_Download", 1);
-  storm.loop.Advance(60'000);
-  ASSERT_GT(unit, 0);
-  std::vector<int> all(kReadings);
-  for (int hour = 0; hour < kReadings; ++hour) all[static_cast<std::size_t>(hour)] = hour;
-  std::set<std::string> complete;
+  storm.DownloadUnit4242();
+  std::set<int> complete;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(storm.home.path())) {
     if (!entry.is_regular_file() || entry.path().extension() == ".log") continue;
     const std::vector<int> hours = HoursIn(entry.path());
-    EXPECT_EQ(hours, std::vector<int>(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(hours.size())))
-        << entry.path();
-    if (hours == all) complete.insert(entry.path().filename());
+    for (std::size_t at = 0; at < hours.size(); ++at) EXPECT_EQ(hours[at], at) << entry.path();
+    const bool is_raw = hours.size() == kReadings && entry.path().extension() == ".epd";
+    if (is_raw && entry.path().stem().string().size() == 5) complete.insert(std::stoi(entry.path().stem().string()));
   }
-  for (const Unit& each : storm.app().registry().Units) {
-    std::ostringstream name;
-    name << std::setw(5) << std::setfill('0') << each.ID << ".epd";
-    const bool downloaded = each.Active != 0 && each.GetFrom == kFromRadio;
-    EXPECT_TRUE(!downloaded || complete.contains(name.str())) << name.str();
+  for (const Unit& unit : storm.app().registry().Units) {
+    EXPECT_TRUE(unit.Active == 0 || unit.GetFrom != kFromRadio || complete.contains(unit.ID)) << unit.ID;
   }
-  EXPECT_TRUE(complete.contains("04242.epd"));
+  EXPECT_TRUE(complete.contains(4242));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, WindowStorm, testing::Range(1U, 13U));
 
-/// What is under way when the window is closed, and what is pressed to get there.
-struct ClosingRow {
-  const char* name;
-  const char* button;
-  const char* status;  ///< closed when the status line begins with it; nullptr: when a box is open, "": at once
-};
-
-std::string NameOfRow(const testing::TestParamInfo<ClosingRow>& row) {
-  return row.param.name;
-}
-
-class WindowCloses : public testing::TestWithParam<ClosingRow> {};
-
-TEST_P(WindowCloses, InEveryStateAndKeepsTheSettings) {
-  const ClosingRow& row = GetParam();
-  WindowWorld world(SmallNetwork(3));
-  WriteTables(world.home);
-  for (const char* file : {"data/00001.epd", "data/00002.epd"}) {
-    world.home.Write(file, Framed("V2,00001,4,3,1,2010/3/12 10:00,12500,29310,100") + world.readings[0] + "\r\n");
-  }
-  world.dialogs.answer_plain_boxes = false;
-  world.Open();
-  int closed = 0;
-  world.app().commands().on_close = [&closed] { ++closed; };
-  world.Type("Txt_FTPServer", "42");
-  std::int64_t closing_at = 0;
-  const auto close = [&world, &closing_at] {
-    closing_at = world.loop.MonotonicMilliseconds();
-    world.window().close();
-    world.window().close();
-  };
-  const std::string status = row.status == nullptr ? "" : row.status;
-  if (row.status == nullptr) {
-    world.loop.After(500, [&] {
-      EXPECT_EQ(world.dialogs.open_boxes, 1);
-      close();
-    });
-  } else if (status.empty()) {
-    close();
-  } else {
-    world.form().Lbl_Status.on_change = [&] {
-      if (closing_at == 0 && world.form().Lbl_Status.text().starts_with(status)) close();
+TEST(WindowCloses, InEveryStateAndKeepsTheSettings) {
+  const struct {
+    const char* button;  ///< pressed to get there
+    const char* status;  ///< closed when the status line begins with it; nullptr: when a box is open, "": at once
+  } rows[] = {{"Chk_Backup", ""},
+              {"Cmd_DownloadAll_1", "Download"},
+              {"Cmd_ConvertAll", "Convert"},
+              {"Cmd_EditDataFile", nullptr},
+              {"Cmd_ProcessAll_2", nullptr}};
+  for (const auto& [button, status] : rows) {
+    SCOPED_TRACE(button);
+    WindowWorld world(SmallNetwork(3));
+    WriteTables(world.home);
+    for (const char* file : {"data/00001.epd", "data/00002.epd"}) {
+      world.home.Write(file, Framed("V2,00001,4,3,1,2010/3/12 10:00,12500,29310,100") + world.readings[0] + "\r\n");
+    }
+    world.dialogs.answer_plain_boxes = false;
+    world.Open();
+    int closed = 0;
+    world.app().commands().on_close = [&closed] { ++closed; };
+    world.Type("Txt_FTPServer", "42");
+    std::int64_t closing_at = 0;
+    const auto close = [&] {
+      closing_at = world.loop.MonotonicMilliseconds();
+      for (int turn = 0; turn < 2; ++turn) world.window().close();
     };
+    if (status == nullptr) {
+      world.loop.After(500, [&] {
+        EXPECT_EQ(world.dialogs.open_boxes, 1);
+        close();
+      });
+    } else if (*status == '\0') {
+      close();
+    } else {
+      world.form().Lbl_Status.on_change = [&, begins = status] {
+        if (closing_at == 0 && world.form().Lbl_Status.text().starts_with(begins)) close();
+      };
+    }
+    world.Click(button);
+    EXPECT_EQ(closed, 1);
+    EXPECT_TRUE(world.window().isVisible()) << "what runs unwinds before the window goes";
+    EXPECT_FALSE(world.app().slot().Taken());
+    EXPECT_EQ(world.dialogs.open_boxes, 0);
+    EXPECT_LE(world.loop.MonotonicMilliseconds() - closing_at, 2000);
+    world.app().life().OnWindowClose();
+    EXPECT_NE(world.home.Read("corvane.ini").find("FTPServer=42"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(world.home.Name("data/00002.txt"))) << "what had not begun does not begin";
   }
-  world.Click(row.button);
-  EXPECT_EQ(closed, 1);
-  EXPECT_TRUE(world.window().isVisible()) << "what runs unwinds before the window goes";
-  EXPECT_FALSE(world.app().slot().Taken());
-  EXPECT_EQ(world.dialogs.open_boxes, 0);
-  EXPECT_LE(world.loop.MonotonicMilliseconds() - closing_at, 2000);
-  world.app().life().OnWindowClose();
-  EXPECT_NE(world.home.Read("corvane.ini").find("FTPServer=42"), std::string::npos);
-  EXPECT_FALSE(std::filesystem::exists(world.home.Name("data/00002.txt"))) << "what had not begun does not begin";
 }
-
-INSTANTIATE_TEST_SUITE_P(States, WindowCloses,
-                         testing::Values(ClosingRow{"Idle", "Chk_Backup", ""},
-                                         ClosingRow{"Download", "Cmd_DownloadAll_1", "Download"},
-                                         ClosingRow{"Conversion", "Cmd_ConvertAll", "Convert"},
-                                         ClosingRow{"Message", "Cmd_EditDataFile", nullptr},
-                                         ClosingRow{"Question", "Cmd_ProcessAll_2", nullptr}),
-                         NameOfRow);
 
 /// The window in real time with real dialogs, joined as in the program.
-class ClosingWithRealDialogs : public testing::TestWithParam<ClosingRow> {};
-
-TEST_P(ClosingWithRealDialogs, TakesThemAway) {
-  const TempFolder home;
-  home.Write("corvane.ini", SmallNetwork(2));
-  QtLoop loop;
-  TermiosPort port(loop, loop);
-  FakeShell shell;
-  QtDialogs dialogs(loop);
-  FakeInternet internet;
-  FakeZip zip;
-  Application app(Platform{loop, port, shell, dialogs, internet, zip, {}}, home.path());
-  window::MainWindow window(app, loop);
-  app.commands().on_close = [&dialogs] { dialogs.CloseAll(); };
-  app.life().OnWindowCreate();
-  window.show();
-  dialogs.SetParent(&window);
-  app.life().OnWindowActivate("");
-  bool shown = false;
-  QTimer look;
-  QObject::connect(&look, &QTimer::timeout, &window, [&] {
-    if (QApplication::activeModalWidget() == nullptr || shown) return;
-    shown = true;
-    window.close();
-  });
-  look.start(10);
-  window.findChild<QAbstractButton*>(GetParam().button)->click();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return shown && app.flags().closing; }, 2000));
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-  EXPECT_FALSE(app.slot().Taken());
-  dialogs.on_box_closed = nullptr;
-  app.life().OnWindowClose();
-  EXPECT_NE(home.Read("corvane.ini").find("NumUnits=2"), std::string::npos);
+TEST(WindowCloses, AndTakesRealDialogsAway) {
+  // A message, a question, an input and a choice of a folder.
+  for (const char* button : {"Cmd_EditDataFile", "Cmd_ProcessAll_2", "Cmd_Mode", "Cmd_GetFolder"}) {
+    SCOPED_TRACE(button);
+    const TempFolder home;
+    home.Write("corvane.ini", SmallNetwork(2));
+    QtLoop loop;
+    TermiosPort port(loop, loop);
+    FakeShell shell;
+    QtDialogs dialogs(loop);
+    FakeInternet internet;
+    FakeZip zip;
+    Application app(Platform{loop, port, shell, dialogs, internet, zip, {}}, home.path());
+    window::MainWindow window(app, loop);
+    app.commands().on_close = [&dialogs] { dialogs.CloseAll(); };
+    app.life().OnWindowCreate();
+    window.show();
+    dialogs.SetParent(&window);
+    app.life().OnWindowActivate("");
+    bool shown = false;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &window, [&] {
+      if (QApplication::activeModalWidget() == nullptr || shown) return;
+      shown = true;
+      window.close();
+    });
+    look.start(10);
+    window.findChild<QAbstractButton*>(button)->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown && app.flags().closing; }, 2000));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_FALSE(app.slot().Taken());
+    app.life().OnWindowClose();
+    EXPECT_NE(home.Read("corvane.ini").find("NumUnits=2"), std::string::npos);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Boxes, ClosingWithRealDialogs,
-                         testing::Values(ClosingRow{"Message", "Cmd_EditDataFile", nullptr},
-                                         ClosingRow{"Question", "Cmd_ProcessAll_2", nullptr},
-                                         ClosingRow{"Input", "Cmd_Mode", nullptr},
-                                         ClosingRow{"Folder", "Cmd_GetFolder", nullptr}),
-                         NameOfRow);
 
 }  // namespace
 }  // namespace corvane::test

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
@@ -40,26 +41,40 @@ class WindowWorld : public World {
     if (found == nullptr) throw std::runtime_error(std::string("no widget ") + name);
     return *found;
   }
+  [[nodiscard]] QAbstractButton& Button(const char* name) { return Widget<QAbstractButton>(name); }
+  [[nodiscard]] QLineEdit& Field(const char* name) { return Widget<QLineEdit>(name); }
+  [[nodiscard]] QAbstractItemView& List(const char* name) { return Widget<QAbstractItemView>(name); }
+  [[nodiscard]] QAction& Entry(const char* menu, int entry) { return *Widget<QMenu>(menu).actions().at(entry); }
+  [[nodiscard]] QModelIndex Cell(const char* list, int row, int column = 0) {
+    return List(list).model()->index(row, column);
+  }
+  [[nodiscard]] int Rows(const char* list) { return List(list).model()->rowCount(); }
   /// Lets posted commands run.
   void Settle() { loop.Poll(); }
 
   void Click(const char* button) {
-    Widget<QAbstractButton>(button).click();
+    Button(button).click();
+    Settle();
+  }
+  void ClickRow(const char* list, int row, Qt::KeyboardModifiers keys = {}) {
+    QTest::mouseClick(List(list).viewport(), Qt::LeftButton, keys, List(list).visualRect(Cell(list, row)).center());
+    Settle();
+  }
+  void ChooseRow(const char* list, int row) {
+    List(list).setCurrentIndex(Cell(list, row));
     Settle();
   }
   void Choose(const char* menu, int entry) {
-    Widget<QMenu>(menu).actions().at(entry)->trigger();
+    Entry(menu, entry).trigger();
+    Settle();
+  }
+  void Press(QWidget& widget, Qt::Key key) {
+    QTest::keyClick(&widget, key);
     Settle();
   }
   void Type(const char* field, const QString& text) {
-    auto& edit = Widget<QLineEdit>(field);
-    edit.selectAll();
-    QTest::keyClicks(&edit, text);
-  }
-  /// Ends the typing in a field as leaving it does.
-  void Leave(const char* field) {
-    Q_EMIT Widget<QLineEdit>(field).editingFinished();
-    Settle();
+    Field(field).selectAll();
+    QTest::keyClicks(&Field(field), text);
   }
 
   HelpFiles help{"/guide/index.html", "/guide/index-of-words.html"};
