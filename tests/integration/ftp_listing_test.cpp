@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -17,26 +18,21 @@ const DateTime kNow = DateTime::FromCivil(2024, 3, 5, 12, 0, 0);
 std::string Read(ListingForm form, std::string_view line) {
   ListingEntry entry;
   const ListingLine kind = ParseListingLine(form, line, kNow, entry);
-  if (kind == ListingLine::Nothing) return "nothing";
-  if (kind == ListingLine::Unknown) return "unknown";
+  if (kind != ListingLine::Entry) return kind == ListingLine::Nothing ? "nothing" : "unknown";
   const CivilTime time = entry.record.last_written.ToCivil();
-  char text[64];
-  std::snprintf(text, sizeof text, "%d-%02d-%02d %02d:%02d:%02d", static_cast<int>(time.year), time.month, time.day,
-                time.hour, time.minute, time.second);
-  return std::string(entry.is_link            ? "link"
-                     : entry.record.is_folder ? "folder"
-                                              : "file") +
-         " '" + entry.record.name + "' " + std::to_string(entry.record.size) +
-         (entry.record.last_written.IsNone() ? "" : std::string(" ") + text);
+  char text[64] = "";
+  if (!entry.record.last_written.IsNone()) {
+    std::snprintf(text, sizeof text, " %d-%02d-%02d %02d:%02d:%02d", static_cast<int>(time.year), time.month, time.day,
+                  time.hour, time.minute, time.second);
+  }
+  const char* what = entry.is_link ? "link '" : entry.record.is_folder ? "folder '" : "file '";
+  return what + entry.record.name + "' " + std::to_string(entry.record.size) + text;
 }
 
-struct LineRow {
-  const char* line;
-  const char* read;
-};
-
-TEST(FtpListing, LinesOfList) {
-  const LineRow kRows[] = {
+TEST(FtpListing, LinesOfListAndOfMlsdWhoseTimesBecomeLocal) {
+  setenv("TZ", "UTC-02:00", 1);
+  tzset();
+  const std::pair<const char*, const char*> list[] = {
       {"-rw-r--r--    1 1000     1000         5000 Mar 05 10:27 a b  c", "file 'a b  c' 5000 2024-03-05 10:27:00"},
       {"drwxr-xr-x   2 owner    group        4096 Mar  5  2023 folder", "folder 'folder' 0 2023-03-05 00:00:00"},
       {"-rw-rw-r--+  1 DOM\\user Domain Users 12 Dec 31 23:59  x ", "file ' x ' 12 2023-12-31 23:59:00"},
@@ -62,13 +58,7 @@ TEST(FtpListing, LinesOfList) {
       {"03-05-24  02:03PM       <DIR>", "unknown"},
       {"could not list", "unknown"},
   };
-  for (const LineRow& row : kRows) EXPECT_EQ(Read(ListingForm::List, row.line), row.read) << row.line;
-}
-
-TEST(FtpListing, LinesOfMlsdWhoseTimesBecomeLocal) {
-  setenv("TZ", "UTC-02:00", 1);
-  tzset();
-  const LineRow kRows[] = {
+  const std::pair<const char*, const char*> facts[] = {
       {"type=file;size=12;modify=20240305223015; a b", "file 'a b' 12 2024-03-06 00:30:15"},
       {"Modify=20240305223015.123;TYPE=File;Size=4294967297;  x", "file ' x' 4294967297 2024-03-06 00:30:15"},
       {"type=dir;sizd=4096;modify=20240101000000;perm=el; f", "folder 'f' 0 2024-01-01 02:00:00"},
@@ -81,7 +71,8 @@ TEST(FtpListing, LinesOfMlsdWhoseTimesBecomeLocal) {
       {"type=file; a/b", "unknown"},
       {"what is this?", "unknown"},
   };
-  for (const LineRow& row : kRows) EXPECT_EQ(Read(ListingForm::Facts, row.line), row.read) << row.line;
+  for (const auto& [line, read] : list) EXPECT_EQ(Read(ListingForm::List, line), read) << line;
+  for (const auto& [line, read] : facts) EXPECT_EQ(Read(ListingForm::Facts, line), read) << line;
   unsetenv("TZ");
   tzset();
 }

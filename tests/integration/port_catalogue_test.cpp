@@ -35,20 +35,21 @@ class PortCatalogueTest : public testing::Test {
 
 TEST_F(PortCatalogueTest, ListsEachDeviceOnceWithLastingNamesFirst) {
   EXPECT_TRUE(catalogue_.ListDevices().empty());
-  Link("ttyUSB10", "/dev/zero");
-  Link("ttyUSB2", "/dev/null");
-  Link("ttyACM0", "/dev/full");
-  Link("ttyS0", "/dev/random");
+  const std::pair<const char*, const char*> links[] = {{"ttyUSB10", "/dev/zero"},
+                                                       {"ttyUSB2", "/dev/null"},
+                                                       {"ttyACM0", "/dev/full"},
+                                                       {"ttyS0", "/dev/random"},
+                                                       {"ttyS1", "/dev/urandom"},
+                                                       {"ttyUSB11", "/dev/null"},
+                                                       {"tty1", "/dev/tty"},
+                                                       {"ttyUSB", "/dev/tty"},
+                                                       {"serial/by-id/usb-B-port10", "../../ttyACM0"},
+                                                       {"serial/by-id/usb-B-port9", "../../ttyUSB10"},
+                                                       {"serial/by-id/usb-A-gone", "../../ttyUSB7"}};
+  for (const auto& [name, target] : links) Link(name, target);
   home_.Write("sys/dev/char/1:8/type", "4\n");
-  Link("ttyS1", "/dev/urandom");
   home_.Write("sys/dev/char/1:9/type", "0\n");
-  Link("ttyUSB11", "/dev/null");
-  Link("tty1", "/dev/tty");
-  Link("ttyUSB", "/dev/tty");
   home_.Write("dev/ttyUSB3", "");
-  Link("serial/by-id/usb-B-port10", "../../ttyACM0");
-  Link("serial/by-id/usb-B-port9", "../../ttyUSB10");
-  Link("serial/by-id/usb-A-gone", "../../ttyUSB7");
 
   std::vector<std::string> found;
   for (const SerialDeviceInfo& device : catalogue_.ListDevices()) {

@@ -1,7 +1,7 @@
 #include "transfer/c_winsock.h"
 
-#include <functional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include <arpa/inet.h>
@@ -18,17 +18,15 @@
 namespace corvane::test {
 namespace {
 
-/// A port on the loopback; without `listening` it refuses.
+/// A server on the loopback for one connection.
 class Listener {
  public:
-  explicit Listener(bool listening) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+  Listener() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
     sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
-    auto* const bytes = reinterpret_cast<sockaddr*>(&address);
-    if (bind(socket_, bytes, length) == 0 && getsockname(socket_, bytes, &length) == 0) port = ntohs(address.sin_port);
-    if (listening) listen(socket_, 1);
+    listen(socket_, 1);
+    getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length);
+    port = ntohs(address.sin_port);
   }
   ~Listener() {
     close(socket_);
@@ -56,8 +54,11 @@ class Listener {
 class Winsock : public testing::Test {
  protected:
   Winsock() { client.SetLogging(true); }
-  [[nodiscard]] bool Logged(const std::string& text) const {
-    return home.Read("winsock.Log").find(text) != std::string::npos;
+  [[nodiscard]] bool Logs(const std::string& text) {
+    return RunUntil(loop, [&] { return home.Read("winsock.Log").find(text) != std::string::npos; });
+  }
+  [[nodiscard]] bool Reaches(SocketState state) {
+    return RunUntil(loop, [&] { return socket.State() == state; });
   }
 
   TempFolder home;
@@ -69,7 +70,7 @@ class Winsock : public testing::Test {
 };
 
 TEST_F(Winsock, ConnectsSendsReceivesAndSeesThePeerClose) {
-  Listener server(true);
+  Listener server;
   ASSERT_TRUE(client.SocketConnect("localhost", server.port, 2));
   server.Accept();
   // More than the kernel buffers take at once.
@@ -88,101 +89,71 @@ TEST_F(Winsock, ConnectsSendsReceivesAndSeesThePeerClose) {
 
   ASSERT_EQ(send(server.peer, "answer", 6, 0), 6);
   ASSERT_EQ(shutdown(server.peer, SHUT_WR), 0);
-  EXPECT_TRUE(RunUntil(loop, [&] { return socket.State() == SocketState::PeerClosing; }));
+  EXPECT_TRUE(Reaches(SocketState::PeerClosing));
   EXPECT_EQ(socket.ReceiveAll(), "answer");
   client.SocketClose();
-  EXPECT_TRUE(RunUntil(loop, [&] { return Logged("WStatus:Closed\r\n"); }));
+  EXPECT_TRUE(Logs("WStatus:Closed\r\n"));
   EXPECT_TRUE(server.Read(arrived)) << "the peer sees the close";
 
-  const std::string log = home.Read("winsock.Log");
-  std::size_t at = 0;
-  for (const char* const text : {"WStatus:Resolving Host", "WStatus:Host resolved", "WStatus:Connecting",
-                                 "WStatus:Connected", "CWinsock:Send complete", "CWinsock:Data arrived",
-                                 "WStatus:Peer is closing the connection", "WStatus:Closed"}) {
-    // "yyyy-mm-dd HH:MM:SS:" stands before each text, and one line follows the other.
-    ASSERT_EQ(log.find(text, at), at + 20) << text << " in " << log;
-    at += 20 + std::string(text).size() + 2;
+  std::string log = home.Read("winsock.Log"), texts;
+  // "yyyy-mm-dd HH:MM:SS:" stands before each text.
+  for (; log.size() > 20; log.erase(0, log.find('\n') + 1)) texts += log.substr(20, log.find('\n') - 19);
+  EXPECT_EQ(texts,
+            "WStatus:Resolving Host\r\nWStatus:Host resolved\r\nWStatus:Connecting\r\nWStatus:Connected\r\n"
+            "CWinsock:Send complete\r\nCWinsock:Data arrived\r\nWStatus:Peer is closing the connection\r\n"
+            "WStatus:Closed\r\n");
+  for (const auto& [state, text] : {std::pair{-1, ""}, {3, "Connection pending"}, {9, "Error"}, {10, ""}}) {
+    EXPECT_EQ(CWinsock::StateText(state), text);
   }
-  EXPECT_EQ(log.size(), at);
 }
 
 TEST_F(Winsock, FailuresEndWithTheTimeOut) {
-  const Listener refusing(false);
-  struct Row {
-    std::string host;
-    std::int32_t port;
-    std::string logged;
-  };
-  for (const Row& row : {Row{"127.0.0.1", refusing.port, "Connection refused"}, Row{"127.0.0.1", 70000, "port"},
-                         Row{"", 4000, "host name"}, Row{"no..host", 4000, "CWinsock:Error no..host:4000: "}}) {
+  const std::tuple<std::string, std::int32_t, std::string> rows[] = {
+      {"127.0.0.1", 1, "Connection refused"},
+      {"127.0.0.1", 70000, "port"},
+      {"", 4000, "host name"},
+      {"no..host", 4000, "CWinsock:Error no..host:4000: "}};
+  for (const auto& [host, port, logged] : rows) {
     const std::int64_t start = loop.MonotonicMilliseconds();
-    EXPECT_FALSE(client.SocketConnect(row.host, row.port, 0.2));
-    EXPECT_GE(loop.MonotonicMilliseconds() - start, 190) << row.logged;
-    EXPECT_LT(loop.MonotonicMilliseconds() - start, 1000) << row.logged;
-    EXPECT_TRUE(RunUntil(loop, [&] { return socket.State() == SocketState::Error; }));
-    EXPECT_TRUE(Logged(row.logged)) << home.Read("winsock.Log");
+    EXPECT_FALSE(client.SocketConnect(host, port, 0.2));
+    EXPECT_GE(loop.MonotonicMilliseconds() - start, 190) << logged;
+    EXPECT_LT(loop.MonotonicMilliseconds() - start, 1000) << logged;
+    EXPECT_TRUE(Reaches(SocketState::Error) && Logs(logged)) << home.Read("winsock.Log");
   }
-  EXPECT_FALSE(client.SocketConnect("127.0.0.1", refusing.port, 0)) << "without a time-out nothing is waited for";
+  EXPECT_FALSE(client.SocketConnect("127.0.0.1", 1, 0)) << "without a time-out nothing is waited for";
   EXPECT_FALSE(client.SendData(""));
+  for (int round = 0; round < 20; ++round) PosixSocket(loop).Connect("localhost", 1);
+  EXPECT_FALSE(client.SocketConnect("localhost", 1, 0.05)) << "sockets may be destroyed while they resolve";
 }
 
-TEST_F(Winsock, ResetIsAnErrorAndNotASignal) {
-  Listener server(true);
+TEST_F(Winsock, SilenceEndsWithTheTimeOutAndAResetIsAnErrorAndNotASignal) {
+  Listener server;
   ASSERT_TRUE(client.SocketConnect("127.0.0.1", server.port, 2));
+  FakeLoop fast;
+  CWinsock hasty(socket, fast, form.Frm_Main, app);
+  EXPECT_FALSE(hasty.SendData("text")) << "the loop that would send it does not run";
+  EXPECT_EQ(fast.MonotonicMilliseconds(), 15000);
+  EXPECT_EQ(form.Frm_Main.pointer(), PointerShape::Default);
+
+  // The kernel answers no more connections once the queue of a server that takes none is full.
+  PosixSocket second(loop), third(loop);
+  second.Connect("127.0.0.1", server.port);
+  ASSERT_TRUE(RunUntil(loop, [&] { return second.State() == SocketState::Connected; }));
+  CWinsock silent(third, loop, form.Frm_Main, app);
+  EXPECT_FALSE(silent.SocketConnect("127.0.0.1", server.port, 0.2));
+  EXPECT_EQ(third.State(), SocketState::Connecting);
+
+  CWinsock again(socket, loop, form.Frm_Main, app);
+  again.SetLogging(true);
   server.Accept();
   const linger at_once{1, 0};
   setsockopt(server.peer, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
   close(std::exchange(server.peer, -1));
   socket.Send("lost");
-  EXPECT_TRUE(RunUntil(loop, [&] { return socket.State() == SocketState::Error; }));
-  EXPECT_TRUE(Logged("CWinsock:Error 127.0.0.1:"));
+  EXPECT_TRUE(Reaches(SocketState::Error) && Logs("CWinsock:Error 127.0.0.1:"));
   for (int pass = 0; pass < 3; ++pass) YieldsIn20Milliseconds(loop);
-  client.SocketClose();
-  EXPECT_TRUE(RunUntil(loop, [&] { return Logged("WStatus:Closed"); }));
-}
-
-TEST_F(Winsock, MayBeDestroyedWhileItResolves) {
-  for (int round = 0; round < 20; ++round) PosixSocket(loop).Connect("localhost", 1);
-  EXPECT_FALSE(client.SocketConnect("localhost", 1, 0.05));
-}
-
-TEST_F(Winsock, SilentHostEndsWithTheTimeOut) {
-  const Listener server(true);
-  // The kernel answers no more connections once the queue of a server that takes none is full.
-  PosixSocket first(loop), second(loop);
-  for (PosixSocket* filler : {&first, &second}) {
-    filler->Connect("127.0.0.1", server.port);
-    ASSERT_TRUE(RunUntil(loop, [&] { return filler->State() == SocketState::Connected; }));
-  }
-  EXPECT_FALSE(client.SocketConnect("127.0.0.1", server.port, 0.2));
-  EXPECT_EQ(socket.State(), SocketState::Connecting);
-}
-
-TEST(WinsockSend, GivesUpAfter15Seconds) {
-  class SilentSocket : public TcpSocket {
-   public:
-    void Connect(const std::string& /*host*/, std::int32_t /*port*/) override {}
-    void Send(std::string_view /*data*/) override {}
-    [[nodiscard]] std::string ReceiveAll() override { return {}; }
-    void Close() override {}
-    [[nodiscard]] SocketState State() const override { return SocketState::Connected; }
-    void SetHandler(std::function<void(SocketEvent, const std::string&)> /*handler*/) override {}
-  } silent;
-  FakeLoop loop;
-  Form form;
-  const AppInfo app("/nowhere");
-  CWinsock client(silent, loop, form.Frm_Main, app);
-  client.SetLogging(true);
-  EXPECT_FALSE(client.SendData("text"));
-  EXPECT_EQ(loop.MonotonicMilliseconds(), 15000);
-  EXPECT_EQ(form.Frm_Main.pointer(), PointerShape::Default);
-}
-
-TEST(WinsockTexts, StatesOutsideTheTableHaveNone) {
-  for (const auto& [state, text] :
-       {std::pair{-1, ""}, {0, "Closed"}, {3, "Connection pending"}, {9, "Error"}, {10, ""}}) {
-    EXPECT_EQ(CWinsock::StateText(state), text);
-  }
+  again.SocketClose();
+  EXPECT_TRUE(Logs("WStatus:Closed"));
 }
 
 }  // namespace

@@ -42,6 +42,10 @@ TEST_F(MainWindow, WhatIsTypedOrClickedReachesTheForm) {
   EXPECT_EQ(Cell("Lst_Units", 0).data().toString(), "Orchard");
   Click("Chk_ZIPFiles");
   EXPECT_TRUE(form().Chk_ZIPFiles.ticked());
+  for (const auto& entry : {std::optional<std::string>(" /M"), std::optional<std::string>()}) {
+    Click("Chk_RunAtStartup");
+    EXPECT_EQ(shell.log_on_entry, entry);
+  }
   Click("Opt_WhichReadings_1");
   EXPECT_EQ(form().Opt_WhichReadings.GetOptionIndex(), 1);
   Press(Widget<QComboBox>("Cmb_GetFrom"), Qt::Key_Down);

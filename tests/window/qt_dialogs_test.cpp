@@ -103,14 +103,5 @@ TEST_F(QtDialogsTest, TextsFilesAndFoldersAreAskedForUntilTheyAreAnswered) {
   EXPECT_EQ(closed, 0) << "a choice that was asked for brings no activation";
 }
 
-TEST_F(QtDialogsTest, TheEndTakesEverythingAwayThatIsShown) {
-  int answers = 0;
-  dialogs.OpenBox(Question(), [&answers](int position) { answers += position == 0 ? 1 : 100; });
-  loop.Post([this] { dialogs.CloseAll(); });
-  EXPECT_EQ(dialogs.AskText("Set Mode", "Mode:", ""), std::nullopt);
-  EXPECT_EQ(answers, 1);
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-}
-
 }  // namespace
 }  // namespace corvane::test

@@ -4,7 +4,6 @@
 Looks at it from outside only: windows and their properties, keys, files, what the base station saw and exit statuses.
 Usage: window_on_x11.py FOLDER_OF_THE_BUILD [CHECK...]; without names every check runs.
 """
-import contextlib
 import os
 import pathlib
 import re
@@ -19,16 +18,12 @@ ORDERLY_END = 2  # seconds in which the program ends, whatever it does
 TEMPLATE = (pathlib.Path(__file__).resolve().parents[2] / "share/hveng.lng").read_bytes()
 
 
-class Failure(Exception):
-    pass
-
-
 def expect(what, condition, limit=LIMIT):
     """Waits until `condition` returns something true and returns it."""
     deadline = time.monotonic() + limit
     while not (found := condition()):
         if time.monotonic() > deadline:
-            raise Failure(f"not within {limit} s: {what}")
+            raise AssertionError(f"not within {limit} s: {what}")
         time.sleep(0.02)
     print(f"    {what}", flush=True)
     return found
@@ -36,9 +31,9 @@ def expect(what, condition, limit=LIMIT):
 
 def end(process):
     """Ends a process that this script started, if it still runs."""
-    if process.poll() is None:
+    if process:
         process.kill()
-    process.wait()
+        process.wait()
 
 
 class Display:
@@ -51,9 +46,8 @@ class Display:
         for name in ("CORVANE_HOME", "WAYLAND_DISPLAY", "SESSION_MANAGER", "DBUS_SESSION_BUS_ADDRESS"):
             self.environment.pop(name, None)
         # What the toolkit's libraries keep, without a bus and at an abrupt end, is none of the program's.
-        suppressions = folder / "leaks"
-        suppressions.write_text("leak:libdbus-1\nleak:libfontconfig\n")
-        self.environment["LSAN_OPTIONS"] = f"suppressions={suppressions}:print_suppressions=0"
+        (folder / "leaks").write_text("leak:libdbus-1\nleak:libfontconfig\n")
+        self.environment["LSAN_OPTIONS"] = f"suppressions={folder}/leaks:print_suppressions=0"
         reader, writer = os.pipe()
         command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1366x768x24", "-nolisten", "tcp", "-noreset"]
         self.server = subprocess.Popen(command, pass_fds=[writer], stderr=subprocess.DEVNULL)
@@ -87,27 +81,11 @@ class Display:
         expect("the window is active", lambda: self.ask("xdotool", "getactivewindow").strip() == str(int(window, 16)))
         self.ask("xdotool", "key", *keys)
 
-    def stop(self):
-        end(self.manager)
-        end(self.server)
-
-
-@contextlib.contextmanager
-def own_display(site):
-    """A display that the check may take away from its program."""
-    shared, site.display = site.display, Display(site.folder)
-    try:
-        yield site.display
-    finally:
-        site.display.stop()
-        site.display = shared
-
-
 class Site:
     """An application folder with its base station and whatever programs were started in it."""
 
-    def __init__(self, build, display, folder):
-        self.display, self.folder, self.home = display, folder, folder / "home"
+    def __init__(self, build, folder):
+        self.display, self.folder, self.home = Display(folder), folder, folder / "home"
         self.build, self.tty, self.station_log = build, folder / "tty", folder / "station.log"
         self.programs, self.station = [], None
 
@@ -121,8 +99,7 @@ class Site:
              "[Units]", f"NumUnits={units}", "Name1=North", "[Ports]", f"COM1={self.tty}", ""]))
 
     def start_station(self, *options):
-        if self.station:
-            end(self.station)
+        end(self.station)
         self.station = subprocess.Popen(
             [self.build / "tools/basestation/corvane-basestation", "--link", self.tty, "--units", "2",
              "--log", self.station_log, *options], stdout=subprocess.DEVNULL)
@@ -169,8 +146,7 @@ class Site:
     def ends(self, program, what="it ends in order", status=0, limit=LIMIT):
         """Waits for the end of a program, which must leave with `status`, its settings saved and nothing half there."""
         expect(what, lambda: program.poll() is not None, limit)
-        if program.returncode != status or "Sanitizer" in self.said(program):
-            raise Failure(f"exit status {program.returncode} instead of {status}")
+        assert program.returncode == status and "Sanitizer" not in self.said(program), f"status {program.returncode}"
         if status < 2:
             # The version is written by the program only.
             expect("the settings are saved", lambda: re.search(r"^Version=\d", self.read("corvane.ini"), re.M))
@@ -186,26 +162,14 @@ class Site:
         for path in sorted(self.home.glob("*.epd")):
             *lines, rest = path.read_bytes().decode().split("\r\n")
             readings = [line for line in lines[1:] if not line.startswith("$")]
-            if rest or len({line.count(",") for line in readings}) > 1:
-                raise Failure(f"{path.name} holds a torn line")
-            if len({line.split(",")[0] for line in readings}) != len(readings):
-                raise Failure(f"{path.name} holds a reading twice")
+            assert not rest and len({line.count(",") for line in readings}) < 2, f"{path.name} holds a torn line"
+            assert len({line.split(",")[0] for line in readings}) == len(readings), f"{path.name}: a reading twice"
             total += len(readings)
         return total
 
     def download(self):
         subprocess.run([self.build / "frontends/console/corvanectl", "--home", self.home, "download"], check=True,
                        stdout=subprocess.DEVNULL, env=self.display.environment)
-
-    def stop(self):
-        for process in [*self.programs, *([self.station] if self.station else [])]:
-            end(process)
-
-    def tell(self):
-        """What a failed check left behind."""
-        for program in self.programs:
-            print(f"    program {program.args[1:]}, status {program.poll()}: {self.said(program)}")
-        print("    log: " + self.read("corvane.log")[-1500:].replace("\n", "\n      "))
 
 
 def opens_and_closes(site):
@@ -270,20 +234,18 @@ def ends_in_a_download(site):
             program.send_signal(signal.SIGTERM)
 
     site.prepare()
-    with own_display(site) as display:
-        for what, how, status in (("closing", lambda _, window: display.press(window, "alt+F4"), 0),
-                                  ("SIGTERM, twice, a box open,", terminate, 0),
-                                  ("a lost display", lambda *_: display.server.kill(), 1)):
-            site.station_log.unlink(missing_ok=True)
-            site.start_station("--readings", "150", "--baud", "9600")
-            before = site.readings()
-            program, window = site.open("/D")
-            expect("readings arrive", lambda: site.read("00001.epd").count("\n") > 5 and site.readings() > before)
-            how(program, window)
-            site.ends(program, f"{what} ends it in a download", status, LIMIT if status else ORDERLY_END)
-            expect("the unit was told to stop", lambda: "< escape, stopped" in site.station_log.read_text())
-    if site.readings() == 300:
-        raise Failure("there was nothing left to download")
+    for what, how, status in (("closing", lambda _, window: site.display.press(window, "alt+F4"), 0),
+                              ("SIGTERM, twice, a box open,", terminate, 0),
+                              ("a lost display", lambda *_: site.display.server.kill(), 1)):
+        site.station_log.unlink(missing_ok=True)
+        site.start_station("--readings", "150", "--baud", "9600")
+        before = site.readings()
+        program, window = site.open("/D")
+        expect("readings arrive", lambda: site.read("00001.epd").count("\n") > 5 and site.readings() > before)
+        how(program, window)
+        site.ends(program, f"{what} ends it in a download", status, LIMIT if status else ORDERLY_END)
+        expect("the unit was told to stop", lambda: "< escape, stopped" in site.station_log.read_text())
+    assert site.readings() < 300, "there was nothing left to download"
     site.start_station("--readings", "150")
     site.download()
     expect("a later download fetches the rest, each reading once", lambda: site.readings() == 300)
@@ -307,24 +269,24 @@ def second_instance(site):
 def ended_while_it_starts(site):
     site.prepare(Language="missing.lng")
     before = site.read("corvane.ini")
-    with own_display(site) as display:
-        program, _ = site.open()
-        display.server.kill()
-        expect("a lost display ends a program that is still starting", lambda: program.poll() == 1)
-    if site.read("corvane.ini") != before:
-        raise Failure("it changed the settings")
     for what, ready in (("before the window is shown", lambda: (site.home / "corvane.lock").exists()),
                         ("while a box of the start is open", lambda: site.window(program))):
-        (site.home / "corvane.lock").unlink()
         program = site.start()
         expect("the signals are watched", ready)
         program.send_signal(signal.SIGTERM)
         site.ends(program, f"SIGTERM {what} ends it", limit=ORDERLY_END)
         expect("with the settings that were there", lambda: "Name1=North" in site.read("corvane.ini"))
+        (site.home / "corvane.lock").unlink()
     program, box = site.open()
     site.close_box(program, box)
     window = site.window(program)
     expect("answered, the box makes room for the window", lambda: site.display.state(window) == "Normal")
+    end(program)
+    (site.home / "corvane.ini").write_text(before)
+    program, _ = site.open()
+    site.display.server.kill()
+    expect("a lost display ends a program that is still starting", lambda: program.poll() == 1)
+    assert site.read("corvane.ini") == before, "it changed the settings"
 
 
 def display_lost_while_converting(site):
@@ -336,12 +298,11 @@ def display_lost_while_converting(site):
     lines = [f"{year}/{month}/{day} {hour:02}:00{rest}" for year in range(2001, 2061) for month in range(1, 13)
              for day in range(1, 29) for hour in range(0, 24, 2)]
     (site.home / "00001.epd").write_bytes("\r\n".join([header, *lines, ""]).encode())
-    with own_display(site) as display:
-        program, window = site.open()
-        display.press(window, "alt+c", "c", "a")
-        expect("the conversion has begun", lambda: [*site.home.glob("*.part")])
-        display.server.kill()
-        site.ends(program, "a lost display during a conversion ends the program", 1)
+    program, window = site.open()
+    site.display.press(window, "alt+c", "c", "a")
+    expect("the conversion has begun", lambda: [*site.home.glob("*.part")])
+    site.display.server.kill()
+    site.ends(program, "a lost display during a conversion ends the program", 1)
 
 
 def starts_without_a_display(site):
@@ -352,8 +313,7 @@ def starts_without_a_display(site):
             (["-platform", "no-such"], 3, r".*use corvanectl, the console program\n")):
         program = site.start(*arguments, platform="offscreen", home=False)
         expect(f"{arguments[0]} ends with status {status}", lambda: program.poll() == status)
-        if not re.fullmatch(text, site.said(program), re.S):
-            raise Failure(f"{arguments[0]} printed: {site.said(program)}")
+        assert re.fullmatch(text, site.said(program), re.S), site.said(program)
     site.ends(site.start("/Q", platform="offscreen"), "a first start creates the application folder")
     expect("with the language file", lambda: (site.home / "hveng.lng").read_bytes() == TEMPLATE)
     (site.home / "hveng.lng").write_text("#,Text\n1,other\n")
@@ -371,31 +331,29 @@ CHECKS = [opens_and_closes, minimised_title, activations_with_download_switch, e
           ended_while_it_starts, display_lost_while_converting, starts_without_a_display]
 
 
-def run(check, build, display):
-    """Runs one check in a folder of its own; true when it passed."""
+def run(check, build):
+    """Runs one check in a folder and on a display of its own; true when it passed."""
     print(f"{check.__name__}:", flush=True)
     with tempfile.TemporaryDirectory(prefix="corvane-x11-") as folder:
-        site = Site(build, display, pathlib.Path(folder))
+        site = Site(build, pathlib.Path(folder))
         try:
             check(site)
             return True
-        except (Failure, OSError, subprocess.CalledProcessError) as problem:
+        except (AssertionError, OSError, subprocess.CalledProcessError) as problem:
             print(f"  FAILED: {problem}")
-            site.tell()
+            for program in site.programs:
+                print(f"    program {program.args[1:]}, status {program.poll()}: {site.said(program)}")
+            print("    log: " + site.read("corvane.log")[-1500:].replace("\n", "\n      "))
             return False
         finally:
-            site.stop()
+            for process in [*site.programs, site.station, site.display.manager, site.display.server]:
+                end(process)
 
 
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
     chosen = [check for check in CHECKS if len(sys.argv) == 2 or check.__name__ in sys.argv[2:]]
-    with tempfile.TemporaryDirectory(prefix="corvane-x11-") as folder:
-        display = Display(pathlib.Path(folder))
-        try:
-            failed = [check.__name__ for check in chosen if not run(check, build, display)]
-        finally:
-            display.stop()
+    failed = [check.__name__ for check in chosen if not run(check, build)]
     print(f"failed: {', '.join(failed)}" if failed else f"all {len(chosen)} checks passed")
     return 1 if failed or not chosen else 0
 
