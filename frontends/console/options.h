@@ -47,7 +47,7 @@ struct Options {
   bool files = false;                  ///< --file: the arguments are raw files
   bool hand_held = false;
   bool yes = false;
-  bool go_on = false;                  ///< --go-on
+  bool go_on = false;  ///< --go-on
   bool quiet = false;
   bool verbose = false;
   bool help = false;

@@ -221,13 +221,13 @@ TEST(FtpFaults, HandlerThatThrowsEndsItsCallOnly) {
   // Between curl's steps, and in the wait for a last reply, which is in the middle of one.
   for (const char* fault : {"stall_up", "late_last_reply"}) {
     SCOPED_TRACE(fault);
-    FaultySession session(fault);
+    LoggedIn session(fault);
     const auto timer = session.loop.MakeTimer([] { throw RunTimeError("thrown"); });
     timer->Start(50);
-    EXPECT_THROW(static_cast<void>(session.Do(Step::Put)), RunTimeError);
+    EXPECT_THROW(static_cast<void>(session.PutLarge()), RunTimeError);
     timer->Stop();
     EXPECT_EQ(session.Codes().back(), kHandleClosing);
-    EXPECT_TRUE(session.Do(Step::MakeFolder)) << session.Error() << session.Words();
+    EXPECT_TRUE(session.Make()) << session.Error() << session.Words();
   }
 }
 

@@ -7,8 +7,8 @@
 #include "desktop/posix_shell.h"
 #include "posix/posix_loop.h"
 #include "state/link_state.h"
-#include "support/recorders.h"
 #include "support/child.h"
+#include "support/recorders.h"
 #include "support/temp_folder.h"
 #include "transfer/my_ftp.h"
 
