@@ -430,6 +430,7 @@ void Scenarios::AddChecks() {
       for (const auto& name : Pieces(line.rest, " ")) Require(line, ControlOf(name).enabled() == enabled, name);
     });
   }
+  add("hidden", [this](const Line& line) { Require(line, !ControlOf(line.rest).visible(), "is shown"); });
   add("file", [this](const Line& line) { Compare(line, Escaped(FileText(line)), Escaped(Contents(line))); });
   add("folder", [this](const Line& line) { Require(line, Exists(line.rest), "is not there"); });
   add("owner-only", [this](const Line& line) {
