@@ -59,6 +59,7 @@ TEST_F(MainWindow, WhatIsTypedOrClickedReachesTheForm) {
   Type("Txt_MaxRetries", "40");
   EXPECT_EQ(form().Txt_MaxRetries.text(), "40");
   Q_EMIT Field("Txt_MaxRetries").editingFinished();
+  Settle();
   EXPECT_EQ(Field("Txt_MaxRetries").text(), "15") << "fields act when they are left";
 }
 
@@ -188,6 +189,22 @@ TEST(MainWindowStates, TheFocusOfWhatIsDisabledWaitsInTheWindowAndComesBack) {
     EXPECT_EQ(world.form().Txt_UnitName.text(), "Site 1");
     EXPECT_EQ(world.window().focusWidget(), &widget);
   }
+}
+
+TEST(MainWindowStates, ARoundThatStartsByItselfTakesNoHalfOfARelaysId) {
+  WindowWorld world(SmallNetwork(1) + "RelayID1=5\n[Relays]\nNumRelays=2\nID2=5\n");
+  world.Open();
+  world.form().Lst_Relays.SetCurrent(1);
+  world.Type("Txt_RelayID", "1");
+  world.app().commands().DownloadAll(true, kRadioUnits, true);
+  EXPECT_TRUE(world.port.lines.at(0).starts_with("00005:"));
+  EXPECT_EQ(world.app().registry().Relays[2].ID, 5);
+  world.dialogs.answers = {1};
+  world.Type("Txt_RelayID", "12");
+  Q_EMIT world.Field("Txt_RelayID").editingFinished();
+  world.Settle();
+  EXPECT_EQ(world.app().registry().Units[1].RelayID, 12);
+  EXPECT_EQ(world.form().Cmb_Relay.SelectedItemData(), 12);
 }
 
 TEST_F(MainWindow, TabGoesRoundBothWays) {
