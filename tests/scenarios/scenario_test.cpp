@@ -283,7 +283,7 @@ class Scenarios : public testing::TestWithParam<ScenarioCase> {
   void OnCall(const std::string& call) {
     calls_.push_back(call);
     for (Plan& plan : plans_) {
-      const auto [begin, statements] = Cut(plan.line.rest, ": ");
+      const auto [begin, statements] = Cut(Expand(plan.line.rest), ": ");
       if (!plan.ran && plan.line.word == "on" && call.starts_with(begin)) RunPlan(plan, statements);
     }
   }

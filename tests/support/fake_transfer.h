@@ -93,7 +93,10 @@ class FakeInternet : public InternetClient {
   }
   [[nodiscard]] int GetLastError() const override { return error_; }
   [[nodiscard]] std::string InternetGetLastResponseInfo() const override { return reply; }
-  void Cancel() override { cancelled = true; }
+  void Cancel() override {
+    calls.emplace_back("cancel");
+    if (on_call) on_call("cancel");
+  }
 
   void Report(const InternetStatus& status) { handler_(status); }
   [[nodiscard]] bool Called(const std::string& call) const {
@@ -112,7 +115,6 @@ class FakeInternet : public InternetClient {
   std::int64_t previous_callback = 0;
   std::vector<std::string> calls;
   FtpLogin last_login;
-  bool cancelled = false;
   std::function<void()> on_entry;                   ///< runs for every entry of a listing
   std::function<void(const std::string&)> on_call;  ///< runs at every call
 
@@ -197,7 +199,10 @@ class FakeZip : public ZipComponent {
     std::ofstream(folder_ + files_, std::ios::binary) << contents.substr(Head(files_).size());
     return kZipOk;
   }
-  void Abort() override { aborted = true; }
+  void Abort() override {
+    runs.emplace_back("abort");
+    if (on_run) on_run();
+  }
   [[nodiscard]] bool DiskWasNotEmpty() const override { return disk_was_not_empty; }
   [[nodiscard]] std::string LastErrorText() const override { return "words of the archiver"; }
   void SetProgressHandlers(std::function<void(std::int64_t)> on_total,
@@ -210,7 +215,6 @@ class FakeZip : public ZipComponent {
   std::vector<std::string> runs;
   std::int16_t result = kZipOk;
   bool disk_was_not_empty = false;
-  bool aborted = false;
   std::function<void()> on_run;
 
  private:
