@@ -234,13 +234,18 @@ TEST_F(ZipArchives, LargeRunsReportProgressKeepTheLoopGoingAndCanBeAborted) {
     EXPECT_LT(gap, 250);
   }
   for (const auto& run : runs) {
-    std::int64_t aborted = 0;
+    std::int64_t aborted = 0, ended = 0;
+    const auto timed = [&] {
+      const int result = run();
+      ended = now();  // what is then looked at takes its own time
+      return result;
+    };
     zip.SetProgressHandlers({}, [&](std::int64_t) {
       if (aborted == 0) aborted = now();
       zip.Abort();
     });
-    ExpectFailure(run, kZipAborted, "");
-    EXPECT_LT(now() - aborted, 1000);
+    ExpectFailure(timed, kZipAborted, "");
+    EXPECT_LT(ended - aborted, 1000);
     EXPECT_TRUE(folder.Read("in/u1.csv") == text);
   }
 }
