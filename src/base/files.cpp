@@ -47,16 +47,6 @@ int WriteWhole(int descriptor, std::string_view text, std::size_t& done) {
   return 0;
 }
 
-Status SyncFolder(const std::string& path) {
-  const std::string folder = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
-  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return Status::FromErrno(folder, errno);
-  const int error = fsync(descriptor) == 0 ? 0 : errno;
-  close(descriptor);
-  // Some file systems cannot sync a folder; the file itself is on the disk.
-  return error == 0 || error == EINVAL ? Status::Ok() : Status::FromErrno(folder, error);
-}
-
 /// A descriptor closed at the end of a scope.
 class Descriptor {
  public:
@@ -128,7 +118,7 @@ Status ListFiles(const std::string& folder, const std::function<bool(std::string
 
 Status MakeFolder(const std::string& path) {
   if (Status full = CheckFullPath(path); !full.ok()) return full;
-  if (mkdir(path.c_str(), 0777) == 0) return Status::Ok();
+  if (mkdir(path.c_str(), 0777) == 0) return SyncFolderOf(path);
   const int error = errno;
   const auto existing = ExamineFile(path);
   return existing && existing->is_folder ? Status::Ok() : Status::FromErrno(path, error);
@@ -265,7 +255,7 @@ Status ReplacementFile::Commit() {
   if (!status.ok()) return status;
   if (rename(temporary_.c_str(), path_.c_str()) != 0) return Status::FromErrno(path_, errno);
   file_.Close();
-  return SyncFolder(path_);
+  return SyncFolderOf(path_);
 }
 
 LineReader::LineReader() : block_(std::make_unique<char[]>(kBlockSize)) {}
@@ -358,6 +348,31 @@ Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, 
   Status read = ReadBlock(number, path, offset, bytes.data(), length, got);
   bytes.resize(got);
   return read;
+}
+
+Status WriteAt(const std::string& path, std::int64_t offset, std::string_view bytes) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  // Opened anew: what is opened for appending writes at the end, whatever the offset.
+  const Descriptor descriptor(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+  if (descriptor.number() < 0) return Status::FromErrno(path, errno);
+  for (std::size_t done = 0; done < bytes.size();) {
+    const ssize_t written = pwrite(descriptor.number(), bytes.data() + done, bytes.size() - done,
+                                   static_cast<off_t>(offset) + static_cast<off_t>(done));
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return Status::FromErrno(path, written == 0 ? ENOSPC : errno);
+    done += static_cast<std::size_t>(written);
+  }
+  return fdatasync(descriptor.number()) == 0 ? Status::Ok() : Status::FromErrno(path, errno);
+}
+
+Status SyncFolderOf(const std::string& path) {
+  std::string_view name = path;
+  while (name.size() > 1 && name.back() == '/') name.remove_suffix(1);
+  const std::string folder(name.substr(0, std::max<std::size_t>(name.rfind('/'), 1)));
+  const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  // A folder that may be written and not be read cannot be synced, nor can those of some file systems.
+  if (descriptor.number() < 0) return errno == EACCES ? Status::Ok() : Status::FromErrno(folder, errno);
+  return fsync(descriptor.number()) == 0 || errno == EINVAL ? Status::Ok() : Status::FromErrno(folder, errno);
 }
 
 Status CutFile(const std::string& path, std::int64_t size) {

@@ -40,7 +40,7 @@ struct FolderEntry {
 /// meanwhile is left out.
 Status ListFiles(const std::string& folder, const std::function<bool(std::string_view name)>& wanted,
                  std::vector<FolderEntry>& entries);
-/// Creates one folder; its parent must exist. One that exists already is a success.
+/// Creates one folder and lets its parent reach the disk; the parent must exist. One that exists already is a success.
 Status MakeFolder(const std::string& path);
 Status RemoveFile(const std::string& path);
 /// Lets `second` be another name of the file `path`, in place of what bears it; where there are no such names, a copy.
@@ -162,6 +162,10 @@ class LineReader {
 
 /// Reads up to `length` bytes at `offset`; fewer only at the end of the file.
 Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes);
+/// Writes `bytes` over what stands at `offset` and behind it, and syncs them.
+Status WriteAt(const std::string& path, std::int64_t offset, std::string_view bytes);
+/// Waits until the name of the file or folder `path` is on the disk: syncs the folder that it stands in.
+Status SyncFolderOf(const std::string& path);
 /// Cuts the file to `size` bytes and syncs it.
 Status CutFile(const std::string& path, std::int64_t size);
 
