@@ -11,6 +11,7 @@
 #include "app/application.h"
 #include "curl/curl_internet_client.h"
 #include "data/raw_file.h"
+#include "data/raw_repair.h"
 #include "desktop/posix_shell.h"
 #include "posix/posix_loop.h"
 #include "printing_dialogs.h"

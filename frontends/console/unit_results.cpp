@@ -60,7 +60,7 @@ std::string UnitResults::LinkResult(std::int64_t unit, std::int64_t last_tried) 
   const Unit& record = app_.registry().Units[unit];
   const bool ended_by_stop = unit == last_tried && stopped_;
   if (record.Tries == 0) return app_.link().PortFailed ? "not asked: the port did not open" : "not asked";
-  if (!record.Problem && !ended_by_stop) return kOk;
+  if (!record.Problem && !ended_by_stop) return record.Brought.problem.empty() ? kOk : record.Brought.problem;
   if (const std::string& failure = failures_.at(unit); !failure.empty()) return failure;
   return ended_by_stop ? "cancelled" : "problem, see corvane.log";
 }

@@ -20,24 +20,6 @@ std::string ReadBlock(const std::string& as_File, std::int64_t al_Begin, std::in
   return block;
 }
 
-/// The position behind the last line end of a file of `al_Size` bytes, 0 when it has none.
-std::int64_t EndOfLastLine(const std::string& as_File, std::int64_t al_Size) {
-  std::size_t text_behind = 0;
-  for (std::int64_t end = al_Size; end > 0;) {
-    const std::int64_t begin = std::max<std::int64_t>(0, end - kBlockBytes);
-    const std::string block = ReadBlock(as_File, begin, end);
-    const std::size_t behind = block.rfind('\n') + 1;
-    const auto nuls = std::count(block.begin() + static_cast<std::ptrdiff_t>(behind), block.end(), '\0');
-    text_behind += block.size() - behind - static_cast<std::size_t>(nuls);
-    if (text_behind > LineReader::kLongestLine) {
-      throw RunTimeError(as_File + " is no raw file: too much text stands behind its last line end. Move it away");
-    }
-    if (behind > 0) return begin + static_cast<std::int64_t>(behind);
-    end = begin;
-  }
-  return 0;
-}
-
 /// True when a line has the shape of a reading: more than two items and nothing that a power cut left.
 bool HasReadingShape(std::string_view as_Line) {
   return std::count(as_Line.begin(), as_Line.end(), ',') >= 2 && as_Line.find('\0') == std::string_view::npos;
@@ -122,16 +104,6 @@ LastDateResult ReadForwards(const std::string& as_File, const std::function<bool
 }
 
 }  // namespace
-
-std::string RepairTornTail(const std::string& as_File) {
-  const auto info = ExamineFile(as_File);
-  if (!info) return {};
-  const std::int64_t whole = EndOfLastLine(as_File, info->size);
-  if (whole == info->size) return {};
-  std::string tail = ReadBlock(as_File, whole, std::min(info->size, whole + static_cast<std::int64_t>(kLongestTail)));
-  Require(CutFile(as_File, whole));
-  return tail;
-}
 
 LastDateResult ReadLastDate(const std::string& as_File, const std::function<bool()>& av_Poll) {
   const auto info = ExamineFile(as_File);

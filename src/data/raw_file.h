@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -15,14 +14,6 @@ struct LastDateResult {
   std::string problems;   ///< "Line: n text" lines that could not be read as readings, empty when none
   std::string line_text;  ///< the line that gave the date
 };
-
-/// Cuts an unterminated or NUL-filled tail off a raw file, so that the file ends with a whole line.
-///
-/// Returns what was cut off (at most its first `kLongestTail` bytes), empty when the file is whole or missing. Throws
-/// `RunTimeError` when the file cannot be read or cut, and when so much text stands behind the last line end that it
-/// cannot be one torn line: such a file is none of ours and stays as it is.
-[[nodiscard]] std::string RepairTornTail(const std::string& as_File);
-inline constexpr std::size_t kLongestTail = 1024;
 
 /// Finds the date of the last reading stored in a raw file, from its end. Throws `RunTimeError` on a read error.
 ///

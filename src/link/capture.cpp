@@ -4,7 +4,7 @@
 #include "base/format.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "data/raw_file.h"
+#include "data/raw_repair.h"
 
 namespace corvane {
 namespace {
@@ -44,10 +44,12 @@ void DownloadCapture::TakeHeader() {
 void DownloadCapture::AcceptHeader() {
   TraceItems("HEADER> ");
   p_.download.HeaderLine = line_.items_text;
+  p_.download.FramedHeader = p_.link.ReplyLine;
   p_.form.Lbl_HeaderLine.SetText(p_.download.HeaderLine);
   const std::int64_t fixed = LeadingInteger(line_.items[2]);
   const std::int64_t free = LeadingInteger(line_.items[3]);
-  p_.link.LinesExpected = std::int64_t{LeadingInteger(line_.items[4])} + 1;
+  p_.download.Tally.announced = LeadingInteger(line_.items[4]);
+  p_.link.LinesExpected = p_.download.Tally.announced + 1;
   p_.trace.TraceDecision("Header line has " + std::to_string(line_.items.size()) + " items");
   p_.download.ItemsPerLine = fixed + free;
   p_.trace.TraceDecision("Version:" + std::string(line_.items[0]) + " SiteID:" + std::string(line_.items[1]) +
@@ -79,9 +81,21 @@ void DownloadCapture::TakeDataLine() {
 
 void DownloadCapture::TakeOk() {
   p_.summary.WriteSummary();
+  CompareWithHeader();
   p_.trace.TraceDecision("Received OK - close output file");
   CloseOutputFile();
   p_.exchange.SetStateFinished();
+}
+
+void DownloadCapture::CompareWithHeader() {
+  DownloadTally& tally = p_.download.Tally;
+  const bool announced = tally.announced > 0;
+  if (announced ? tally.arrived >= tally.announced : tally.rejected == 0) return;
+  const std::string lines = announced
+                                ? std::to_string(tally.arrived) + " of " + std::to_string(tally.announced) + " lines"
+                                : std::to_string(tally.rejected) + " line(s) lost behind an overrun";
+  p_.trace.AErrorReport("Lines are missing in " + p_.download.OutputFileName + ": " + lines);
+  tally.AddProblem(lines);
 }
 
 void DownloadCapture::TakeReading() {
@@ -97,6 +111,7 @@ void DownloadCapture::TakeReading() {
   } else if (!StoreReading()) {
     return;
   }
+  ++p_.download.Tally.arrived;
   if (p_.form.Chk_ShowReply.ticked()) ShowProgress(*when);
 }
 
@@ -108,7 +123,7 @@ bool DownloadCapture::StoreReading() {
     FailDownload(written.text());
     return false;
   }
-  ++p_.download.Stored;
+  ++p_.download.Tally.stored;
   if (!sync_timer_->Running()) sync_timer_->Start(kSyncMilliseconds);
   return true;
 }
@@ -123,6 +138,7 @@ void DownloadCapture::RejectLine() {
       p_.link.OverunFlag && LeadingNumber(p_.form.Txt_MaxOveruns.text()) >= static_cast<double>(p_.link.OverunCount);
   if (forgiven) {
     p_.link.OverunFlag = false;
+    ++p_.download.Tally.rejected;
     return;
   }
   Abort("Items on line (" + std::to_string(line_.items.size()) + ") <> expected ItemsPerLine (" +
@@ -165,8 +181,7 @@ bool DownloadCapture::OpenOutputFile() {
 void DownloadCapture::OpenSteps() {
   const std::string& name = p_.download.OutputFileName;
   p_.trace.TraceDecision("Check file: " + name);
-  const std::string torn = RepairTornTail(name);
-  if (!torn.empty()) p_.trace.LogWrite("Torn tail cut off " + name + ": " + torn);
+  if (const auto torn = RepairTornTail(name)) p_.trace.LogWrite("Torn tail cut off " + name + ": " + *torn);
   const auto info = ExamineFile(name);
   const bool exists = info && info->size > kShortestRawFile;
   if (p_.trace.TracesDecisions()) {
@@ -174,19 +189,16 @@ void DownloadCapture::OpenSteps() {
     if (exists) p_.trace.TraceDecision("FileLen: " + std::to_string(info->size));
   }
   p_.trace.TraceDecision("Opening file - append: " + std::string(TrueFalse(exists)));
-  OutputFile& output = p_.download.Output;
-  if (exists) {
-    Require(output.OpenForAppending(name));
-    return;
-  }
-  Require(output.Create(name));
-  Require(output.Write(p_.link.ReplyLine + std::string(kLineBreak)));
+  SyncedFile& output = p_.download.Output;
+  Require(exists ? output.OpenForAppending(name) : output.Create(name, p_.link.ReplyLine + std::string(kLineBreak)));
 }
 
 void DownloadCapture::SyncOutput() {
   sync_timer_->Stop();
   if (!p_.download.Output.IsOpen()) return;
+  const std::int64_t taken_back = p_.download.Output.taken_back();
   const Status synced = p_.download.Output.Sync();
+  p_.download.Tally.stored -= p_.download.Output.taken_back() - taken_back;
   if (!synced.ok()) FailDownload(synced.text());
 }
 

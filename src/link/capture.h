@@ -49,6 +49,8 @@ class DownloadCapture {
   void AcceptHeader();
   void TakeDataLine();
   void TakeOk();
+  /// Reports a download that ends with fewer lines than its header announced, or with lost ones.
+  void CompareWithHeader();
   void TakeReading();
   [[nodiscard]] bool StoreReading();
   void ShowProgress(DateTime av_When);

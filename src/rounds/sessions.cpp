@@ -32,6 +32,7 @@ void Sessions::MarkUnits(Run& av_Run, std::int32_t al_ConnectionType) {
     Unit& unit = p_.registry.Units[index];
     unit.Tries = 0;
     unit.Stored = 0;
+    unit.Brought = {};
     unit.Problem = true;
     unit.Marked = has_port && unit.Active != 0 && unit.GetFrom == al_ConnectionType;
     if (!unit.Marked) continue;

@@ -13,13 +13,15 @@ bool UnitAttempts::RunUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std:
     const bool failed = !Attempt(av_Counts, al_Index, ai_Command);
     ShowHowItEnded(al_Index, failed);
     if (EndsSession(av_Counts)) return false;
-    if (!failed) ++av_Counts.well;
+    const DownloadTally& brought = p_.registry.Units[al_Index].Brought;
+    if (!failed && brought.problem.empty()) ++av_Counts.well;
+    const bool last_try = !failed || brought.one_try_only;
     p_.writer.SendEscape();
     p_.pauser.Pause(std::llround(LeadingNumber(p_.form.Txt_Timeout[2].text()) * 1000));
     p_.bars.Unit.Increment();
     p_.files.RefreshFileListBox();
     if (EndsSession(av_Counts)) return false;
-    if (!failed) return true;
+    if (last_try) return true;
     p_.form.Lbl_Try.SetText(std::to_string(++attempt));
     if (static_cast<double>(attempt) > LeadingNumber(p_.form.Txt_MaxRetries.text())) return true;
   }
@@ -31,7 +33,8 @@ bool UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std:
   if (unit.Tries < INT16_MAX) ++unit.Tries;
   p_.session.ProcessUnit(ai_Command);
   p_.registry.Units[al_Index].Problem = false;
-  p_.registry.Units[al_Index].Stored += p_.session.Stored();
+  p_.registry.Units[al_Index].Stored += p_.session.Tally().stored;
+  p_.registry.Units[al_Index].Brought = p_.session.Tally();
   if (!p_.link.HalvexError || !p_.link.ContinueOk()) return true;
   ++av_Counts.failed;
   p_.trace.TraceDecision("HVError: " + p_.link.ResultTextOf(p_.link.ResultCode));
@@ -43,7 +46,8 @@ bool UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std:
 
 void UnitAttempts::ShowHowItEnded(std::int64_t al_Index, bool ab_Failed) {
   if (p_.link.UserCancel || al_Index > p_.form.Lst_Units.count()) return;
-  p_.form.Lst_Units.SetMark(al_Index - 1, ab_Failed || p_.link.Timeout ? RowMark::Problem : RowMark::Well);
+  const bool well = !ab_Failed && !p_.link.Timeout && p_.registry.Units[al_Index].Brought.problem.empty();
+  p_.form.Lst_Units.SetMark(al_Index - 1, well ? RowMark::Well : RowMark::Problem);
 }
 
 bool UnitAttempts::EndsSession(AttemptCounts& av_Counts) {

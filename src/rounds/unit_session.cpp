@@ -4,25 +4,30 @@
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "base/status.h"
-#include "data/raw_file.h"
+#include "data/raw_line.h"
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
 namespace {
 
 constexpr std::string_view kStampPattern = "yymmddHHNNSS";
+constexpr std::int64_t kFarAhead = kSecondsPerDay;  ///< a clock that is wrong by less puts itself right
 
 }  // namespace
 
 void UnitSession::ProcessUnit(std::int16_t ai_Command) {
-  p_.download.Stored = 0;
+  p_.download.Tally = {};
   try {
     Run(ai_Command);
+  } catch (const NoRawFile& error) {
+    p_.download.Tally.one_try_only = true;
+    FailHere(error.what());
   } catch (const RunTimeError& error) {
     FailHere(error.what());
   }
   p_.exchange.SetStateFinished();
   CloseOutputFile("Finish 'ProcessUnit' - closing output file: ");
+  if (ai_Command == kDownload && p_.link.ContinueOk() && !p_.link.HalvexError) CheckFirstLine();
 }
 
 void UnitSession::CloseOutputFile(std::string_view as_Trace) {
@@ -75,6 +80,7 @@ std::string UnitSession::PrepareDownload() {
   const auto index = static_cast<std::int32_t>(p_.form.Lst_Units.current() + 1);
   p_.download.OutputFileName = p_.names.DataFileName(index, false);
   p_.download.HeaderLine.clear();
+  p_.download.FramedHeader.clear();
   CreatePath(FolderOf(p_.download.OutputFileName));
   p_.download.LastDate = GetLastDate(p_.download.OutputFileName);
   const std::string parameters = DownloadParameters(p_.download.LastDate);
@@ -108,20 +114,73 @@ DateTime UnitSession::GetLastDate(const std::string& as_File) {
   if (!ExamineFile(as_File)) return {};
   const BusyPointer busy(p_.form.Frm_Main);
   p_.trace.Status("Get date in: " + as_File, StatusKind::Detail);
-  const std::string torn = RepairTornTail(as_File);
-  if (!torn.empty()) p_.trace.LogWrite("Torn tail cut off " + as_File + ": " + torn);
-  const LastDateResult found = ReadLastDate(as_File, [this] {
-    p_.loop.Poll();
-    return !p_.link.UserCancel;
-  });
+  RepairFile(as_File);
+  const LastDateResult found = ReadLastDate(as_File, [this] { return Poll(); });
   if (!found.problems.empty()) p_.messages.Show(found.problems, "last date");
-  if (found.last_date > p_.loop.Now()) {
-    const std::string report = "The last reading is in the future: " + GeneralDate(found.last_date) + " in " + as_File +
-                               ", line: " + found.line_text + ". Check the unit's clock and correct the file.";
-    p_.trace.AErrorReport(report);
-    p_.messages.Show(report, "future date");
-  }
+  if (found.last_date > p_.loop.Now()) ReportFutureDate(found, as_File);
   return found.last_date;
+}
+
+void UnitSession::RepairFile(const std::string& as_File) {
+  if (const auto torn = RepairTornTail(as_File)) p_.trace.LogWrite("Torn tail cut off " + as_File + ": " + *torn);
+  const auto hole = holes_.Mend(as_File, p_.loop.Now(), [this] { return Poll(); });
+  if (!hole) return;
+  const std::string where = "NUL bytes in " + as_File + ", line " + std::to_string(hole->line);
+  if (!hole->kept_as.empty()) {
+    p_.trace.LogWrite(where + ": the file was cut there, its end is kept as " + hole->kept_as);
+    return;
+  }
+  p_.trace.AErrorReport(where + ": readings are missing there and are not asked for again");
+  p_.download.Tally.AddProblem(where);
+}
+
+void UnitSession::ReportFutureDate(const LastDateResult& av_Found, const std::string& as_File) {
+  const std::string where = "The last reading is in the future: " + GeneralDate(av_Found.last_date) + " in " + as_File +
+                            ", line: " + av_Found.line_text;
+  if (av_Found.last_date - p_.loop.Now() <= kFarAhead) {
+    p_.trace.TraceDecision(where);
+    return;
+  }
+  const std::string report = where + ". Check the unit's clock and correct the file.";
+  p_.trace.AErrorReport(report);
+  p_.messages.Show(report, "future date");
+  p_.download.Tally.AddProblem(where);
+}
+
+void UnitSession::CheckFirstLine() {
+  if (!IsRightHeader(p_.download.FramedHeader)) return;
+  const std::string& file = p_.download.OutputFileName;
+  const std::string stored = FirstLineOf(file);
+  if (IsRightHeader(stored) || (GoesOn(p_.form, p_.flags) && ReplaceHeader(stored))) return;
+  p_.trace.AErrorReport("The first line of " + file + " is no header: " + stored +
+                        " The unit sent: " + p_.download.FramedHeader);
+  p_.download.Tally.AddProblem("the first line of " + file + " is no header");
+}
+
+bool UnitSession::ReplaceHeader(const std::string& as_Stored) {
+  const std::string& file = p_.download.OutputFileName;
+  const auto poll = [this] { return Poll(); };
+  RawLine line;
+  SplitLine(as_Stored, line);
+  if (ParseReadingDate(line.items[0])) return false;
+  try {
+    const LastDateResult last = ReadLastDate(file, poll);
+    SplitLine(last.line_text, line);
+    if (last.last_date.IsNone() || static_cast<std::int64_t>(line.items.size()) != p_.download.ItemsPerLine ||
+        !ReplaceFirstLine(file, p_.download.FramedHeader, poll)) {
+      return false;
+    }
+  } catch (const RunTimeError& error) {
+    p_.trace.AErrorReport(error.what());
+    return false;
+  }
+  p_.trace.LogWrite("The first line of " + file + " was no header and is replaced by the unit's. It was: " + as_Stored);
+  return true;
+}
+
+bool UnitSession::Poll() {
+  p_.loop.Poll();
+  return !Cancelled(p_.link, p_.flags);
 }
 
 }  // namespace corvane

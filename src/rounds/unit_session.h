@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "data/raw_file.h"
+#include "data/raw_repair.h"
 #include "form/form.h"
 #include "link/capture.h"
 #include "link/exchange.h"
@@ -28,6 +30,7 @@ class UnitSession {
     const Registry& registry;
     LinkState& link;
     DownloadState& download;
+    const RunFlags& flags;
     EventLoop& loop;
     PortLink& port;
     Exchange& exchange;
@@ -44,15 +47,16 @@ class UnitSession {
   /// The test command needs no unit. An error on this computer (a folder or file that cannot be used) is reported and
   /// ends the command like an error reply, so that the next round asks the unit again.
   void ProcessUnit(std::int16_t ai_Command);
-  /// Readings that the last command has added to the unit's raw file.
-  [[nodiscard]] std::int64_t Stored() const { return p_.download.Stored; }
+  /// What the last command has brought.
+  [[nodiscard]] const DownloadTally& Tally() const { return p_.download.Tally; }
   /// Traces `as_Trace` with the number of the raw file and closes the file, just in case.
   void CloseOutputFile(std::string_view as_Trace);
   /// Ends a run over units: the raw file and the port are closed, nothing is awaited any more.
   void ReleasePort();
   /// The date of the last reading stored in a raw file, none when there is none. **Yields.**
   ///
-  /// Cuts a torn tail off first; lines that are no readings are shown together, a date in the future is reported.
+  /// Cuts what a power cut has left off first; lines that are no readings are shown together, a date more than a day
+  /// ahead is a problem of the unit.
   [[nodiscard]] DateTime GetLastDate(const std::string& as_File);
 
  private:
@@ -61,8 +65,17 @@ class UnitSession {
   [[nodiscard]] std::string PrepareDownload();
   [[nodiscard]] std::string Parameters(std::int16_t ai_Command);
   void FailHere(const std::string& as_Error);
+  /// Cuts off or reports what a power cut has left in the raw file.
+  void RepairFile(const std::string& as_File);
+  void ReportFutureDate(const LastDateResult& av_Found, const std::string& as_File);
+  /// Replaces or reports a first line that is no header, once the unit has sent a right one.
+  void CheckFirstLine();
+  [[nodiscard]] bool ReplaceHeader(const std::string& as_Stored);
+  /// Lets the event loop run; false when the user cancelled or the program closes.
+  [[nodiscard]] bool Poll();
 
   Parts p_;
+  RawHoles holes_;
 };
 
 }  // namespace corvane

@@ -8,7 +8,8 @@
 #include <string_view>
 
 #include "base/dates.h"
-#include "base/files.h"
+#include "base/synced_file.h"
+#include "state/download_tally.h"
 
 namespace corvane {
 
@@ -75,13 +76,14 @@ struct LinkState {
 
 /// The state of one download, beside the link's.
 struct DownloadState {
-  std::string HeaderLine;  ///< items text of the header as last received
+  std::string HeaderLine;    ///< items text of the header as last received
+  std::string FramedHeader;  ///< the same as it came, framing and checksum included
   std::int64_t ItemsPerLine = 0;
   bool SavingData = false;
-  OutputFile Output;  ///< the open raw file
+  SyncedFile Output;  ///< the open raw file
   std::string OutputFileName;
-  DateTime LastDate;        ///< last reading already stored, none when there is none
-  std::int64_t Stored = 0;  ///< readings stored for the present command
+  DateTime LastDate;    ///< last reading already stored, none when there is none
+  DownloadTally Tally;  ///< of the present command
 };
 
 }  // namespace corvane

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "state/download_tally.h"
+
 namespace corvane {
 
 /// Where a unit's data comes from.
@@ -31,6 +33,7 @@ struct Unit {
   bool Marked = false;
   bool ToSend = false;
   std::int64_t Stored = 0;  ///< readings that the session has added to the raw file
+  DownloadTally Brought;    ///< what its last try brought
 };
 
 struct Relay {

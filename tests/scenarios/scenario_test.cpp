@@ -17,6 +17,7 @@
 #include "console/script_runner.h"
 #include "scenarios/scenario_texts.h"
 #include "support/small_disk.h"
+#include "support/sync_faults.h"
 #include "support/world.h"
 
 namespace corvane::test {
@@ -408,6 +409,7 @@ void Scenarios::AddGivens() {
   });
   add("guide", [this](const Line& line) { world_.help = {line.rest + "contents", line.rest + "index"}; });
   add("full-disk", [this](const Line& line) { disk_ = std::make_unique<SmallDisk>(std::stoul(line.rest)); });
+  add("failing-syncs", [](const Line& line) { failing_syncs = std::stoi(line.rest); });
   add("unattended", [this](const Line&) { world_.dialogs.answer_plain_boxes = false; });
 }
 
