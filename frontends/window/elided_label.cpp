@@ -20,9 +20,9 @@ QString ElidedLabel::Shortened() const {
   return fontMetrics().elidedText(text().simplified(), Qt::ElideMiddle, contentsRect().width());
 }
 
-void ElidedLabel::paintEvent(QPaintEvent* event) {
-  QFrame::paintEvent(event);
+void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
+  drawFrame(&painter);
   style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(), Shortened(),
                         foregroundRole());
 }
