@@ -46,7 +46,10 @@ std::string ConsoleOutput::PrintableLines(std::string_view text) const {
 
 void ConsoleOutput::Result(std::string_view text) {
   EndProgress();
-  settings_.write(false, std::string(text));
+  if (!settings_.stamp) return settings_.write(false, std::string(text));
+  for (const std::string_view line : Split(text, '\n')) {
+    if (!line.empty()) settings_.write(false, Stamp() + std::string(line) + "\n");
+  }
 }
 
 void ConsoleOutput::Prompt(std::string_view text) {

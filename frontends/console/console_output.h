@@ -24,7 +24,7 @@ class ConsoleOutput {
   void Line(std::string_view text);
   /// Prints the lines of an error or message, whatever is quiet.
   void Error(std::string_view text);
-  /// Prints `text`, which ends with a line end, as it stands and whatever is quiet.
+  /// Prints `text`, which ends with a line end, whatever is quiet: as it stands, or its lines with their stamps.
   void Result(std::string_view text);
   /// Prints the lines of a question, without a line end behind the last.
   void Prompt(std::string_view text);

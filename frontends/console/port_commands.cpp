@@ -1,5 +1,8 @@
 #include "port_commands.h"
 
+#include "base/scoped_value.h"
+#include "units.h"
+
 namespace corvane::console {
 namespace {
 
@@ -11,6 +14,15 @@ std::string PortText(Application& app, int index) {
   const Selector& ports = app.form().Cmb_Port[index];
   const std::string device = app.devices().DeviceOf(ports.SelectedItemData());
   return ports.shown_text() + " (" + (device.empty() ? "no device" : device) + ")";
+}
+
+/// The download that the schedule starts, with the table of its results behind it.
+std::function<void()> WithTable(Desk& desk) {
+  return [&desk, download = desk.app.schedule().start_download] {
+    UnitResults results(desk.app, UnitResults::Kind::Download);
+    OperateOn(desk, results, ActiveUnits(desk.app.registry(), kFromRadio), download);
+    static_cast<void>(Report(desk, results));
+  };
 }
 
 }  // namespace
@@ -46,6 +58,12 @@ int KeepSchedule(Desk& desk, const Options& options) {
         "[--interval H:MM]");
     return kNotStarted;
   }
+  if (const std::string& interval = form.Txt_AutomaticInterval.text(); !AutomaticInterval(interval)) {
+    desk.output.Error("The interval \"" + interval + "\" cannot be used: it " + WhyNoInterval(interval) +
+                      ". Enter another with: corvanectl run --interval H:MM");
+    return kNotStarted;
+  }
+  const ScopedValue<std::function<void()>> rounds(desk.app.schedule().start_download, WithTable(desk));
   desk.app.life().OnWindowActivate("");
   desk.output.Line("Running in " + desk.app.app().Folder() + ", next download: " + form.Lbl_NextDownload.text());
   desk.view.ShowNextDownload();

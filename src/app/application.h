@@ -36,6 +36,7 @@ class Application {
   [[nodiscard]] const FileNames& names() const { return state_.names; }
   [[nodiscard]] const FieldChecks& checks() const { return settings_.checks; }
   [[nodiscard]] const PortDevices& devices() const { return state_.devices; }
+  [[nodiscard]] Schedule& schedule() { return link_.schedule; }
   [[nodiscard]] PortChoices& ports() { return link_.ports; }
   [[nodiscard]] UnitEditor& units() { return editors_.units; }
   [[nodiscard]] OperationSlot& slot() { return state_.slot; }

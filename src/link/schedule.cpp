@@ -33,6 +33,11 @@ std::optional<std::int64_t> AutomaticInterval(std::string_view as_Text) {
   return interval;
 }
 
+std::string WhyNoInterval(std::string_view as_Text) {
+  const bool too_long = !ParseTimeOfDay(as_Text) && ParseNumber(as_Text).value_or(0) >= kFirstHours;
+  return too_long ? "is too long; no more than 100 years can be waited for" : "is no interval above zero";
+}
+
 DateTime NextOnGrid(DateTime av_Now, std::int64_t al_Interval) {
   return av_Now.Midnight() + (av_Now.TimeOfDay() / al_Interval + 1) * al_Interval;
 }
@@ -99,7 +104,7 @@ void Schedule::CalculateNextDownload() {
   const std::string& text = p_.form.Txt_AutomaticInterval.text();
   const auto interval = AutomaticInterval(text);
   if (!interval) {
-    p_.trace.Status("\"" + text + "\" is no interval above zero: the next download stays at " +
+    p_.trace.Status("\"" + text + "\" " + WhyNoInterval(text) + ": the next download stays at " +
                     (p_.form.Lbl_NextDownload.text().empty() ? "none" : p_.form.Lbl_NextDownload.text()));
     return;
   }

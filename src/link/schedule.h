@@ -17,6 +17,8 @@ namespace corvane {
 /// The automatic interval of a text in seconds: a time of day, or a number (24 and more hours, below it days).
 /// None when the text is no interval or is not above zero.
 [[nodiscard]] std::optional<std::int64_t> AutomaticInterval(std::string_view as_Text);
+/// Why a text is no automatic interval, as the rest of a sentence.
+[[nodiscard]] std::string WhyNoInterval(std::string_view as_Text);
 /// The first time strictly after `av_Now` on the grid of whole intervals from the midnight before it.
 [[nodiscard]] DateTime NextOnGrid(DateTime av_Now, std::int64_t al_Interval);
 
