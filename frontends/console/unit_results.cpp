@@ -33,11 +33,17 @@ void UnitResults::Begin(const std::vector<std::int64_t>& units) {
 void UnitResults::OnChange(const Control& control) {
   // A transfer that fails ends what follows it; the units have been asked by then.
   const bool transfers = !app_.transfer_results().empty();
-  if (app_.slot().Taken() && !transfers && !app_.link().ContinueOk()) stopped_ = true;
+  if (app_.slot().Taken() && !transfers && EndsSession()) stopped_ = true;
   const Form& form = app_.form();
+  // A probe of the base station says nothing of the unit that happens to be selected.
+  if (app_.link().TestingPort) return;
   if (&control != &form.Lbl_Status || form.Lbl_Status.status_kind() != StatusKind::Error) return;
   const auto failure = failures_.find(form.Lst_Units.current() + 1);
   if (failure != failures_.end()) failure->second = form.Lbl_Status.text();
+}
+
+bool UnitResults::EndsSession() const {
+  return GoesOn(app_.form(), app_.flags()) ? app_.link().UserCancel : !app_.link().ContinueOk();
 }
 
 void UnitResults::End() {
@@ -58,7 +64,8 @@ std::string UnitResults::FileOf(std::int64_t unit, bool calibrated) const {
 
 std::string UnitResults::LinkResult(std::int64_t unit, std::int64_t last_tried) const {
   const Unit& record = app_.registry().Units[unit];
-  const bool ended_by_stop = unit == last_tried && stopped_;
+  // A round that goes on marks the unit that a cancel has hit: it need not be the last in the list.
+  const bool ended_by_stop = stopped_ && (GoesOn(app_.form(), app_.flags()) ? record.Problem : unit == last_tried);
   if (record.Tries == 0) return app_.link().PortFailed ? "not asked: the port did not open" : "not asked";
   if (!record.Problem && !ended_by_stop) return record.Brought.problem.empty() ? kOk : record.Brought.problem;
   if (const std::string& failure = failures_.at(unit); !failure.empty()) return failure;

@@ -36,6 +36,8 @@ class UnitResults {
   [[nodiscard]] std::string Table() const;
 
  private:
+  /// Whether what the link says now ends the session.
+  [[nodiscard]] bool EndsSession() const;
   /// How the exchange with a unit ended; `last_tried` is the unit that a time-out or a cancel has hit.
   [[nodiscard]] std::string LinkResult(std::int64_t unit, std::int64_t last_tried) const;
   /// None for a unit whose raw file was not come to.

@@ -88,13 +88,16 @@ void Exchange::SendLine(std::string_view as_Line) {
   p_.link.DataPhase = false;
   p_.link.Aborted = false;
   p_.link.LastLineTime = p_.loop.MonotonicMilliseconds();
-  const std::string line(as_Line);
+  const std::string line = std::string(as_Line) + std::string(kCarriageReturn);
+  std::string left = line;
   if (p_.form.Chk_PauseOnSend.ticked()) {
-    SendSlowly(line);
-  } else {
-    p_.writer.Write(line + std::string(kCarriageReturn));
+    left = SendSlowly(line);
+  } else if (!p_.writer.Write(line)) {
+    return;
   }
-  p_.trace.TraceSend("S>" + line);
+  if (left.empty()) return;
+  if (left == line) left.pop_back();
+  p_.trace.TraceSend("S>" + left);
 }
 
 void Exchange::SendCommand(std::string_view as_Line) {
@@ -102,14 +105,17 @@ void Exchange::SendCommand(std::string_view as_Line) {
   p_.timer.RestartReplyTimer();
 }
 
-void Exchange::SendSlowly(const std::string& as_Line) {
+std::string Exchange::SendSlowly(const std::string& as_Line) {
+  std::string left;
   for (const char c : as_Line) {
-    p_.writer.Write(std::string_view(&c, 1));
+    if (!p_.writer.Write(std::string_view(&c, 1))) break;
+    left += c;
+    if (left.size() == as_Line.size()) break;
     p_.pauser.Pause(kSlowSendMilliseconds);
     // The escape of a cancel has gone out already: the rest would reach the unit as a command of its own.
-    if (Ended()) return;
+    if (Ended()) break;
   }
-  p_.writer.Write(kCarriageReturn);
+  return left;
 }
 
 bool Exchange::Ended() const {

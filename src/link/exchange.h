@@ -69,7 +69,8 @@ class Exchange {
   void SetStateFinished();
 
  private:
-  void SendSlowly(const std::string& as_Line);
+  /// What has left of the line and its carriage return.
+  [[nodiscard]] std::string SendSlowly(const std::string& as_Line);
   /// Cancelled, failed, out of time or closing.
   [[nodiscard]] bool Ended() const;
 

@@ -7,15 +7,16 @@ constexpr char kEscape = '\x1b';
 
 }  // namespace
 
-void LinkWriter::Write(std::string_view as_Text) {
+bool LinkWriter::Write(std::string_view as_Text) {
   const Status written = port_.Write(as_Text);
-  if (written.ok()) return;
+  if (written.ok()) return true;
   if (link_.HalvexError) {
     if (trace_.TracesDecisions()) trace_.TraceDecision("Not sent: " + written.text());
-    return;
+    return false;
   }
   link_.Fail(written.text());
   trace_.AErrorReport("Not sent: " + written.text());
+  return false;
 }
 
 void LinkWriter::SendEscape() {

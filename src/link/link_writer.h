@@ -14,8 +14,8 @@ class LinkWriter {
   LinkWriter(LinkState& av_Link, SerialPort& av_Port, Trace& av_Trace)
       : link_(av_Link), port_(av_Port), trace_(av_Trace) {}
 
-  /// Writes `as_Text` to the port; a failure is an error line and sets `HalvexError` with result 9.
-  void Write(std::string_view as_Text);
+  /// Writes `as_Text` to the port; a failure is false, an error line, and sets `HalvexError` with result 9.
+  bool Write(std::string_view as_Text);
   /// Sends the escape character, which stops whatever the unit is doing. An exchange that is awaited counts as aborted.
   void SendEscape();
 

@@ -18,11 +18,15 @@ void Pauser::Pause(std::int64_t al_Milliseconds) {
   }
   const bool traced = al_Milliseconds > kTracedAbove;
   if (traced) trace_.TraceDecision("PAUSE START: " + std::to_string(al_Milliseconds));
+  Wait(al_Milliseconds);
+  if (traced) trace_.TraceDecision("PAUSE END");
+}
+
+void Pauser::Wait(std::int64_t al_Milliseconds) {
   timer_->Start(al_Milliseconds);
   pausing_ = true;
   while (pausing_ && !Cancelled(link_, flags_)) loop_.Yield();
   PauseTick();
-  if (traced) trace_.TraceDecision("PAUSE END");
 }
 
 void Pauser::PauseTick() {

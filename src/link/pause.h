@@ -21,6 +21,8 @@ class Pauser {
   /// **Yields**: port events, timers and commands run meanwhile. Above 100 ms the wait is traced; above 1000 ms the
   /// status line shows it. 0 and less return at once.
   void Pause(std::int64_t al_Milliseconds);
+  /// The same without a word about it. **Yields.**
+  void Wait(std::int64_t al_Milliseconds);
 
  private:
   /// The pause is over.

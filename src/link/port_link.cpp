@@ -83,6 +83,7 @@ void PortLink::OpenSteps(std::int16_t ai_Index, std::string& as_Step) {
   const int number = p_.form.Cmb_Port[ai_Index].SelectedItemData();
   const std::string device = CheckedDevice(number, p_.devices.DeviceOf(number));
   Require(p_.port.SetDevice(device));
+  opened_ = "COM" + std::to_string(number) + " (" + device + ")";
   as_Step = ".Settings = " + p_.form.Txt_Settings.text();
   Require(p_.port.SetSettings(p_.form.Txt_Settings.text()));
   as_Step = ".Handshaking - none";
@@ -92,6 +93,19 @@ void PortLink::OpenSteps(std::int16_t ai_Index, std::string& as_Step) {
   p_.trace.TraceDecision("OpenPort: COM" + std::to_string(number) + " is " + device);
   as_Step = "clear buffers";
   EmptyBuffers();
+}
+
+Status PortLink::Reopen() {
+  Status opened = p_.port.Open();
+  if (opened.ok()) EmptyBuffers();
+  return opened;
+}
+
+void PortLink::ReportGone(const std::string& as_Cause) {
+  p_.link.PortFailed = true;
+  const std::string report = "The port has gone: " + opened_ + ": " + as_Cause;
+  p_.trace.AErrorReport(report);
+  p_.trace.Status(report, StatusKind::Error);
 }
 
 void PortLink::EmptyBuffers() {
@@ -108,6 +122,7 @@ void PortLink::ClosePort() {
 
 void PortLink::ClearBeforeCommand(std::string_view as_Where) {
   if (p_.port.IsOpen()) static_cast<void>(p_.port.ReadAll());
+  TellStalePart();
   overflowed_ = false;
   p_.link.Timeout = false;
   p_.link.HalvexError = false;
@@ -119,6 +134,22 @@ void PortLink::ClearBeforeCommand(std::string_view as_Where) {
   p_.form.Lbl_Tries[0].SetText("");
   p_.form.Lbl_Tries[1].SetVisible(false);
   p_.trace.TraceDecision("ClearBeforeCommand:" + std::string(as_Where));
+}
+
+void PortLink::TellStalePart() {
+  // The line feed of the last line stays behind every answer.
+  const std::string& part = p_.link.ReceiveBuffer;
+  const bool stale = std::any_of(part.begin(), part.end(), [](unsigned char c) { return c >= ' '; });
+  if (!stale || heard_since_exchange_) return;
+  const bool dropped = GoesOn(p_.form, p_.flags);
+  p_.trace.TraceDecision("Half a line from before" + std::string(dropped ? ", dropped: " : ": ") +
+                         p_.link.ReceiveBuffer);
+  if (dropped) p_.link.ReceiveBuffer.clear();
+}
+
+void PortLink::BeginDiscarding() {
+  discarding_ = true;
+  discarded_ = 0;
 }
 
 void PortLink::ClearEverything() {
@@ -139,6 +170,11 @@ void PortLink::OnPortEvent(int al_Code) {
 }
 
 void PortLink::TakeReceivedData() {
+  if (discarding_) {
+    discarded_ += p_.port.ReadAll().size();
+    return;
+  }
+  heard_since_exchange_ = true;
   if (data_received) data_received();
   std::string received = p_.port.ReadAll();
   if (overflowed_) {

@@ -13,6 +13,7 @@
 #include "state/command_states.h"
 #include "state/link_state.h"
 #include "state/port_devices.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 #include "ui/progress_bar.h"
 
@@ -28,6 +29,7 @@ class PortLink {
   struct Parts {
     Form& form;
     LinkState& link;
+    const RunFlags& flags;
     SerialPort& port;
     const PortDevices& devices;
     CommandStates& states;
@@ -43,11 +45,24 @@ class PortLink {
   /// A failure is an error line and a status line that say at which step and why.
   [[nodiscard]] bool OpenPort(std::int16_t ai_Index);
   void ClosePort();
+  /// Opens the port that was opened last once more, with the settings that it had.
+  [[nodiscard]] Status Reopen();
+  /// Reports that the device of the port has gone, and why it could not be opened again.
+  void ReportGone(const std::string& as_Cause);
   [[nodiscard]] bool IsOpen() const { return p_.port.IsOpen(); }
   /// The index last given to `OpenPort`, 0 before the first.
   [[nodiscard]] std::int16_t LastIndex() const { return last_index_; }
   /// Resets the link before one command; `as_Where` goes to the trace.
+  ///
+  /// Half a line that has stood there since the last exchange is traced; a round that goes on past what fails drops it.
   void ClearBeforeCommand(std::string_view as_Where);
+  /// What arrives from now on is no part of an answer.
+  void EndExchange() { heard_since_exchange_ = false; }
+  /// Throws away what arrives, unread, until `EndDiscarding`.
+  void BeginDiscarding();
+  void EndDiscarding() { discarding_ = false; }
+  /// Characters thrown away since `BeginDiscarding`.
+  [[nodiscard]] std::size_t Discarded() const { return discarded_; }
   /// Resets the link after a session or a probe.
   void ClearEverything();
   /// Handles one event of the port.
@@ -67,6 +82,7 @@ class PortLink {
   void TakeError(int al_Code, std::string_view as_Error);
   void FailExchange(std::string_view as_Error);
   void EmptyBuffers();
+  void TellStalePart();
   /// The error and the number of characters received and not yet handed on.
   [[nodiscard]] std::string WithBufferSize(std::string_view as_Error) const;
 
@@ -75,7 +91,11 @@ class PortLink {
   std::string lines_;          ///< whole lines cut off the receive buffer and being handed on
   std::size_t next_line_ = 0;  ///< where the next of them begins
   bool dispatching_ = false;   ///< lines are being handed on: data that comes meanwhile waits
-  bool overflowed_ = false;    ///< what comes up to the next line end belongs to a line that was too long
+  std::string opened_;         ///< number and device of the port that was opened last
+  std::size_t discarded_ = 0;
+  bool discarding_ = false;
+  bool heard_since_exchange_ = false;
+  bool overflowed_ = false;  ///< what comes up to the next line end belongs to a line that was too long
 };
 
 }  // namespace corvane

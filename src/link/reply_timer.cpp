@@ -45,6 +45,7 @@ void ReplyTimer::ReplyTimeoutTick() {
     return;
   }
   timer_->Stop();
+  p_.link.AbortTimedOut = p_.link.Aborted;
   p_.link.Timeout = true;
   p_.trace.SwitchOnAllTrace("Timeout", 1);
   p_.trace.Status(UnitText() + ": waited " + ShortestText(static_cast<float>(p_.link.CountDown)) + " secs",

@@ -1,5 +1,9 @@
 #include "rounds/sessions.h"
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
@@ -45,7 +49,8 @@ void Sessions::RunOverPort(Run& av_Run, std::int32_t al_ConnectionType, std::int
   const BusyPointer busy(p_.form.Frm_Main);
   p_.port.ClearEverything();
   if (p_.port.OpenPort(PortIndexForUnit(al_ConnectionType))) {
-    RunMarkedUnits(av_Run, ai_Command);
+    p_.attempts.AwaitQuiet();
+    if (RunMarkedUnits(av_Run, ai_Command)) AskSilentUnitsAgain(av_Run, ai_Command);
   } else {
     ++p_.flags.problems;
   }
@@ -53,21 +58,39 @@ void Sessions::RunOverPort(Run& av_Run, std::int32_t al_ConnectionType, std::int
   p_.session.CloseOutputFile("Finish 'ProcessAllUnits' - closing output file:");
 }
 
-void Sessions::RunMarkedUnits(Run& av_Run, std::int16_t ai_Command) {
+bool Sessions::RunMarkedUnits(Run& av_Run, std::int16_t ai_Command) {
   p_.bars.Unit.Initialise(av_Run.marked);
   for (std::int64_t index = av_Run.units.first; index <= av_Run.units.last; ++index) {
     if (!p_.registry.Units.Has(index) || !p_.registry.Units[index].Marked) continue;
-    if (!p_.attempts.RunUnit(av_Run.attempts, index, ai_Command)) return;
+    if (!p_.attempts.RunUnit(av_Run.attempts, index, ai_Command)) return false;
     ++av_Run.done;
     p_.bars.Unit.SetValue(av_Run.done);
   }
+  return true;
+}
+
+void Sessions::AskSilentUnitsAgain(Run& av_Run, std::int16_t ai_Command) {
+  const std::vector<std::int64_t> silent = std::exchange(av_Run.attempts.silent, {});
+  if (silent.empty()) return;
+  p_.trace.TraceDecision(std::to_string(silent.size()) + " silent unit(s) are asked once more");
+  p_.bars.Unit.Initialise(static_cast<std::int64_t>(silent.size()));
+  std::int64_t done = 0;
+  for (const std::int64_t index : silent) {
+    if (!p_.registry.Units.Has(index) || !p_.registry.Units[index].Marked) continue;
+    if (!p_.attempts.RunUnit(av_Run.attempts, index, ai_Command, true)) return;
+    p_.bars.Unit.SetValue(++done);
+  }
+}
+
+std::int64_t Sessions::UnitsWithProblems(const Run& av_Run) const {
+  if (GoesOn(p_.form, p_.flags)) return av_Run.marked - av_Run.attempts.well;
+  return std::count_if(p_.registry.Units.begin(), p_.registry.Units.end(), [](const Unit& unit) {
+    return (unit.GetFrom == kFromRadio || unit.GetFrom == kFromHandHeld) && unit.Tries > 1;
+  });
 }
 
 bool Sessions::Summarise(const Run& av_Run, std::int16_t ai_Command, std::string& as_Result) {
-  std::int64_t with_problems = 0;
-  for (const Unit& unit : p_.registry.Units) {
-    if ((unit.GetFrom == kFromRadio || unit.GetFrom == kFromHandHeld) && unit.Tries > 1) ++with_problems;
-  }
+  const std::int64_t with_problems = UnitsWithProblems(av_Run);
   if (with_problems > 0) {
     const std::string text = std::to_string(with_problems) + " unit(s) with problems";
     p_.trace.TraceDecision(text);

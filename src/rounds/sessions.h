@@ -53,7 +53,11 @@ class Sessions {
   void MarkUnits(Run& av_Run, std::int32_t al_ConnectionType);
   /// Opens the port and runs the command with the marked units.
   void RunOverPort(Run& av_Run, std::int32_t al_ConnectionType, std::int16_t ai_Command);
-  void RunMarkedUnits(Run& av_Run, std::int16_t ai_Command);
+  /// False when the session has to end.
+  [[nodiscard]] bool RunMarkedUnits(Run& av_Run, std::int16_t ai_Command);
+  /// Asks the units that were passed over once more.
+  void AskSilentUnitsAgain(Run& av_Run, std::int16_t ai_Command);
+  [[nodiscard]] std::int64_t UnitsWithProblems(const Run& av_Run) const;
   [[nodiscard]] bool Summarise(const Run& av_Run, std::int16_t ai_Command, std::string& as_Result);
 
   Parts p_;

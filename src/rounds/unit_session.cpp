@@ -25,9 +25,18 @@ void UnitSession::ProcessUnit(std::int16_t ai_Command) {
   } catch (const RunTimeError& error) {
     FailHere(error.what());
   }
+  SummariseAtClose();
   p_.exchange.SetStateFinished();
+  p_.port.EndExchange();
   CloseOutputFile("Finish 'ProcessUnit' - closing output file: ");
   if (ai_Command == kDownload && p_.link.ContinueOk() && !p_.link.HalvexError) CheckFirstLine();
+}
+
+void UnitSession::SummariseAtClose() {
+  if (!p_.flags.closing || p_.capture.OutputFileNumber() == 0) return;
+  p_.link.HalvexError = true;
+  p_.link.ResultCode = kCancelledResult;
+  p_.summary.WriteSummary();
 }
 
 void UnitSession::CloseOutputFile(std::string_view as_Trace) {

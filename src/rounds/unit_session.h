@@ -15,6 +15,7 @@
 #include "state/link_state.h"
 #include "state/records.h"
 #include "state/run_flags.h"
+#include "trace/summary.h"
 #include "trace/trace.h"
 #include "ui/messages.h"
 #include "ui/progress_bar.h"
@@ -38,6 +39,7 @@ class UnitSession {
     const FileNames& names;
     ProgressBars& bars;
     Messages& messages;
+    DownloadSummary& summary;
     Trace& trace;
   };
   explicit UnitSession(const Parts& av_Parts) : p_(av_Parts) {}
@@ -64,6 +66,8 @@ class UnitSession {
   void Run(std::int16_t ai_Command);
   [[nodiscard]] std::string PrepareDownload();
   [[nodiscard]] std::string Parameters(std::int16_t ai_Command);
+  /// The summary line of a download that the end of the program cuts short, while its file is still open.
+  void SummariseAtClose();
   void FailHere(const std::string& as_Error);
   /// Cuts off or reports what a power cut has left in the raw file.
   void RepairFile(const std::string& as_File);

@@ -28,6 +28,8 @@ enum Command : std::int16_t {
 inline constexpr std::int16_t kLastState = 10;
 /// The result code of an error on this side of the line; its text is entered when it happens.
 inline constexpr std::int16_t kCommsErrorResult = 9;
+/// The result code of a download that this side has broken off.
+inline constexpr std::int16_t kCancelledResult = 4;
 
 struct LinkState {
   std::string ReceiveBuffer;   ///< received and not yet cut into lines
@@ -55,6 +57,7 @@ struct LinkState {
   bool DataPhase = false;         ///< a reply line other than the echo has arrived since the last send
   double CountDown = 0;           ///< seconds the reply may take
   bool Aborted = false;           ///< an escape was sent while an answer was awaited
+  bool AbortTimedOut = false;     ///< the last time-out came behind such an escape
   std::int64_t LastLineTime = 0;  ///< monotonic milliseconds of the last send or complete line
 
   /// True when neither the user nor the count-down ended the exchange.

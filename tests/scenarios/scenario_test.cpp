@@ -391,7 +391,7 @@ void Scenarios::AddGivens() {
   }
   add("receive", [this](const Line& line) { Send(line.rest, ""); });
   add("devices", [this](const Line& line) { world_.port.answering_devices = Pieces(line.rest, " "); });
-  add("port-error", [this](const Line& line) { world_.port.open_result = {2, line.rest}; });
+  add("port-error", [this](const Line& line) { world_.port.open_result = {line.rest.empty() ? 0 : 2, line.rest}; });
   add("settings-error", [this](const Line& line) { world_.port.settings_result = {22, line.rest}; });
   add("log-on-error", [this](const Line& line) { world_.shell.write_result = {13, line.rest}; });
   add("zip-result", [this](const Line& line) {
