@@ -100,7 +100,7 @@ bool FileTransfer::Fetch(const FilePair& av_Files, const FilePair& av_Fetched, s
     as_Problem = "its folder cannot be created";
     return false;
   }
-  ShrinkGuard former(p_.names.TransfersCalibrated() ? std::string() : av_Files.local);
+  ShrinkGuard former(av_Files.local);
   if (!p_.ftp.GetFile(av_Fetched.remote, av_Fetched.local)) {
     as_Problem = WhyFailed();
     return false;
