@@ -94,8 +94,9 @@ bool CurlInternetClient::FtpPutFile(InternetHandle connection, const std::string
   return Run(connection, [&](FtpConnection& ftp) { return UploadFile(ftp, local, remote); });
 }
 
-bool CurlInternetClient::FtpGetFile(InternetHandle connection, const std::string& remote, const std::string& local) {
-  return Run(connection, [&](FtpConnection& ftp) { return DownloadFile(ftp, loop_, remote, local); });
+bool CurlInternetClient::FtpGetFile(InternetHandle connection, const std::string& remote, const std::string& local,
+                                    std::int64_t limit) {
+  return Run(connection, [&](FtpConnection& ftp) { return DownloadFile(ftp, loop_, remote, local, limit); });
 }
 
 InternetHandle CurlInternetClient::FtpFindFirstFile(InternetHandle connection, const std::string& path,

@@ -36,8 +36,8 @@ class CurlInternetClient : public InternetClient {
   [[nodiscard]] bool FtpGetCurrentDirectory(InternetHandle connection, std::string& folder) override;
   [[nodiscard]] bool FtpPutFile(InternetHandle connection, const std::string& local,
                                 const std::string& remote) override;
-  [[nodiscard]] bool FtpGetFile(InternetHandle connection, const std::string& remote,
-                                const std::string& local) override;
+  [[nodiscard]] bool FtpGetFile(InternetHandle connection, const std::string& remote, const std::string& local,
+                                std::int64_t limit) override;
   [[nodiscard]] InternetHandle FtpFindFirstFile(InternetHandle connection, const std::string& path, FindPurpose purpose,
                                                 FindRecord& record) override;
   [[nodiscard]] bool InternetFindNextFile(InternetHandle find, FindRecord& record) override;

@@ -299,7 +299,16 @@ bool FtpChannel::TooLate() {
   const std::int64_t sign = transcript_.activity() + MovedBytes();
   if (sign != std::exchange(run_->sign, sign)) run_->last_sign = now;
   const bool transfers = transcript_.Last().code / 100 == 1;
-  return now - run_->last_sign > (transfers ? limits_.stalled : limits_.reply);
+  return now - run_->last_sign > (transfers ? limits_.stalled : limits_.reply) || (transfers && Trickles(now));
+}
+
+bool FtpChannel::Trickles(std::int64_t now) {
+  const std::int64_t moved = MovedBytes();
+  if (run_->stretch_began == 0 || moved - run_->stretch_moved >= limits_.trickle_bytes) {
+    run_->stretch_began = now;
+    run_->stretch_moved = moved;
+  }
+  return now - run_->stretch_began > limits_.trickle;
 }
 
 FtpRun FtpChannel::Finish(RunUnderWay& run) {

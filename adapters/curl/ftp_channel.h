@@ -86,6 +86,8 @@ class FtpChannel {
   void ReportConnecting();
   void ReportBytes(bool last);
   [[nodiscard]] bool TooLate();
+  /// True when a transfer moves too little to ever end.
+  [[nodiscard]] bool Trickles(std::int64_t now);
   [[nodiscard]] std::int64_t MovedBytes() const;
   [[nodiscard]] std::int64_t Information(CURLINFO what) const;
   [[nodiscard]] std::string UrlOf(const std::string& path) const;

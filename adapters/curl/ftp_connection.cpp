@@ -92,6 +92,7 @@ void FtpConnection::ReadFeatures() {
   for (std::string_view line : Split(reply.text, '\n')) {
     line = Trim(line.substr(0, line.find('\r')));
     has_mlsd_ = has_mlsd_ || StartsWithNoCase(line, "MLST") || StartsWithNoCase(line, "MLSD");
+    has_size_ = has_size_ || EqualsNoCase(line, "SIZE");
     has_utf8_ = has_utf8_ || EqualsNoCase(line, "UTF8");
   }
 }

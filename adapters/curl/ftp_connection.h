@@ -43,6 +43,7 @@ class FtpConnection {
   [[nodiscard]] std::string Absolute(const std::string& name) const { return Below(current_folder_, name); }
   [[nodiscard]] const std::string& current_folder() const { return current_folder_; }
   [[nodiscard]] bool has_mlsd() const { return has_mlsd_; }
+  [[nodiscard]] bool has_size() const { return has_size_; }
   [[nodiscard]] const Transcript& transcript() const { return channel_.transcript(); }
   void Report(InternetStatusCode code, const std::string& text = "") { session_.Tell(code, text); }
 
@@ -74,6 +75,7 @@ class FtpConnection {
   InternetSession& session_;
   FtpChannel channel_;
   bool has_mlsd_ = false;
+  bool has_size_ = false;
   bool has_utf8_ = false;
   bool lost_ = false;
   std::string current_folder_;    ///< that names are taken from

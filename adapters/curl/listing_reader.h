@@ -14,7 +14,7 @@ namespace corvane {
 class ListingReader {
  public:
   static constexpr std::size_t kLongestLine = 8192;  ///< the rest of a longer one is dropped, and so is the line
-  static constexpr std::size_t kLongestListing = 64 << 20;
+  static constexpr std::size_t kLongestListing = 10 << 20;
   static constexpr std::size_t kMostSkipped = 100;
 
   ListingReader(ListingForm form, DateTime now, std::function<bool(std::string_view name)> wanted);

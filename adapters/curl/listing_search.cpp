@@ -85,13 +85,6 @@ bool ReadFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& fo
   return true;
 }
 
-/// The number at the front of the reply to SIZE, -1 when there is none.
-std::int64_t SizeIn(const FtpExchange& reply) {
-  std::int64_t size = 0;
-  const char* end = reply.text.data() + reply.text.size();
-  return std::from_chars(reply.text.data(), end, size).ec == std::errc() && size >= 0 ? size : -1;
-}
-
 /// For a server that does not tell the size of a file: the file's line in its folder's listing.
 bool FindInFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& path,
                   std::vector<FindRecord>& records) {
@@ -103,6 +96,12 @@ bool FindInFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& 
 }
 
 }  // namespace
+
+std::int64_t SizeIn(const FtpExchange& reply) {
+  std::int64_t size = 0;
+  const char* end = reply.text.data() + reply.text.size();
+  return std::from_chars(reply.text.data(), end, size).ec == std::errc() && size >= 0 ? size : -1;
+}
 
 bool ListFolder(FtpConnection& ftp, const EventLoop& loop, const std::string& path, std::vector<FindRecord>& records) {
   const auto [folder, pattern] = PartsOf(path);

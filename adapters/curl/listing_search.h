@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,5 +14,8 @@ namespace corvane {
 /// Looks for the one file `path`. **Yields.**
 [[nodiscard]] bool FindOneFile(FtpConnection& ftp, const EventLoop& loop, const std::string& path,
                                std::vector<FindRecord>& records);
+
+/// The size in a server's reply to SIZE, -1 when there is none.
+[[nodiscard]] std::int64_t SizeIn(const FtpExchange& reply);
 
 }  // namespace corvane

@@ -35,6 +35,8 @@ struct RunUnderWay {
   std::int64_t report_due = 0;
   std::int64_t sign = 0;           ///< what had moved at `last_sign`
   std::int64_t last_sign = began;  ///< when something moved
+  std::int64_t stretch_began = 0;  ///< of a transfer, see `FtpLimits::trickle`; 0 before it
+  std::int64_t stretch_moved = 0;  ///< bytes at that time
 
   // Written by curl's thread; `address` by the loop's too, between the steps.
   char error[CURL_ERROR_SIZE] = {};  ///< its own words

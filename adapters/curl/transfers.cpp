@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "base/files.h"
+#include "curl/listing_search.h"
 #include "posix/run_aside.h"
 
 namespace corvane {
@@ -60,11 +61,12 @@ class UploadSource : public FtpData {
 /// A local file being fetched, in place only when all of it has come.
 class DownloadTarget : public FtpData {
  public:
-  explicit DownloadTarget(const std::string& path) : file_(path), disk_(file_.Open()) {}
+  DownloadTarget(const std::string& path, std::int64_t limit) : file_(path), limit_(limit), disk_(file_.Open()) {}
 
   bool Write(std::string_view bytes) override {
-    file_.buffer() += bytes;
     received_ += static_cast<std::int64_t>(bytes.size());
+    if (!fits()) return false;
+    file_.buffer() += bytes;
     disk_ = file_.FlushWhenFull();
     return disk_.ok();
   }
@@ -74,10 +76,12 @@ class DownloadTarget : public FtpData {
   }
 
   [[nodiscard]] std::int64_t received() const { return received_; }
+  [[nodiscard]] bool fits() const { return received_ <= limit_; }
   [[nodiscard]] const Status& disk() const { return disk_; }
 
  private:
   ReplacementFile file_;
+  const std::int64_t limit_;
   Status disk_;
   std::int64_t received_ = 0;
 };
@@ -112,10 +116,29 @@ bool RefuseDisk(FtpConnection& ftp, const Status& status) {
   return ftp.Refuse("The fetched file cannot be written: " + status.text() + ".");
 }
 
+bool RefuseLength(FtpConnection& ftp, std::int64_t limit) {
+  return ftp.Refuse("The file on the server is longer than " + std::to_string(limit) + " bytes (setting FetchLimit).");
+}
+
 /// False when the file that came is not the one that the server announced.
 bool CheckSize(FtpConnection& ftp, const FtpTask& task, const FtpRun& run, std::int64_t received) {
   const std::int64_t expected = run.announced_size >= 0 ? run.announced_size : task.size;
   return expected < 0 || expected == received || ftp.Fail(kInternetConnectionAborted);
+}
+
+/// Asks for the size of a file that was just stored; false when it is not the one that was sent.
+///
+/// A server that refuses has taken the file all the same: some move what they get away at once.
+bool ConfirmStore(FtpConnection& ftp, const std::string& path, std::int64_t sent) {
+  constexpr int kFileStatus = 213;
+  if (!ftp.has_size()) return true;
+  if (!ftp.Perform({.commands = {"TYPE I", "SIZE " + path}})) return false;
+  const FtpExchange& reply = ftp.transcript().Of("SIZE");
+  const std::int64_t held = reply.code == kFileStatus ? SizeIn(reply) : -1;
+  if (held < 0) ftp.Report(kStoreUnconfirmed, path + ": " + reply.text);
+  if (held < 0 || held == sent) return true;
+  return ftp.Refuse("The server holds " + std::to_string(held) + " bytes of the file, " + std::to_string(sent) +
+                    " were sent.");
 }
 
 }  // namespace
@@ -129,21 +152,24 @@ bool UploadFile(FtpConnection& ftp, const std::string& local, const std::string&
       .kind = FtpTask::Kind::Upload, .path = ftp.Absolute(remote), .size = source.size(), .data = &source};
   if (ftp.Perform(task)) {
     ftp.Report(kRequestSent);
-    return true;
+    return ConfirmStore(ftp, task.path, source.size());
   }
   return source.ok() ? false : RefuseLocal(ftp, local, source.Problem());
 }
 
-bool DownloadFile(FtpConnection& ftp, EventLoop& loop, const std::string& remote, const std::string& local) {
+bool DownloadFile(FtpConnection& ftp, EventLoop& loop, const std::string& remote, const std::string& local,
+                  std::int64_t limit) {
   if (!CheckFileName(ftp, remote)) return false;
-  DownloadTarget target(local);
+  DownloadTarget target(local, limit);
   if (!target.disk().ok()) return RefuseDisk(ftp, target.disk());
   const TransferReports reports(ftp);
   FtpTask task{.kind = FtpTask::Kind::Download, .path = ftp.Absolute(remote), .data = &target};
   task.size = ftp.TakeSize(task.path);
+  if (task.size > limit) return RefuseLength(ftp, limit);
   FtpRun run;
   const bool came = ftp.Perform(task, run);
   if (!target.disk().ok()) return RefuseDisk(ftp, target.disk());
+  if (!target.fits()) return RefuseLength(ftp, limit);
   if (!came || !CheckSize(ftp, task, run, target.received())) return false;
   target.Commit(loop);
   return target.disk().ok() || RefuseDisk(ftp, target.disk());

@@ -13,6 +13,7 @@
 namespace corvane {
 namespace {
 
+constexpr std::int64_t kBytesPerMegabyte = 1'000'000;
 constexpr std::int64_t kMostShownProblems = 5;
 constexpr std::int64_t kMostLoggedProblems = 100;
 constexpr std::int16_t kReportSeconds = 30;
@@ -217,6 +218,8 @@ void Settings::LoadSettings() {
     LoadPorts(p_.store, p_.ports, [this](const std::string& key, const std::string& device, std::string_view problem) {
       Report("Ports", key, device, problem);
     });
+    // No control shows it, so it is never written.
+    p_.app.SetFetchLimit(LoadNumber<std::int32_t>("General", "FetchLimit", "2000") * kBytesPerMegabyte);
     p_.app.SetPreviousVersion(p_.store.GetGeneral("Version", ""));
     // Intended: asked as a settled step of loading; no decision depends on the answer.
     (void)p_.app.IsNewerVersion();

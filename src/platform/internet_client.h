@@ -51,12 +51,13 @@ enum InternetStatusCode : int {
   kDetectingProxy = 80,
   kStateChange = 200,
   kListingLineSkipped = 1000,  ///< a line of a listing that nobody can read, at most 100 of one listing
+  kStoreUnconfirmed = 1001,    ///< a file was stored, but the server did not tell its size
 };
 
 struct InternetStatus {
   InternetHandle handle = 0;
   int code = 0;
-  std::string text;        ///< the server's name or address for codes 10 to 21, the line for code 1000
+  std::string text;        ///< the server's name or address for codes 10 to 21, from 1000 on the line or file and reply
   std::int64_t bytes = 0;  ///< for codes 30, 31 and 41
 };
 
@@ -108,12 +109,14 @@ class InternetClient {
   [[nodiscard]] virtual bool FtpSetCurrentDirectory(InternetHandle connection, const std::string& folder) = 0;
   /// The server's current folder; asked for unless its last word about it still holds. **Yields.**
   [[nodiscard]] virtual bool FtpGetCurrentDirectory(InternetHandle connection, std::string& folder) = 0;
-  /// Stores the file `local` (a full path) as `remote`, a name in or below the current folder, or absolute. **Yields.**
+  /// Stores the file `local` (a full path) as `remote`, a name in or below the current folder, or absolute; fails when
+  /// the server then tells another size. **Yields.**
   [[nodiscard]] virtual bool FtpPutFile(InternetHandle connection, const std::string& local,
                                         const std::string& remote) = 0;
-  /// Fetches `remote`; `local` is written under another name and replaced only when all of it has come. **Yields.**
-  [[nodiscard]] virtual bool FtpGetFile(InternetHandle connection, const std::string& remote,
-                                        const std::string& local) = 0;
+  /// Fetches `remote`, of at most `limit` bytes; `local` is written under another name and replaced only when all of it
+  /// has come. **Yields.**
+  [[nodiscard]] virtual bool FtpGetFile(InternetHandle connection, const std::string& remote, const std::string& local,
+                                        std::int64_t limit) = 0;
   /// Looks up `path`: the handle of a search and its first entry in `record`, or 0. **Yields.**
   ///
   /// For a listing `path` is "<folder>/<pattern>" ("*.*" is everything). 0 with `kInternetNoError` means that nothing

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,9 @@ class AppInfo {
 
   [[nodiscard]] const std::string& PreviousVersion() const { return previous_version_; }
   void SetPreviousVersion(std::string_view as_Version) { previous_version_ = as_Version; }
+  /// The longest file that is fetched, in bytes.
+  [[nodiscard]] std::int64_t FetchLimit() const { return fetch_limit_; }
+  void SetFetchLimit(std::int64_t al_Bytes) { fetch_limit_ = al_Bytes; }
   /// Compares the version that last wrote the settings with the running one.
   // Intended: true for a stored revision above the running one; the settings loader asks and ignores the answer.
   [[nodiscard]] bool IsNewerVersion() const;
@@ -32,6 +36,7 @@ class AppInfo {
  private:
   std::string folder_;
   std::string previous_version_;
+  std::int64_t fetch_limit_ = 2'000'000'000;
 };
 
 }  // namespace corvane

@@ -26,6 +26,7 @@ std::string LocalName(std::string_view name) {
 MyFTP::MyFTP(const Parts& av_Parts)
     : window_(av_Parts.window),
       client_(av_Parts.client),
+      app_(av_Parts.app),
       messages_(av_Parts.messages),
       log_(av_Parts.loop, av_Parts.app, av_Parts.trace),
       progress_(av_Parts.loop, log_) {
@@ -249,7 +250,7 @@ bool MyFTP::Receive(const std::string& as_Remote, const std::string& as_Local, c
   log_.LogDetail("GetFile:RemoteFile: " + as_Remote + " size: " + std::to_string(av_Record.size));
   progress_.StartTransfer(as_Remote, av_Record.size, kDownloading);
   log_.ShowStatus("Getting: " + as_Remote);
-  const bool received = client_.FtpGetFile(connection_, as_Remote, as_Local);
+  const bool received = client_.FtpGetFile(connection_, as_Remote, as_Local, app_.FetchLimit());
   if (!received) {
     progress_.GiveUpTransfer();
     log_.LogStatus("Failed to download file ret:0");

@@ -116,6 +116,7 @@ class MyFTP {
 
   Window& window_;
   InternetClient& client_;
+  const AppInfo& app_;
   Messages& messages_;
   FtpLog log_;
   TransferProgress progress_;

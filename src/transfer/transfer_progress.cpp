@@ -36,6 +36,7 @@ constexpr std::array kCodeNames = {
     CodeRow{kDetectingProxy, "detecting proxy"},
     CodeRow{kStateChange, "state change"},
     CodeRow{kListingLineSkipped, "line left out"},
+    CodeRow{kStoreUnconfirmed, "store unconfirmed"},
 };
 
 std::string_view CodeName(int code) {
@@ -110,6 +111,8 @@ void TransferProgress::OnStatus(const InternetStatus& av_Status) {
       return;
     case kListingLineSkipped:
       return log_.Append("Line of the listing left out, it is not understood: " + Visible(av_Status.text));
+    case kStoreUnconfirmed:
+      return log_.Append("Sent, the server does not tell whether all of it is there: " + Visible(av_Status.text));
     case kHandleCreated:
       return log_.LogDetail("Handle created: " + std::to_string(av_Status.handle));
     case kHandleClosing:

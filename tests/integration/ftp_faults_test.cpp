@@ -10,7 +10,8 @@
 namespace corvane::test {
 namespace {
 
-constexpr CurlInternetClient::Limits kShort{.connect = 700, .reply = 600, .stalled = 600, .goodbye = 300};
+constexpr CurlInternetClient::Limits kShort{
+    .connect = 700, .reply = 600, .stalled = 600, .trickle = 1000, .goodbye = 300};
 
 /// One client on one faulty server, and its steps, which may fail.
 class FaultySession : public FtpProbe {
@@ -24,6 +25,7 @@ class FaultySession : public FtpProbe {
   bool PutLarge() { return Put(std::string(8'000'000, 's'), "file"); }
   bool PutSmall() { return Put("small", "file"); }
   bool GetFile() { return Get("file").size() == 100'000; }
+  bool GetTooLong() { return Get("file", 99'999) != "failed"; }
   bool ListRoot() { return List() != Names{"failed"}; }
   bool Make() { return MakeFolder(); }
 
@@ -62,11 +64,14 @@ TEST(FtpFaults, EndInOneErrorWithinTheLimits) {
       {"drop_up", &S::PutLarge, kInternetConnectionReset, ""},
       {"full", &S::PutLarge, kInternetExtendedError, "disk is full"},
       {"full_in_the_end", &S::PutLarge, kInternetExtendedError, "write failed"},
+      {"throws_away", &S::PutLarge, kInternetExtendedError, "holds 0 bytes of the file, 8000000 were sent"},
       {"stall_up", &S::PutLarge, kInternetTimeout, ""},
       {"no_last_reply", &S::PutLarge, kInternetTimeout, ""},
       {"drop_down", &S::GetFile, kInternetConnectionAborted, ""},
       {"reset_down", &S::GetFile, kInternetConnectionReset, ""},
       {"stall_down", &S::GetFile, kInternetTimeout, ""},
+      {"trickle_down", &S::GetFile, kInternetTimeout, ""},
+      {"none", &S::GetTooLong, kInternetExtendedError, "longer than 99999 bytes"},
       {"no_last_reply", &S::GetFile, kInternetTimeout, ""},
       {"full_in_the_end", &S::GetFile, kInternetExtendedError, "write failed"},
       {"no_data_port", &S::GetFile, kInternetCannotConnect, ""},
@@ -109,6 +114,12 @@ TEST(FtpFaults, ThatCostNothing) {
     }
     for (const int code : session.Codes()) EXPECT_GE(code, kSendingRequest) << "a login made anew is not told";
   }
+}
+
+TEST(FtpFaults, FileThatIsMovedAwayBehindItsStoreIsSentUnconfirmed) {
+  LoggedIn session("moves_away");
+  EXPECT_TRUE(session.PutSmall());
+  EXPECT_EQ(session.Count(kStoreUnconfirmed), 1);
 }
 
 TEST(FtpFaults, LoginThatIsGoneIsMadeAnewOrEndsTheSession) {

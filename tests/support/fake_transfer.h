@@ -52,7 +52,7 @@ class FakeInternet : public InternetClient {
     ReportBytes(kSendingRequest, files[path].size());
     return true;
   }
-  bool FtpGetFile(InternetHandle, const std::string& remote, const std::string& local) override {
+  bool FtpGetFile(InternetHandle, const std::string& remote, const std::string& local, std::int64_t) override {
     if (!Note("get " + remote) || !Require(files.contains(Full(remote)))) return false;
     std::filesystem::remove(local);  // the new file takes the name, it does not go into the old one
     std::ofstream(local, std::ios::binary) << files[Full(remote)];

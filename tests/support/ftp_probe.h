@@ -56,9 +56,9 @@ class FtpProbe {
     return client->FtpPutFile(connection, sent, name);
   }
   /// The text of a remote file, "failed" when it does not come; then the local file must be the old one.
-  [[nodiscard]] std::string Get(const std::string& name) {
+  [[nodiscard]] std::string Get(const std::string& name, std::int64_t limit = 2'000'000'000) {
     const std::string got = local.Write("got", "old");
-    const bool came = client->FtpGetFile(connection, name, got);
+    const bool came = client->FtpGetFile(connection, name, got, limit);
     EXPECT_FALSE(std::filesystem::exists(got + ".part"));
     EXPECT_TRUE(came || local.Read("got") == "old");
     return came ? local.Read("got") : "failed";
