@@ -30,8 +30,9 @@ std::string PatternFor(const Form& av_Form, const FileNames& av_Names) {
 void LocalFiles::RefreshFileListBox() {
   if (p_.flags.loading) return;
   const std::int64_t begin = p_.loop.MonotonicMilliseconds();
-  stale_ = p_.slot.Taken() && last_refresh_cost_ * kRefreshShare > begin - last_refresh_end_;
-  if (stale_) return;
+  // What is read while an operation runs is read again behind its last step.
+  stale_ = p_.slot.Taken();
+  if (stale_ && last_refresh_cost_ * kRefreshShare > begin - last_refresh_end_) return;
 
   std::string folder = p_.names.DataFolder();
   const auto unit = static_cast<std::int32_t>(p_.form.Lst_Units.current() + 1);

@@ -122,7 +122,10 @@ bool MyFTP::OpenConnection(const FtpLogin& av_Login) {
     const std::string line_break(kLineBreak);
     ReportFtpError("Connect" + line_break + "Server: " + server_ + line_break + "User:" + av_Login.user + line_break +
                    "HCconnect=0");
-    log_.ShowStatus("Could not connect to: " + server_);
+    // The words about encryption or a certificate say more than that.
+    if (!encrypted_ || last_error_number_ != kInternetExtendedError) {
+      log_.ShowStatus("Could not connect to: " + server_);
+    }
     return false;
   }
   log_.LogDetail("Got valid connect handle: " + std::to_string(connection_));
@@ -192,6 +195,7 @@ std::string MyFTP::CurrentRemoteDirectory() {
 
 bool MyFTP::PutFile(std::string_view as_Local, std::string_view as_Remote) {
   cancel_ = false;
+  last_error_number_ = 0;
   const std::string remote = ToLower(as_Remote);
   const std::string local = LocalName(as_Local);
   const std::optional<FileInfo> file = ExamineFile(local);
@@ -217,6 +221,7 @@ bool MyFTP::GetFile(std::string_view as_Remote, std::string_view as_Local) {
   const std::string remote(as_Remote);
   const std::string local = LocalName(as_Local);
   last_error_.clear();
+  last_error_number_ = 0;
   if (!ConnectIfNotConnected() || cancel_) {
     log_.LogStatus("Could not connect");
     return false;
@@ -271,9 +276,11 @@ bool MyFTP::GetDirectoryList(std::string_view as_Filter) {
   log_.ShowStatus("Getting directory list...");
   const bool open_end = !current_folder_.empty() && !current_folder_.ends_with('/');
   const std::string filter(as_Filter.empty() ? "*.*" : as_Filter);
+  static_cast<void>(progress_.TakeSkippedLines());
   if (!CollectEntries(current_folder_ + (open_end ? "/" : "") + filter)) return false;
   listing_.Sort();
-  log_.ShowStatus("");
+  const std::int64_t skipped = progress_.TakeSkippedLines();
+  log_.ShowStatus(skipped > 0 ? std::to_string(skipped) + " lines not understood" : "");
   listed_ = true;
   return true;
 }
@@ -366,6 +373,7 @@ void MyFTP::ReportFtpError(const std::string& as_Context) {
   if (code == kInternetConnectionAborted || code == kInternetConnectionReset) Disconnect();
   log_.ShowStatus(text);
   last_error_ = text + std::string(kLineBreak) + "ftp: " + as_Context;
+  last_error_number_ = code;
   log_.Append(last_error_);
   // The one who cancelled knows it.
   if (code == kInternetCancelled && cancel_) return;

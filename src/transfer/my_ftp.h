@@ -90,6 +90,8 @@ class MyFTP {
   [[nodiscard]] const std::string& Server() const { return server_; }
   /// The last failure, for a person; nothing behind "FTP: " when the last file was sent or received.
   [[nodiscard]] std::string LastErrorText() const { return "FTP: " + last_error_; }
+  /// Its number (see `InternetError`); 0 when the failure has none or the last file was sent or received.
+  [[nodiscard]] int LastErrorNumber() const { return last_error_number_; }
 
   /// The connection was made or ended; set by the composition root.
   std::function<void()> connection_changed;
@@ -138,6 +140,7 @@ class MyFTP {
   std::int64_t previous_callback_ = 0;
   std::string current_folder_;
   std::string last_error_;
+  int last_error_number_ = 0;
   std::int64_t created_folders_ = 0;
 };
 

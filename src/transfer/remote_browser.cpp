@@ -102,8 +102,12 @@ std::function<void()> RemoteBrowser::NewFolder() {
 void RemoteBrowser::WorkIn(const std::string& as_Shown, const std::function<bool()>& av_Operation) {
   if (!as_Shown.empty()) p_.ftp.SetInitialFolder(as_Shown);
   const bool there = p_.ftp.ConnectIfNotConnected() && !Cancelled() && p_.ftp.SetRemoteDirectory();
-  CountProblem(there && av_Operation());
+  const bool well = there && av_Operation();
+  const std::string problem = p_.form.Lbl_Status.text();
+  CountProblem(well);
   if (there && !Cancelled()) RefreshRemoteList();
+  // What the listing wiped off.
+  if (!well) p_.form.Lbl_Status.SetText(problem);
 }
 
 std::function<void()> RemoteBrowser::Delete() {

@@ -110,6 +110,7 @@ void TransferProgress::OnStatus(const InternetStatus& av_Status) {
       if (connection_closed) connection_closed();
       return;
     case kListingLineSkipped:
+      ++skipped_lines_;
       return log_.Append("Line of the listing left out, it is not understood: " + Visible(av_Status.text));
     case kStoreUnconfirmed:
       return log_.Append("Sent, the server does not tell whether all of it is there: " + Visible(av_Status.text));

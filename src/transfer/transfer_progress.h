@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "form/form.h"
 #include "platform/event_loop.h"
@@ -33,6 +34,8 @@ class TransferProgress {
   void OnStatus(const InternetStatus& av_Status);
 
   [[nodiscard]] TransferDirection Direction() const { return direction_; }
+  /// Lines of listings that were left out since the last call.
+  [[nodiscard]] std::int64_t TakeSkippedLines() { return std::exchange(skipped_lines_, 0); }
   [[nodiscard]] std::int64_t BytesThisSession() const { return bytes_this_session_; }
 
   /// The server's connection is gone; set by the session.
@@ -54,6 +57,7 @@ class TransferProgress {
   std::int64_t size_ = 0;
   std::int64_t bytes_this_session_ = 0;
   std::int64_t bytes_this_transfer_ = 0;
+  std::int64_t skipped_lines_ = 0;
   std::int64_t start_ = 0;  ///< monotonic milliseconds
 };
 
