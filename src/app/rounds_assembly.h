@@ -15,6 +15,7 @@
 #include "rounds/file_transfer.h"
 #include "rounds/port_finder.h"
 #include "rounds/selected_conversion.h"
+#include "rounds/server_tries.h"
 #include "rounds/sessions.h"
 #include "rounds/transfer_round.h"
 #include "rounds/unit_attempts.h"
@@ -39,6 +40,7 @@ struct RoundsAssembly {
   BatchConversion units_conversion;
   SelectedConversion selected_conversion;
   FileResults results;
+  ServerTries tries;
   FileTransfer file_transfer;
   TransferRound transfers;
   Backup backup;

@@ -12,10 +12,12 @@ void Backup::DoBackup() {
   const BusyPointer busy(p_.form.Frm_Main);
   p_.bars.Unit.SetProcessText("Backup");
   p_.bars.Unit.Initialise(p_.registry.Units.count());
+  const bool goes_on = GoesOn(p_.form, p_.flags);
+  const Messages::OneBox one_box(p_.messages, goes_on);
   const std::size_t first = p_.results.All().size();
   for (std::int64_t i = 1; i <= p_.registry.Units.count() && !Cancelled(p_.link, p_.flags); ++i) {
     if (p_.registry.Units[i].Active == 0) continue;
-    if (!BackUpUnit(i)) break;
+    if (!BackUpUnit(i) && !goes_on) break;
     p_.bars.Unit.Increment();
     p_.loop.Poll();
   }

@@ -6,6 +6,7 @@ namespace corvane {
 
 void BatchConversion::ConvertAllUnits(bool ab_All, std::int32_t al_GetFrom, std::int32_t al_Client) {
   ResetCounters();
+  const Messages::OneBox one_box(p_.messages, GoesOn(p_.form, p_.flags));
   if (!p_.conversion.InitialiseLookups()) return;
   p_.units.StoreUnitRecord();
   const std::int64_t selected = p_.units.Selected();

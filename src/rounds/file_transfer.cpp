@@ -35,12 +35,13 @@ bool FileTransfer::ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination)
     p_.results.Keep(al_Unit, sent.remote, "web data takes no files");
     return false;
   }
+  if (!MayTry(al_Unit, sent.remote)) return false;
   std::int16_t zipped = kZipOk;
   if (p_.form.Chk_ZIPFiles.ticked()) zipped = p_.archiver.Zip(files.local, sent.local, "Zip: " + files.local);
   bool well = false;
   if (!Cancelled(p_.link, p_.flags)) {
     p_.trace.Status("Send: " + sent.local + " ->" + p_.ftp.Server() + ":" + sent.remote);
-    well = p_.ftp.PutFile(sent.local, sent.remote);
+    well = p_.tries.Run([&] { return p_.ftp.PutFile(sent.local, sent.remote); });
   }
   const bool missing = !well && !ExamineFile(sent.local);
   const std::string missing_file = ExamineFile(files.local) ? sent.local : files.local;
@@ -51,6 +52,12 @@ bool FileTransfer::ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination)
                   : missing ? "there is no file " + missing_file
                             : WhyFailed());
   return well;
+}
+
+bool FileTransfer::MayTry(std::int64_t al_Unit, const std::string& as_File) {
+  if (!p_.tries.Ended()) return true;
+  p_.results.Keep(al_Unit, as_File, "not tried, the server was given up");
+  return false;
 }
 
 std::string FileTransfer::WhyFailed() const {
@@ -81,6 +88,7 @@ bool FileTransfer::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
   if (al_Source != kFromFtp) return false;
   const FilePair files = NamesOf(al_Unit);
   const FilePair fetched = ArchivesOf(files);
+  if (!MayTry(al_Unit, files.local)) return false;
   p_.trace.Status("Receive: " + p_.ftp.Server() + ":" + fetched.remote + "->" + fetched.local);
   bool arrived = false;
   std::string problem;
@@ -101,7 +109,7 @@ bool FileTransfer::Fetch(const FilePair& av_Files, const FilePair& av_Fetched, s
     return false;
   }
   ShrinkGuard former(av_Files.local);
-  if (!p_.ftp.GetFile(av_Fetched.remote, av_Fetched.local)) {
+  if (!p_.tries.Run([&] { return p_.ftp.GetFile(av_Fetched.remote, av_Fetched.local); })) {
     as_Problem = WhyFailed();
     return false;
   }
@@ -126,6 +134,7 @@ void FileTransfer::ftpSelectedFile() {
   const std::int64_t unit = LeadingInteger(columns[1]);
   const std::int32_t destination = LeadingInteger(columns[2]);
   if (!p_.registry.Units.Has(unit) || destination != kToFtp) return;
+  BeginStep();
   if (ZipAndSend(unit, kToFtp)) p_.trace.Status("Finished...");
 }
 

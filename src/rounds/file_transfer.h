@@ -6,6 +6,7 @@
 #include "data/file_listbox.h"
 #include "form/form.h"
 #include "rounds/file_results.h"
+#include "rounds/server_tries.h"
 #include "state/file_names.h"
 #include "state/records.h"
 #include "state/run_flags.h"
@@ -34,12 +35,15 @@ class FileTransfer {
     CFileListbox& file_list;
     MyFTP& ftp;
     Archiver& archiver;
+    ServerTries& tries;
     FileResults& results;
     Messages& messages;
     Trace& trace;
   };
   explicit FileTransfer(const Parts& av_Parts) : p_(av_Parts) {}
 
+  /// A step over files begins.
+  void BeginStep() { p_.tries.Begin(); }
   /// Zips a unit's file where that is switched on, and sends it; only the FTP destination sends anything.
   [[nodiscard]] bool ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination);
   /// Fetches a unit's file and unzips it where that is switched on; only from FTP.
@@ -64,6 +68,8 @@ class FileTransfer {
   };
 
   [[nodiscard]] FilePair NamesOf(std::int64_t al_Unit) const;
+  /// False, which is the file's result, where the step has given the server up.
+  [[nodiscard]] bool MayTry(std::int64_t al_Unit, const std::string& as_File);
   [[nodiscard]] FilePair ArchivesOf(const FilePair& av_Files) const;
   /// Why a transfer that just failed did.
   [[nodiscard]] std::string WhyFailed() const;

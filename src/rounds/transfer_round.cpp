@@ -46,6 +46,8 @@ void TransferRound::SendMarked(UnitSpan av_Units, std::int64_t al_Count, std::in
   p_.link.UserCancel = p_.flags.closing;
   BeginRun("Send files...", al_Count);
   const std::size_t first = p_.results.All().size();
+  const Messages::OneBox one_box(p_.messages, GoesOn(p_.form, p_.flags));
+  p_.transfer.BeginStep();
   const bool went_on = SendEach(av_Units, ai_Destination);
   if (!Cancelled(p_.link, p_.flags)) p_.trace.Status("Finished...");
   // A server that is out of reach, or a person in a hurry, is not asked once more.
@@ -63,8 +65,8 @@ bool TransferRound::SendEach(UnitSpan av_Units, std::int16_t ai_Destination) {
       if (!p_.transfer.ZipAndSend(i, ai_Destination)) {
         if (Cancelled(p_.link, p_.flags)) return false;
         // Intended: the first failed send ends the batch, and what follows it, as if Cancel had been pressed.
-        p_.link.UserCancel = true;
-        return true;
+        p_.link.UserCancel = !GoesOn(p_.form, p_.flags);
+        if (p_.link.UserCancel) return true;
       }
       p_.bars.Unit.Increment();
     }
@@ -87,6 +89,8 @@ bool TransferRound::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
   const BusyPointer busy(p_.form.Frm_Main);
   BeginRun("Get files...", static_cast<std::int64_t>(wanted.size()));
   const std::size_t first = p_.results.All().size();
+  const Messages::OneBox one_box(p_.messages, GoesOn(p_.form, p_.flags));
+  p_.transfer.BeginStep();
   const bool arrived = FetchEach(wanted, al_Source);
   if (!Cancelled(p_.link, p_.flags)) p_.trace.Status("Finished...");
   if (!Cancelled(p_.link, p_.flags) && !arrived) p_.results.ShowLastProblem();
@@ -100,7 +104,9 @@ bool TransferRound::FetchEach(const std::vector<std::int64_t>& av_Units, std::in
   for (const std::int64_t unit : av_Units) {
     if (Cancelled(p_.link, p_.flags) || !p_.registry.Units.Has(unit)) break;
     p_.units.Select(unit);
-    if (!p_.transfer.ReachServer(unit) || Cancelled(p_.link, p_.flags)) break;
+    // A round that goes on meets a server out of reach at each file, and counts its tries there.
+    if (!GoesOn(p_.form, p_.flags) && !p_.transfer.ReachServer(unit)) break;
+    if (Cancelled(p_.link, p_.flags)) break;
     if (!p_.transfer.MayFetch(unit)) continue;
     arrived = p_.transfer.GetAndUnZip(unit, al_Source) || arrived;
     p_.bars.Unit.Increment();

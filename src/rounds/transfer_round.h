@@ -14,6 +14,7 @@
 #include "state/run_flags.h"
 #include "trace/trace.h"
 #include "transfer/remote_browser.h"
+#include "ui/messages.h"
 #include "ui/progress_bar.h"
 
 namespace corvane {
@@ -37,6 +38,7 @@ class TransferRound {
     FileResults& results;
     EventLoop& loop;
     ProgressBars& bars;
+    Messages& messages;
     Trace& trace;
   };
   explicit TransferRound(const Parts& av_Parts) : p_(av_Parts) {}
@@ -44,12 +46,13 @@ class TransferRound {
   /// Sends the files of the active units, or of the selected one, that are sent to `ai_Destination` and come from
   /// `al_GetFrom` (or `kAny`).
   ///
-  /// The first failed send sets `UserCancel` and ends the batch.
+  /// The first failed send sets `UserCancel` and ends the batch, unless rounds go on past failures.
   void ftpAllUnits(bool ab_All, std::int32_t al_GetFrom, std::int16_t ai_Destination);
   /// Fetches the files of the active units, or of the selected one, that come from `al_Source` (3 FTP, 4 web data);
   /// true when one arrived.
   ///
-  /// A file that is not there is passed over; a server that cannot be reached ends the fetch.
+  /// A file that is not there is passed over; a server that cannot be reached ends the fetch, after the tries of a
+  /// round that goes on past failures.
   [[nodiscard]] bool FetchAllUnits(bool ab_All, std::int32_t al_Source);
 
  private:

@@ -47,7 +47,7 @@ int DefaultPosition(std::int32_t style) {
 }  // namespace
 
 bool Messages::Unattended() const {
-  return p_.flags.automatic_run || p_.flags.releasing || p_.form.Chk_Automatic.ticked();
+  return one_box_ || p_.flags.automatic_run || p_.flags.releasing || p_.form.Chk_Automatic.ticked();
 }
 
 void Messages::Show(std::string_view as_Text, std::string_view as_Kind, BoxIcon av_Icon) {
@@ -91,6 +91,7 @@ std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_
   const ButtonSet& set = ButtonSetOf(al_Style);
   if (p_.flags.ending_silently) return set.at_timeout;
   if (!as_Kind.empty() && Unattended() && !IsFirst(as_Kind)) return set.at_timeout;
+  if (one_box_ && std::exchange(box_shown_, true)) return set.at_timeout;
   BoxContents contents;
   contents.title = as_Title.empty() ? kProductName : as_Title;
   contents.text = as_Message;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/scoped_value.h"
 #include "form/form.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
@@ -54,7 +55,7 @@ class Messages {
   /// Shows a message with one button and waits for it. **Yields.**
   ///
   /// In an automatic run, while automatic download is on and in the close steps it goes through the timed box, once for
-  /// each kind (`as_Kind`; the text itself when empty) and round; the rest goes to the log only.
+  /// each kind (`as_Kind`; the text itself when empty) and round; the rest goes to the log only. See `OneBox` too.
   void Show(std::string_view as_Text, std::string_view as_Kind = {}, BoxIcon av_Icon = BoxIcon::Information);
   /// Asks `as_Question` + " ?"; true only for Yes. Unanswered for 5 minutes, or while closing, it is No. **Yields.**
   /// `as_About`: the unit that it is about, for the title; `al_Default`: `kSecondDefault` makes No the default button.
@@ -68,6 +69,16 @@ class Messages {
   /// round where `Show` is.
   std::int32_t ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title = {},
                                 std::int16_t ai_Seconds = 0, std::string_view as_Kind = {});
+  /// While it lives, where `ab_On`, what goes wrong is shown in one timed box, the first; the rest goes to the log.
+  class OneBox {
+   public:
+    explicit OneBox(Messages& av_Messages, bool ab_On = true)
+        : on_(av_Messages.one_box_, ab_On || av_Messages.one_box_), shown_(av_Messages.box_shown_, false) {}
+
+   private:
+    ScopedValue<bool> on_;
+    ScopedValue<bool> shown_;
+  };
   /// Forgets which kinds have been shown: a new round or command begins.
   void StartRound() { shown_kinds_.clear(); }
 
@@ -83,6 +94,8 @@ class Messages {
 
   Parts p_;
   std::set<std::string, std::less<>> shown_kinds_;
+  bool one_box_ = false;
+  bool box_shown_ = false;
 };
 
 }  // namespace corvane
