@@ -1,5 +1,7 @@
 #include "desktop/posix_shell.h"
 
+#include "base/files.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -48,6 +50,11 @@ PosixShell::~PosixShell() {
 
 std::string PosixShell::ProgramFolder() const {
   return fs::path(program_).parent_path().string();
+}
+
+DateTime PosixShell::ProgramDate() {
+  const auto program = ExamineFile("/proc/self/exe");
+  return program ? program->modified : DateTime();
 }
 
 std::string PosixShell::ProgramName() const {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "base/dates.h"
 #include "platform/shell.h"
 
 namespace corvane {
@@ -15,6 +16,8 @@ class PosixShell : public Shell {
   ~PosixShell() override;
 
   [[nodiscard]] std::string ProgramFolder() const override;
+  /// When the running program was built, none when that cannot be told.
+  [[nodiscard]] static DateTime ProgramDate();
   [[nodiscard]] std::string ProgramName() const override;
   /// Starts `$VISUAL` (split at blanks, not read by a shell), else xdg-open, without a terminal.
   Status OpenEditor(const std::string& file) override;

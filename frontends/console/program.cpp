@@ -92,7 +92,7 @@ class Program {
         dialogs_(output_, loop_, kStandardInput, WhoAnswers(options)),
         internet_(loop_),
         zip_(loop_),
-        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder_),
+        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}, PosixShell::ProgramDate()}, folder_),
         view_(app_.form(), loop_, output_, options.verbose) {}
 
   int Run() {

@@ -77,8 +77,9 @@ class Program {
     if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) return Refuse(prepared.text());
     if (!shell_.TakeInstanceLock(folder_)) return Refuse(shell_.ProgramName() + " is already running");
     ProvideLanguageFile(folder_);
-    app_ = std::make_unique<Application>(
-        Platform{loop_, port_, shell_, dialogs_, internet_, zip_, FindHelp(shell_.ProgramFolder())}, folder_);
+    app_ = std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, internet_, zip_,
+                                                  FindHelp(shell_.ProgramFolder()), PosixShell::ProgramDate()},
+                                         folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {

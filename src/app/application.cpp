@@ -22,6 +22,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
                 link_.schedule, report_.summary, report_.trace}),
       life_({state_.form, state_.flags, state_.slot, state_.states, editors_, data_.files, settings_.run_at_startup,
              link_.schedule, commands_.commands, creation_, release_}) {
+  state_.flags.built = av_Platform.built;
   NameFiles();
   Wire();
 }

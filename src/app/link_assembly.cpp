@@ -8,8 +8,8 @@ LinkAssembly::LinkAssembly(const Platform& av_Platform, SharedState& av_State, R
       pauser(av_State.link, av_State.flags, av_Platform.loop, av_Report.trace),
       exchange(
           {av_State.form, av_State.link, av_State.flags, av_Platform.loop, writer, timer, pauser, av_Report.trace}),
-      capture({av_State.form, av_State.link, av_State.download, av_Platform.loop, writer, exchange, av_Report.summary,
-               av_Report.bars, av_Report.trace}),
+      capture({av_State.form, av_State.link, av_State.download, av_State.flags, bad_lines, av_Platform.loop, writer,
+               exchange, av_Report.summary, av_Report.bars, av_Report.trace}),
       replies({av_State.form, av_State.link, av_Platform.loop, exchange, capture, av_Report.summary, av_Report.trace}),
       port({av_State.form, av_State.link, av_State.flags, av_Platform.port, av_State.devices, av_State.states, writer,
             timer, av_Report.bars, av_Report.trace}),

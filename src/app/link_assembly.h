@@ -27,6 +27,7 @@ struct LinkAssembly {
   ReplyTimer timer;
   Pauser pauser;
   Exchange exchange;
+  BadLines bad_lines;
   DownloadCapture capture;
   ReplyHandler replies;
   PortLink port;

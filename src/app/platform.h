@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/file_commands.h"
+#include "base/dates.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/internet_client.h"
@@ -19,6 +20,7 @@ struct Platform {
   InternetClient& internet;
   ZipComponent& zip;
   HelpFiles help = {};  ///< what the help menu opens
+  DateTime built = {};  ///< when the program was built: no clock shows an earlier time; none where that is not known
 };
 
 }  // namespace corvane

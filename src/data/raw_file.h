@@ -8,6 +8,9 @@
 
 namespace corvane {
 
+/// Seconds that a reading may be ahead of this computer: a clock that is wrong by less puts itself right.
+inline constexpr std::int64_t kFarAhead = kSecondsPerDay;
+
 /// What was found when the last date of a raw file was read.
 struct LastDateResult {
   DateTime last_date;     ///< none when the file holds no reading or is missing

@@ -89,6 +89,19 @@ std::optional<RawHoles::Hole> RawHoles::Mend(const std::string& as_File, DateTim
   return hole;
 }
 
+bool CutLastLine(const std::string& as_File, const std::string& as_Line) {
+  const auto info = ExamineFile(as_File);
+  for (const std::string_view line_end : {kLineBreak, std::string_view("\n")}) {
+    const std::string line = as_Line + std::string(line_end);
+    const std::int64_t begin = info ? info->size - static_cast<std::int64_t>(line.size()) : 0;
+    // A line stands behind another one's end.
+    if (begin < 1 || BlockOf(as_File, begin - 1, info->size) != "\n" + line) continue;
+    Require(CutFile(as_File, begin));
+    return true;
+  }
+  return false;
+}
+
 std::string FirstLineOf(const std::string& as_File) {
   LineReader reader;
   std::string_view line;

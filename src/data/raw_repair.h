@@ -53,6 +53,9 @@ class RawHoles {
   std::map<std::string, Whole> whole_;
 };
 
+/// Cuts the last line off a raw file when it is `as_Line`; false when another stands there.
+[[nodiscard]] bool CutLastLine(const std::string& as_File, const std::string& as_Line);
+
 /// The first line of a raw file without its line end, at most 64 KiB of it; empty when it is missing.
 [[nodiscard]] std::string FirstLineOf(const std::string& as_File);
 /// True for a framed header line with a right checksum, which is what stands on line 1 of a raw file.

@@ -4,6 +4,7 @@
 #include "base/format.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "data/raw_file.h"
 #include "data/raw_repair.h"
 
 namespace corvane {
@@ -82,6 +83,7 @@ void DownloadCapture::TakeDataLine() {
 void DownloadCapture::TakeOk() {
   p_.summary.WriteSummary();
   CompareWithHeader();
+  p_.bad_lines.EndWell();
   p_.trace.TraceDecision("Received OK - close output file");
   CloseOutputFile();
   p_.exchange.SetStateFinished();
@@ -101,6 +103,7 @@ void DownloadCapture::CompareWithHeader() {
 void DownloadCapture::TakeReading() {
   const auto when = ParseReadingDate(line_.items[0]);
   if (!when) {
+    if (PassOver("incorrect date")) return;
     Abort("No SaveToFile - incorrect date>" + std::string(line_.items_text));
     return;
   }
@@ -108,6 +111,8 @@ void DownloadCapture::TakeReading() {
   if (traced) TraceItems("SaveToFile LineCount:" + std::to_string(p_.link.LineCount) + ">");
   if (*when <= p_.download.LastDate) {
     if (traced) TraceItems("SaveToFile - skipping because date after: " + GeneralDate(p_.download.LastDate) + " |");
+  } else if (TakeFutureReading(*when)) {
+    return;
   } else if (!StoreReading()) {
     return;
   }
@@ -124,6 +129,7 @@ bool DownloadCapture::StoreReading() {
     return false;
   }
   ++p_.download.Tally.stored;
+  p_.bad_lines.TakeGood(line_.items_text);
   if (!sync_timer_->Running()) sync_timer_->Start(kSyncMilliseconds);
   return true;
 }
@@ -134,6 +140,7 @@ void DownloadCapture::ShowProgress(DateTime av_When) {
 }
 
 void DownloadCapture::RejectLine() {
+  if (GoesOn(p_.form, p_.flags) && p_.bad_lines.Hold(p_.link.ReplyLine) && PassOver("")) return;
   const bool forgiven =
       p_.link.OverunFlag && LeadingNumber(p_.form.Txt_MaxOveruns.text()) >= static_cast<double>(p_.link.OverunCount);
   if (forgiven) {
@@ -141,9 +148,47 @@ void DownloadCapture::RejectLine() {
     ++p_.download.Tally.rejected;
     return;
   }
+  if (PassOver("wrong items or checksum")) return;
   Abort("Items on line (" + std::to_string(line_.items.size()) + ") <> expected ItemsPerLine (" +
         std::to_string(p_.download.ItemsPerLine) + ") >|" + std::string(line_.items_text) +
         " CheckSumError:" + std::string(TrueFalse(!line_.checksum_good)));
+}
+
+bool DownloadCapture::PassOver(std::string_view as_Reason) {
+  DownloadTally& tally = p_.download.Tally;
+  if (!GoesOn(p_.form, p_.flags) || tally.passed_over >= BadLines::kMostInDownload) return false;
+  const std::string& line = p_.link.ReplyLine;
+  if (!p_.bad_lines.Hold(line) &&
+      (!p_.bad_lines.IsTheCause(line, line_.checksum_good) || !KeepBadLine(as_Reason, line))) {
+    return false;
+  }
+  ++tally.passed_over;
+  ++tally.arrived;
+  TraceItems("Passed over: ");
+  return true;
+}
+
+bool DownloadCapture::TakeFutureReading(DateTime av_When) {
+  if (!GoesOn(p_.form, p_.flags) || p_.download.ClockDoubtful || av_When - p_.loop.Now() <= kFarAhead) return false;
+  if (p_.bad_lines.Hold(line_.items_text) || KeepBadLine(BadLines::kFutureDate, line_.items_text)) {
+    ++p_.download.Tally.arrived;
+  } else {
+    Abort("The reading is in the future and cannot be kept aside>" + std::string(line_.items_text));
+  }
+  return true;
+}
+
+bool DownloadCapture::KeepBadLine(std::string_view as_Reason, std::string_view as_Line) {
+  try {
+    p_.bad_lines.Add(p_.loop.Now(), as_Reason, as_Line);
+  } catch (const RunTimeError& error) {
+    p_.trace.AErrorReport("A bad line cannot be kept: " + std::string(error.what()));
+    return false;
+  }
+  const std::string report = "Kept in " + p_.bad_lines.file() + " (" + std::string(as_Reason) + ")";
+  p_.trace.AErrorReport(report + ": " + std::string(as_Line));
+  if (p_.download.Tally.problem.find(report) == std::string::npos) p_.download.Tally.AddProblem(report);
+  return true;
 }
 
 void DownloadCapture::Abort(const std::string& as_Error) {

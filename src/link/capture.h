@@ -5,12 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "data/bad_lines.h"
 #include "data/raw_line.h"
 #include "form/form.h"
 #include "link/exchange.h"
 #include "link/link_writer.h"
 #include "platform/event_loop.h"
 #include "state/link_state.h"
+#include "state/run_flags.h"
 #include "trace/summary.h"
 #include "trace/trace.h"
 #include "ui/progress_bar.h"
@@ -28,6 +30,8 @@ class DownloadCapture {
     Form& form;
     LinkState& link;
     DownloadState& download;
+    const RunFlags& flags;
+    BadLines& bad_lines;
     EventLoop& loop;
     LinkWriter& writer;
     Exchange& exchange;
@@ -55,6 +59,12 @@ class DownloadCapture {
   [[nodiscard]] bool StoreReading();
   void ShowProgress(DateTime av_When);
   void RejectLine();
+  /// Passes the present line over when it is known, or turns out now, to stop every download; false: it ends this one.
+  [[nodiscard]] bool PassOver(std::string_view as_Reason);
+  /// Keeps a reading whose date is too far ahead instead of storing it; false when it is to be stored.
+  [[nodiscard]] bool TakeFutureReading(DateTime av_When);
+  /// Keeps a line beside the raw file; false when that cannot be done.
+  [[nodiscard]] bool KeepBadLine(std::string_view as_Reason, std::string_view as_Line);
   /// Reports the error, stops the unit and saves nothing more of this download.
   void Abort(const std::string& as_Error);
   [[nodiscard]] bool OpenOutputFile();

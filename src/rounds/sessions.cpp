@@ -50,6 +50,7 @@ void Sessions::RunOverPort(Run& av_Run, std::int32_t al_ConnectionType, std::int
   p_.port.ClearEverything();
   if (p_.port.OpenPort(PortIndexForUnit(al_ConnectionType))) {
     p_.attempts.AwaitQuiet();
+    p_.session.BeginRound();
     if (RunMarkedUnits(av_Run, ai_Command)) AskSilentUnitsAgain(av_Run, ai_Command);
   } else {
     ++p_.flags.problems;

@@ -11,7 +11,6 @@ namespace corvane {
 namespace {
 
 constexpr std::string_view kStampPattern = "yymmddHHNNSS";
-constexpr std::int64_t kFarAhead = kSecondsPerDay;  ///< a clock that is wrong by less puts itself right
 
 }  // namespace
 
@@ -91,7 +90,11 @@ std::string UnitSession::PrepareDownload() {
   p_.download.HeaderLine.clear();
   p_.download.FramedHeader.clear();
   CreatePath(FolderOf(p_.download.OutputFileName));
-  p_.download.LastDate = GetLastDate(p_.download.OutputFileName);
+  const LastDateResult last = GetLastDate(p_.download.OutputFileName);
+  p_.download.LastDate = last.last_date;
+  if (GoesOn(p_.form, p_.flags)) {
+    p_.bad_lines.BeginDownload(p_.download.OutputFileName, last.line_text, p_.download.Round);
+  }
   const std::string parameters = DownloadParameters(p_.download.LastDate);
   if (!p_.link.ContinueOk()) return parameters;
   p_.download.SavingData = true;
@@ -119,15 +122,68 @@ std::string UnitSession::Parameters(std::int16_t ai_Command) {
   }
 }
 
-DateTime UnitSession::GetLastDate(const std::string& as_File) {
+LastDateResult UnitSession::GetLastDate(const std::string& as_File) {
   if (!ExamineFile(as_File)) return {};
   const BusyPointer busy(p_.form.Frm_Main);
   p_.trace.Status("Get date in: " + as_File, StatusKind::Detail);
   RepairFile(as_File);
-  const LastDateResult found = ReadLastDate(as_File, [this] { return Poll(); });
+  const auto poll = [this] { return Poll(); };
+  LastDateResult found = ReadLastDate(as_File, poll);
+  while (IsFarAhead(found) && GoesOn(p_.form, p_.flags) && !p_.download.ClockDoubtful && MoveLastLine(as_File, found)) {
+    found = ReadLastDate(as_File, poll);
+  }
   if (!found.problems.empty()) p_.messages.Show(found.problems, "last date");
   if (found.last_date > p_.loop.Now()) ReportFutureDate(found, as_File);
-  return found.last_date;
+  return found;
+}
+
+bool UnitSession::IsFarAhead(const LastDateResult& av_Found) const {
+  return av_Found.last_date - p_.loop.Now() > kFarAhead;
+}
+
+bool UnitSession::MoveLastLine(const std::string& as_File, const LastDateResult& av_Found) {
+  p_.bad_lines.BeginDownload(as_File, {}, p_.download.Round);
+  // In this order a power cut between the two steps leaves the line in both files and in none never.
+  try {
+    if (!p_.bad_lines.Hold(av_Found.line_text))
+      p_.bad_lines.Add(p_.loop.Now(), BadLines::kFutureDate, av_Found.line_text);
+    if (!CutLastLine(as_File, av_Found.line_text)) return false;
+  } catch (const RunTimeError& error) {
+    p_.trace.AErrorReport("A bad line cannot be kept: " + std::string(error.what()));
+    return false;
+  }
+  const std::string report = "A last reading in the future was moved to " + p_.bad_lines.file();
+  p_.trace.AErrorReport(report + ": " + av_Found.line_text);
+  if (p_.download.Tally.problem.find(report) == std::string::npos) p_.download.Tally.AddProblem(report);
+  return Poll();
+}
+
+void UnitSession::BeginRound() {
+  ++p_.download.Round;
+  p_.download.ClockDoubtful = GoesOn(p_.form, p_.flags) && ClockMayBeWrong();
+  if (!p_.download.ClockDoubtful) return;
+  p_.trace.AErrorReport("This computer's clock may be wrong: it says " + GeneralDate(p_.loop.Now()) +
+                        ". Readings with a date to come are stored as they are");
+}
+
+bool UnitSession::ClockMayBeWrong() {
+  const DateTime now = p_.loop.Now();
+  const auto last_download = ParseDate(p_.form.Lbl_LastDownload.text());
+  if (now < p_.flags.built || (last_download && now < *last_download)) return true;
+  std::int64_t with_reading = 0;
+  std::int64_t ahead = 0;
+  for (std::int32_t index = 1; index <= p_.registry.Units.count() && Poll(); ++index) {
+    if (!p_.registry.Units[index].Marked) continue;
+    try {
+      const LastDateResult found = ReadLastDate(p_.names.DataFileName(index, false), [this] { return Poll(); });
+      with_reading += found.last_date.IsNone() ? 0 : 1;
+      ahead += IsFarAhead(found) ? 1 : 0;
+    } catch (const RunTimeError&) {
+      // Its own download says what is wrong with the file.
+      continue;
+    }
+  }
+  return with_reading >= 2 && 2 * ahead > with_reading;
 }
 
 void UnitSession::RepairFile(const std::string& as_File) {
@@ -146,7 +202,7 @@ void UnitSession::RepairFile(const std::string& as_File) {
 void UnitSession::ReportFutureDate(const LastDateResult& av_Found, const std::string& as_File) {
   const std::string where = "The last reading is in the future: " + GeneralDate(av_Found.last_date) + " in " + as_File +
                             ", line: " + av_Found.line_text;
-  if (av_Found.last_date - p_.loop.Now() <= kFarAhead) {
+  if (!IsFarAhead(av_Found)) {
     p_.trace.TraceDecision(where);
     return;
   }

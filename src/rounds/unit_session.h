@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "data/bad_lines.h"
 #include "data/raw_file.h"
 #include "data/raw_repair.h"
 #include "form/form.h"
@@ -32,6 +33,7 @@ class UnitSession {
     LinkState& link;
     DownloadState& download;
     const RunFlags& flags;
+    BadLines& bad_lines;
     EventLoop& loop;
     PortLink& port;
     Exchange& exchange;
@@ -51,15 +53,17 @@ class UnitSession {
   void ProcessUnit(std::int16_t ai_Command);
   /// What the last command has brought.
   [[nodiscard]] const DownloadTally& Tally() const { return p_.download.Tally; }
+  /// A run over the marked units begins: decides whether this computer's clock can be trusted. **Yields.**
+  void BeginRound();
   /// Traces `as_Trace` with the number of the raw file and closes the file, just in case.
   void CloseOutputFile(std::string_view as_Trace);
   /// Ends a run over units: the raw file and the port are closed, nothing is awaited any more.
   void ReleasePort();
-  /// The date of the last reading stored in a raw file, none when there is none. **Yields.**
+  /// The last reading stored in a raw file. **Yields.**
   ///
   /// Cuts what a power cut has left off first; lines that are no readings are shown together, a date more than a day
   /// ahead is a problem of the unit.
-  [[nodiscard]] DateTime GetLastDate(const std::string& as_File);
+  [[nodiscard]] LastDateResult GetLastDate(const std::string& as_File);
 
  private:
   [[nodiscard]] std::string Caption(std::int16_t ai_Command) const;
@@ -71,6 +75,11 @@ class UnitSession {
   void FailHere(const std::string& as_Error);
   /// Cuts off or reports what a power cut has left in the raw file.
   void RepairFile(const std::string& as_File);
+  /// More than a day ahead of this computer.
+  [[nodiscard]] bool IsFarAhead(const LastDateResult& av_Found) const;
+  /// Moves the last line to the lines that are kept aside; false when another stands at the file's end.
+  [[nodiscard]] bool MoveLastLine(const std::string& as_File, const LastDateResult& av_Found);
+  [[nodiscard]] bool ClockMayBeWrong();
   void ReportFutureDate(const LastDateResult& av_Found, const std::string& as_File);
   /// Replaces or reports a first line that is no header, once the unit has sent a right one.
   void CheckFirstLine();

@@ -85,8 +85,10 @@ struct DownloadState {
   bool SavingData = false;
   SyncedFile Output;  ///< the open raw file
   std::string OutputFileName;
-  DateTime LastDate;    ///< last reading already stored, none when there is none
-  DownloadTally Tally;  ///< of the present command
+  DateTime LastDate;           ///< last reading already stored, none when there is none
+  DownloadTally Tally;         ///< of the present command
+  std::int64_t Round = 0;      ///< tells the rounds of this run of the program apart
+  bool ClockDoubtful = false;  ///< this computer's clock may be wrong: readings to come are stored as they are
 };
 
 }  // namespace corvane

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "base/dates.h"
 #include "base/scoped_value.h"
 #include "form/form.h"
 #include "state/link_state.h"
@@ -17,6 +18,7 @@ struct RunFlags {
   bool loading = true;           ///< the window is still being created
   bool converting = false;
   bool go_on_once = false;         ///< goes on past what fails until the program ends, whatever the settings say
+  DateTime built;                  ///< when the program was built; none where that is not known
   std::int64_t error_counter = 0;  ///< bad lines of the current conversion command
   std::int64_t line_counter = 0;   ///< data lines of the right width of the current conversion command
   std::int64_t problems = 0;       ///< ports, units and files of this operation that ended untried or with a problem
