@@ -55,13 +55,20 @@ UnitAttempts::Outcome UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64
   const bool goes_on = GoesOn(p_.form, p_.flags);
   p_.registry.Units[al_Index].Problem = goes_on && p_.link.UserCancel;
   p_.registry.Units[al_Index].Stored += p_.session.Tally().stored;
-  p_.registry.Units[al_Index].Brought = p_.session.Tally();
+  KeepTally(p_.registry.Units[al_Index].Brought);
   if (p_.link.UserCancel) return Outcome::Well;
   if (goes_on) TakeBrokenOffReply();
   if (p_.link.Timeout) return goes_on ? PassOver(av_Counts, al_Index) : Outcome::Well;
   if (p_.link.HalvexError) return TakeError(av_Counts, al_Index);
   av_Counts.silent_in_a_row = 0;
   return Outcome::Well;
+}
+
+void UnitAttempts::KeepTally(DownloadTally& av_Brought) const {
+  const std::string earlier = av_Brought.problem;
+  av_Brought = p_.session.Tally();
+  // What an earlier try has kept aside is told once, also when a later one goes well.
+  if (av_Brought.problem.find(earlier) == std::string::npos) av_Brought.AddProblem(earlier);
 }
 
 void UnitAttempts::TakeBrokenOffReply() {

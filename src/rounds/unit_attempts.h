@@ -70,6 +70,8 @@ class UnitAttempts {
   [[nodiscard]] bool BaseStationIsThere(AttemptCounts& av_Counts, std::int64_t al_Index);
   [[nodiscard]] bool ProbeBaseStation();
   [[nodiscard]] std::int64_t UnitWait() const;
+  /// Takes over what the last try has brought.
+  void KeepTally(DownloadTally& av_Brought) const;
   void ShowHowItEnded(std::int64_t al_Index, bool ab_Failed);
   [[nodiscard]] bool EndsSession(AttemptCounts& av_Counts);
 
