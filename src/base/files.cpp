@@ -24,6 +24,14 @@ Status CheckFullPath(const std::string& path) {
               "\" is not a full path on this computer (it must begin with \"/\"): choose the folder or file again"};
 }
 
+/// A link that another user made may lead to any file of ours.
+Status CheckLink(const std::string& path) {
+  struct stat found {};
+  if (lstat(path.c_str(), &found) != 0 || !S_ISLNK(found.st_mode)) return Status::Ok();
+  if (found.st_uid == geteuid() || found.st_uid == 0) return Status::Ok();
+  return {EPERM, path + ": is a link of another user, which is not followed"};
+}
+
 DateTime LocalTime(std::time_t when) {
   std::tm local{};
   localtime_r(&when, &local);
@@ -179,6 +187,7 @@ Status OutputFile::Create(const std::string& path, unsigned mode) {
 Status OutputFile::Open(const std::string& path, int flags, unsigned mode) {
   Close();
   if (Status full = CheckFullPath(path); !full.ok()) return full;
+  if (Status own = CheckLink(path); !own.ok()) return own;
   descriptor_ = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
   if (descriptor_ < 0) return Status::FromErrno(path, errno);
   path_ = path;

@@ -61,6 +61,7 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   /// Opens `path` for appending, creating it with `mode` when missing; `kOwnerOnly` is also given to one that is there.
+  /// A link that another user made is refused.
   Status OpenForAppending(const std::string& path, unsigned mode = 0644);
   /// Creates `path` or empties it.
   Status Create(const std::string& path, unsigned mode = 0644);
