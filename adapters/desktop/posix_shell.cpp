@@ -36,6 +36,11 @@ std::string EntryPath() {
   return config.is_absolute() ? (config / kEntryFile).string() : "";
 }
 
+/// A program would take a name that begins with a dash for an option.
+Status CheckIsNoOption(const std::string& file) {
+  return file.starts_with('-') ? Status(EINVAL, file + " is no full path of a file") : Status::Ok();
+}
+
 }  // namespace
 
 PosixShell::PosixShell(std::string name, const std::string& home) : name_(std::move(name)) {
@@ -62,6 +67,7 @@ std::string PosixShell::ProgramName() const {
 }
 
 Status PosixShell::OpenEditor(const std::string& file) {
+  if (const Status full = CheckIsNoOption(file); !full.ok()) return full;
   std::vector<std::string> command = SplitAtBlanks(Environment("VISUAL"));
   if (command.empty()) command = {"xdg-open"};
   const std::string editor = command.front();
@@ -72,6 +78,7 @@ Status PosixShell::OpenEditor(const std::string& file) {
 }
 
 Status PosixShell::OpenDocument(const std::string& file) {
+  if (const Status full = CheckIsNoOption(file); !full.ok()) return full;
   const int error = SpawnDetached({"xdg-open", file});
   return error == 0 ? Status::Ok() : Status::FromErrno("xdg-open is needed to show " + file, error);
 }
@@ -92,19 +99,21 @@ Status PosixShell::DeleteLogOnEntry() {
   return Status::Ok();
 }
 
-bool PosixShell::TakeInstanceLock(const std::string& folder) {
-  if (lock_ >= 0 && folder == locked_folder_) return true;
+Status PosixShell::TakeInstanceLock(const std::string& folder) {
+  if (lock_ >= 0 && folder == locked_folder_) return Status::Ok();
   const std::string path = (fs::path(folder) / kLockFile).string();
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0600);
-  if (descriptor < 0) return true;
-  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600);
+  // Without the lock a second program might save over what the first one holds.
+  if (descriptor < 0) return Status::FromErrno("the application folder cannot be locked: " + path, errno);
+  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    const int error = errno;
     close(descriptor);
-    return false;
+    return Status::FromErrno("the application folder cannot be locked: " + path, error);
   }
   if (lock_ >= 0) close(lock_);
   lock_ = descriptor;
   locked_folder_ = folder;
-  return true;
+  return Status::Ok();
 }
 
 void PosixShell::Beep() {

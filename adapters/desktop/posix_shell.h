@@ -27,10 +27,8 @@ class PosixShell : public Shell {
   [[nodiscard]] bool HasLogOnEntry() const override;
   Status WriteLogOnEntry(const std::string& arguments) override;
   Status DeleteLogOnEntry() override;
-  /// Takes the lock until this object or the process ends, a crash included; false when another process holds it.
-  ///
-  /// A lock of another folder is given back. A folder that takes no lock file counts as free.
-  [[nodiscard]] bool TakeInstanceLock(const std::string& folder) override;
+  /// Takes the lock until this object or the process ends, a crash included. A lock of another folder is given back.
+  Status TakeInstanceLock(const std::string& folder) override;
   /// Rings the terminal's bell when there is a terminal.
   void Beep() override;
 

@@ -1,5 +1,6 @@
 #include "desktop/terminal.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -20,15 +21,22 @@ int TerminalColumns() {
   return ioctl(kStandardOutput, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
 }
 
-void WriteOut(int descriptor, std::string_view text, bool patient) {
+void FillStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
+  }
+}
+
+bool WriteOut(int descriptor, std::string_view text, bool patient) {
   while (!text.empty()) {
     pollfd out{descriptor, POLLOUT, 0};
-    if (!patient && poll(&out, 1, 0) != 1) return;
+    if (!patient && poll(&out, 1, 0) != 1) return true;
     const ssize_t written = write(descriptor, text.data(), text.size());
     if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return;
+    if (written <= 0) return written < 0 && errno == EPIPE;
     text.remove_prefix(static_cast<std::size_t>(written));
   }
+  return true;
 }
 
 bool ReadArrived(int descriptor, std::string& text) {

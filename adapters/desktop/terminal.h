@@ -14,8 +14,12 @@ inline constexpr int kStandardError = 2;
 [[nodiscard]] bool IsTerminal(int descriptor);
 /// Columns of the terminal at the standard output; 80 when it does not say.
 [[nodiscard]] int TerminalColumns();
+/// Opens what is closed of the three standard streams on nothing, so that no other file takes its number.
+void FillStandardDescriptors();
 /// Writes all of `text`; when `patient`, waits for a slow reader, else what the reader does not take at once is lost.
-void WriteOut(int descriptor, std::string_view text, bool patient);
+///
+/// False when it cannot be written (a full disk); a reader that went away is no failure.
+bool WriteOut(int descriptor, std::string_view text, bool patient);
 /// Appends what has arrived to `text`, waiting where nothing has; false at the end of the input.
 [[nodiscard]] bool ReadArrived(int descriptor, std::string& text);
 

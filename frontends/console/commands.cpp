@@ -27,6 +27,7 @@ constexpr std::array kEntries = {
     CommandEntry{CommandId::ReadMemory, UnitCommand}, CommandEntry{CommandId::TestPort, TestPort},
     CommandEntry{CommandId::FindPort, FindPort},      CommandEntry{CommandId::Run, KeepSchedule},
     CommandEntry{CommandId::Units, ListUnits},        CommandEntry{CommandId::Script, RunScript},
+    CommandEntry{CommandId::Recover, Recover},
 };
 
 }  // namespace

@@ -48,4 +48,19 @@ int ListUnits(Desk& desk, const Options& /*options*/) {
   return kAllWell;
 }
 
+int Recover(Desk& desk, const Options& /*options*/) {
+  const std::string file = desk.app.app().AppPath("corvane.ini.recovery");
+  switch (desk.app.recovery()) {
+    case RecoveryState::Ours:
+      desk.output.Line("The settings of " + file + " are taken over.");
+      return kAllWell;
+    case RecoveryState::Outdated:
+      desk.output.Error("corvanectl: corvane.ini was changed since " + file + " was written; it is not taken over");
+      return kProblems;
+    default:
+      desk.output.Error("corvanectl: there is no " + file);
+      return kProblems;
+  }
+}
+
 }  // namespace corvane::console

@@ -5,10 +5,12 @@
 
 #include "console/options.h"
 #include "console/program.h"
+#include "desktop/terminal.h"
 #include "state/app_info.h"
 
 int main(int argc, char** argv) {
   using namespace corvane::console;
+  corvane::FillStandardDescriptors();
   // A reader that went away must not end a download.
   std::signal(SIGPIPE, SIG_IGN);
   Options options;

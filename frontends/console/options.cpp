@@ -73,6 +73,10 @@ constexpr CommandRow kCommands[] = {
      "Needs automatic download in the settings; --automatic switches it on. A port that is missing is\n"
      "reported and tried again at the next time. Ends on SIGTERM, SIGINT or SIGHUP with status 0.",
      kRunOption, 0, 0},
+    {CommandId::Recover, "recover", "", "go on with what was entered before the program was killed",
+     "Settings are saved when a program ends in order. What was entered before it was killed stands in\n"
+     "corvane.ini.recovery; this command saves it as the settings. Without it nothing does.",
+     kEverywhere, 0, 0},
     {CommandId::Units, "units", "", "list the units", "Reads only; works while another program runs.", kEverywhere, 0,
      0},
     {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
@@ -113,6 +117,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string&) { options.automatic = true; }},
     {"--interval", "H:MM", "set the automatic interval in the settings", kRunOption,
      [](Options& options, const std::string& value) { options.interval = value; }},
+    {"--recover", "", "go on with a recovery copy of the settings, where there is one", kRunOption,
+     [](Options& options, const std::string&) { options.recover = true; }},
     {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
      [](Options& options, const std::string&) { options.yes = true; }},
     {"--go-on", "", "go on past units and files that fail, in this run", kEverywhere,

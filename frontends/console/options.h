@@ -32,6 +32,7 @@ enum class CommandId {
   TestPort,
   FindPort,
   Run,
+  Recover,
   Units,
   Script,
 };
@@ -47,7 +48,8 @@ struct Options {
   bool files = false;                  ///< --file: the arguments are raw files
   bool hand_held = false;
   bool yes = false;
-  bool go_on = false;  ///< --go-on
+  bool go_on = false;    ///< --go-on
+  bool recover = false;  ///< --recover
   bool quiet = false;
   bool verbose = false;
   bool help = false;

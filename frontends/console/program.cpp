@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <new>
 #include <utility>
 
 #include "app/application.h"
@@ -32,12 +33,13 @@ class ConsoleShell : public PosixShell {
   }
 };
 
-ConsoleOutput::Settings OutputSettings(const Options& options, const EventLoop& loop) {
+ConsoleOutput::Settings OutputSettings(const Options& options, const EventLoop& loop, bool& lost) {
   const bool stays = options.command == CommandId::Run;
   ConsoleOutput::Settings settings;
   // A program that stays for months must not stand still because nobody reads its lines.
-  settings.write = [stays](bool error, const std::string& text) {
-    WriteOut(error ? kStandardError : kStandardOutput, text, !stays);
+  settings.write = [stays, &lost](bool error, const std::string& text) {
+    const bool written = WriteOut(error ? kStandardError : kStandardOutput, text, !stays);
+    lost = lost || (!written && !error && !stays);
   };
   if (stays) settings.stamp = [&loop] { return GeneralDate(loop.Now()) + " "; };
   if (IsTerminal(kStandardOutput)) settings.columns = TerminalColumns;
@@ -50,6 +52,11 @@ Answering WhoAnswers(const Options& options) {
   if (options.command == CommandId::Script) return Answering::Script;
   if (options.yes) return Answering::Yes;
   return IsTerminal(kStandardInput) && IsTerminal(kStandardError) ? Answering::Terminal : Answering::Nobody;
+}
+
+Recovery RecoveryFor(const Options& options) {
+  if (OnlyReads(options.command)) return Recovery::Ignore;
+  return options.recover || options.command == CommandId::Recover ? Recovery::Use : Recovery::Say;
 }
 
 /// Switches the trace on for `--verbose`; the boxes that are settings get their former state back.
@@ -88,7 +95,7 @@ class Program {
         folder_(std::move(folder)),
         shell_("corvane", options.home.empty() ? "" : folder_),
         port_(loop_, loop_),
-        output_(OutputSettings(options, loop_)),
+        output_(OutputSettings(options, loop_, output_lost_)),
         dialogs_(output_, loop_, kStandardInput, WhoAnswers(options)),
         internet_(loop_),
         zip_(loop_),
@@ -106,10 +113,13 @@ class Program {
       return kNotStarted;
     }
     app_.form().SetView(&view_);
-    app_.life().OnWindowCreate();
-    const int status = RunOnDesk();
-    if (!OnlyReads(options_.command) && status != kUsage) app_.life().OnWindowClose();
+    app_.flags().recovery = RecoveryFor(options_);
+    int status = app_.life().OnWindowCreate() ? RunAndSave() : kNotStarted;
     app_.form().SetView(nullptr);
+    if (output_lost_) {
+      output_.Error("corvanectl: the standard output cannot be written");
+      if (status == kAllWell) status = kProblems;
+    }
     return signal_ != 0 && options_.command != CommandId::Run ? kSignalBase + signal_ : status;
   }
 
@@ -131,10 +141,19 @@ class Program {
       output_.Error("corvanectl: " + prepared.text());
       return false;
     }
-    if (shell_.TakeInstanceLock(folder_)) return true;
-    output_.Error(shell_.ProgramName() + " is already running in " + folder_ +
-                  ": end it first, or name another folder with --home");
+    const Status locked = shell_.TakeInstanceLock(folder_);
+    if (locked.ok()) return true;
+    output_.Error(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running in " + folder_ +
+                                                     ": end it first, or name another folder with --home"
+                                               : "corvanectl: " + locked.text());
     return false;
+  }
+
+  int RunAndSave() {
+    int status = RunOnDesk();
+    if (OnlyReads(options_.command) || status == kUsage) return status;
+    if (!app_.life().OnWindowClose() && status == kAllWell) status = kProblems;
+    return status;
   }
 
   int RunOnDesk() {
@@ -154,6 +173,7 @@ class Program {
   PosixLoop loop_;
   ConsoleShell shell_;
   TermiosPort port_;
+  bool output_lost_ = false;  ///< the standard output did not take what a command had to say
   ConsoleOutput output_;
   ConsoleDialogs dialogs_;
   CurlInternetClient internet_;
@@ -172,6 +192,9 @@ int RunProgram(const Options& options) {
   } catch (const RunTimeError& error) {
     WriteOut(kStandardError, std::string("corvanectl: ") + error.what() + "\n", true);
     return kNotStarted;
+  } catch (const std::bad_alloc&) {
+    WriteOut(kStandardError, "corvanectl: there is not enough memory\n", true);
+    return kProblems;
   }
 }
 

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QSettings>
 
+#include "desktop/terminal.h"
 #include "posix/signal_watch.h"
 #include "state/app_info.h"
 #include "window/options.h"
@@ -27,6 +28,7 @@ std::vector<std::string> Arguments(const QStringList& all) {
 
 int main(int argc, char** argv) {
   using namespace corvane::window;
+  corvane::FillStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   const auto given = [argc, argv](const char* option) {
     return std::any_of(argv + (argc > 0 ? 1 : 0), argv + argc,

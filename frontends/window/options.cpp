@@ -21,9 +21,9 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
       if (options.home.empty()) throw UsageError("--home needs a folder");
     } else if (argument == "--language-template") {
       options.language_template = true;
-    } else if (argument.starts_with("--")) {
+    } else if (argument.starts_with("-")) {
       throw UsageError("there is no option " + argument);
-    } else if (!argument.starts_with("-")) {
+    } else {
       options.switches += (options.switches.empty() ? "" : " ") + argument;
     }
   }
@@ -44,7 +44,7 @@ Collects the readings of field data loggers: the window. For servers and scripts
   --help                print this text
 
 The switches count in either letter case and anywhere in the command line; "/m/d" is both.
-Exit status: 0 closed in order, 2 usage, 3 could not start.
+Exit status: 0 closed in order, 1 the settings could not be saved, 2 usage, 3 could not start.
 )";
 }
 

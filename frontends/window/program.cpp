@@ -1,10 +1,12 @@
 #include "window/program.h"
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 #include <utility>
@@ -34,6 +36,8 @@ namespace {
 
 /// How long the end of the process waits for the settings, which only the main thread can save.
 constexpr std::chrono::seconds kTimeToSave{5};
+constexpr std::int64_t kRefusalSeconds = 10;
+constexpr std::int64_t kMillisecondsASecond = 1000;
 constexpr const char* kLanguageFileName = "hveng.lng";
 constexpr const char* kLanguageResource = ":/hveng.lng";
 
@@ -75,7 +79,9 @@ class Program {
     const Status watched = signals_.Start({SIGINT, SIGTERM, SIGHUP}, [this](int) { EndSilently(); });
     if (!watched.ok()) return Refuse(watched.text());
     if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) return Refuse(prepared.text());
-    if (!shell_.TakeInstanceLock(folder_)) return Refuse(shell_.ProgramName() + " is already running");
+    if (const Status locked = shell_.TakeInstanceLock(folder_); !locked.ok()) {
+      return Refuse(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running" : locked.text());
+    }
     ProvideLanguageFile(folder_);
     app_ = std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, internet_, zip_,
                                                   FindHelp(shell_.ProgramFolder()), PosixShell::ProgramDate()},
@@ -87,18 +93,17 @@ class Program {
       EndSilently();
     });
     app_->life().SetCaptions(&window_->captions());
-    app_->life().OnWindowCreate(switches_);
+    if (!app_->life().OnWindowCreate(switches_)) return kNotStarted;
     WatchForALostDisplay();
     if (!app_->flags().closing) {
       ShowWindow();
       QApplication::exec();
     }
-    Finish();
-    return kClosed;
+    return Finish() ? kClosed : kNotSaved;
   }
 
  private:
-  /// Says why the program does not start. **Yields.**
+  /// Says why the program does not start; where nobody may be there the box closes by itself. **Yields.**
   int Refuse(const std::string& why) {
     std::cerr << why << "\n";
     bool answered = false;
@@ -107,7 +112,14 @@ class Program {
     contents.text = why;
     contents.buttons = {"Ok"};
     contents.icon = BoxIcon::Exclamation;
+    std::int64_t left = kRefusalSeconds;
+    if (StartsDownload(switches_)) contents.count_down = std::to_string(left);
     const Dialogs::BoxId box = dialogs_.OpenBox(contents, [&answered](int) { answered = true; });
+    const auto timer = loop_.MakeTimer([&] {
+      answered = answered || --left < 1;
+      dialogs_.SetCountDown(box, std::to_string(left));
+    });
+    if (StartsDownload(switches_)) timer->Start(kMillisecondsASecond);
     while (!answered && !ended_) loop_.Yield();
     dialogs_.CloseBox(box);
     return kNotStarted;
@@ -173,12 +185,14 @@ class Program {
     QCoreApplication::exit();
   }
 
-  void Finish() {
+  /// False when the settings could not be saved.
+  bool Finish() {
     dialogs_.on_box_closed = nullptr;
-    app_->life().OnWindowClose();
+    const bool saved = app_->life().OnWindowClose();
     running_ = nullptr;
     OnLostConnection(nullptr);
     window_.reset();
+    return saved;
   }
 
   std::string switches_;
@@ -219,6 +233,9 @@ int RunProgram(const Options& options) {
   } catch (const RunTimeError& error) {
     std::cerr << "corvane: " << error.what() << "\n";
     return kNotStarted;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "corvane: there is not enough memory\n";
+    return kNotSaved;
   }
 }
 

@@ -6,7 +6,7 @@ class QApplication;
 
 namespace corvane::window {
 
-enum ExitStatus : int { kClosed = 0, kUsage = 2, kNotStarted = 3 };
+enum ExitStatus : int { kClosed = 0, kNotSaved = 1, kUsage = 2, kNotStarted = 3 };
 
 /// Runs the window until it is closed; returns the exit status.
 int RunProgram(const Options& options);

@@ -18,10 +18,10 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       commands_({av_Platform, help_, state_, report_, editors_, data_, link_, transfer_, rounds_, settings_}),
       creation_({state_.form, state_.flags, state_.states, commands_.bindings, commands_.fields, settings_.settings,
                  editors_, data_.files, settings_.language, settings_.run_at_startup, report_.bars}),
-      release_({state_.link, state_.flags, editors_, settings_.settings, link_.port, link_.writer, link_.capture,
-                link_.schedule, report_.summary, report_.trace}),
+      release_({state_.link, state_.flags, editors_, settings_.settings, settings_.recovery, link_.port, link_.writer,
+                link_.capture, link_.schedule, report_.summary, report_.trace}),
       life_({state_.form, state_.flags, state_.slot, state_.states, editors_, data_.files, settings_.run_at_startup,
-             link_.schedule, commands_.commands, creation_, release_}) {
+             link_.schedule, commands_.commands, creation_, release_, settings_.recovery}) {
   state_.flags.built = av_Platform.built;
   NameFiles();
   Wire();
@@ -44,7 +44,10 @@ void Application::Wire() {
     rounds_.results.Clear();
     data_.conversion.ClearResults();
   };
-  state_.slot.on_given_back = [this] { data_.files.RefreshIfStale(); };
+  state_.slot.on_given_back = [this] {
+    data_.files.RefreshIfStale();
+    settings_.recovery.AfterRound();
+  };
   const auto refresh_files = [this] { data_.files.RefreshFileListBox(); };
   editors_.units.selection_changed = refresh_files;
   editors_.relays.selection_changed = refresh_files;

@@ -45,6 +45,8 @@ class Application {
   /// The files that the present or last operation has sent, fetched or backed up, in order.
   [[nodiscard]] const std::vector<TransferResult>& transfer_results() const { return rounds_.results.All(); }
   [[nodiscard]] FileTransfer& file_transfer() { return rounds_.file_transfer; }
+  /// What became of the recovery copy of the settings.
+  [[nodiscard]] RecoveryState recovery() const { return settings_.store.recovery(); }
   [[nodiscard]] Commands& commands() { return commands_.commands; }
   [[nodiscard]] LifeCycle& life() { return life_; }
 

@@ -14,9 +14,15 @@ bool IsGiven(std::string_view as_Switches, std::string_view as_Switch) {
 
 }  // namespace
 
-void LifeCycle::OnWindowCreate(std::string_view as_Switches) {
-  const AutomaticRun automatic(p_.flags, IsGiven(as_Switches, kDownloadSwitch));
-  p_.creation.Run();
+bool StartsDownload(std::string_view as_Switches) {
+  return IsGiven(as_Switches, kDownloadSwitch);
+}
+
+bool LifeCycle::OnWindowCreate(std::string_view as_Switches) {
+  const AutomaticRun automatic(p_.flags, StartsDownload(as_Switches));
+  const bool created = p_.creation.Run();
+  if (created) p_.recovery.Begin();
+  return created;
 }
 
 void LifeCycle::OnWindowActivate(std::string_view as_Switches) {
@@ -28,16 +34,16 @@ void LifeCycle::OnWindowActivate(std::string_view as_Switches) {
     p_.states.UpdateCommandStates();
   }
   {
-    const AutomaticRun automatic(p_.flags, IsGiven(as_Switches, kDownloadSwitch));
+    const AutomaticRun automatic(p_.flags, StartsDownload(as_Switches));
     p_.files.RefreshFileListBox();
   }
   {
     const SuppressEvents::Guard suppressed(p_.form.Suppress);
+    if (const auto entry = p_.run_at_startup.ChangeElsewhere()) p_.form.Chk_RunAtStartup.SetTicked(*entry);
     ActOnSwitches(as_Switches);
     if (p_.flags.closing) return;
     p_.schedule.StartHeartbeat();
   }
-  if (p_.form.Chk_RunAtStartup.ticked() != p_.run_at_startup.IsRunAtStartup()) p_.form.Chk_RunAtStartup.on_change();
   p_.schedule.CalculateNextDownload();
 }
 
@@ -49,7 +55,7 @@ void LifeCycle::ShowFirstRecords() {
 
 void LifeCycle::ActOnSwitches(std::string_view as_Switches) {
   if (IsGiven(as_Switches, "/M")) p_.form.Frm_Main.SetMinimised(true);
-  if (IsGiven(as_Switches, kDownloadSwitch)) p_.commands.DownloadAll(true, kRadioUnits, true);
+  if (StartsDownload(as_Switches)) p_.commands.DownloadAll(true, kRadioUnits, true);
   if (IsGiven(as_Switches, "/Q")) p_.commands.Close(false);
 }
 

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "app/commands.h"
+#include "app/recovery_copy.h"
 #include "app/run_at_startup.h"
 #include "app/window_creation.h"
 #include "app/window_release.h"
@@ -15,6 +16,9 @@
 #include "state/run_flags.h"
 
 namespace corvane {
+
+/// True when the switches of the command line start a download, so that nobody may be there.
+[[nodiscard]] bool StartsDownload(std::string_view as_Switches);
 
 /// The life of the main window: creation, activation and close.
 class LifeCycle {
@@ -32,6 +36,7 @@ class LifeCycle {
     Commands& commands;
     WindowCreation& creation;
     WindowRelease& release;
+    RecoveryCopy& recovery;
   };
   explicit LifeCycle(const Parts& av_Parts) : p_(av_Parts) {}
 
@@ -42,14 +47,16 @@ class LifeCycle {
   /// Builds the window's fixed lists, loads the settings and the captions and fills the selectors. Called once.
   /// **Yields** for messages.
   ///
-  /// When `as_Switches` start a download nobody may be there: messages answer themselves.
-  void OnWindowCreate(std::string_view as_Switches = {});
+  /// When `as_Switches` start a download nobody may be there: messages answer themselves. False, after telling why,
+  /// when the settings cannot be read: the program is to end at once, without `OnWindowClose`.
+  bool OnWindowCreate(std::string_view as_Switches = {});
   /// Shows the first records, acts on the switches and starts the heartbeat. **Yields** when a switch downloads.
   ///
   /// Runs again at every activation; one that arises while an operation runs is dropped.
   void OnWindowActivate(std::string_view as_Switches);
-  /// Saves the settings and releases the radio link. Called once, when nothing waits any more. **Yields** for messages.
-  void OnWindowClose() { p_.release.Run(); }
+  /// Saves the settings and releases the radio link; false when the settings could not be saved. Called once, when
+  /// nothing waits any more. **Yields** for messages.
+  bool OnWindowClose() { return p_.release.Run(); }
 
  private:
   void ShowFirstRecords();

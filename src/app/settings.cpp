@@ -1,6 +1,7 @@
 #include "app/settings.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <type_traits>
@@ -17,6 +18,8 @@ constexpr std::int64_t kBytesPerMegabyte = 1'000'000;
 constexpr std::int64_t kMostShownProblems = 5;
 constexpr std::int64_t kMostLoggedProblems = 100;
 constexpr std::int16_t kReportSeconds = 30;
+constexpr int kMoreTries = 2;
+constexpr std::int64_t kTryMilliseconds = 1000;
 constexpr std::size_t kLongestFolder = 110;  // characters, so that a file name in it fits into a field
 
 template <class Number>
@@ -27,7 +30,9 @@ std::optional<Number> Convert(std::string_view text) {
     return number ? std::optional<Number>(static_cast<Number>(*number)) : std::nullopt;
   } else {
     const std::optional<double> number = ParseNumber(text);
-    const bool fits = number && *number >= Limits::lowest() && *number <= Limits::max();
+    // The shortest text of the largest number may stand for a little more than it.
+    constexpr double kMost = Limits::max() * (1 + static_cast<double>(Limits::epsilon()) / 4);
+    const bool fits = number && std::abs(*number) <= kMost;
     return fits ? std::optional<Number>(static_cast<Number>(*number)) : std::nullopt;
   }
 }
@@ -197,11 +202,15 @@ const Settings::RecordSection<Client>& Settings::ClientSection() {
   return section;
 }
 
-void Settings::LoadSettings() {
+bool Settings::LoadSettings() {
   report_.clear();
   problem_count_ = 0;
-  const Status read = p_.store.Load();
-  if (!read.ok()) Report(read.text());
+  if (const Status read = ReadPatiently(); !read.ok()) {
+    p_.messages.ShowTimedMessage("The settings cannot be read: " + read.text(), kOkOnly | kStopIcon);
+    return false;
+  }
+  OfferRecovery();
+  if (!p_.store.Damage().empty()) Report(p_.store.Damage());
   LoadGeneral(file_list_settings_);
   {
     const SuppressEvents::Guard guard(p_.form.Suppress);
@@ -225,10 +234,48 @@ void Settings::LoadSettings() {
     (void)p_.app.IsNewerVersion();
   }
   ShowReport();
+  return true;
+}
+
+Status Settings::ReadPatiently() {
+  Status read = p_.store.Load();
+  for (int again = 1; again <= kMoreTries && !read.ok(); ++again) {
+    bool due = false;
+    const auto timer = p_.loop.MakeTimer([&due] { due = true; });
+    timer->Start(kTryMilliseconds);
+    while (!due) p_.loop.Yield();
+    read = p_.store.Load();
+  }
+  return read;
+}
+
+void Settings::OfferRecovery() {
+  const Recovery wanted = p_.flags.recovery;
+  if (p_.store.recovery() != RecoveryState::Offered || wanted == Recovery::Ignore) return;
+  const std::string there =
+      "The program was ended before it could save what was entered; a copy is kept as " + p_.store.RecoveryFile() + ".";
+  if (wanted == Recovery::Say) {
+    p_.messages.ShowTimedMessage(there + " corvanectl recover goes on with it.", kOkOnly | kInformationIcon);
+    return;
+  }
+  const std::optional<bool> use =
+      wanted == Recovery::Use ? true : p_.messages.AskTimed(there + " Go on with it?", kReportSeconds);
+  // Without an answer it stays for the next start.
+  if (use) p_.store.AnswerRecovery(*use);
 }
 
 bool Settings::SaveSettings() {
   p_.editors.StoreRecords();
+  SaveValues();
+  return p_.store.Commit();
+}
+
+void Settings::StoreValues() {
+  p_.editors.StoreRecords(false);
+  SaveValues();
+}
+
+void Settings::SaveValues() {
   SaveGeneral(file_list_settings_);
   SaveRecords(UnitSection(), p_.registry.Units);
   SaveRecords(RelaySection(), p_.registry.Relays);
@@ -236,7 +283,6 @@ bool Settings::SaveSettings() {
   SaveGeneral(other_settings_);
   SavePorts(p_.store, p_.ports);
   p_.store.SaveSetting("General", "Version", AppInfo::VersionText());
-  return p_.store.Commit();
 }
 
 void Settings::LoadGeneral(const std::vector<Setting>& av_Settings) {

@@ -7,11 +7,14 @@
 #include <vector>
 
 #include "app/settings_store.h"
+#include "base/status.h"
 #include "form/form.h"
+#include "platform/event_loop.h"
 #include "registry/editors.h"
 #include "state/app_info.h"
 #include "state/port_devices.h"
 #include "state/records.h"
+#include "state/run_flags.h"
 #include "trace/trace.h"
 #include "ui/messages.h"
 
@@ -30,6 +33,8 @@ class Settings {
     RegistryEditors& editors;
     Messages& messages;
     Trace& trace;
+    EventLoop& loop;
+    const RunFlags& flags;
   };
 
   explicit Settings(const Parts& av_Parts) : p_(av_Parts) {}
@@ -40,11 +45,14 @@ class Settings {
   /// filled.
   ///
   /// A value that does not convert leaves its default. What could not be used is logged line by line and told in one
-  /// timed box at the end, so that no start waits for a person. **Yields** then.
-  void LoadSettings();
+  /// timed box at the end, so that no start waits for a person. A file that cannot be read is tried three times within
+  /// two seconds; false when it stays so, which has been shown: nothing is filled then. **Yields** in both cases.
+  [[nodiscard]] bool LoadSettings();
   /// Stores the three editors and writes everything back; false when the file could not be written, which has been
   /// shown. **Yields** then.
   bool SaveSettings();
+  /// Puts everything that is saved into the store, with what the editors show but a relay's ID that is being typed.
+  void StoreValues();
 
  private:
   enum class Meaning : std::uint8_t { Plain, Number, Path, Security, SavedOnly };
@@ -78,6 +86,11 @@ class Settings {
   static const RecordSection<Relay>& RelaySection();
   static const RecordSection<Client>& ClientSection();
 
+  /// Reads the file, again after a second when that fails.
+  Status ReadPatiently();
+  /// Does with a recovery copy what the run is to do with it.
+  void OfferRecovery();
+  void SaveValues();
   void LoadGeneral(const std::vector<Setting>& av_Settings);
   void LoadValue(TextField& av_Field, const Setting& av_Setting, const std::string& as_Value);
   void LoadValue(Label& av_Label, const Setting& av_Setting, const std::string& as_Value);

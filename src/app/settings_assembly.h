@@ -2,6 +2,7 @@
 
 #include "app/field_checks.h"
 #include "app/platform.h"
+#include "app/recovery_copy.h"
 #include "app/report_assembly.h"
 #include "app/run_at_startup.h"
 #include "app/settings.h"
@@ -19,13 +20,15 @@ struct SettingsAssembly {
                    RegistryEditors& av_Editors)
       : store(av_Report.messages, av_Report.trace),
         settings({av_State.form, av_State.registry, av_State.app, av_State.devices, store, av_Editors,
-                  av_Report.messages, av_Report.trace}),
+                  av_Report.messages, av_Report.trace, av_Platform.loop, av_State.flags}),
+        recovery({av_State.form, av_State.flags, av_State.slot, settings, store, av_Report.trace, av_Platform.loop}),
         checks(av_State.form, av_State.app, av_State.names),
         language(av_Report.messages),
         run_at_startup(av_Platform.shell, av_Report.messages, av_Report.trace) {}
 
   SettingsStore store;
   Settings settings;
+  RecoveryCopy recovery;
   FieldChecks checks;
   CLanguage language;
   RunAtStartup run_at_startup;

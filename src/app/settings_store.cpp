@@ -2,9 +2,10 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
+#include <utility>
 
 #include "base/files.h"
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace corvane {
@@ -12,53 +13,68 @@ namespace {
 
 constexpr std::size_t kLongestValue = 126;  // characters
 constexpr std::string_view kEmptyValue = "null";
-constexpr unsigned kPrivateMode = 0600;
 
-/// Copies a file of any size block by block; nothing is left of a copy that fails.
-Status CopyFile(const std::string& source, const std::string& target) {
-  constexpr std::size_t kBlock = 1024 * 1024;
-  std::string block;
-  Status status = ReadAt(source, 0, kBlock, block);
-  if (!status.ok()) return status;
-  (void)RemoveFile(target);  // an older copy may be readable for others
-  OutputFile copy;
-  status = copy.Create(target, kPrivateMode);
-  for (auto offset = static_cast<std::int64_t>(block.size()); status.ok() && !block.empty();
-       offset += static_cast<std::int64_t>(block.size())) {
-    status = copy.Write(block);
-    if (status.ok()) status = ReadAt(source, offset, kBlock, block);
-  }
-  if (status.ok()) status = copy.Sync();
-  if (!status.ok() && copy.IsOpen()) (void)RemoveFile(target);
-  return status;
+/// FNV-1a, 64 bits: tells one file from another, keeps no secret.
+std::uint64_t HashOf(std::string_view text) {
+  std::uint64_t hash = 0xCBF29CE484222325U;
+  for (const char byte : text) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3U;
+  return hash;
 }
 
-/// Ok when the file is missing or text throughout.
-Status CheckContents(const std::string& path) {
-  std::string contents;
-  const Status read = ReadFile(path, contents, ProfileFile::kLargestFile);
-  if (!read.ok()) return read.code() == ENOENT ? Status::Ok() : read;
-  if (contents.find('\0') == std::string::npos) return Status::Ok();
-  return {EILSEQ, path + " is damaged: it holds NUL characters"};
+std::string CopyText(const std::string& copy) {
+  return "A copy was kept as " + copy + "; check all settings before you rely on them.";
 }
 
 }  // namespace
 
 Status SettingsStore::Load() {
   profile_ = ProfileFile();
-  keep_old_file_ = false;
-  const Status checked = CheckContents(path_);
-  const Status loaded = profile_.Load(path_);
-  if (checked.ok() && loaded.ok()) return Status::Ok();
-  const Status& problem = checked.ok() ? loaded : checked;
-  return {problem.code(), problem.text() + ". " + KeepCopy()};
+  may_save_ = false;
+  damage_.clear();
+  std::string contents;
+  const Status read = ReadFile(path_, contents, ProfileFile::kLargestFile);
+  // Whatever else fails, the file may be there: defaults must not take its place.
+  if (!read.ok() && read.code() != ENOENT) return read;
+  may_save_ = true;
+  if (contents.find('\0') != std::string::npos) {
+    damage_ = path_ + " is damaged: it holds NUL characters. " + KeepCopy(contents);
+  }
+  LookForRecovery(contents);
+  profile_.Parse(std::move(contents));
+  return Status::Ok();
 }
 
-std::string SettingsStore::KeepCopy() {
-  const std::string copy = path_ + ".bad";
-  const Status copied = CopyFile(path_, copy);
-  if (copied.ok()) return "A copy was kept as " + copy + "; check all settings before you rely on them.";
-  keep_old_file_ = true;
+void SettingsStore::LookForRecovery(std::string_view as_Contents) {
+  recovery_ = RecoveryState::None;
+  recovery_head_ = "; recovery copy, belongs to corvane.ini " + HexText(HashOf(as_Contents), 16) + "\n";
+  const Status read = ReadFile(RecoveryFile(), offered_, ProfileFile::kLargestFile);
+  if (read.code() == ENOENT) return;
+  recovery_ = read.ok() && offered_.starts_with(recovery_head_) ? RecoveryState::Offered : RecoveryState::Outdated;
+}
+
+void SettingsStore::AnswerRecovery(bool ab_Use) {
+  if (recovery_ != RecoveryState::Offered) return;
+  if (ab_Use) profile_.Parse(offered_.substr(recovery_head_.size()));
+  recovery_ = ab_Use || !RemoveFile(RecoveryFile()).ok() ? RecoveryState::Ours : RecoveryState::None;
+}
+
+Status SettingsStore::WriteRecovery() {
+  if (recovery_ == RecoveryState::Offered || !may_save_) return Status::Ok();
+  Status written = WriteFileAtomically(RecoveryFile(), recovery_head_ + profile_.Text(), kOwnerOnly);
+  if (written.ok()) recovery_ = RecoveryState::Ours;
+  return written;
+}
+
+std::string SettingsStore::KeepCopy(const std::string& as_Contents) {
+  std::string copy = path_ + ".bad";
+  std::string kept;
+  for (int number = 2; ExamineFile(copy); ++number) {
+    if (ReadFile(copy, kept, ProfileFile::kLargestFile).ok() && kept == as_Contents) return CopyText(copy);
+    copy = path_ + ".bad" + std::to_string(number);
+  }
+  const Status copied = WriteFileAtomically(copy, as_Contents, kOwnerOnly);
+  if (copied.ok()) return CopyText(copy);
+  may_save_ = false;
   return "No copy could be kept (" + copied.text() +
          "), so settings will not be saved. Move the file away and start again.";
 }
@@ -79,11 +95,14 @@ void SettingsStore::SaveSetting(std::string_view as_Section, std::string_view as
 }
 
 bool SettingsStore::Commit() {
-  const Status saved = keep_old_file_ && ExamineFile(path_)
-                           ? Status(EEXIST, path_ + " could not be read and must not be overwritten")
-                           : profile_.Save(path_);
-  if (saved.ok()) return true;
+  const Status saved = may_save_ ? WriteFileAtomically(path_, profile_.Text(), kOwnerOnly)
+                                 : Status(EEXIST, path_ + " could not be read and must not be overwritten");
+  if (saved.ok()) {
+    if (recovery_ == RecoveryState::Ours) (void)RemoveFile(RecoveryFile());
+    return true;
+  }
   trace_.LogWrite("Settings not saved: " + saved.text());
+  trace_.Status("Settings not saved: " + saved.text(), StatusKind::Error);
   messages_.Show("Cannot save INI file");
   return false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,14 @@
 
 namespace corvane {
 
+/// The recovery copy of the settings, "<file>.recovery".
+enum class RecoveryState : std::uint8_t {
+  None,
+  Offered,   ///< it belongs to the settings file as it is, and nobody has answered yet
+  Outdated,  ///< the settings file was changed since
+  Ours       ///< taken over or written by this program
+};
+
 /// The one access to the settings file. Format: docs/formats/settings-file.md.
 ///
 /// The file is read once by `Load`, changed in memory and written once by `Commit`.
@@ -21,11 +30,13 @@ class SettingsStore {
   /// Sets the settings file's full path.
   void SetFile(std::string_view as_Path) { path_ = as_Path; }
   [[nodiscard]] const std::string& File() const { return path_; }
-  /// Reads the file; a missing one is empty and a success.
+  /// Reads the file; a missing one is empty and a success. After a failure nothing is held and `Commit` fails too.
   ///
-  /// A file that cannot be read as text is copied to "<file>.bad" first, and the failure's text says so; whatever could
-  /// be read is used. Without such a copy the old file is not overwritten: `Commit` fails until it is moved away.
+  /// What is no text is first copied to "<file>.bad", or a name with a number when that is taken, and the rest of it is
+  /// used. Without such a copy the file is not overwritten: `Commit` fails until it is moved away.
   Status Load();
+  /// What was wrong with the file as it was read and what was done about it; empty when nothing was.
+  [[nodiscard]] const std::string& Damage() const { return damage_; }
   /// The value of a key: at most 126 characters, "null" is empty; `as_Default`, treated alike, when there is no such
   /// key.
   [[nodiscard]] std::string GetSetting(std::string_view as_Section, std::string_view as_Key,
@@ -40,18 +51,34 @@ class SettingsStore {
   [[nodiscard]] bool HasBrokenLines() const { return profile_.has_broken_lines(); }
   /// True when two sections have the same name; only the first is used.
   [[nodiscard]] bool HasDoubledSections() const { return profile_.has_doubled_sections(); }
-  /// Writes the file in one atomic step; a failure shows "Cannot save INI file" once. **Yields** then.
+  /// The text of the file as it would be written.
+  [[nodiscard]] std::string Text() const { return profile_.Text(); }
+  [[nodiscard]] std::string RecoveryFile() const { return path_ + ".recovery"; }
+  [[nodiscard]] RecoveryState recovery() const { return recovery_; }
+  /// Takes the values of the copy that is offered in place of the file's, or removes the copy.
+  void AnswerRecovery(bool ab_Use);
+  /// Writes the present values as recovery copy; one that is offered stays instead.
+  Status WriteRecovery();
+  /// Writes the file in one atomic step; a failure shows its reason in the status line and "Cannot save INI file" once.
+  /// **Yields** then. With the file whole, this program's recovery copy is removed.
   bool Commit();
 
  private:
-  /// Copies the file beside itself; what to tell the user.
-  std::string KeepCopy();
+  /// Keeps the file's contents beside it; what to tell the user.
+  std::string KeepCopy(const std::string& as_Contents);
+
+  /// Looks for a copy that belongs to the settings file of these contents.
+  void LookForRecovery(std::string_view as_Contents);
 
   Messages& messages_;
   Trace& trace_;
   std::string path_;
   ProfileFile profile_;
-  bool keep_old_file_ = false;  ///< the old file holds what was neither read nor copied
+  std::string recovery_head_;  ///< first line of a copy that belongs to the file as it was read
+  std::string offered_;        ///< what the copy that is offered holds
+  RecoveryState recovery_ = RecoveryState::None;
+  std::string damage_;
+  bool may_save_ = false;  ///< the file holds nothing that was neither read nor copied
 };
 
 }  // namespace corvane

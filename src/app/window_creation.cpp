@@ -11,12 +11,12 @@ constexpr std::int16_t kLanguageFile = 3;
 
 }  // namespace
 
-void WindowCreation::Run() {
+bool WindowCreation::Run() {
   p_.commands.Bind();
   p_.fields.Bind();
   FillFixedSelectors();
   BindProgressBars();
-  p_.settings.LoadSettings();
+  if (!p_.settings.LoadSettings()) return false;
   LoadCaptions();
   p_.editors.relays.FillRelaySelector();
   p_.editors.clients.FillClientSelector();
@@ -24,8 +24,9 @@ void WindowCreation::Run() {
   const SuppressEvents::Guard suppressed(p_.form.Suppress);
   p_.files.UpdateFileExamples();
   p_.files.RefreshFileListBox();
-  p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.IsRunAtStartup());
+  p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.LookAtEntry());
   p_.states.UpdateCommandStates();
+  return true;
 }
 
 void WindowCreation::LoadCaptions() {

@@ -38,8 +38,9 @@ class WindowCreation {
 
   /// The window whose captions the language file replaces; without one no language file is read.
   void SetCaptions(CaptionedWindow* av_Window) { captions_ = av_Window; }
-  /// Runs the steps. Called once. **Yields** for messages.
-  void Run();
+  /// Runs the steps. Called once. False, with the steps ended there, when the settings cannot be read. **Yields** for
+  /// messages.
+  [[nodiscard]] bool Run();
 
  private:
   void FillFixedSelectors();

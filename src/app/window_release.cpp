@@ -2,11 +2,12 @@
 
 namespace corvane {
 
-void WindowRelease::Run() {
+bool WindowRelease::Run() {
   p_.schedule.StopHeartbeat();
   p_.flags.releasing = true;
+  p_.recovery.End();
   p_.editors.StoreRecords();
-  p_.settings.SaveSettings();
+  const bool saved = p_.settings.SaveSettings();
   p_.link.UserCancel = true;
   if (p_.port.IsOpen()) p_.writer.SendEscapes();
   if (p_.capture.OutputFileNumber() != 0) {
@@ -15,6 +16,7 @@ void WindowRelease::Run() {
   }
   p_.port.ClosePort();
   p_.trace.CloseLog();
+  return saved;
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/recovery_copy.h"
 #include "app/settings.h"
 #include "link/capture.h"
 #include "link/link_writer.h"
@@ -21,6 +22,7 @@ class WindowRelease {
     RunFlags& flags;
     RegistryEditors& editors;
     Settings& settings;
+    RecoveryCopy& recovery;
     PortLink& port;
     LinkWriter& writer;
     DownloadCapture& capture;
@@ -30,8 +32,9 @@ class WindowRelease {
   };
   explicit WindowRelease(const Parts& av_Parts) : p_(av_Parts) {}
 
-  /// Runs the steps. Called once, when nothing waits any more. **Yields** for messages.
-  void Run();
+  /// Runs the steps. Called once, when nothing waits any more; false when the settings could not be saved. **Yields**
+  /// for messages.
+  bool Run();
 
  private:
   Parts p_;

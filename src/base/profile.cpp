@@ -1,18 +1,15 @@
 #include "base/profile.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <optional>
 #include <utility>
 
-#include "base/files.h"
 #include "base/text.h"
 
 namespace corvane {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr unsigned kPrivateMode = 0600;
 
 bool IsComment(std::string_view text) {
   return text.starts_with(';') || text.starts_with('#');
@@ -31,24 +28,20 @@ std::optional<std::string_view> HeadingName(std::string_view line) {
   return Trim(line.substr(1, close - 1));
 }
 
-/// A value as it is stored: without line breaks, quoted when reading would otherwise change it.
+/// A value as it is stored: without line breaks and tabs, quoted when reading would otherwise change it.
 std::string Stored(std::string_view value) {
   std::string text(value);
   std::replace_if(
-      text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+      text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\t' || c == '\0'; }, ' ');
   const bool changes = Trim(text).size() != text.size() || IsQuoted(text);
   return changes ? '"' + text + '"' : text;
 }
 
 }  // namespace
 
-Status ProfileFile::Load(const std::string& path) {
+void ProfileFile::Parse(std::string contents) {
   *this = ProfileFile();
   AddSection("", "");
-  std::string contents;
-  if (Status read = ReadFile(path, contents, kLargestFile); !read.ok()) {
-    return read.code() == ENOENT ? Status::Ok() : read;
-  }
   std::replace(contents.begin(), contents.end(), '\0', ' ');
   std::string_view rest = contents;
   if (rest.starts_with(kByteOrderMark)) {
@@ -57,18 +50,19 @@ Status ProfileFile::Load(const std::string& path) {
   }
   const std::size_t first_end = rest.find('\n');
   if (first_end != std::string_view::npos && first_end > 0 && rest[first_end - 1] == '\r') line_end_ = "\r\n";
+  if (first_end == std::string_view::npos && rest.find('\r') != std::string_view::npos) line_end_ = "\r";
   while (!rest.empty()) {
-    const std::size_t end = rest.find('\n');
+    const std::size_t end = rest.find(line_end_.back());
     std::string_view line = rest.substr(0, end);
     if (line.ends_with('\r')) line.remove_suffix(1);
     ParseLine(line);
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
-  return Status::Ok();
 }
 
 ProfileFile::Section& ProfileFile::AddSection(std::string_view name, std::string_view heading) {
-  if (!section_index_.emplace(ToLower(name), sections_.size()).second) has_doubled_sections_ = true;
+  const bool is_first = section_index_.emplace(ToLower(name), sections_.size()).second;
+  has_doubled_sections_ = has_doubled_sections_ || (!is_first && !name.empty());
   sections_.push_back({std::string(name), std::string(heading), {}, {}});
   return sections_.back();
 }
@@ -76,6 +70,8 @@ ProfileFile::Section& ProfileFile::AddSection(std::string_view name, std::string
 void ProfileFile::ParseLine(std::string_view text) {
   const std::string_view trimmed = Trim(text);
   if (const auto heading = HeadingName(trimmed)) {
+    // No key is asked for in a section without a name.
+    has_broken_lines_ = has_broken_lines_ || heading->empty();
     AddSection(*heading, text);
     return;
   }
@@ -91,13 +87,13 @@ void ProfileFile::ParseLine(std::string_view text) {
   section.lines.push_back({std::string(text), std::min(value, text.size())});
 }
 
-Status ProfileFile::Save(const std::string& path) const {
+std::string ProfileFile::Text() const {
   std::string contents = start_;
   for (const Section& section : sections_) {
     if (!section.heading.empty()) contents.append(section.heading).append(line_end_);
     for (const Line& line : section.lines) contents.append(line.text).append(line_end_);
   }
-  return WriteFileAtomically(path, contents, kPrivateMode);
+  return contents;
 }
 
 ProfileFile::Section* ProfileFile::FindSection(std::string_view name) {

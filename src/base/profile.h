@@ -6,8 +6,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/status.h"
-
 namespace corvane {
 
 /// A private-profile (INI) file held as its raw lines, so that what the program does not know survives a save.
@@ -19,17 +17,16 @@ class ProfileFile {
  public:
   static constexpr long long kLargestFile = 64LL * 1024 * 1024;
 
-  /// Reads the file; a missing one is an empty profile and a success. Fails when it is unreadable or too large.
-  /// NUL bytes are read as blanks.
-  Status Load(const std::string& path);
-  /// Writes the file in one atomic replacement with mode 0600.
-  Status Save(const std::string& path) const;
+  /// Takes the text of a whole file in place of what is held. NUL bytes are read as blanks.
+  void Parse(std::string contents);
+  /// The text of the file as it is to be written.
+  [[nodiscard]] std::string Text() const;
 
   /// True when `section` holds `key`.
   [[nodiscard]] bool Has(std::string_view section, std::string_view key) const;
   /// The value with blanks trimmed and one pair of quotes around it removed; `missing` when there is no such key.
   [[nodiscard]] std::string Get(std::string_view section, std::string_view key, std::string_view missing) const;
-  /// Replaces the value, or adds key and section. CR, LF and NUL in `value` become blanks.
+  /// Replaces the value, or adds key and section. CR, LF, tabs and NUL in `value` become blanks.
   void Set(std::string_view section, std::string_view key, std::string_view value);
   /// Keys of a section in file order.
   [[nodiscard]] std::vector<std::string> Keys(std::string_view section) const;

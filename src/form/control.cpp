@@ -29,6 +29,7 @@ void Control::Repaint() const {
 
 void Control::Tell(Aspect aspect, std::size_t row) const {
   if (registry_.view_ != nullptr) registry_.view_->ControlChanged(*this, aspect, row);
+  if (registry_.on_any_change) registry_.on_any_change(*this, aspect);
 }
 
 void Control::TellAndHandle(Aspect aspect) {

@@ -64,6 +64,8 @@ class ControlRegistry {
   [[nodiscard]] const std::vector<Control*>& controls() const { return controls_; }
   /// The control of that name, letter case ignored; nullptr when there is none. For scripts only.
   [[nodiscard]] Control* Find(std::string_view name) const;
+  /// Runs at every change of every control, behind the view; must not change the Form.
+  std::function<void(const Control& control, Aspect aspect)> on_any_change;
 
  private:
   friend class Control;

@@ -28,8 +28,10 @@ class Shell {
   virtual Status WriteLogOnEntry(const std::string& arguments) = 0;
   /// Removes the log-on entry; one that is not there is a success.
   virtual Status DeleteLogOnEntry() = 0;
-  /// Takes the one-program-a-folder lock of `folder` until the process ends; false when another process holds it.
-  [[nodiscard]] virtual bool TakeInstanceLock(const std::string& folder) = 0;
+  /// Takes the one-program-a-folder lock of `folder` until the process ends.
+  ///
+  /// The code of the failure is EWOULDBLOCK when another process holds it; else the text says why there is no lock.
+  virtual Status TakeInstanceLock(const std::string& folder) = 0;
   /// A short sound, where there is one.
   virtual void Beep() = 0;
 };

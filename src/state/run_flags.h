@@ -9,6 +9,14 @@
 
 namespace corvane {
 
+/// What a start does with a recovery copy of the settings.
+enum class Recovery : std::uint8_t {
+  Ask,    ///< asks whether to go on with it
+  Say,    ///< says that it is there
+  Use,    ///< goes on with it
+  Ignore  ///< leaves it alone and writes none
+};
+
 /// Flags of the running program that several classes read.
 struct RunFlags {
   bool automatic_run = false;    ///< an automatic download runs ("/D", the schedule or the console)
@@ -17,11 +25,12 @@ struct RunFlags {
   bool ending_silently = false;  ///< ended by a signal or the session: no box is shown any more
   bool loading = true;           ///< the window is still being created
   bool converting = false;
-  bool go_on_once = false;         ///< goes on past what fails until the program ends, whatever the settings say
-  DateTime built;                  ///< when the program was built; none where that is not known
-  std::int64_t error_counter = 0;  ///< bad lines of the current conversion command
-  std::int64_t line_counter = 0;   ///< data lines of the right width of the current conversion command
-  std::int64_t problems = 0;       ///< ports, units and files of this operation that ended untried or with a problem
+  Recovery recovery = Recovery::Ask;  ///< set before the settings are loaded
+  bool go_on_once = false;            ///< goes on past what fails until the program ends, whatever the settings say
+  DateTime built;                     ///< when the program was built; none where that is not known
+  std::int64_t error_counter = 0;     ///< bad lines of the current conversion command
+  std::int64_t line_counter = 0;      ///< data lines of the right width of the current conversion command
+  std::int64_t problems = 0;          ///< ports, units and files of this operation that ended untried or with a problem
 };
 
 /// True when the user cancelled or the program closes: what runs unwinds.

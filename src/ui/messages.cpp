@@ -85,6 +85,20 @@ bool Messages::Ask(std::string_view as_Text, std::string_view as_About, std::int
   return yes;
 }
 
+std::optional<bool> Messages::AskTimed(std::string_view as_Text, std::int16_t ai_Seconds) {
+  BoxContents contents;
+  contents.title = kProductName;
+  contents.text = as_Text;
+  contents.buttons = {"Yes", "No"};
+  contents.default_position = 2;
+  contents.icon = BoxIcon::Question;
+  contents.count_down = std::to_string(ai_Seconds);
+  const int position = p_.flags.ending_silently ? 0 : RunBox(contents, ai_Seconds, true);
+  constexpr std::array kAnswers = {" (no answer)", " Yes", " No"};
+  p_.trace.LogWrite("Question: " + contents.text + kAnswers[static_cast<std::size_t>(position)]);
+  return position == 0 ? std::nullopt : std::optional(position == 1);
+}
+
 std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title,
                                         std::int16_t ai_Seconds, std::string_view as_Kind) {
   p_.trace.LogWrite("Message: " + std::string(as_Message));

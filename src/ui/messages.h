@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -62,6 +63,8 @@ class Messages {
   [[nodiscard]] bool Confirm(std::string_view as_Question, std::string_view as_About = {}, std::int32_t al_Default = 0);
   /// The same with `as_Text` as it stands. **Yields.**
   [[nodiscard]] bool Ask(std::string_view as_Text, std::string_view as_About = {}, std::int32_t al_Default = 0);
+  /// Asks for `ai_Seconds` at most, with No as the default button; none when nobody has answered. **Yields.**
+  [[nodiscard]] std::optional<bool> AskTimed(std::string_view as_Text, std::int16_t ai_Seconds);
   /// Shows the timed message box, which answers itself after its count-down. **Yields.**
   ///
   /// `al_Style` as `MessageStyle`; `ai_Seconds` 0 means 10. Returns a `MessageAnswer`. While the program is being

@@ -74,17 +74,19 @@ TEST_F(PosixShellTest, InstanceLockIsPerFolderAndEndsWithItsHolder) {
   const pid_t holder = fork();
   if (holder == 0) {
     PosixShell other("corvane");
-    folder.Write(other.TakeInstanceLock(folder.path()) ? "taken" : "refused", "");
+    folder.Write(other.TakeInstanceLock(folder.path()).ok() ? "taken" : "refused", "");
     pause();
   }
   EXPECT_TRUE(Until([&] { return fs::exists(folder.Name("taken")); }));
-  EXPECT_FALSE(shell.TakeInstanceLock(folder.path()));
+  EXPECT_EQ(shell.TakeInstanceLock(folder.path()).code(), EWOULDBLOCK);
   fs::create_directory(folder.Name("other"));
-  EXPECT_TRUE(shell.TakeInstanceLock(folder.Name("other")));
+  EXPECT_TRUE(shell.TakeInstanceLock(folder.Name("other")).ok());
+  fs::create_directories(folder.Name("odd/corvane.lock"));
+  EXPECT_EQ(shell.TakeInstanceLock(folder.Name("odd")).code(), EISDIR);
   kill(holder, SIGKILL);
   waitpid(holder, nullptr, 0);
-  EXPECT_TRUE(shell.TakeInstanceLock(folder.path()));
-  EXPECT_FALSE(PosixShell("corvane").TakeInstanceLock(folder.path()));
+  EXPECT_TRUE(shell.TakeInstanceLock(folder.path()).ok());
+  EXPECT_FALSE(PosixShell("corvane").TakeInstanceLock(folder.path()).ok());
 }
 
 }  // namespace

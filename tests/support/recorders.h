@@ -106,7 +106,7 @@ class FakeShell : public Shell {
     log_on_entry.reset();
     return Status::Ok();
   }
-  [[nodiscard]] bool TakeInstanceLock(const std::string&) override { return lock_free; }
+  Status TakeInstanceLock(const std::string&) override { return Status::Ok(); }
   void Beep() override { ++beeps; }
 
   std::string program_folder = "/nowhere";
@@ -114,7 +114,6 @@ class FakeShell : public Shell {
   std::vector<std::string> opened;
   std::optional<std::string> log_on_entry;
   Status write_result;
-  bool lock_free = true;
   int beeps = 0;
 };
 

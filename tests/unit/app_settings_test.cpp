@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "support/small_disk.h"
 #include "support/world.h"
 
 namespace corvane::test {
@@ -97,6 +98,7 @@ const InputCase kInputs[] = {
     {"[Units]\nNumUnits=1O\n", "NumUnits=5\n", "NumUnits=1O"},
     {"[Units]\nID1=x\nActive1=70000\n", "ID1=1\nActive1=1\n", "Active1=70000 is not a whole number"},
     {"[Units]\nMoistureCorrection1=2,5\n", "MoistureCorrection1=0\n", "=2,5 is not a number; 0 is used"},
+    {"[Units]\nMoistureCorrection1=3.4028235e+38\n", "MoistureCorrection1=3.4028235e+38\n", ""},
     {"[Units]\nMoistureCorrection1=1e40\n", "MoistureCorrection1=0\n", "1e40"},
     {"[General]\nTimeout=soon\n", "Timeout=45\n", "Timeout=soon"},
     {"[General]\nTimeout=null\n", "Timeout=45\n", "[General] Timeout= is not a number"},
@@ -175,24 +177,26 @@ TEST_F(SettingsTest, WhatIsNoSettingsFileIsCopiedBeforeItIsReplaced) {
   const std::string damaged = std::string("[General]\nFTPServer=a\n") + std::string(100, '\0');
   home.Write("corvane.ini.bad", "older");
   Load(damaged);
-  EXPECT_EQ(home.Read("corvane.ini.bad"), damaged);
-  EXPECT_EQ(fs::status(home.Name("corvane.ini") + ".bad").permissions() & fs::perms::group_read, fs::perms::none);
+  Load(damaged);
+  EXPECT_EQ(home.Read("corvane.ini.bad"), "older");
+  EXPECT_EQ(home.Read("corvane.ini.bad2"), damaged);
+  EXPECT_FALSE(fs::exists(home.Name("corvane.ini.bad3"))) << "one copy of the same file is enough";
+  EXPECT_EQ(fs::status(home.Name("corvane.ini.bad2")).permissions() & fs::perms::group_read, fs::perms::none);
   EXPECT_EQ(world.form().Txt_FTPServer.text(), "a");
   ASSERT_EQ(dialogs.boxes.size(), 1U);
-  EXPECT_NE(dialogs.boxes[0].text.find("corvane.ini.bad"), std::string::npos);
-  Saved();
-  fs::resize_file(home.Name("corvane.ini"), ProfileFile::kLargestFile + 1);
-  EXPECT_EQ((Start(), dialogs.boxes.size()), 1U);
-  EXPECT_EQ(fs::file_size(home.Name("corvane.ini") + ".bad"),
-            static_cast<std::uintmax_t>(ProfileFile::kLargestFile + 1));
+  EXPECT_NE(dialogs.boxes[0].text.find("corvane.ini.bad2"), std::string::npos);
 }
 
 TEST_F(SettingsTest, WhatCouldNotBeCopiedIsNotOverwritten) {
-  fs::create_directory(home.Name("corvane.ini") + ".bad");
-  Load(std::string(10, '\0'));
-  Saved();
+  const std::string damaged(5000, '\0');
+  home.Write("corvane.ini", damaged);
+  {
+    const SmallDisk disk(4000);
+    Start();
+  }
+  EXPECT_FALSE(world.app().life().OnWindowClose());
   EXPECT_EQ(dialogs.Texts().back(), "Cannot save INI file");
-  EXPECT_EQ(home.Read("corvane.ini"), std::string(10, '\0'));
+  EXPECT_EQ(home.Read("corvane.ini"), damaged);
 }
 
 }  // namespace
