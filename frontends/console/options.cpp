@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/format.h"
+#include "base/numbers.h"
 #include "link/exchange.h"
 #include "link/schedule.h"
 
@@ -119,6 +120,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string& value) { options.interval = value; }},
     {"--recover", "", "go on with a recovery copy of the settings, where there is one", kRunOption,
      [](Options& options, const std::string&) { options.recover = true; }},
+    {"--log-size", "MB", "set in the settings how large a log grows before it goes over to .1; 0: no end", kRunOption,
+     [](Options& options, const std::string& value) { options.log_size = value; }},
     {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
      [](Options& options, const std::string&) { options.yes = true; }},
     {"--go-on", "", "go on past units and files that fail, in this run", kEverywhere,
@@ -222,6 +225,9 @@ class Parser {
     if (options_.files && arguments.empty()) throw UsageError("--file needs the names of raw files");
     if (!options_.interval.empty() && !AutomaticInterval(options_.interval)) {
       throw UsageError("--interval: " + Quoted(options_.interval) + " is no interval such as 3:00");
+    }
+    if (!options_.log_size.empty() && !ParseNumber(options_.log_size)) {
+      throw UsageError("--log-size: " + Quoted(options_.log_size) + " is no number");
     }
     if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
     if (row_->id == CommandId::TestPort || row_->id == CommandId::FindPort) CheckPort(arguments);

@@ -44,6 +44,7 @@ struct Options {
   std::vector<std::string> units;      ///< --unit
   std::string home;                    ///< --home as given; empty when not given
   std::string interval;                ///< --interval; empty when not given
+  std::string log_size;                ///< --log-size; empty when not given
   bool automatic = false;              ///< --automatic
   bool files = false;                  ///< --file: the arguments are raw files
   bool hand_held = false;

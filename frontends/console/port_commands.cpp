@@ -51,6 +51,7 @@ int KeepSchedule(Desk& desk, const Options& options) {
     form.Txt_AutomaticInterval.SetText(options.interval);
     form.Txt_AutomaticInterval.Leave();
   }
+  if (!options.log_size.empty()) form.LogSize = options.log_size;
   if (options.automatic) form.Chk_Automatic.SetTicked(true);
   if (!form.Chk_Automatic.ticked()) {
     desk.output.Error(

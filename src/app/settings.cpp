@@ -149,6 +149,7 @@ std::vector<Settings::Setting> Settings::OtherSettings(Form& av_Form, const AppI
       {"Backup", &av_Form.Chk_Backup, "0"},
       {"BackupDestination", &av_Form.Lbl_BackupDestination, "", Meaning::Path},
       {"GoOnPastFailures", &av_Form.Chk_GoOn, "0"},
+      {"LogSize", &av_Form.LogSize, "0", Meaning::Number},
   };
 }
 
@@ -294,13 +295,8 @@ void Settings::LoadGeneral(const std::vector<Setting>& av_Settings) {
 }
 
 void Settings::LoadValue(TextField& av_Field, const Setting& av_Setting, const std::string& as_Value) {
-  if (av_Setting.meaning == Meaning::Number && !ParseNumber(as_Value)) {
-    Report("General", av_Setting.key, as_Value, "is not a number; " + av_Setting.fallback + " is used");
-    av_Field.SetText(av_Setting.fallback);
-    return;
-  }
   CheckPath(av_Setting, as_Value);
-  av_Field.SetText(as_Value);
+  av_Field.SetText(Checked(av_Setting, as_Value));
 }
 
 void Settings::LoadValue(Label& av_Label, const Setting& av_Setting, const std::string& as_Value) {
@@ -329,6 +325,16 @@ void Settings::LoadValue(Selector& av_Selector, const Setting& av_Setting, const
   } else {
     av_Selector.SelectByItemData(LoadNumber<std::int32_t>("General", std::string(av_Setting.key), av_Setting.fallback));
   }
+}
+
+void Settings::LoadValue(std::string& as_Member, const Setting& av_Setting, const std::string& as_Value) {
+  as_Member = Checked(av_Setting, as_Value);
+}
+
+std::string Settings::Checked(const Setting& av_Setting, const std::string& as_Value) {
+  if (av_Setting.meaning != Meaning::Number || ParseNumber(as_Value)) return as_Value;
+  Report("General", av_Setting.key, as_Value, "is not a number; " + av_Setting.fallback + " is used");
+  return av_Setting.fallback;
 }
 
 void Settings::SaveGeneral(const std::vector<Setting>& av_Settings) {

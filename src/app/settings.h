@@ -59,7 +59,7 @@ class Settings {
   /// One key of the section "General" and the control that holds its value.
   struct Setting {
     std::string_view key;
-    std::variant<TextField*, Label*, CheckBox*, OptionGroup*, Selector*> control;
+    std::variant<TextField*, Label*, CheckBox*, OptionGroup*, Selector*, std::string*> control;
     std::string fallback;
     Meaning meaning = Meaning::Plain;
   };
@@ -97,6 +97,7 @@ class Settings {
   void LoadValue(CheckBox& av_Box, const Setting& av_Setting, const std::string& as_Value);
   void LoadValue(OptionGroup& av_Group, const Setting& av_Setting, const std::string& as_Value);
   void LoadValue(Selector& av_Selector, const Setting& av_Setting, const std::string& as_Value);
+  void LoadValue(std::string& as_Member, const Setting& av_Setting, const std::string& as_Value);
   void SaveGeneral(const std::vector<Setting>& av_Settings);
 
   template <class Record>
@@ -111,6 +112,8 @@ class Settings {
   template <class Number>
   Number LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default);
 
+  /// The value, or the setting's default when a number is wanted and it is none, which is reported.
+  [[nodiscard]] std::string Checked(const Setting& av_Setting, const std::string& as_Value);
   void CheckPath(const Setting& av_Setting, const std::string& as_Value);
   /// Notes a value that could not be used as it stands.
   void Report(std::string_view as_Section, std::string_view as_Key, std::string_view as_Value,

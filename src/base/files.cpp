@@ -147,6 +147,19 @@ Status GiveSecondName(const std::string& path, const std::string& second) {
   return failed ? Status::FromErrno(second, failed.value()) : Status::Ok();
 }
 
+Status RotateFile(const std::string& path, int kept) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  const auto numbered = [&path](int number) { return path + "." + std::to_string(number); };
+  const auto move_up = [&numbered, kept] {
+    for (int number = kept; number > 0; --number) rename(numbered(number - 1).c_str(), numbered(number).c_str());
+  };
+  // The others move only when this one could; one that a kill left on the way goes first.
+  if (ExamineFile(numbered(0))) move_up();
+  if (rename(path.c_str(), numbered(0).c_str()) != 0) return Status::FromErrno(path, errno);
+  move_up();
+  return Status::Ok();
+}
+
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit) {
   contents.clear();
   int number = -1;

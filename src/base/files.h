@@ -47,6 +47,11 @@ Status RemoveFile(const std::string& path);
 Status GiveSecondName(const std::string& path, const std::string& second);
 /// Reads a whole file of at most `limit` bytes; a longer one fails.
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit);
+/// Lets a log go over to another file: `path` becomes `path`.1, that one .2 and so on; `kept` of them stay.
+///
+/// After a failure `path` is where it was.
+Status RotateFile(const std::string& path, int kept);
+
 /// Writes `contents` to a `ReplacementFile` and puts it in place: temporary file, sync, rename, sync of the folder.
 ///
 /// `mode` is the permission of the file. After a failure the old file is whole and the temporary one is gone.

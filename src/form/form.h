@@ -108,6 +108,7 @@ struct Form : ControlRegistry {
   // Schedule and start-up
   CheckBox Chk_Automatic{*this, "Chk_Automatic"};
   CheckBox Chk_GoOn{*this, "Chk_GoOn"};
+  std::string LogSize;  ///< megabytes at which a log goes over to another file, as text; a setting without a field
   TextField Txt_AutomaticInterval{*this, "Txt_AutomaticInterval"};
   OptionGroup Opt_HeartBeat{*this, "Opt_HeartBeat", 2};
   CheckBox Chk_RunAtStartup{*this, "Chk_RunAtStartup"};

@@ -2,6 +2,7 @@
 
 #include "base/file_numbers.h"
 #include "base/format.h"
+#include "base/numbers.h"
 #include "base/text.h"
 #include "state/app_info.h"
 
@@ -9,6 +10,14 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kMostTraceRows = 32000;
+constexpr std::int64_t kRetryMilliseconds = 1000;
+constexpr double kMegabyte = 1e6;
+constexpr int kKeptLogs = 5;
+
+/// Writes the one code above 127 that `Visible` lets through as the character of that code, so that the log is UTF-8.
+void EncodeHighCode(std::string& line) {
+  for (auto at = line.find('\x80'); at != std::string::npos; at = line.find('\x80', at + 2)) line.insert(at, 1, '\xC2');
+}
 
 }  // namespace
 
@@ -18,7 +27,8 @@ Trace::Trace(Form& av_Form, const LinkState& av_Link, EventLoop& av_Loop, Shell&
 void Trace::SetLogFile(std::string_view as_Path) {
   CloseLog();
   log_path_ = as_Path;
-  log_failed_ = false;
+  missing_ = 0;
+  next_try_ = 0;
 }
 
 void Trace::Status(std::string_view as_Text, StatusKind av_Kind) {
@@ -79,7 +89,7 @@ void Trace::LogWrite(std::string_view as_Text) {
 
 void Trace::LogLine(std::string_view as_Text, std::int64_t al_RowNumber) {
   ShowOnScreen(as_Text, al_RowNumber);
-  if (OpenLog()) AppendLogLine(as_Text);
+  if (!OpenLog() || !AppendLogLine(as_Text)) ++missing_;
 }
 
 void Trace::ShowOnScreen(std::string_view as_Text, std::int64_t al_RowNumber) {
@@ -91,20 +101,33 @@ void Trace::ShowOnScreen(std::string_view as_Text, std::int64_t al_RowNumber) {
 }
 
 bool Trace::OpenLog() {
+  if (GoOver(log_path_)) log_.Close();
   if (log_.IsOpen()) return true;
-  if (log_failed_ || log_path_.empty()) return false;
+  if (log_path_.empty() || loop_.MonotonicMilliseconds() < next_try_) return false;
   if (const corvane::Status opened = log_.OpenForAppending(log_path_); !opened.ok()) {
     GiveUpLog(opened);
     return false;
   }
-  return AppendLogLine("============") &&
-         AppendLogLine(std::string(kProductName) + " Version: " + AppInfo::VersionText());
+  return WriteFirstLines();
+}
+
+bool Trace::WriteFirstLines() {
+  std::string line(kProductName);
+  line += " Version: ";
+  line += AppInfo::VersionText();
+  version_written_ = version_written_ || (AppendLogLine("============") && AppendLogLine(line));
+  if (!version_written_ || missing_ == 0) return version_written_;
+  line = "Lines that could not be written here: " + std::to_string(missing_) + ". " + failure_;
+  if (!AppendLogLine(line)) return false;
+  missing_ = 0;
+  return true;
 }
 
 void Trace::GiveUpLog(const corvane::Status& av_Failure) {
   log_.Close();
-  log_failed_ = true;
-  form_.Lbl_Status.SetText("The log cannot be written: " + av_Failure.text());
+  next_try_ = loop_.MonotonicMilliseconds() + kRetryMilliseconds;
+  failure_ = av_Failure.text();
+  if (missing_ == 0) form_.Lbl_Status.SetText("The log cannot be written: " + failure_);
 }
 
 bool Trace::AppendLogLine(std::string_view as_Text) {
@@ -115,10 +138,20 @@ bool Trace::AppendLogLine(std::string_view as_Text) {
   }
   line_ = stamp_;
   AppendVisible(line_, as_Text);
+  EncodeHighCode(line_);
   line_ += kLineBreak;
-  const corvane::Status written = log_.Write(line_);
-  if (!written.ok()) GiveUpLog(written);
-  return written.ok();
+  if (const corvane::Status written = log_.Write(line_); !written.ok()) {
+    GiveUpLog(written);
+    return false;
+  }
+  return true;
+}
+
+bool Trace::GoOver(const std::string& as_Path) const {
+  const double limit = LeadingNumber(form_.LogSize) * kMegabyte;
+  if (limit <= 0) return false;
+  const auto existing = ExamineFile(as_Path);
+  return existing && static_cast<double>(existing->size) >= limit && RotateFile(as_Path, kKeptLogs).ok();
 }
 
 void Trace::SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind) {
@@ -135,7 +168,11 @@ void Trace::SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind) {
 }
 
 void Trace::CloseLog() {
+  // The last chance to say what is missing.
+  next_try_ = 0;
+  if (missing_ > 0) (void)OpenLog();
   log_.Close();
+  version_written_ = false;
 }
 
 int Trace::LogFileNumber() const {

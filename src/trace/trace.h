@@ -21,8 +21,8 @@ inline constexpr std::int64_t kStatusRow = 1;
 
 /// The status line, the trace log and the on-screen trace.
 ///
-/// Every part of the system reports through it. A log that cannot be written is reported once in the status line and
-/// never stops the work.
+/// Every part of the system reports through it. A log that cannot be written is reported in the status line and never
+/// stops the work; it is tried again once a second, and then says how many lines are missing.
 class Trace {
  public:
   Trace(Form& av_Form, const LinkState& av_Link, EventLoop& av_Loop, Shell& av_Shell);
@@ -47,7 +47,10 @@ class Trace {
   void LogWrite(std::string_view as_Text);
   /// Ticks trace boxes as the automatic-trace boxes allow; `ai_Kind` above 0 includes the send box's own switch.
   void SwitchOnAllTrace(std::string_view as_Reason, std::int16_t ai_Kind);
+  /// Closes the log; the next line opens it anew, as the first of a run.
   void CloseLog();
+  /// Lets a log go over to ".1" when it has the size of the setting `LogSize`; true when its next line begins it anew.
+  bool GoOver(const std::string& as_Path) const;
   /// The log file's number in trace lines, 0 while it is closed.
   [[nodiscard]] int LogFileNumber() const;
 
@@ -58,6 +61,8 @@ class Trace {
   void LogLine(std::string_view as_Text, std::int64_t al_RowNumber);
   void ShowOnScreen(std::string_view as_Text, std::int64_t al_RowNumber);
   bool OpenLog();
+  /// What stands in front of the first line: the version once a run, what is missing after a failure.
+  bool WriteFirstLines();
   bool AppendLogLine(std::string_view as_Text);
   void GiveUpLog(const corvane::Status& av_Failure);
 
@@ -67,7 +72,10 @@ class Trace {
   Shell& shell_;
   std::string log_path_;
   OutputFile log_;
-  bool log_failed_ = false;
+  bool version_written_ = false;
+  std::int64_t missing_ = 0;  ///< lines that could not be written since the last that could
+  std::string failure_;
+  std::int64_t next_try_ = 0;  ///< monotonic milliseconds
   DateTime stamp_time_;
   std::string stamp_;
   std::string line_;

@@ -42,12 +42,18 @@ void FtpLog::LogFileSent(std::string_view as_Source, std::string_view as_Destina
 }
 
 void FtpLog::AppendLine(const std::string& as_Path, const std::string& as_Line) {
+  trace_.GoOver(as_Path);
   OutputFile file;
   // A status line may hold the password.
   Status written = file.OpenForAppending(as_Path, kOwnerOnly);
   if (written.ok()) written = file.Write(as_Line);
-  if (!written.ok() && !failed_) trace_.LogWrite("The FTP log cannot be written. " + written.text());
-  failed_ = !written.ok();
+  if (!written.ok()) {
+    if (missing_ == 0) trace_.LogWrite("The FTP log cannot be written. " + written.text());
+    ++missing_;
+  } else if (missing_ > 0) {
+    trace_.LogWrite("The FTP log is written again, lines that are missing: " + std::to_string(missing_));
+    missing_ = 0;
+  }
 }
 
 }  // namespace corvane

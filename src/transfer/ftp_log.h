@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,8 @@ namespace corvane {
 
 /// What the FTP session says: the status line and its two trace files, "ftp.log" and "FileSent.Log".
 ///
-/// A file that cannot be written never stops a transfer; the trace log says so once.
+/// A file that cannot be written never stops a transfer; the trace log says so, and later what is
+/// missing.
 class FtpLog {
  public:
   FtpLog(EventLoop& av_Loop, const AppInfo& av_App, Trace& av_Trace);
@@ -43,7 +45,7 @@ class FtpLog {
   bool files_sent_ = false;
   bool status_ = false;
   bool detail_ = false;
-  bool failed_ = false;
+  std::int64_t missing_ = 0;  ///< lines that could not be written since the last that could
 };
 
 }  // namespace corvane

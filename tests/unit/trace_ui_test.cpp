@@ -59,13 +59,30 @@ TEST(Trace, ErrorsSwitchCategoriesOn) {
   }
 }
 
-TEST(Trace, LogThatCannotBeWrittenIsSaidOnceAndStopsNothing) {
+TEST(Trace, LogThatCannotBeWrittenIsTriedAgainAndSaysWhatIsMissing) {
   Lower lower;
-  lower.trace.SetLogFile("/dev/full");
+  lower.trace.SetLogFile(lower.home.Name("folder/log"));
   lower.trace.LogWrite("lost");
-  EXPECT_NE(lower.form.Lbl_Status.text().find("The log cannot be written: /dev/full"), std::string::npos);
+  EXPECT_NE(lower.form.Lbl_Status.text().find("The log cannot be written: "), std::string::npos);
+  lower.home.Write("folder/other", "");
   lower.trace.Status("goes on");
   EXPECT_EQ(lower.form.Lbl_Status.text(), "goes on");
+  EXPECT_EQ(lower.home.Read("folder/log"), "") << "within the same second";
+  lower.loop.Advance(1000);
+  lower.trace.LogWrite("\xC3\x80");
+  const std::string log = lower.home.Read("folder/log");
+  EXPECT_NE(log.find("Version: 0.1.000\r\n2010-03-12 10:00:01: Lines that could not be written here: 2. "),
+            std::string::npos);
+  EXPECT_TRUE(log.ends_with(": [195]\xC2\x80\r\n")) << log;
+}
+
+TEST(Trace, FullLogGoesOverAndFiveAreKept) {
+  Lower lower;
+  lower.form.LogSize = "0.0001";
+  for (int line = 1; line <= 8; ++line) lower.trace.LogWrite(std::to_string(line) + std::string(100, 'x'));
+  EXPECT_TRUE(lower.Log().starts_with("2010-03-12 10:00:00: 8x")) << lower.Log();
+  EXPECT_TRUE(lower.home.Read("corvane.log.5").starts_with("2010-03-12 10:00:00: 3x"));
+  EXPECT_FALSE(ExamineFile(lower.home.Name("corvane.log.6")) || ExamineFile(lower.home.Name("corvane.log.0")));
 }
 
 TEST(Trace, OnScreenListNeedsBothBoxes) {
