@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/outside_text.h"
 #include "base/text.h"
 
 namespace corvane::console {
@@ -10,19 +11,6 @@ namespace {
 constexpr const char* kClearLine = "\r\033[K";
 
 }  // namespace
-
-std::string Printable(std::string_view text) {
-  std::string out;
-  for (const char character : text) {
-    const auto code = static_cast<unsigned char>(character);
-    if (code < 32 || code == 127) {
-      out += "[" + std::to_string(code) + "]";
-    } else {
-      out += character;
-    }
-  }
-  return out;
-}
 
 void ConsoleOutput::Line(std::string_view text) {
   if (settings_.quiet) return;

@@ -6,9 +6,6 @@
 
 namespace corvane::console {
 
-/// `text` fit for a terminal: control characters are shown as "[" + decimal code + "]".
-[[nodiscard]] std::string Printable(std::string_view text);
-
 /// What the program prints: whole lines, errors, and on a terminal one progress line that is written over.
 class ConsoleOutput {
  public:
@@ -24,7 +21,8 @@ class ConsoleOutput {
   void Line(std::string_view text);
   /// Prints the lines of an error or message, whatever is quiet.
   void Error(std::string_view text);
-  /// Prints `text`, which ends with a line end, whatever is quiet: as it stands, or its lines with their stamps.
+  /// Prints `text`, which ends with a line end and is fit for a terminal, whatever is quiet: as it stands, or its lines
+  /// with their stamps.
   void Result(std::string_view text);
   /// Prints the lines of a question, without a line end behind the last.
   void Prompt(std::string_view text);

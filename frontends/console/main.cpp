@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "base/outside_text.h"
 #include "console/options.h"
 #include "console/program.h"
 #include "desktop/terminal.h"
@@ -17,7 +18,7 @@ int main(int argc, char** argv) {
   try {
     options = ParseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
   } catch (const UsageError& error) {
-    std::cerr << "corvanectl: " << error.what() << "\nTry: corvanectl --help\n";
+    std::cerr << "corvanectl: " << corvane::Printable(error.what()) << "\nTry: corvanectl --help\n";
     return kUsage;
   }
   if (options.version) {

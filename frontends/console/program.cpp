@@ -8,6 +8,7 @@
 #include "app/application.h"
 #include "base/files.h"
 #include "base/format.h"
+#include "base/outside_text.h"
 #include "base/paths.h"
 #include "commands.h"
 #include "console_dialogs.h"
@@ -190,7 +191,7 @@ int RunProgram(const Options& options) {
     const std::string folder = ChooseApplicationFolder(options.home, PosixShell("corvane"));
     return Program(options, folder).Run();
   } catch (const RunTimeError& error) {
-    WriteOut(kStandardError, std::string("corvanectl: ") + error.what() + "\n", true);
+    WriteOut(kStandardError, Printable(std::string("corvanectl: ") + error.what()) + "\n", true);
     return kNotStarted;
   } catch (const std::bad_alloc&) {
     WriteOut(kStandardError, "corvanectl: there is not enough memory\n", true);

@@ -1,5 +1,6 @@
 #include "script_command.h"
 
+#include "base/outside_text.h"
 #include "base/scoped_value.h"
 #include "script.h"
 #include "script_runner.h"

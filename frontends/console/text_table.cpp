@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/outside_text.h"
+
 namespace corvane::console {
 namespace {
 
@@ -25,7 +27,8 @@ std::string FormatRow(const std::vector<Column>& columns, const std::vector<std:
 
 }  // namespace
 
-std::string FormatTable(const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows) {
+std::string FormatTable(const std::vector<Column>& columns, std::vector<std::vector<std::string>> rows) {
+  for (auto& row : rows) std::transform(row.begin(), row.end(), row.begin(), Printable);
   std::vector<std::string> headings;
   std::vector<std::size_t> widths;
   for (std::size_t i = 0; i < columns.size(); ++i) {

@@ -12,7 +12,7 @@ struct Column {
 };
 
 /// A table as lines of text: columns as wide as their widest cell, two blanks between them, no blanks at line ends.
-[[nodiscard]] std::string FormatTable(const std::vector<Column>& columns,
-                                      const std::vector<std::vector<std::string>>& rows);
+/// Cells are made fit for a terminal.
+[[nodiscard]] std::string FormatTable(const std::vector<Column>& columns, std::vector<std::vector<std::string>> rows);
 
 }  // namespace corvane::console

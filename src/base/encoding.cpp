@@ -1,7 +1,6 @@
 #include "base/encoding.h"
 
 #include <array>
-#include <cstddef>
 
 namespace corvane {
 namespace {
@@ -39,20 +38,6 @@ bool IsBetween(unsigned char byte, unsigned char lowest, unsigned char highest) 
   return byte >= lowest && byte <= highest;
 }
 
-/// The length of the character that `bytes` begin with, 0 when it is malformed.
-std::size_t CharacterLength(std::string_view bytes) {
-  const auto byte = [bytes](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
-  for (const Lead& lead : kLeads) {
-    if (!IsBetween(byte(0), lead.first, lead.last)) continue;
-    if (bytes.size() <= lead.following) return 0;
-    for (std::size_t at = 1; at <= lead.following; ++at) {
-      if (!IsBetween(byte(at), at == 1 ? lead.lowest : 0x80, at == 1 ? lead.highest : 0xBF)) return 0;
-    }
-    return lead.following + 1;
-  }
-  return 0;
-}
-
 void AppendUtf8(std::string& out, unsigned code) {
   if (code < 0x80) {
     out += static_cast<char>(code);
@@ -67,6 +52,19 @@ void AppendUtf8(std::string& out, unsigned code) {
 }
 
 }  // namespace
+
+std::size_t CharacterLength(std::string_view bytes) {
+  const auto byte = [bytes](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+  for (const Lead& lead : kLeads) {
+    if (!IsBetween(byte(0), lead.first, lead.last)) continue;
+    if (bytes.size() <= lead.following) return 0;
+    for (std::size_t at = 1; at <= lead.following; ++at) {
+      if (!IsBetween(byte(at), at == 1 ? lead.lowest : 0x80, at == 1 ? lead.highest : 0xBF)) return 0;
+    }
+    return lead.following + 1;
+  }
+  return 0;
+}
 
 bool IsUtf8(std::string_view bytes) {
   while (!bytes.empty()) {

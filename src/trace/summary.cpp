@@ -1,6 +1,7 @@
 #include "trace/summary.h"
 
 #include "base/format.h"
+#include "base/outside_text.h"
 #include "base/text.h"
 
 namespace corvane {
@@ -16,6 +17,7 @@ constexpr std::int64_t kShortestFile = 10;
 
 void DownloadSummary::WriteSummary() {
   if (p_.download.HeaderLine.empty()) return;
+  p_.trace.GoOver(path_);
   const auto existing = ExamineFile(path_);
   const bool append = existing && existing->size > kShortestFile;
   OutputFile file;
@@ -29,13 +31,13 @@ void DownloadSummary::WriteSummary() {
 
 std::string DownloadSummary::Values() const {
   std::string line = p_.flags.automatic_run ? "Auto" : "Manual";
-  line += ", " + p_.form.Lbl_Try.text() + "/" + p_.form.Txt_MaxRetries.text();
+  line += ", " + SpreadsheetField(p_.form.Lbl_Try.text() + "/" + p_.form.Txt_MaxRetries.text());
   line += ", " + GeneralDate(p_.loop.Now());
-  line += ", " + Visible(p_.link.CurrentCommand);
+  line += ", " + SpreadsheetField(Visible(p_.link.CurrentCommand));
   const auto items = Split(p_.download.HeaderLine, ',');
   for (std::size_t item = 0; item < kHeaderColumns; ++item) {
     line += ", ";
-    if (item < items.size()) line += items[item];
+    if (item < items.size()) line += SpreadsheetField(items[item]);
   }
   line += ", " + std::to_string(p_.link.LineCount);
   line += ", " + (p_.link.HalvexError ? p_.link.ResultTextOf(p_.link.ResultCode) : std::string("Ok"));

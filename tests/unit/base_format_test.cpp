@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/outside_text.h"
 #include "base/text.h"
 
 namespace corvane::test {
@@ -87,6 +88,10 @@ TEST(Dates, CountDaysFromTheirDayZero) {
 TEST(Texts, AreShownCutAndSplit) {
   const std::pair<std::string, const char*> rows[] = {
       {Visible("a\r\x1B~\x7F\x80\x81\xFF"), "a[13][27]~\x7F\x80[129][255]"},
+      {Printable("\xC3\xA4\x1B\x9B\xC2\x9B\xE2\x80\xAE"), "\xC3\xA4[27]?[155]?"},
+      {SpreadsheetField("=A1\r"), "'=A1[13]"},
+      {SpreadsheetField(" @x"), "' @x"},
+      {SpreadsheetField("-1.5"), "-1.5"},
       {ZeroPadded(-7, 3), "-007"},
       {std::string(CutCharacters("\xC3\xA4\xC3\xB6\xC3\xBC", 2)), "\xC3\xA4\xC3\xB6"},
   };
