@@ -17,15 +17,17 @@ void ConvertUnit(Desk& desk, UnitResults& results, std::int64_t unit) {
 
 void ConvertFile(Desk& desk, UnitResults& results, const std::string& file) {
   const FileNames& names = desk.app.names();
+  std::string other_file;  // of that name in another folder
   for (std::int32_t unit = 1; unit <= desk.app.registry().Units.count(); ++unit) {
     if (names.DataFileShortName(unit, false) != FileNameOf(file)) continue;
     const std::string raw_file = names.DataFileName(unit, false);
     std::error_code error;
     const bool same = FileNameOf(file) == file || std::filesystem::equivalent(file, raw_file, error);
     if (same) return ConvertUnit(desk, results, unit);
-    return results.AddLeftOut(file, "not converted: the raw file is " + raw_file);
+    if (other_file.empty()) other_file = raw_file;
   }
-  results.AddLeftOut(file, "not converted: no unit has a raw file of that name");
+  results.AddLeftOut(file, other_file.empty() ? "not converted: no unit has a raw file of that name"
+                                              : "not converted: the raw file is " + other_file);
 }
 
 }  // namespace

@@ -45,6 +45,7 @@ int ListUnits(Desk& desk, const Options& /*options*/) {
                                   {"Raw file"},
                                   {"Last reading"}},
                                  rows));
+  for (const std::string& sentence : desk.app.names().SharedRawFiles(false)) desk.output.Error(sentence);
   return kAllWell;
 }
 

@@ -56,7 +56,7 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_Timeout[2], &Checks::Decimal, 0, kSecondsPerDay},
       {&form_.Txt_MaxRetries, &Checks::WholeNumber, 1, 15},
       {&form_.Txt_MaxOveruns, &Checks::WholeNumber, 0, kHighest32},
-      {&form_.Txt_UnitID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Units},
+      {&form_.Txt_UnitID, &Checks::UnitID, kLowest32, kHighest32, &form_.Lst_Units},
       {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
       {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
       {&form_.Txt_Correction[1], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
@@ -111,6 +111,15 @@ std::string FieldChecks::WholeNumber(const Row& av_Row) const {
   const auto lowest = static_cast<std::int64_t>(av_Row.lowest);
   if (ParseInteger(av_Row.text(), lowest, static_cast<std::int64_t>(av_Row.highest))) return {};
   return "This is no whole number" + RangeText(av_Row.lowest, av_Row.highest);
+}
+
+std::string FieldChecks::UnitID(const Row& av_Row) const {
+  if (std::string problem = WholeNumber(av_Row); !problem.empty()) return problem;
+  const auto unit = static_cast<std::int32_t>(form_.Lst_Units.current() + 1);
+  const std::int32_t other =
+      names_.OtherUnitOfFile(unit, LeadingInteger(av_Row.text()), form_.Cmb_Client.SelectedItemData());
+  if (other == 0) return {};
+  return "Unit " + std::to_string(other) + " of the list has the same ID and folder: both share one raw file.";
 }
 
 std::string FieldChecks::Decimal(const Row& av_Row) const {

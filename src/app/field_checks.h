@@ -36,6 +36,7 @@ class FieldChecks {
   [[nodiscard]] std::string DownloadInterval(const Row& av_Row) const;
   [[nodiscard]] std::string LogPeriod(const Row& av_Row) const;
   [[nodiscard]] std::string WholeNumber(const Row& av_Row) const;
+  [[nodiscard]] std::string UnitID(const Row& av_Row) const;
   [[nodiscard]] std::string Decimal(const Row& av_Row) const;
   [[nodiscard]] std::string ExistingFile(const Row& av_Row) const;
   [[nodiscard]] std::string FileIfNamed(const Row& av_Row) const;

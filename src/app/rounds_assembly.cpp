@@ -33,7 +33,7 @@ RoundsAssembly::RoundsAssembly(const Parts& av_Parts)
                 av_Parts.editors.units, av_Parts.link.port, av_Parts.link.schedule, questions, session, attempts,
                 av_Parts.report.bars, av_Parts.report.trace}),
       round({av_Parts.state.form, av_Parts.state.link, sessions, units_conversion, transfers, backup,
-             av_Parts.link.schedule}),
+             av_Parts.link.schedule, av_Parts.state.names, av_Parts.report.trace}),
       finder({av_Parts.state.form, av_Parts.state.link, av_Parts.link.port, session, av_Parts.report.bars,
               av_Parts.report.trace}) {}
 

@@ -26,9 +26,10 @@ void CFileListbox::Refresh(List& av_ListBox) {
     const auto wanted = [this](std::string_view name) { return MatchesPattern(name, pattern_); };
     const Status listed = ListFiles(path_, wanted, found);
     if (listed.ok() || listed.code() == ENOENT) {
+      const std::string focused = NameInRow(list_->current());
       entries_ = std::move(found);
       Sort();
-      Fill();
+      Fill(focused);
     } else {
       problem = listed.text();
     }
@@ -48,23 +49,24 @@ void CFileListbox::Sort() {
   });
 }
 
-void CFileListbox::Fill() {
-  const std::string focused = NameInRow(list_->current());
+void CFileListbox::Fill(const std::string& as_Focused) {
   std::int64_t focused_row = -1;
   std::vector<std::string> rows;
   rows.reserve(entries_.size());
   for (const FolderEntry& entry : entries_) {
-    if (entry.name == focused) focused_row = static_cast<std::int64_t>(rows.size());
-    rows.push_back(entry.name + "\t" + FormatSize(entry.info.size) + "\t" + GeneralDate(entry.info.modified));
+    if (entry.name == as_Focused) focused_row = static_cast<std::int64_t>(rows.size());
+    std::string shown = entry.name;
+    // A tab stands between the columns.
+    std::replace(shown.begin(), shown.end(), '\t', ' ');
+    rows.push_back(shown + "\t" + FormatSize(entry.info.size) + "\t" + GeneralDate(entry.info.modified));
   }
   list_->SetRows(std::move(rows));
   list_->SetCurrent(focused_row);
 }
 
 std::string CFileListbox::NameInRow(std::int64_t al_Row) const {
-  if (al_Row < 0 || al_Row >= list_->count()) return {};
-  const std::string& row = list_->text(al_Row);
-  return row.substr(0, row.find('\t'));
+  if (al_Row < 0 || al_Row >= static_cast<std::int64_t>(entries_.size())) return {};
+  return entries_[static_cast<std::size_t>(al_Row)].name;
 }
 
 std::int64_t CFileListbox::SelCount() {

@@ -38,7 +38,9 @@ class CFileListbox {
 
  private:
   void Sort();
-  void Fill();
+  /// Shows the files; the row of the one called `as_Focused` gets the focus.
+  void Fill(const std::string& as_Focused);
+  /// The name of the file that a row shows, empty when there is no such row.
   [[nodiscard]] std::string NameInRow(std::int64_t al_Row) const;
 
   Form& form_;

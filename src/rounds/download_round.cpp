@@ -5,6 +5,9 @@
 namespace corvane {
 void DownloadRound::DownloadAllUnits(bool ab_All, std::int16_t ai_Mode) {
   p_.conversion.ResetCounters();
+  if (ab_All) {
+    for (const std::string& sentence : p_.names.SharedRawFiles(true)) p_.trace.Status(sentence);
+  }
   switch (ai_Mode) {
     case kHandHeldUnits:
       return HandHeldRound(ab_All);

@@ -24,6 +24,8 @@ class DownloadRound {
     TransferRound& transfers;
     Backup& backup;
     Schedule& schedule;
+    const FileNames& names;
+    Trace& trace;
   };
   explicit DownloadRound(const Parts& av_Parts) : p_(av_Parts) {}
 

@@ -1,9 +1,19 @@
 #include "rounds/selected_conversion.h"
 
+#include <filesystem>
+
 #include "base/paths.h"
 #include "base/text.h"
 
 namespace corvane {
+namespace {
+
+/// `path` with one separator where several stand.
+std::string PlainPath(const std::string& path) {
+  return std::filesystem::path(path).lexically_normal().string();
+}
+
+}  // namespace
 
 void SelectedConversion::ConvertSelectedFiles() {
   const std::int64_t start = p_.loop.MonotonicMilliseconds();
@@ -35,25 +45,29 @@ std::vector<SelectedConversion::DataFile> SelectedConversion::ChosenFiles() {
 SelectedConversion::UnitsByRawFile SelectedConversion::MapUnits() const {
   UnitsByRawFile units;
   // The first unit wins where two make the same name.
-  for (std::int32_t i = 1; i <= p_.registry.Units.count(); ++i) units.emplace(p_.names.DataFileShortName(i, false), i);
+  for (std::int32_t i = 1; i <= p_.registry.Units.count(); ++i) {
+    units.full.emplace(PlainPath(p_.names.DataFileName(i, false)), i);
+    units.bare.emplace(p_.names.DataFileShortName(i, false), i);
+  }
   return units;
 }
 
 void SelectedConversion::ConvertOneFile(const DataFile& av_File, const UnitsByRawFile& av_Units) {
   if (!EqualsNoCase(ExtensionOf(av_File.Short), p_.names.DataFileExtension(false))) {
     p_.messages.Show("Only raw files can be converted");
-  } else if (FindUnitForRawFile(av_File.Short, av_Units)) {
+  } else if (FindUnitForRawFile(av_File, av_Units)) {
     p_.conversion.Convert(p_.units.Selected(), av_File.Full);
   }
 }
 
-bool SelectedConversion::FindUnitForRawFile(const std::string& as_FileName, const UnitsByRawFile& av_Units) {
-  const auto unit = av_Units.find(as_FileName);
-  if (unit == av_Units.end()) {
-    p_.messages.Show("Cannot find a unit for raw file: " + as_FileName, "Cannot find a unit for raw file");
+bool SelectedConversion::FindUnitForRawFile(const DataFile& av_File, const UnitsByRawFile& av_Units) {
+  const auto by_path = av_Units.full.find(PlainPath(av_File.Full));
+  const auto by_name = av_Units.bare.find(av_File.Short);
+  if (by_name == av_Units.bare.end()) {
+    p_.messages.Show("Cannot find a unit for raw file: " + av_File.Short, "Cannot find a unit for raw file");
     return false;
   }
-  p_.units.Select(unit->second);
+  p_.units.Select(by_path == av_Units.full.end() ? by_name->second : by_path->second);
   return true;
 }
 

@@ -41,14 +41,19 @@ class SelectedConversion {
     std::string Full;
     std::string Short;
   };
-  using UnitsByRawFile = std::unordered_map<std::string, std::int32_t>;
+  /// The first unit of each raw file, by its full name and by its bare one.
+  struct UnitsByRawFile {
+    std::unordered_map<std::string, std::int32_t> full;
+    std::unordered_map<std::string, std::int32_t> bare;
+  };
 
   /// Empty when none is selected and none has the focus, which has been shown.
   [[nodiscard]] std::vector<DataFile> ChosenFiles();
   [[nodiscard]] UnitsByRawFile MapUnits() const;
   void ConvertOneFile(const DataFile& av_File, const UnitsByRawFile& av_Units);
-  /// Selects the unit whose raw file has that bare name; without one says so and returns false.
-  [[nodiscard]] bool FindUnitForRawFile(const std::string& as_FileName, const UnitsByRawFile& av_Units);
+  /// Selects the unit whose raw file it is, else the first whose has that bare name; without one says so and returns
+  /// false.
+  [[nodiscard]] bool FindUnitForRawFile(const DataFile& av_File, const UnitsByRawFile& av_Units);
   /// Reports lines, errors and time when there were errors.
   void ShowConvertSummary(std::string_view as_FileText, std::int64_t al_StartMilliseconds);
 

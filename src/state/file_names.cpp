@@ -1,5 +1,7 @@
 #include "state/file_names.h"
 
+#include <unordered_map>
+
 #include "base/paths.h"
 #include "base/text.h"
 
@@ -45,9 +47,35 @@ std::string FileNames::ClientFolder(std::int32_t al_UnitIndex) const {
 
 std::string FileNames::ClientFolderName(std::int32_t al_UnitIndex) const {
   if (!registry_.Units.Has(al_UnitIndex)) return {};
-  const std::int32_t client_id = registry_.Units[al_UnitIndex].ClientID;
-  const Client* client = client_id == 0 ? nullptr : registry_.FindClient(client_id);
+  return FolderOfClient(registry_.Units[al_UnitIndex].ClientID);
+}
+
+std::string FileNames::FolderOfClient(std::int32_t al_ClientID) const {
+  const Client* client = al_ClientID == 0 ? nullptr : registry_.FindClient(al_ClientID);
   return client == nullptr ? std::string() : client->Folder;
+}
+
+std::int32_t FileNames::OtherUnitOfFile(std::int32_t al_UnitIndex, std::int32_t al_ID, std::int32_t al_ClientID) const {
+  const std::string folder = AddBackslash(WithSlashes(FolderOfClient(al_ClientID)));
+  for (std::int32_t i = 1; i <= registry_.Units.count(); ++i) {
+    const bool same_id = i != al_UnitIndex && registry_.Units[i].ID == al_ID;
+    if (same_id && AddBackslash(WithSlashes(ClientFolderName(i))) == folder) return i;
+  }
+  return 0;
+}
+
+std::vector<std::string> FileNames::SharedRawFiles(bool ab_ActiveOnly) const {
+  std::vector<std::string> sentences;
+  std::unordered_map<std::string, std::int32_t> first_units;
+  for (std::int32_t i = 1; i <= registry_.Units.count(); ++i) {
+    if (ab_ActiveOnly && registry_.Units[i].Active == 0) continue;
+    const std::string file = DataFileName(i, false);
+    const auto [first, is_first] = first_units.emplace(file, i);
+    if (is_first) continue;
+    sentences.push_back(Quote(registry_.Units[first->second].Name) + " and " + Quote(registry_.Units[i].Name) +
+                        " share one raw file: " + file);
+  }
+  return sentences;
 }
 
 }  // namespace corvane

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "form/form.h"
 #include "state/app_info.h"
@@ -22,6 +23,11 @@ class FileNames {
   [[nodiscard]] std::string DataFileName(std::int32_t al_UnitIndex, bool ab_Calibrated) const;
   /// The file name without folder: prefix, unit ID with at least five digits, extension.
   [[nodiscard]] std::string DataFileShortName(std::int32_t al_UnitIndex, bool ab_Calibrated) const;
+  /// The first unit besides `al_UnitIndex` (from 1) whose raw file is that of a unit with this ID and client; 0: none.
+  [[nodiscard]] std::int32_t OtherUnitOfFile(std::int32_t al_UnitIndex, std::int32_t al_ID,
+                                             std::int32_t al_ClientID) const;
+  /// A sentence for each unit that shares its raw file with one before it; of the active units, or of all.
+  [[nodiscard]] std::vector<std::string> SharedRawFiles(bool ab_ActiveOnly) const;
   /// The name on the FTP server: client folder with forward slashes, short name, all in lower case.
   [[nodiscard]] std::string RemoteDataFileName(std::int32_t al_UnitIndex, bool ab_Calibrated) const;
   [[nodiscard]] const std::string& DataFileExtension(bool ab_Calibrated) const;
@@ -35,6 +41,8 @@ class FileNames {
   [[nodiscard]] std::string ClientFolderName(std::int32_t al_UnitIndex) const;
 
  private:
+  [[nodiscard]] std::string FolderOfClient(std::int32_t al_ClientID) const;
+
   const Form& form_;
   const Registry& registry_;
   const AppInfo& app_;
