@@ -13,9 +13,11 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       data_(av_Platform, state_, report_),
       link_(av_Platform, state_, report_),
       transfer_(av_Platform, state_, report_),
-      rounds_({av_Platform, state_, report_, editors_, data_, link_, transfer_}),
+      transfer_rounds_({av_Platform, state_, report_, editors_, data_, link_, transfer_}),
+      rounds_({av_Platform, state_, report_, editors_, data_, link_, transfer_rounds_}),
       settings_(av_Platform, state_, report_, editors_),
-      commands_({av_Platform, help_, state_, report_, editors_, data_, link_, transfer_, rounds_, settings_}),
+      commands_({av_Platform, help_, state_, report_, editors_, data_, link_, transfer_, transfer_rounds_, rounds_,
+                 settings_}),
       creation_({state_.form, state_.flags, state_.states, commands_.bindings, commands_.fields, settings_.settings,
                  editors_, data_.files, settings_.language, settings_.run_at_startup, report_.bars}),
       release_({state_.link, state_.flags, editors_, settings_.settings, settings_.recovery, link_.port, link_.writer,
@@ -41,7 +43,7 @@ void Application::Wire() {
     state_.flags.problems = 0;
     report_.messages.StartRound();
     transfer_.ftp.SetCancel(false);
-    rounds_.results.Clear();
+    transfer_rounds_.results.Clear();
     data_.conversion.ClearResults();
   };
   state_.slot.on_given_back = [this] {

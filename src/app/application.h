@@ -43,8 +43,8 @@ class Application {
   /// The raw files that the present or last operation has converted, in order.
   [[nodiscard]] const std::vector<ConversionResult>& conversion_results() const { return data_.conversion.Results(); }
   /// The files that the present or last operation has sent, fetched or backed up, in order.
-  [[nodiscard]] const std::vector<TransferResult>& transfer_results() const { return rounds_.results.All(); }
-  [[nodiscard]] FileTransfer& file_transfer() { return rounds_.file_transfer; }
+  [[nodiscard]] const std::vector<TransferResult>& transfer_results() const { return transfer_rounds_.results.All(); }
+  [[nodiscard]] FileTransfer& file_transfer() { return transfer_rounds_.file_transfer; }
   /// What became of the recovery copy of the settings.
   [[nodiscard]] RecoveryState recovery() const { return settings_.store.recovery(); }
   [[nodiscard]] Commands& commands() { return commands_.commands; }
@@ -67,6 +67,7 @@ class Application {
   DataAssembly data_;
   LinkAssembly link_;
   TransferAssembly transfer_;
+  TransferRoundsAssembly transfer_rounds_;
   RoundsAssembly rounds_;
   SettingsAssembly settings_;
   CommandsAssembly commands_;

@@ -27,6 +27,7 @@ struct CommandsAssembly {
     DataAssembly& data;
     LinkAssembly& link;
     TransferAssembly& transfer;
+    TransferRoundsAssembly& transfer_rounds;
     RoundsAssembly& rounds;
     SettingsAssembly& settings;
   };

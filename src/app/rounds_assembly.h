@@ -5,25 +5,21 @@
 #include "app/platform.h"
 #include "app/report_assembly.h"
 #include "app/shared_state.h"
-#include "app/transfer_assembly.h"
+#include "app/transfer_rounds_assembly.h"
 #include "registry/editors.h"
-#include "rounds/backup.h"
 #include "rounds/batch_conversion.h"
 #include "rounds/command_questions.h"
 #include "rounds/download_round.h"
-#include "rounds/file_results.h"
-#include "rounds/file_transfer.h"
 #include "rounds/port_finder.h"
+#include "rounds/raw_keeper.h"
 #include "rounds/selected_conversion.h"
-#include "rounds/server_tries.h"
 #include "rounds/sessions.h"
-#include "rounds/transfer_round.h"
 #include "rounds/unit_attempts.h"
 #include "rounds/unit_session.h"
 
 namespace corvane {
 
-/// The services of src/rounds; for the composition root.
+/// What of src/rounds asks units and converts; for the composition root.
 struct RoundsAssembly {
   /// What the rounds string together; all must outlive this object.
   struct Parts {
@@ -33,17 +29,13 @@ struct RoundsAssembly {
     RegistryEditors& editors;
     DataAssembly& data;
     LinkAssembly& link;
-    TransferAssembly& transfer;
+    TransferRoundsAssembly& transfers;
   };
   explicit RoundsAssembly(const Parts& av_Parts);
 
   BatchConversion units_conversion;
   SelectedConversion selected_conversion;
-  FileResults results;
-  ServerTries tries;
-  FileTransfer file_transfer;
-  TransferRound transfers;
-  Backup backup;
+  RawKeeper keeper;
   UnitSession session;
   UnitAttempts attempts;
   CommandQuestions questions;

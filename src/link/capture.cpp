@@ -252,6 +252,13 @@ void DownloadCapture::CloseOutputFile() {
   p_.download.Output.Close();
 }
 
+void DownloadCapture::SummariseAtClose() {
+  if (!p_.flags.closing || OutputFileNumber() == 0) return;
+  p_.link.HalvexError = true;
+  p_.link.ResultCode = kCancelledResult;
+  p_.summary.WriteSummary();
+}
+
 int DownloadCapture::OutputFileNumber() const {
   return p_.download.Output.IsOpen() ? kOutputFile : kNoFile;
 }

@@ -45,6 +45,8 @@ class DownloadCapture {
   void SaveToFile();
   /// Syncs and closes the raw file when it is open; an error is reported.
   void CloseOutputFile();
+  /// Writes the summary line of a download that the end of the program cuts short, while its file is still open.
+  void SummariseAtClose();
   /// The raw file's number in trace lines, 0 while it is closed.
   [[nodiscard]] int OutputFileNumber() const;
 

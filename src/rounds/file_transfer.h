@@ -42,6 +42,9 @@ class FileTransfer {
   };
   explicit FileTransfer(const Parts& av_Parts) : p_(av_Parts) {}
 
+  /// One message box at most while it lives, where the round goes on past files that fail.
+  [[nodiscard]] Messages::OneBox OneBox() const { return Messages::OneBox(p_.messages, GoesOn(p_.form, p_.flags)); }
+
   /// A step over files begins.
   void BeginStep() { p_.tries.Begin(); }
   /// Zips a unit's file where that is switched on, and sends it; only the FTP destination sends anything.

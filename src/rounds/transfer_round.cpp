@@ -46,7 +46,7 @@ void TransferRound::SendMarked(UnitSpan av_Units, std::int64_t al_Count, std::in
   p_.link.UserCancel = p_.flags.closing;
   BeginRun("Send files...", al_Count);
   const std::size_t first = p_.results.All().size();
-  const Messages::OneBox one_box(p_.messages, GoesOn(p_.form, p_.flags));
+  const Messages::OneBox one_box = p_.transfer.OneBox();
   p_.transfer.BeginStep();
   const bool went_on = SendEach(av_Units, ai_Destination);
   if (!Cancelled(p_.link, p_.flags)) p_.trace.Status("Finished...");
@@ -89,7 +89,7 @@ bool TransferRound::FetchAllUnits(bool ab_All, std::int32_t al_Source) {
   const BusyPointer busy(p_.form.Frm_Main);
   BeginRun("Get files...", static_cast<std::int64_t>(wanted.size()));
   const std::size_t first = p_.results.All().size();
-  const Messages::OneBox one_box(p_.messages, GoesOn(p_.form, p_.flags));
+  const Messages::OneBox one_box = p_.transfer.OneBox();
   p_.transfer.BeginStep();
   const bool arrived = FetchEach(wanted, al_Source);
   if (!Cancelled(p_.link, p_.flags)) p_.trace.Status("Finished...");

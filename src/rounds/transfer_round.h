@@ -38,7 +38,6 @@ class TransferRound {
     FileResults& results;
     EventLoop& loop;
     ProgressBars& bars;
-    Messages& messages;
     Trace& trace;
   };
   explicit TransferRound(const Parts& av_Parts) : p_(av_Parts) {}
