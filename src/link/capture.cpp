@@ -61,7 +61,7 @@ void DownloadCapture::AcceptHeader() {
   } else {
     p_.bars.Download.Initialise(p_.link.LinesExpected);
   }
-  if (!OpenOutputFile()) p_.link.UserCancel = true;
+  OpenOutputFile();
 }
 
 void DownloadCapture::TakeDataLine() {
@@ -70,7 +70,7 @@ void DownloadCapture::TakeDataLine() {
   } else if (!p_.download.Output.IsOpen()) {
     Abort("Linecount=" + std::to_string(p_.link.LineCount) + " but output file not opened" +
           std::string(line_.items_text));
-    p_.link.UserCancel = true;
+    p_.link.UserCancel = !GoesOn(p_.form, p_.flags);
   } else if (EqualsNoCase(line_.items_text, "OK")) {
     TakeOk();
   } else if (static_cast<std::int64_t>(line_.items.size()) == p_.download.ItemsPerLine && line_.checksum_good) {
@@ -125,7 +125,7 @@ bool DownloadCapture::StoreReading() {
   output_line_ += kLineBreak;
   const Status written = p_.download.Output.Write(output_line_);
   if (!written.ok()) {
-    FailDownload(written.text());
+    FailWriting(written.text());
     return false;
   }
   ++p_.download.Tally.stored;
@@ -197,29 +197,32 @@ void DownloadCapture::Abort(const std::string& as_Error) {
   p_.download.SavingData = false;
 }
 
-void DownloadCapture::FailDownload(const std::string& as_Reason) {
-  const std::string error = "The raw file " + p_.download.OutputFileName + " cannot be written (" + as_Reason +
-                            "). Make room on its disk or repair the disk; the unit is asked again for what is missing";
-  if (p_.link.HalvexError) {
-    p_.trace.AErrorReport(error);
-    return;
-  }
-  Abort(error);
-  p_.link.Fail(error);
-  p_.trace.Status(error, StatusKind::Error);
+void DownloadCapture::FailWriting(const std::string& as_Reason) {
+  FailDownload("The raw file " + p_.download.OutputFileName + " cannot be written (" + as_Reason +
+               "). Make room on its disk or repair the disk; the unit is asked again for what is missing");
 }
 
-bool DownloadCapture::OpenOutputFile() {
+void DownloadCapture::FailDownload(const std::string& as_Error) {
+  if (p_.link.HalvexError) {
+    p_.trace.AErrorReport(as_Error);
+    return;
+  }
+  Abort(as_Error);
+  p_.link.Fail(as_Error);
+  p_.trace.Status(as_Error, StatusKind::Error);
+}
+
+void DownloadCapture::OpenOutputFile() {
   try {
     OpenSteps();
-    return true;
   } catch (const RunTimeError& error) {
     p_.download.Output.Close();
     const std::string report = "The raw file " + p_.download.OutputFileName + " cannot be opened (" + error.what() +
                                "). Check its folder, its rights and the room on its disk";
+    if (GoesOn(p_.form, p_.flags)) return FailDownload(report);
     p_.trace.AErrorReport(report);
     p_.trace.Status(report, StatusKind::Error);
-    return false;
+    p_.link.UserCancel = true;
   }
 }
 
@@ -244,7 +247,7 @@ void DownloadCapture::SyncOutput() {
   const std::int64_t taken_back = p_.download.Output.taken_back();
   const Status synced = p_.download.Output.Sync();
   p_.download.Tally.stored -= p_.download.Output.taken_back() - taken_back;
-  if (!synced.ok()) FailDownload(synced.text());
+  if (!synced.ok()) FailWriting(synced.text());
 }
 
 void DownloadCapture::CloseOutputFile() {

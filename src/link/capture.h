@@ -69,11 +69,13 @@ class DownloadCapture {
   [[nodiscard]] bool KeepBadLine(std::string_view as_Reason, std::string_view as_Line);
   /// Reports the error, stops the unit and saves nothing more of this download.
   void Abort(const std::string& as_Error);
-  [[nodiscard]] bool OpenOutputFile();
+  /// Opens the raw file; where that fails, the session ends, or only this download when the round goes on.
+  void OpenOutputFile();
   void OpenSteps();
   void SyncOutput();
   /// The raw file cannot be written: the download counts as failed, so that the readings are asked for again.
-  void FailDownload(const std::string& as_Reason);
+  void FailWriting(const std::string& as_Reason);
+  void FailDownload(const std::string& as_Error);
   /// A decision trace of `as_What` and the items text, built only when it is wanted.
   void TraceItems(std::string_view as_What);
 

@@ -97,8 +97,8 @@ UnitAttempts::Outcome UnitAttempts::TakeError(AttemptCounts& av_Counts, std::int
   p_.registry.Units[al_Index].Problem = true;
   p_.trace.TraceDecision("  -so TryAgain: True");
   p_.link.HalvexError = false;
-  // A failure on this side of the line is no answer.
-  if (p_.link.ResultCode != kCommsErrorResult) av_Counts.silent_in_a_row = 0;
+  // A failure on this side of the line is no answer, but one may have come before it.
+  if (p_.link.ResultCode != kCommsErrorResult || p_.link.DataPhase) av_Counts.silent_in_a_row = 0;
   return Outcome::Failed;
 }
 
