@@ -4,6 +4,7 @@
 
 #include "base/files.h"
 #include "base/format.h"
+#include "base/numbers.h"
 #include "base/text.h"
 #include "data/raw_line.h"
 
@@ -13,6 +14,7 @@ namespace {
 constexpr std::int64_t kBlockBytes = std::int64_t{64} * 1024;
 constexpr std::int64_t kMostToCut = std::int64_t{64} * 1024;
 constexpr std::size_t kFewestHeaderItems = 6;
+constexpr std::size_t kSiteIDItem = 1;
 
 std::string BlockOf(const std::string& as_File, std::int64_t al_Begin, std::int64_t al_End) {
   std::string block;
@@ -113,6 +115,18 @@ bool IsRightHeader(std::string_view as_Line) {
   RawLine line;
   SplitLine(as_Line, line);
   return line.checksum_good && line.items.size() >= kFewestHeaderItems && !ParseReadingDate(line.items[0]);
+}
+
+std::optional<std::string> SiteIDOf(std::string_view as_Line) {
+  if (!IsRightHeader(as_Line)) return std::nullopt;
+  RawLine line;
+  SplitLine(as_Line, line);
+  return std::string(line.items[kSiteIDItem]);
+}
+
+bool IsSameSiteID(std::string_view as_One, std::string_view as_Other) {
+  const auto one = ParseNumber(as_One);
+  return Trim(as_One) == Trim(as_Other) || (one && one == ParseNumber(as_Other));
 }
 
 bool ReplaceFirstLine(const std::string& as_File, std::string_view as_Header, const std::function<bool()>& av_Poll) {

@@ -60,6 +60,10 @@ class RawHoles {
 [[nodiscard]] std::string FirstLineOf(const std::string& as_File);
 /// True for a framed header line with a right checksum, which is what stands on line 1 of a raw file.
 [[nodiscard]] bool IsRightHeader(std::string_view as_Line);
+/// The SiteID that a right header tells; none for any other line.
+[[nodiscard]] std::optional<std::string> SiteIDOf(std::string_view as_Line);
+/// True for two texts of one SiteID: the same text, or the same number.
+[[nodiscard]] bool IsSameSiteID(std::string_view as_One, std::string_view as_Other);
 /// Puts `as_Header` in the place of line 1: the whole file is written anew, brought to the disk and renamed.
 ///
 /// `av_Poll` runs after each block; it may yield, and by returning false lets all stay as it is (the result is then

@@ -1,5 +1,7 @@
 #include "link/capture.h"
 
+#include <utility>
+
 #include "base/file_numbers.h"
 #include "base/format.h"
 #include "base/numbers.h"
@@ -13,6 +15,11 @@ namespace {
 constexpr std::size_t kFewestHeaderItems = 6;
 constexpr std::int64_t kShortestRawFile = 20;
 constexpr std::int64_t kSyncMilliseconds = 5000;
+constexpr std::string_view kStoredAllTheSame =
+    ". Its readings are stored there. If the unit was renumbered or exchanged, enter its new ID or move that file away";
+constexpr std::string_view kRefused =
+    ". Nothing of it is stored. If the unit was renumbered or exchanged, enter its new ID or move that file away: until "
+    "then no download of this unit is stored";
 
 }  // namespace
 
@@ -44,6 +51,7 @@ void DownloadCapture::TakeHeader() {
 
 void DownloadCapture::AcceptHeader() {
   TraceItems("HEADER> ");
+  if (RefuseOtherUnit()) return;
   p_.download.HeaderLine = line_.items_text;
   p_.download.FramedHeader = p_.link.ReplyLine;
   p_.form.Lbl_HeaderLine.SetText(p_.download.HeaderLine);
@@ -62,6 +70,23 @@ void DownloadCapture::AcceptHeader() {
     p_.bars.Download.Initialise(p_.link.LinesExpected);
   }
   OpenOutputFile();
+}
+
+bool DownloadCapture::RefuseOtherUnit() {
+  const std::string& file = p_.download.OutputFileName;
+  const auto& own = p_.download.OwnSiteID;
+  if (!own || IsSameSiteID(*own, line_.items[1])) return false;
+  const bool refused = GoesOn(p_.form, p_.flags);
+  const std::string report = "The unit answers with SiteID \"" + std::string(line_.items[1]) + "\", but line 1 of " +
+                             file + " has \"" + *own + "\"" + std::string(refused ? kRefused : kStoredAllTheSame);
+  p_.download.Tally.AddProblem(report);
+  if (std::exchange(other_unit_named_[file], p_.download.Round) == p_.download.Round) {
+    p_.trace.TraceDecision(report);
+  } else {
+    p_.trace.AErrorReport(report);
+  }
+  if (refused) StopUnit();
+  return refused;
 }
 
 void DownloadCapture::TakeDataLine() {
@@ -193,6 +218,10 @@ bool DownloadCapture::KeepBadLine(std::string_view as_Reason, std::string_view a
 
 void DownloadCapture::Abort(const std::string& as_Error) {
   p_.trace.AErrorReport(as_Error);
+  StopUnit();
+}
+
+void DownloadCapture::StopUnit() {
   p_.writer.SendEscape();
   p_.download.SavingData = false;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -53,6 +54,8 @@ class DownloadCapture {
  private:
   void TakeHeader();
   void AcceptHeader();
+  /// Reports a header with another SiteID than the raw file's own has; true when the download ends with it.
+  [[nodiscard]] bool RefuseOtherUnit();
   void TakeDataLine();
   void TakeOk();
   /// Reports a download that ends with fewer lines than its header announced, or with lost ones.
@@ -69,6 +72,7 @@ class DownloadCapture {
   [[nodiscard]] bool KeepBadLine(std::string_view as_Reason, std::string_view as_Line);
   /// Reports the error, stops the unit and saves nothing more of this download.
   void Abort(const std::string& as_Error);
+  void StopUnit();
   /// Opens the raw file; where that fails, the session ends, or only this download when the round goes on.
   void OpenOutputFile();
   void OpenSteps();
@@ -82,6 +86,7 @@ class DownloadCapture {
   Parts p_;
   RawLine line_;
   std::string output_line_;
+  std::map<std::string, std::int64_t> other_unit_named_;  ///< in which round, by raw file
   /// runs while readings are written that are not yet on the disk
   std::unique_ptr<Timer> sync_timer_ = p_.loop.MakeTimer([this] { SyncOutput(); });
 };

@@ -43,6 +43,7 @@ void RawKeeper::Prepare(std::int32_t al_Unit) {
   CreatePath(FolderOf(p_.download.OutputFileName));
   const LastDateResult last = GetLastDate(p_.download.OutputFileName);
   p_.download.LastDate = last.last_date;
+  p_.download.OwnSiteID = SiteIDOf(FirstLineOf(p_.download.OutputFileName));
   if (GoesOn(p_.form, p_.flags)) {
     p_.bad_lines.BeginDownload(p_.download.OutputFileName, last.line_text, p_.download.Round);
   }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -85,6 +86,7 @@ struct DownloadState {
   bool SavingData = false;
   SyncedFile Output;  ///< the open raw file
   std::string OutputFileName;
+  std::optional<std::string> OwnSiteID;  ///< of the raw file's own right header, none where it has none
   DateTime LastDate;           ///< last reading already stored, none when there is none
   DownloadTally Tally;         ///< of the present command
   std::int64_t Round = 0;      ///< tells the rounds of this run of the program apart
