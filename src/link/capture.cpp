@@ -18,7 +18,8 @@ constexpr std::int64_t kSyncMilliseconds = 5000;
 constexpr std::string_view kStoredAllTheSame =
     ". Its readings are stored there. If the unit was renumbered or exchanged, enter its new ID or move that file away";
 constexpr std::string_view kRefused =
-    ". Nothing of it is stored. If the unit was renumbered or exchanged, enter its new ID or move that file away: until "
+    ". Nothing of it is stored. If the unit was renumbered or exchanged, enter its new ID or move that file away: "
+    "until "
     "then no download of this unit is stored";
 
 }  // namespace
@@ -95,7 +96,7 @@ void DownloadCapture::TakeDataLine() {
   } else if (!p_.download.Output.IsOpen()) {
     Abort("Linecount=" + std::to_string(p_.link.LineCount) + " but output file not opened" +
           std::string(line_.items_text));
-    p_.link.UserCancel = !GoesOn(p_.form, p_.flags);
+    if (!GoesOn(p_.form, p_.flags)) p_.link.UserCancel = true;
   } else if (EqualsNoCase(line_.items_text, "OK")) {
     TakeOk();
   } else if (static_cast<std::int64_t>(line_.items.size()) == p_.download.ItemsPerLine && line_.checksum_good) {

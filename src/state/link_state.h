@@ -87,9 +87,9 @@ struct DownloadState {
   SyncedFile Output;  ///< the open raw file
   std::string OutputFileName;
   std::optional<std::string> OwnSiteID;  ///< of the raw file's own right header, none where it has none
-  DateTime LastDate;           ///< last reading already stored, none when there is none
-  DownloadTally Tally;         ///< of the present command
-  std::int64_t Round = 0;      ///< tells the rounds of this run of the program apart
+  DateTime LastDate;                     ///< last reading already stored, none when there is none
+  DownloadTally Tally;                   ///< of the present command
+  std::int64_t Round = 0;                ///< tells the rounds of this run of the program apart
   bool ClockDoubtful = false;  ///< this computer's clock may be wrong: readings to come are stored as they are
 };
 
