@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "base/files.h"
+#include "base/replacement_file.h"
 #include "curl/listing_search.h"
 #include "posix/run_aside.h"
 

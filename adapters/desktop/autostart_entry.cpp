@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "base/files.h"
+#include "base/replacement_file.h"
 #include "base/text.h"
 
 namespace corvane {

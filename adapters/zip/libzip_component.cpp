@@ -7,6 +7,7 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/replacement_file.h"
 #include "base/text.h"
 #include "posix/run_aside.h"
 #include "zip/zip_reader.h"

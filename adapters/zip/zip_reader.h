@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "base/files.h"
+#include "base/replacement_file.h"
 #include "zip/zip_run.h"
 
 namespace corvane {

@@ -20,6 +20,7 @@
 #include "app/application.h"
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/replacement_file.h"
 #include "curl/curl_internet_client.h"
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"

@@ -6,6 +6,7 @@
 
 #include "base/files.h"
 #include "base/numbers.h"
+#include "base/replacement_file.h"
 #include "base/text.h"
 
 namespace corvane {

@@ -160,6 +160,14 @@ Status RotateFile(const std::string& path, int kept) {
   return Status::Ok();
 }
 
+Status FollowLink(const std::string& path, std::string& target) {
+  if (Status full = CheckFullPath(path); !full.ok()) return full;
+  if (Status own = CheckLink(path); !own.ok()) return own;
+  std::error_code failed;
+  target = std::filesystem::canonical(path, failed).string();
+  return failed ? Status::FromErrno(path, failed.value()) : Status::Ok();
+}
+
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit) {
   contents.clear();
   int number = -1;
@@ -176,13 +184,6 @@ Status ReadFile(const std::string& path, std::string& contents, std::int64_t lim
   if (contents.size() <= most) return Status::Ok();
   contents.clear();
   return {EFBIG, path + ": the file is larger than " + std::to_string(limit) + " bytes"};
-}
-
-Status WriteFileAtomically(const std::string& path, std::string_view contents, unsigned mode) {
-  ReplacementFile file(path, mode);
-  if (Status opened = file.Open(); !opened.ok()) return opened;
-  file.buffer() = contents;
-  return file.Commit();
 }
 
 OutputFile::~OutputFile() {
@@ -228,6 +229,14 @@ Status OutputFile::Write(std::string_view text) {
   return Status::FromErrno(path_, error);
 }
 
+Status OutputFile::TakeOwnerAndMode(const std::string& path) {
+  struct stat found {};
+  if (stat(path.c_str(), &found) != 0) return Status::FromErrno(path, errno);
+  // Only root may give files away.
+  static_cast<void>(!fchown(descriptor_, found.st_uid, found.st_gid));
+  return fchmod(descriptor_, found.st_mode & 07777U) == 0 ? Status::Ok() : Status::FromErrno(path_, errno);
+}
+
 Status OutputFile::Sync() {
   if (descriptor_ < 0) return {EBADF, "no file is open"};
   if (fdatasync(descriptor_) == 0 || errno == EINVAL || errno == EROFS) return Status::Ok();
@@ -236,48 +245,6 @@ Status OutputFile::Sync() {
 
 void OutputFile::Close() {
   if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
-}
-
-ReplacementFile::ReplacementFile(std::string path, unsigned mode)
-    : path_(std::move(path)), temporary_(path_ + ".part"), mode_(mode), older_(std::exchange(newest_, this)) {}
-
-ReplacementFile::~ReplacementFile() {
-  ReplacementFile** link = &newest_;
-  while (*link != this) link = &(*link)->older_;
-  *link = older_;
-  Discard();
-}
-
-void ReplacementFile::Discard() {
-  if (!file_.IsOpen()) return;
-  file_.Close();
-  unlink(temporary_.c_str());
-}
-
-void ReplacementFile::RemoveUnfinished() {
-  for (ReplacementFile* file = newest_; file != nullptr; file = file->older_) file->Discard();
-}
-
-Status ReplacementFile::Open() {
-  // One that a kill left behind may have other permissions.
-  if (CheckFullPath(temporary_).ok()) unlink(temporary_.c_str());
-  failure_ = Status::Ok();
-  return file_.Create(temporary_, mode_);
-}
-
-Status ReplacementFile::Flush() {
-  if (failure_.ok()) failure_ = file_.Write(buffer_);
-  buffer_.clear();
-  return failure_;
-}
-
-Status ReplacementFile::Commit() {
-  Status status = Flush();
-  if (status.ok()) status = file_.Sync();
-  if (!status.ok()) return status;
-  if (rename(temporary_.c_str(), path_.c_str()) != 0) return Status::FromErrno(path_, errno);
-  file_.Close();
-  return SyncFolderOf(path_);
 }
 
 LineReader::LineReader() : block_(std::make_unique<char[]>(kBlockSize)) {}

@@ -45,17 +45,14 @@ Status MakeFolder(const std::string& path);
 Status RemoveFile(const std::string& path);
 /// Lets `second` be another name of the file `path`, in place of what bears it; where there are no such names, a copy.
 Status GiveSecondName(const std::string& path, const std::string& second);
+/// What `path` leads to, all links followed. A link that another user made is refused.
+Status FollowLink(const std::string& path, std::string& target);
 /// Reads a whole file of at most `limit` bytes; a longer one fails.
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit);
 /// Lets a log go over to another file: `path` becomes `path`.1, that one .2 and so on; `kept` of them stay.
 ///
 /// After a failure `path` is where it was.
 Status RotateFile(const std::string& path, int kept);
-
-/// Writes `contents` to a `ReplacementFile` and puts it in place: temporary file, sync, rename, sync of the folder.
-///
-/// `mode` is the permission of the file. After a failure the old file is whole and the temporary one is gone.
-Status WriteFileAtomically(const std::string& path, std::string_view contents, unsigned mode = 0644);
 
 /// A file being written, unbuffered: a `Write` that succeeded has reached the kernel.
 class OutputFile {
@@ -74,6 +71,8 @@ class OutputFile {
   [[nodiscard]] const std::string& path() const { return path_; }
   /// Writes all of `text`. When the device takes only a part of it (full disk), the part is taken back and it fails.
   Status Write(std::string_view text);
+  /// Takes over the permissions of the file `path` and, where that can be, its owner.
+  Status TakeOwnerAndMode(const std::string& path);
   /// Waits until what was written is on the disk.
   Status Sync();
   /// Closes without syncing; does nothing when closed.
@@ -84,43 +83,6 @@ class OutputFile {
 
   int descriptor_ = -1;
   std::string path_;
-};
-
-/// A file that appears under its name only when it is whole: written as "<name>.part", renamed by `Commit`.
-///
-/// Buffered. Destroyed without `Commit`, it leaves nothing behind and the old file as it was.
-class ReplacementFile {
- public:
-  explicit ReplacementFile(std::string path, unsigned mode = 0644);
-  ~ReplacementFile();
-  ReplacementFile(const ReplacementFile&) = delete;
-  ReplacementFile& operator=(const ReplacementFile&) = delete;
-
-  Status Open();
-  /// The buffer to append to; call `FlushWhenFull` after each row.
-  std::string& buffer() { return buffer_; }
-  /// Hands the buffer to the kernel once it holds 64 kB or more.
-  Status FlushWhenFull() { return buffer_.size() < kFlushSize ? Status::Ok() : Flush(); }
-  /// Flushes, syncs and renames over the final name.
-  Status Commit();
-
-  /// Takes away what every file not committed has so far: the process ends without destroying them.
-  static void RemoveUnfinished();
-
- private:
-  static constexpr std::size_t kFlushSize = 64 * 1024;
-
-  Status Flush();
-  void Discard();
-
-  std::string path_;
-  std::string temporary_;
-  unsigned mode_;
-  std::string buffer_;
-  OutputFile file_;
-  ReplacementFile* older_;                           ///< the one that was made before this one
-  static inline ReplacementFile* newest_ = nullptr;  ///< needs no construction: the end of the process asks for it
-  Status failure_;                                   ///< the first write that failed; nothing is committed after it
 };
 
 /// Reads a text file line by line in blocks, with bounded memory whatever the file's size.

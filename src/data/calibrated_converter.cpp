@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "base/format.h"
 #include "base/paths.h"
+#include "base/replacement_file.h"
 #include "base/text.h"
 #include "data/raw_line.h"
 #include "ui/mouse_pointer.h"

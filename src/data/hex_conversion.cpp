@@ -6,6 +6,7 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/replacement_file.h"
 #include "base/text.h"
 #include "data/poll_pace.h"
 #include "ui/mouse_pointer.h"

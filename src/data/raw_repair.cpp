@@ -5,6 +5,7 @@
 #include "base/files.h"
 #include "base/format.h"
 #include "base/numbers.h"
+#include "base/replacement_file.h"
 #include "base/text.h"
 #include "data/raw_line.h"
 
@@ -132,7 +133,7 @@ bool IsSameSiteID(std::string_view as_One, std::string_view as_Other) {
 bool ReplaceFirstLine(const std::string& as_File, std::string_view as_Header, const std::function<bool()>& av_Poll) {
   const auto info = ExamineFile(as_File);
   ReplacementFile file(as_File);
-  Require(file.Open());
+  Require(file.OpenInPlace());
   file.buffer() = std::string(as_Header) + std::string(kLineBreak);
   bool in_first = true;
   for (std::int64_t at = 0; info && at < info->size;) {

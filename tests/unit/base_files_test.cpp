@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/paths.h"
+#include "base/replacement_file.h"
 #include "support/small_disk.h"
 #include "support/temp_folder.h"
 
@@ -141,13 +142,24 @@ TEST(ReplacementFiles, AreTakenAwayAtAnEndThatDestroysNothing) {
   EXPECT_FALSE(a.Commit().ok()) << "what was taken away cannot be put in place";
 }
 
-TEST(ReplacementFiles, BringTheirOwnPermissionsAndReportWhatCannotBeReplaced) {
+TEST(ReplacementFiles, BringTheirOwnPermissionsOrKeepThoseInPlace) {
   const TempFolder folder;
   const std::string path = folder.Write("corvane.ini", "old");
   fs::permissions(folder.Write("corvane.ini.part", ""), fs::perms(0644));
   ASSERT_TRUE(WriteFileAtomically(path, "new", 0600).ok());
   EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600));
   EXPECT_EQ(folder.Read("corvane.ini"), "new");
+  fs::permissions(path, fs::perms(0640));
+  fs::create_symlink(path, folder.Name("link"));
+  {
+    ReplacementFile file(folder.Name("link"));
+    ASSERT_TRUE(file.OpenInPlace().ok());
+    file.buffer() = "in place";
+    ASSERT_TRUE(file.Commit().ok());
+  }
+  EXPECT_TRUE(fs::is_symlink(folder.Name("link")));
+  EXPECT_EQ(folder.Read("corvane.ini"), "in place");
+  EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
   fs::create_directory(folder.Name("sub"));
   EXPECT_EQ(WriteFileAtomically(folder.Name("sub"), "x").code(), EISDIR);
   EXPECT_FALSE(fs::exists(folder.Name("sub.part")));
