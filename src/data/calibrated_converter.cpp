@@ -9,6 +9,7 @@
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "base/text.h"
+#include "data/poll_pace.h"
 #include "data/raw_line.h"
 #include "ui/mouse_pointer.h"
 
@@ -18,8 +19,6 @@ namespace {
 enum WhichReadings : int { kAllReadings = 0, kLogAt = 1 };
 constexpr int kAverageBetweenLogs = 1;
 constexpr float kLargestCorrection = 50;
-constexpr std::int64_t kMillisecondsBetweenPolls = 20;
-constexpr std::int64_t kLinesBetweenClockReadings = 256;
 constexpr double kBytesPerField = 5;  // about, for the progress bar
 
 float HeldCorrection(float ad_Factor) {
@@ -38,25 +37,24 @@ std::string CalibratedNameOf(const std::string& as_RawFile, const std::string& a
 }  // namespace
 
 struct CalibratedConverter::Run {
-  Run(const std::string& as_Calibrated, const CalibrationSettings& av_Settings, Lookups& av_Lookups)
-      : Output(as_Calibrated), Rows(av_Settings, av_Lookups) {}
+  Run(const std::string& as_Calibrated, const CalibrationSettings& av_Settings, Lookups& av_Lookups, EventLoop& av_Loop)
+      : Output(as_Calibrated), Rows(av_Settings, av_Lookups), Pace(av_Loop) {}
 
   LineReader Raw;
   ReplacementFile Output;
   Calibration Rows;
+  PollPace Pace;
   std::optional<LoggingSchedule> Schedule;  ///< none: every reading is wanted
   std::int64_t RawSize = 0;
   std::int64_t Lines = 0;      ///< of any kind
   std::int64_t TornLines = 0;  ///< without a line end: the last one, or none
   std::int64_t DataLines = 0;  ///< of the right width
-  std::int64_t NextPoll = 0;
   bool DateSeen = false;
   bool HeaderWritten = false;
 };
 
 bool CalibratedConverter::ConvertToCalibrated(const std::string& as_RawFile) {
   const BusyPointer busy(p_.form.Frm_Main);
-  p_.flags.converting = true;
   readings_.reset();
   p_.trace.Status("Convert: " + as_RawFile);
   bool finished = true;
@@ -72,14 +70,14 @@ bool CalibratedConverter::ConvertToCalibrated(const std::string& as_RawFile) {
     p_.messages.Show("Cannot find: " + as_RawFile, "Cannot find");
   }
   TraceFinish(raw_info.has_value());
-  p_.flags.converting = false;
   p_.bars.Download.Clear();
   p_.form.Lbl_Status.SetText("");
   return finished;
 }
 
 bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_t al_RawSize) {
-  Run run(CalibratedNameOf(as_RawFile, p_.form.Txt_CalibratedFileExtension.text()), ReadSettings(), p_.lookups);
+  Run run(CalibratedNameOf(as_RawFile, p_.form.Txt_CalibratedFileExtension.text()), ReadSettings(), p_.lookups,
+          p_.loop);
   run.Schedule = ReadSchedule();
   run.RawSize = al_RawSize;
   Require(run.Raw.Open(as_RawFile));
@@ -89,7 +87,7 @@ bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_
   while (run.Raw.Next(line)) {
     TakeLine(run, line);
     Require(run.Output.FlushWhenFull());
-    if (!GoOn(run)) return false;
+    if (run.Pace.Step() && p_.flags.closing) return false;
   }
   Require(run.Raw.status());
   Require(run.Output.Commit());
@@ -160,15 +158,6 @@ void CalibratedConverter::TakeReading(Run& av_Run, std::string_view as_Line) {
   if (!av_Run.HeaderWritten) av_Run.Rows.AppendHeader(out);
   av_Run.HeaderWritten = true;
   av_Run.Rows.AppendRow(out, *when);
-}
-
-bool CalibratedConverter::GoOn(Run& av_Run) {
-  if (av_Run.Lines % kLinesBetweenClockReadings != 0) return true;
-  if (p_.loop.MonotonicMilliseconds() >= av_Run.NextPoll) {
-    p_.loop.Poll();
-    av_Run.NextPoll = p_.loop.MonotonicMilliseconds() + kMillisecondsBetweenPolls;
-  }
-  return !p_.flags.closing;
 }
 
 void CalibratedConverter::TraceFinish(bool ab_Opened) {

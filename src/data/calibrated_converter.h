@@ -57,8 +57,6 @@ class CalibratedConverter {
   void TakeLine(Run& av_Run, std::string_view as_Line);
   void TakeHeader(Run& av_Run, std::string_view as_Line);
   void TakeReading(Run& av_Run, std::string_view as_Line);
-  /// Handles events about every 20 ms; false when the program closes.
-  [[nodiscard]] bool GoOn(Run& av_Run);
   void TraceFinish(bool ab_Opened);
 
   Parts p_;

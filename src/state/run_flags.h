@@ -19,12 +19,11 @@ enum class Recovery : std::uint8_t {
 
 /// Flags of the running program that several classes read.
 struct RunFlags {
-  bool automatic_run = false;    ///< an automatic download runs ("/D", the schedule or the console)
-  bool closing = false;          ///< the close was asked for: loops unwind
-  bool releasing = false;        ///< the close steps run: nothing has to unwind any more
-  bool ending_silently = false;  ///< ended by a signal or the session: no box is shown any more
-  bool loading = true;           ///< the window is still being created
-  bool converting = false;
+  bool automatic_run = false;         ///< an automatic download runs ("/D", the schedule or the console)
+  bool closing = false;               ///< the close was asked for: loops unwind
+  bool releasing = false;             ///< the close steps run: nothing has to unwind any more
+  bool ending_silently = false;       ///< ended by a signal or the session: no box is shown any more
+  bool loading = true;                ///< the window is still being created
   Recovery recovery = Recovery::Ask;  ///< set before the settings are loaded
   bool go_on_once = false;            ///< goes on past what fails until the program ends, whatever the settings say
   DateTime built;                     ///< when the program was built; none where that is not known

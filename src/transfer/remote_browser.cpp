@@ -101,11 +101,11 @@ std::function<void()> RemoteBrowser::NewFolder() {
 
 void RemoteBrowser::WorkIn(const std::string& as_Shown, const std::function<bool()>& av_Operation) {
   if (!as_Shown.empty()) p_.ftp.SetInitialFolder(as_Shown);
-  const bool there = p_.ftp.ConnectIfNotConnected() && !Cancelled() && p_.ftp.SetRemoteDirectory();
+  const bool there = p_.ftp.ConnectIfNotConnected() && !Cancelled(p_.link, p_.flags) && p_.ftp.SetRemoteDirectory();
   const bool well = there && av_Operation();
   const std::string problem = p_.form.Lbl_Status.text();
   CountProblem(well);
-  if (there && !Cancelled()) RefreshRemoteList();
+  if (there && !Cancelled(p_.link, p_.flags)) RefreshRemoteList();
   // What the listing wiped off.
   if (!well) p_.form.Lbl_Status.SetText(problem);
 }
@@ -157,11 +157,11 @@ void RemoteBrowser::CreateRemoteFolders() {
   std::vector<std::string> folders;
   for (const Client& client : p_.registry.Clients) folders.push_back(ToLower(WithSlashes(client.Folder)));
   // The initial folder first: the clients' folders belong nowhere else.
-  bool well = p_.ftp.ConnectIfNotConnected() && !Cancelled() && p_.ftp.SetRemoteDirectory();
+  bool well = p_.ftp.ConnectIfNotConnected() && !Cancelled(p_.link, p_.flags) && p_.ftp.SetRemoteDirectory();
   if (!well) return CountProblem(false);
   for (const std::string& folder : folders) {
     well = p_.ftp.CheckRemoteDirectory(folder) && well;
-    if (Cancelled()) return CountProblem(false);
+    if (Cancelled(p_.link, p_.flags)) return CountProblem(false);
     if (!p_.ftp.IsConnected()) break;
   }
   CountProblem(well);

@@ -58,7 +58,6 @@ class RemoteBrowser {
   void CountProblem(bool ab_Well);
   /// Runs `av_Operation` in the remote folder `as_Shown`, which a round may have left, and lists it anew.
   void WorkIn(const std::string& as_Shown, const std::function<bool()>& av_Operation);
-  [[nodiscard]] bool Cancelled() const { return p_.link.UserCancel || p_.flags.closing; }
   [[nodiscard]] std::string CurrentName() const;
 
   Parts p_;
