@@ -42,7 +42,8 @@ std::string Printable(std::string_view text) {
 }
 
 std::string SpreadsheetField(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
+  // Some readers take quotes off, also behind a blank.
+  const std::size_t first = text.find_first_not_of(" \"");
   const bool begins_so =
       first != std::string_view::npos && kRunBySpreadsheets.find(text[first]) != std::string_view::npos;
   return (begins_so && !ParseNumber(text) ? "'" : "") + Printable(text);

@@ -14,7 +14,7 @@ namespace corvane {
 [[nodiscard]] std::string Printable(std::string_view text);
 
 /// `text` fit for a field of a comma-separated file: as for a terminal, and with "'" before what a spreadsheet would
-/// run (text that begins with "=", "+", "-", "@" or a tab and is no number).
+/// run (text that begins with "=", "+", "-", "@" or a tab, behind blanks and double quotes, and is no number).
 [[nodiscard]] std::string SpreadsheetField(std::string_view text);
 
 }  // namespace corvane

@@ -91,6 +91,8 @@ TEST(Texts, AreShownCutAndSplit) {
       {Printable("\xC3\xA4\x1B\x9B\xC2\x9B\xE2\x80\xAE"), "\xC3\xA4[27]?[155]?"},
       {SpreadsheetField("=A1\r"), "'=A1[13]"},
       {SpreadsheetField(" @x"), "' @x"},
+      {SpreadsheetField("\"=A1\""), "'\"=A1\""},
+      {SpreadsheetField("\"a"), "\"a"},
       {SpreadsheetField("-1.5"), "-1.5"},
       {ZeroPadded(-7, 3), "-007"},
       {std::string(CutCharacters("\xC3\xA4\xC3\xB6\xC3\xBC", 2)), "\xC3\xA4\xC3\xB6"},
