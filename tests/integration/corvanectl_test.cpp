@@ -70,6 +70,7 @@ TEST_F(CorvanectlTest, OutputAndExitStatusTellWhatHappened) {
   home_.Write("faults.txt", "unit 2 download 1: error 2\nunit 2 download 4-9: silence\n");
   StartStation({"--readings", "20", "--advance", "3", "--script", home_.Name("faults.txt")});
   const std::string file = home_.Write("file", "");
+  home_.Write("odd/corvane.ini/no", "file");
   const std::tuple<Words, int, const char*, std::size_t> rows[] = {
       {{"--help"}, 0, "Exit status:", 0},
       {{"units"}, 0, "North", 0},
@@ -87,6 +88,7 @@ TEST_F(CorvanectlTest, OutputAndExitStatusTellWhatHappened) {
       {{"downlaod"}, 2, "there is no command", 78},
       {{"run"}, 3, "corvanectl run --automatic", 78},
       {{"--home", file, "download"}, 3, "cannot be used", 78},
+      {{"--home", home_.Name("odd"), "download"}, 3, "The settings cannot be read", 78},
       {{"--home", file, "units"}, 3, "is no folder", 78}};
   for (const auto& [arguments, status, says, readings] : rows) {
     EXPECT_EQ(Run(arguments), status) << says << "\n" << output_;

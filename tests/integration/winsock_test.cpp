@@ -1,5 +1,6 @@
 #include "transfer/c_winsock.h"
 
+#include <csignal>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -107,6 +108,22 @@ TEST_F(Winsock, ConnectsSendsReceivesAndSeesThePeerClose) {
   }
 }
 
+TEST_F(Winsock, APeerThatIsGoneEndsTheSendingAndNotTheProgram) {
+  static volatile std::sig_atomic_t signals = 0;
+  const auto before = std::signal(SIGPIPE, [](int) { signals = signals + 1; });
+  Listener server;
+  ASSERT_TRUE(client.SocketConnect("localhost", server.port, 2));
+  server.Accept();
+  socket.Send(std::string(20'000'000, 'x'));
+  ASSERT_EQ(shutdown(server.peer, SHUT_WR), 0);
+  EXPECT_TRUE(Reaches(SocketState::PeerClosing));
+  close(std::exchange(server.peer, -1));
+  EXPECT_TRUE(Reaches(SocketState::Error));
+  EXPECT_TRUE(Logs("Broken pipe"));
+  EXPECT_EQ(signals, 0);
+  std::signal(SIGPIPE, before);
+}
+
 TEST_F(Winsock, FailuresEndWithTheTimeOut) {
   const std::tuple<std::string, std::int32_t, std::string> rows[] = {
       {"127.0.0.1", 1, "Connection refused"},
@@ -126,7 +143,7 @@ TEST_F(Winsock, FailuresEndWithTheTimeOut) {
   EXPECT_FALSE(client.SocketConnect("localhost", 1, 0.05)) << "sockets may be destroyed while they resolve";
 }
 
-TEST_F(Winsock, SilenceEndsWithTheTimeOutAndAResetIsAnErrorAndNotASignal) {
+TEST_F(Winsock, SilenceEndsWithTheTimeOutAndAResetIsAnError) {
   Listener server;
   ASSERT_TRUE(client.SocketConnect("127.0.0.1", server.port, 2));
   FakeLoop fast;

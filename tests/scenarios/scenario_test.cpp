@@ -410,6 +410,11 @@ void Scenarios::AddGivens() {
   add("guide", [this](const Line& line) { world_.help = {line.rest + "contents", line.rest + "index"}; });
   add("full-disk", [this](const Line& line) { disk_ = std::make_unique<SmallDisk>(std::stoul(line.rest)); });
   add("failing-syncs", [](const Line& line) { failing_syncs = std::stoi(line.rest); });
+  add("failing-reads", [](const Line& line) {
+    const auto [error, count] = Cut(line.rest, " ");
+    read_error = error == "EMFILE" ? EMFILE : EIO;
+    failing_reads = std::stoi(count);
+  });
   add("unattended", [this](const Line&) { world_.dialogs.answer_plain_boxes = false; });
 }
 
@@ -437,6 +442,9 @@ void Scenarios::AddChecks() {
   add("folder", [this](const Line& line) { Require(line, Exists(line.rest), "is not there"); });
   add("owner-only", [this](const Line& line) {
     Require(line, fs::status(world_.home.Name(line.rest)).permissions() == fs::perms(0600), "others may use it");
+  });
+  add("synced", [this](const Line& line) {
+    Require(line, synced_folders.contains(world_.home.Name(line.rest)), "was not synced");
   });
   add("absent", [this](const Line& line) { Require(line, !Exists(line.rest), "is there"); });
   for (const bool has : {false, true}) {

@@ -1,6 +1,7 @@
 #include "support/sync_faults.h"
 
 #include <cerrno>
+#include <cstdarg>
 #include <string>
 
 #include <fcntl.h>
@@ -12,16 +13,54 @@ namespace {
 
 constexpr off_t kLostBytes = 8;
 
+std::string DescriptorLink(int descriptor) {
+  return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+std::string PathOf(int descriptor) {
+  char path[4096];
+  const ssize_t length = readlink(DescriptorLink(descriptor).c_str(), path, sizeof path);
+  return {path, static_cast<std::size_t>(length < 0 ? 0 : length)};
+}
+
+bool ReadFails(const std::string& path) {
+  if (!path.ends_with("/corvane.ini")) return false;
+  --corvane::test::failing_reads;
+  errno = corvane::test::read_error;
+  return true;
+}
+
 }  // namespace
 
-/// Stands before the system's own.
+/// These stand before the system's own.
+extern "C" int open(const char* path, int flags, ...) {
+  using namespace corvane::test;
+  if (failing_reads > 0 && read_error == EMFILE && (flags & O_ACCMODE) == O_RDONLY && ReadFails(path)) return -1;
+  va_list more;
+  va_start(more, flags);
+  const unsigned mode = (flags & O_CREAT) != 0 ? va_arg(more, unsigned) : 0;
+  va_end(more);
+  return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+}
+
+extern "C" ssize_t read(int descriptor, void* bytes, std::size_t length) {
+  using namespace corvane::test;
+  if (failing_reads > 0 && read_error != EMFILE && ReadFails(PathOf(descriptor))) return -1;
+  return syscall(SYS_read, descriptor, bytes, length);
+}
+
+extern "C" int fsync(int descriptor) {
+  corvane::test::synced_folders.insert(PathOf(descriptor));
+  return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+
 extern "C" int fdatasync(int descriptor) {
   using corvane::test::failing_syncs;
   if (failing_syncs == 0) return static_cast<int>(syscall(SYS_fdatasync, descriptor));
   --failing_syncs;
   struct stat found {};
   // What is opened for appending cannot be written over.
-  const int again = open(("/proc/self/fd/" + std::to_string(descriptor)).c_str(), O_WRONLY | O_CLOEXEC);
+  const int again = open(DescriptorLink(descriptor).c_str(), O_WRONLY | O_CLOEXEC);
   if (again >= 0 && fstat(again, &found) == 0 && found.st_size >= kLostBytes) {
     static_cast<void>(!pwrite(again, std::string(kLostBytes, '\0').data(), kLostBytes, found.st_size - kLostBytes));
   }

@@ -1,8 +1,16 @@
 #pragma once
 
+#include <set>
+#include <string>
+
 namespace corvane::test {
 
 /// How many of the next calls of `fdatasync` fail and lose the last bytes of their file, as a failing disk does.
 inline int failing_syncs = 0;
+/// How many of the next calls that read "corvane.ini" fail, and with which error; with EMFILE it cannot be opened.
+inline int failing_reads = 0;
+inline int read_error = 0;
+/// What was brought to the disk by `fsync`, which is used for folders.
+inline std::set<std::string> synced_folders;
 
 }  // namespace corvane::test
