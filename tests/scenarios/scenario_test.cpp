@@ -92,7 +92,7 @@ class Scenarios : public testing::TestWithParam<ScenarioCase> {
   };
   /// Something that `at` or `on` run later.
   struct Plan {
-    const Line& line;
+    Line line;
     bool ran = false;
   };
 
