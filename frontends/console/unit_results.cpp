@@ -67,9 +67,11 @@ std::string UnitResults::LinkResult(std::int64_t unit, std::int64_t last_tried) 
   // A round that goes on marks the unit that a cancel has hit: it need not be the last in the list.
   const bool ended_by_stop = stopped_ && (GoesOn(app_.form(), app_.flags()) ? record.Problem : unit == last_tried);
   if (record.Tries == 0) return app_.link().PortFailed ? "not asked: the port did not open" : "not asked";
-  if (!record.Problem && !ended_by_stop) return record.Brought.problem.empty() ? kOk : record.Brought.problem;
-  if (const std::string& failure = failures_.at(unit); !failure.empty()) return failure;
-  return ended_by_stop ? "cancelled" : "problem, see corvane.log";
+  const std::string& problem = record.Brought.problem;
+  if (!record.Problem && !ended_by_stop) return problem.empty() ? kOk : problem;
+  const std::string& failure = failures_.at(unit);
+  const std::string why = !failure.empty() ? failure : ended_by_stop ? "cancelled" : "problem, see corvane.log";
+  return problem.empty() ? why : why + "; " + problem;
 }
 
 std::optional<ConversionResult> UnitResults::ConversionOf(std::int64_t unit) const {

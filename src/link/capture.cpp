@@ -78,13 +78,16 @@ bool DownloadCapture::RefuseOtherUnit() {
   const auto& own = p_.download.OwnSiteID;
   if (!own || IsSameSiteID(*own, line_.items[1])) return false;
   const bool refused = GoesOn(p_.form, p_.flags);
-  const std::string report = "The unit answers with SiteID \"" + std::string(line_.items[1]) + "\", but line 1 of " +
-                             file + " has \"" + *own + "\"" + std::string(refused ? kRefused : kStoredAllTheSame);
-  p_.download.Tally.AddProblem(report);
+  const std::string other(line_.items[1]);
+  const std::string report = "The unit answers with SiteID \"" + other + "\", but line 1 of " + file + " has \"" +
+                             *own + "\"" + std::string(refused ? kRefused : kStoredAllTheSame);
+  p_.download.Tally.AddProblem("SiteID \"" + other + "\" instead of \"" + *own +
+                               "\": enter the unit's new ID or move away " + file);
   if (std::exchange(other_unit_named_[file], p_.download.Round) == p_.download.Round) {
     p_.trace.TraceDecision(report);
   } else {
     p_.trace.AErrorReport(report);
+    p_.trace.Status(report, StatusKind::Error);
   }
   if (refused) StopUnit();
   return refused;
