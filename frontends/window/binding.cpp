@@ -17,13 +17,17 @@
 namespace corvane::window {
 namespace {
 
-/// A label, or a group box that is only shown and hidden.
+/// A label, or a widget that is only shown and hidden. One with the property "roomWhenEmpty" off is there for a text.
 class LabelBinding : public Binding {
  public:
   LabelBinding(Label& label, QWidget& widget)
       : Binding(&widget), control_(label), label_(qobject_cast<QLabel*>(&widget)) {}
   void Show(Aspect aspect, std::size_t /*row*/) override {
-    if (aspect == Aspect::Value && label_ != nullptr) label_->setText(QString::fromStdString(control_.text()));
+    if (aspect != Aspect::Value || label_ == nullptr) return;
+    label_->setText(QString::fromStdString(control_.text()));
+    if (const QVariant room = label_->property("roomWhenEmpty"); room.isValid() && !room.toBool()) {
+      label_->setVisible(!control_.text().empty());
+    }
   }
 
  private:

@@ -42,6 +42,7 @@ void Application::Wire() {
   state_.slot.on_taken = [this] {
     state_.flags.problems = 0;
     report_.messages.StartRound();
+    link_.port.ForgetProblem();
     transfer_.ftp.SetCancel(false);
     transfer_rounds_.results.Clear();
     data_.conversion.ClearResults();

@@ -11,6 +11,7 @@ void Commands::Cancel() {
     p_.trace.Status("Cancel...");
     return;
   }
+  p_.port.ForgetProblem();
   if (p_.port.OpenPort(p_.port.LastIndex())) {
     p_.writer.SendEscape();
     p_.port.ClosePort();

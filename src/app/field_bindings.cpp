@@ -53,9 +53,7 @@ void FieldBindings::BindOtherFields() {
     // A round that begins takes the focus out of the field; what stands there may be half of an ID.
     if (!p_.slot.Taken()) p_.operations.TakeRelayIDs();
   };
-  form.Chk_Automatic.on_change = [this] {
-    p_.form.Lbl_NextIsOff.SetText(p_.form.Chk_Automatic.ticked() ? "" : "(off)");
-  };
+  form.Chk_Automatic.on_change = [this] { p_.form.Lbl_NextIsOff.SetVisible(!p_.form.Chk_Automatic.ticked()); };
   form.Chk_Automatic.on_change();
   form.Txt_MaxRetries.on_leave = [this] { p_.schedule.LimitMaxRetries(); };
 }

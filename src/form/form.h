@@ -41,6 +41,7 @@ struct Form : ControlRegistry {
 
   Window Frm_Main{*this, "Frm_Main"};
   Label Lbl_Status{*this, "Lbl_Status"};
+  Label Lbl_PortProblem{*this, "Lbl_PortProblem"};
   Button Cmd_Undo{*this, "Cmd_Undo"};
   ProgressBar Bar_Unit{*this, "Bar_Unit"};
   ProgressBar Bar_Download{*this, "Bar_Download"};
@@ -50,7 +51,7 @@ struct Form : ControlRegistry {
   Label Lbl_Now{*this, "Lbl_Now"};
   Label Lbl_LastDownload{*this, "Lbl_LastDownload"};
   Label Lbl_NextDownload{*this, "Lbl_NextDownload"};
-  Label Lbl_NextIsOff{*this, "Lbl_NextIsOff"};
+  Label Lbl_NextIsOff{*this, "Lbl_NextIsOff"};  ///< only shown and hidden, like `Lbl_NoAnswer`
   Button Cmd_Cancel{*this, "Cmd_Cancel"};
   Button Cmd_Close{*this, "Cmd_Close"};
 
@@ -84,6 +85,7 @@ struct Form : ControlRegistry {
   ControlArray<Button, 0, 1> Cmd_TestBaseUnit{*this, "Cmd_TestBaseUnit"};
   ControlArray<Button, 0, 1> Cmd_FindPort{*this, "Cmd_FindPort"};
   ControlArray<Label, 0, 1> Lbl_PortAnswer{*this, "Lbl_PortAnswer"};
+  ControlArray<Label, 0, 1> Lbl_NoAnswer{*this, "Lbl_NoAnswer"};
   ControlArray<TextField, 0, 2> Txt_Timeout{*this, "Txt_Timeout"};
   TextField Txt_MaxRetries{*this, "Txt_MaxRetries"};
   TextField Txt_MaxOveruns{*this, "Txt_MaxOveruns"};

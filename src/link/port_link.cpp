@@ -68,9 +68,14 @@ bool PortLink::OpenPort(std::int16_t ai_Index) {
   } catch (const RunTimeError& error) {
     p_.link.PortFailed = true;
     p_.trace.AErrorReport("OpenPort: " + step + " [" + error.what() + "]");
-    p_.trace.Status(std::string("The port did not open: ") + error.what(), StatusKind::Error);
+    TellProblem(std::string("The port did not open: ") + error.what());
     return false;
   }
+}
+
+void PortLink::TellProblem(const std::string& as_Problem) {
+  p_.form.Lbl_PortProblem.SetText(as_Problem);
+  p_.trace.Status(as_Problem, StatusKind::Error);
 }
 
 void PortLink::OpenSteps(std::int16_t ai_Index, std::string& as_Step) {
@@ -105,7 +110,7 @@ void PortLink::ReportGone(const std::string& as_Cause) {
   p_.link.PortFailed = true;
   const std::string report = "The port has gone: " + opened_ + ": " + as_Cause;
   p_.trace.AErrorReport(report);
-  p_.trace.Status(report, StatusKind::Error);
+  TellProblem(report);
 }
 
 void PortLink::EmptyBuffers() {

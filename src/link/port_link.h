@@ -42,9 +42,12 @@ class PortLink {
 
   /// Opens the port of a selector (0 radio, 1 hand-held); an index of 2 and more needs no port and succeeds.
   ///
-  /// A failure is an error line and a status line that say at which step and why.
+  /// A failure is an error line and a status line that say at which step and why. The reason also stands in
+  /// `Lbl_PortProblem`, where no later status takes its place.
   [[nodiscard]] bool OpenPort(std::int16_t ai_Index);
   void ClosePort();
+  /// Takes the reason away: something new begins.
+  void ForgetProblem() { p_.form.Lbl_PortProblem.SetText(""); }
   /// Opens the port that was opened last once more, with the settings that it had.
   [[nodiscard]] Status Reopen();
   /// Reports that the device of the port has gone, and why it could not be opened again.
@@ -74,6 +77,8 @@ class PortLink {
   std::function<void()> data_received;
 
  private:
+  /// Says in both places why there is no port.
+  void TellProblem(const std::string& as_Problem);
   void OpenSteps(std::int16_t ai_Index, std::string& as_Step);
   void TakeReceivedData();
   void ShowReceiveBuffer();

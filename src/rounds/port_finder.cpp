@@ -17,14 +17,18 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
 
 bool PortFinder::Probe(std::int16_t ai_Index) {
   const ScopedValue<bool> testing(p_.link.TestingPort, true);
-  Label& answer = p_.form.Lbl_PortAnswer[ai_Index];
-  answer.SetText("");
+  ShowSilence(ai_Index, false);
   if (!p_.port.OpenPort(ai_Index)) return false;
   p_.session.ProcessUnit(kTestBaseStation);
   const bool answered = p_.link.ContinueOk();
-  if (!answered && !p_.link.UserCancel) answer.SetText(p_.form.Cmb_Port[ai_Index].shown_text() + ": no answer");
+  if (!answered && !p_.link.UserCancel) ShowSilence(ai_Index, true);
   p_.port.ClosePort();
   return answered;
+}
+
+void PortFinder::ShowSilence(std::int16_t ai_Index, bool ab_Silent) {
+  p_.form.Lbl_PortAnswer[ai_Index].SetText(ab_Silent ? p_.form.Cmb_Port[ai_Index].shown_text() + ":" : "");
+  p_.form.Lbl_NoAnswer[ai_Index].SetVisible(ab_Silent);
 }
 
 bool PortFinder::FindPort(std::int16_t ai_Index) {
@@ -43,7 +47,9 @@ bool PortFinder::FindPort(std::int16_t ai_Index) {
     p_.trace.Status("Found Pelvaro unit on " + ports.shown_text());
   } else {
     ports.SelectByItemData(remembered);
-    p_.form.Lbl_PortAnswer[ai_Index].SetText("");
+    ShowSilence(ai_Index, false);
+    // That of the last number, which nobody chose.
+    p_.port.ForgetProblem();
     p_.trace.Status("Pelvaro not found");
   }
   p_.bars.Unit.Clear();

@@ -32,6 +32,8 @@ class PortFinder {
 
  private:
   bool Probe(std::int16_t ai_Index);
+  /// Says, or no longer says, that nothing came from the port.
+  void ShowSilence(std::int16_t ai_Index, bool ab_Silent);
 
   Parts p_;
 };
