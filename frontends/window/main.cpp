@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QSettings>
 
+#include "base/outside_text.h"
 #include "desktop/terminal.h"
 #include "posix/signal_watch.h"
 #include "state/app_info.h"
@@ -64,7 +65,7 @@ int main(int argc, char** argv) {
     const Options options = ParseOptions(Arguments(QCoreApplication::arguments()));
     return options.language_template ? PrintLanguageTemplate() : RunProgram(options);
   } catch (const UsageError& error) {
-    std::cerr << "corvane: " << error.what() << "\nTry: corvane --help\n";
+    std::cerr << "corvane: " << corvane::Printable(error.what()) << "\nTry: corvane --help\n";
     return kUsage;
   }
 }

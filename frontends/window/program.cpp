@@ -19,6 +19,7 @@
 
 #include "app/application.h"
 #include "base/files.h"
+#include "base/outside_text.h"
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "curl/curl_internet_client.h"
@@ -106,7 +107,7 @@ class Program {
  private:
   /// Says why the program does not start; where nobody may be there the box closes by itself. **Yields.**
   int Refuse(const std::string& why) {
-    std::cerr << why << "\n";
+    std::cerr << Printable(why) << "\n";
     bool answered = false;
     BoxContents contents;
     contents.title = kProductName;
@@ -232,7 +233,7 @@ int RunProgram(const Options& options) {
   try {
     return Program(options, ChooseApplicationFolder(options.home, PosixShell("corvane"))).Run();
   } catch (const RunTimeError& error) {
-    std::cerr << "corvane: " << error.what() << "\n";
+    std::cerr << "corvane: " << Printable(error.what()) << "\n";
     return kNotStarted;
   } catch (const std::bad_alloc&) {
     std::cerr << "corvane: there is not enough memory\n";

@@ -5,7 +5,9 @@
 #include <iostream>
 
 #include <QString>
+#include <QStringList>
 
+#include "base/outside_text.h"
 #include "window/program.h"
 
 namespace corvane::window {
@@ -17,7 +19,9 @@ std::atomic<bool> waiting_for_display = false;
 std::atomic<void (*)()> save_before_the_end = nullptr;
 
 void OnMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-  std::cerr << qFormatLogMessage(type, context, text).toStdString() << std::endl;
+  const QStringList lines = qFormatLogMessage(type, context, text).split('\n');
+  for (const QString& line : lines) std::cerr << Printable(line.toStdString()) << "\n";
+  std::cerr << std::flush;
   if (type == QtFatalMsg && waiting_for_display) {
     SayThereIsNoDisplay();
     std::_Exit(kNotStarted);
