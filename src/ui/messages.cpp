@@ -114,7 +114,7 @@ std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_
   }
   contents.default_position = DefaultPosition(al_Style);
   contents.icon = IconOf(al_Style);
-  const std::int64_t seconds = ai_Seconds == 0 ? kTimedBoxSeconds : ai_Seconds;
+  const std::int64_t seconds = ai_Seconds <= 0 ? kTimedBoxSeconds : ai_Seconds;
   contents.count_down = std::to_string(seconds);
   const int position = RunBox(contents, seconds, true);
   return position == 0 ? set.at_timeout : set.answers[static_cast<std::size_t>(position - 1)];

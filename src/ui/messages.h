@@ -67,9 +67,9 @@ class Messages {
   [[nodiscard]] std::optional<bool> AskTimed(std::string_view as_Text, std::int16_t ai_Seconds);
   /// Shows the timed message box, which answers itself after its count-down. **Yields.**
   ///
-  /// `al_Style` as `MessageStyle`; `ai_Seconds` 0 means 10. Returns a `MessageAnswer`. While the program is being
-  /// ended by a signal nothing is shown and the time-out answer returns at once. With a kind it is shown once for each
-  /// round where `Show` is.
+  /// `al_Style` as `MessageStyle`; `ai_Seconds` of 0 or less means 10. Returns a `MessageAnswer`. While the program is
+  /// being ended by a signal nothing is shown and the time-out answer returns at once. With a kind it is shown once for
+  /// each round where `Show` is.
   std::int32_t ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title = {},
                                 std::int16_t ai_Seconds = 0, std::string_view as_Kind = {});
   /// While it lives, where `ab_On`, what goes wrong is shown in one timed box, the first; the rest goes to the log.

@@ -112,7 +112,10 @@ TEST(TimedMessage, AnswersByPositionAndAtTheEndOfTheCountDown) {
       lower.dialogs.answers = {static_cast<int>(position)};
       EXPECT_EQ(lower.messages.ShowTimedMessage("?", row.style), row.by_position[position - 1]);
     }
-    EXPECT_EQ(lower.messages.ShowTimedMessage("?", row.style | kStopIcon | kSecondDefault), row.at_timeout);
+    // A time-out of 0 or less is none.
+    const auto seconds = static_cast<std::int16_t>(-row.style);
+    const std::int32_t style = row.style | kStopIcon | kSecondDefault;
+    EXPECT_EQ(lower.messages.ShowTimedMessage("?", style, {}, seconds), row.at_timeout);
     EXPECT_EQ(lower.dialogs.boxes.back().buttons.size(), row.by_position.size());
     EXPECT_EQ(lower.dialogs.boxes.back().icon, BoxIcon::Stop);
     EXPECT_EQ(lower.dialogs.boxes.back().default_position, 2);
