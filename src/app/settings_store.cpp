@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t kLongestValue = 126;  // characters
 constexpr std::string_view kEmptyValue = "null";
+constexpr int kKeptRecoveries = 3;  ///< that nobody answered for
 
 /// FNV-1a, 64 bits: tells one file from another, keeps no secret.
 std::uint64_t HashOf(std::string_view text) {
@@ -61,6 +62,10 @@ void SettingsStore::AnswerRecovery(bool ab_Use) {
 
 Status SettingsStore::WriteRecovery() {
   if (recovery_ == RecoveryState::Offered || !may_save_) return Status::Ok();
+  // Nobody has answered for that one either.
+  if (recovery_ == RecoveryState::Outdated) {
+    if (Status kept = RotateFile(RecoveryFile(), kKeptRecoveries); !kept.ok()) return kept;
+  }
   Status written = WriteFileAtomically(RecoveryFile(), recovery_head_ + profile_.Text(), kOwnerOnly);
   if (written.ok()) recovery_ = RecoveryState::Ours;
   return written;

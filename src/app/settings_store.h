@@ -57,7 +57,7 @@ class SettingsStore {
   [[nodiscard]] RecoveryState recovery() const { return recovery_; }
   /// Takes the values of the copy that is offered in place of the file's, or removes the copy.
   void AnswerRecovery(bool ab_Use);
-  /// Writes the present values as recovery copy; one that is offered stays instead.
+  /// Writes the present values as recovery copy; one that is offered stays instead, one of other settings is put aside.
   Status WriteRecovery();
   /// Writes the file in one atomic step; a failure shows its reason in the status line and "Cannot save INI file" once.
   /// **Yields** then. With the file whole, this program's recovery copy is removed.
