@@ -1,6 +1,7 @@
 #include "port_commands.h"
 
 #include "base/scoped_value.h"
+#include "list_commands.h"
 #include "units.h"
 
 namespace corvane::console {
@@ -64,6 +65,7 @@ int KeepSchedule(Desk& desk, const Options& options) {
                       ". Enter another with: corvanectl run --interval H:MM");
     return kNotStarted;
   }
+  if (options.recover && desk.app.recovery() != RecoveryState::None) (void)Recover(desk, options);
   const ScopedValue<std::function<void()>> rounds(desk.app.schedule().start_download, WithTable(desk));
   desk.app.life().OnWindowActivate("");
   desk.output.Line("Running in " + desk.app.app().Folder() + ", next download: " + form.Lbl_NextDownload.text());
