@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/numbers.h"
+#include "base/text.h"
 
 namespace corvane {
 
@@ -64,7 +65,21 @@ void RelayEditor::LetUnitsFollow() {
   if (back || (alone && p_.messages.Ask(question, p_.registry.FindRelay(change.to)->Name, kSecondDefault))) {
     return Refer(change.units, change.to, &Unit::RelayID, p_.form.Cmb_Relay);
   }
-  p_.messages.Show(units + (count == 1 ? " stays" : " stay") + " with the relay ID " + std::to_string(change.from));
+  TellWhatStays(change);
+}
+
+void RelayEditor::TellWhatStays(const Change& av_Change) {
+  const std::int64_t shown = p_.form.Lst_Units.current() + 1;
+  // The empty selector of the unit in the editor is stored as none.
+  const bool loses = p_.form.Cmb_Relay.current() < 0 && std::ranges::count(av_Change.units, shown) > 0;
+  const std::size_t count = av_Change.units.size() - (loses ? 1 : 0);
+  std::string text = std::to_string(count) + (count == 1 ? " unit stays" : " units stay") + " with the relay ID " +
+                     std::to_string(av_Change.from);
+  if (loses) {
+    text += std::string(kLineBreak) + "\"" + p_.registry.Units[shown].Name +
+            "\", which is shown, has no relay now: choose one for it";
+  }
+  p_.messages.Show(text);
 }
 
 std::int64_t RelayEditor::RelaysWith(std::int32_t al_ID) const {

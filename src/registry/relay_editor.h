@@ -31,6 +31,8 @@ class RelayEditor : public RecordEditorOf<Relay> {
     std::vector<std::int64_t> units;  ///< those that had the former ID, by position
   };
 
+  /// Says how many units keep the former ID, and which one does not. **Yields.**
+  void TellWhatStays(const Change& av_Change);
   [[nodiscard]] std::int64_t RelaysWith(std::int32_t al_ID) const;
   void Keep(std::int64_t al_Index) override;
   void PutBack(std::int64_t al_Index) override;
