@@ -56,7 +56,8 @@ int Recover(Desk& desk, const Options& /*options*/) {
       desk.output.Line("The settings of " + file + " are taken over.");
       return kAllWell;
     case RecoveryState::Outdated:
-      desk.output.Error("corvanectl: corvane.ini was changed since " + file + " was written; it is not taken over");
+      desk.output.Error("corvanectl: corvane.ini was changed since " + file +
+                        " was written; it is not taken over. Look what is missing, enter it, and delete the copy");
       return kProblems;
     default:
       desk.output.Error("corvanectl: there is no " + file);

@@ -5,11 +5,21 @@ namespace {
 
 constexpr std::int64_t kDelayMilliseconds = 2000;
 
+/// A settings file's text without the line of a key.
+std::string Without(std::string_view key, std::string text) {
+  const std::string begin = "\n" + std::string(key) + "=";
+  if (const std::size_t at = text.find(begin); at != std::string::npos) {
+    text.erase(at, text.find('\n', at + begin.size()) - at);
+  }
+  return text;
+}
+
 }  // namespace
 
 void RecoveryCopy::Begin() {
   if (p_.flags.recovery == Recovery::Ignore) return;
   kept_ = Present();
+  entered_ = Without("LastDownload", kept_);
   timer_ = p_.loop.MakeTimer([this] { OnTimer(); });
   p_.form.on_any_change = [this](const Control& control, Aspect aspect) { OnChange(control, aspect); };
 }
@@ -19,6 +29,12 @@ void RecoveryCopy::AfterRound() {
 }
 
 void RecoveryCopy::End() {
+  if (timer_ == nullptr) return;
+  if (Without("LastDownload", Present()) == entered_) p_.store.KeepOffer();
+  Stop();
+}
+
+void RecoveryCopy::Stop() {
   if (timer_ == nullptr) return;
   p_.form.on_any_change = nullptr;
   timer_ = nullptr;
@@ -44,13 +60,8 @@ void RecoveryCopy::OnTimer() {
 }
 
 std::string RecoveryCopy::Present() {
-  constexpr std::string_view kMoving = "\nNextDownload=";
   p_.settings.StoreValues();
-  std::string text = p_.store.Text();
-  if (const std::size_t at = text.find(kMoving); at != std::string::npos) {
-    text.erase(at, text.find('\n', at + kMoving.size()) - at);
-  }
-  return text;
+  return Without("NextDownload", p_.store.Text());
 }
 
 void RecoveryCopy::Write() {

@@ -27,7 +27,7 @@ class RecoveryCopy {
     EventLoop& loop;
   };
   explicit RecoveryCopy(const Parts& av_Parts) : p_(av_Parts) {}
-  ~RecoveryCopy() { End(); }
+  ~RecoveryCopy() { Stop(); }
   RecoveryCopy(const RecoveryCopy&) = delete;
   RecoveryCopy& operator=(const RecoveryCopy&) = delete;
 
@@ -35,12 +35,13 @@ class RecoveryCopy {
   void Begin();
   /// Writes what an operation has changed; does nothing before `Begin`.
   void AfterRound();
-  /// Ends the watch.
+  /// Ends the watch; a copy that is offered stays so when nothing was entered since `Begin`.
   void End();
 
  private:
   void OnChange(const Control& av_Control, Aspect av_Aspect);
   void OnTimer();
+  void Stop();
   /// The settings as they would be saved, without what changes by itself.
   [[nodiscard]] std::string Present();
   void Write();
@@ -50,6 +51,7 @@ class RecoveryCopy {
   bool waits_ = false;            ///< an edit is to be written
   bool failed_ = false;           ///< the last copy could not be written, which was logged
   std::string kept_;              ///< `Present` of what the file, or the copy, holds
+  std::string entered_;           ///< `Present` at `Begin`, without the last download
 };
 
 }  // namespace corvane

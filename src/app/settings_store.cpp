@@ -23,6 +23,11 @@ std::uint64_t HashOf(std::string_view text) {
   return hash;
 }
 
+/// The first line of a recovery copy that belongs to a settings file of these contents.
+std::string RecoveryHead(std::string_view contents) {
+  return "; recovery copy, belongs to corvane.ini " + HexText(HashOf(contents), 16) + "\n";
+}
+
 std::string CopyText(const std::string& copy) {
   return "A copy was kept as " + copy + "; check all settings before you rely on them.";
 }
@@ -48,7 +53,8 @@ Status SettingsStore::Load() {
 
 void SettingsStore::LookForRecovery(std::string_view as_Contents) {
   recovery_ = RecoveryState::None;
-  recovery_head_ = "; recovery copy, belongs to corvane.ini " + HexText(HashOf(as_Contents), 16) + "\n";
+  keeps_offer_ = false;
+  recovery_head_ = RecoveryHead(as_Contents);
   const Status read = ReadFile(RecoveryFile(), offered_, ProfileFile::kLargestFile);
   if (read.code() == ENOENT) return;
   recovery_ = read.ok() && offered_.starts_with(recovery_head_) ? RecoveryState::Offered : RecoveryState::Outdated;
@@ -100,11 +106,23 @@ void SettingsStore::SaveSetting(std::string_view as_Section, std::string_view as
   profile_.Set(as_Section, as_Key, as_Value.empty() ? kEmptyValue : as_Value);
 }
 
+void SettingsStore::SettleRecovery(std::string_view as_Contents) {
+  if (recovery_ == RecoveryState::Ours) (void)RemoveFile(RecoveryFile());
+  const std::string head = RecoveryHead(as_Contents);
+  if (recovery_ != RecoveryState::Offered || head == recovery_head_) return;
+  Status kept(EEXIST, "the settings were changed");
+  if (keeps_offer_) {
+    kept = WriteFileAtomically(RecoveryFile(), head + offered_.substr(recovery_head_.size()), kOwnerOnly);
+  }
+  if (!kept.ok()) trace_.LogWrite(RecoveryFile() + " is not offered any more: " + kept.text());
+}
+
 bool SettingsStore::Commit() {
-  const Status saved = may_save_ ? WriteFileAtomically(path_, profile_.Text(), kOwnerOnly)
+  const std::string contents = profile_.Text();
+  const Status saved = may_save_ ? WriteFileAtomically(path_, contents, kOwnerOnly)
                                  : Status(EEXIST, path_ + " could not be read and must not be overwritten");
   if (saved.ok()) {
-    if (recovery_ == RecoveryState::Ours) (void)RemoveFile(RecoveryFile());
+    SettleRecovery(contents);
     return true;
   }
   trace_.LogWrite("Settings not saved: " + saved.text());

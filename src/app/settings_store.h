@@ -59,8 +59,11 @@ class SettingsStore {
   void AnswerRecovery(bool ab_Use);
   /// Writes the present values as recovery copy; one that is offered stays instead, one of other settings is put aside.
   Status WriteRecovery();
+  /// Lets a copy that is offered belong to the file as the next `Commit` writes it: nothing was entered meanwhile.
+  void KeepOffer() { keeps_offer_ = true; }
   /// Writes the file in one atomic step; a failure shows its reason in the status line and "Cannot save INI file" once.
-  /// **Yields** then. With the file whole, this program's recovery copy is removed.
+  /// **Yields** then. With the file whole, this program's recovery copy is removed, and one that is offered stays so
+  /// behind `KeepOffer`.
   bool Commit();
 
  private:
@@ -69,6 +72,8 @@ class SettingsStore {
 
   /// Looks for a copy that belongs to the settings file of these contents.
   void LookForRecovery(std::string_view as_Contents);
+  /// Does with the recovery copy what follows from a file that was written.
+  void SettleRecovery(std::string_view as_Contents);
 
   Messages& messages_;
   Trace& trace_;
@@ -77,6 +82,7 @@ class SettingsStore {
   std::string recovery_head_;  ///< first line of a copy that belongs to the file as it was read
   std::string offered_;        ///< what the copy that is offered holds
   RecoveryState recovery_ = RecoveryState::None;
+  bool keeps_offer_ = false;
   std::string damage_;
   bool may_save_ = false;  ///< the file holds nothing that was neither read nor copied
 };

@@ -101,6 +101,11 @@ TEST_F(CorvanectlTest, OutputAndExitStatusTellWhatHappened) {
   station_.reset();
   EXPECT_EQ(Run({"download"}), 1);
   EXPECT_TRUE(Printed("not asked: the port did not open")) << output_;
+  for (const auto& [interval, reason] : {std::pair("1e9", "it is too long"), std::pair("0", "it is no interval")}) {
+    WriteSettings("Automatic=1\nAutomaticInterval=" + std::string(interval) + "\n");
+    EXPECT_EQ(Run({"run"}), 3);
+    EXPECT_TRUE(Printed("The interval \"" + std::string(interval) + "\" cannot be used: " + reason)) << output_;
+  }
 }
 
 TEST_F(CorvanectlTest, RunDownloadsWhenDueOutlivesAMissingPortAndEndsWithinASecond) {

@@ -195,7 +195,7 @@ class Scenarios : public testing::TestWithParam<ScenarioCase> {
       text += section + "\n";
       for (const auto& [key, setting] : lines) text += setting + "\n";
     }
-    if (!text.empty()) world_.home.Write("corvane.ini", text);
+    if (!text.empty() && runner_ == nullptr) world_.home.Write("corvane.ini", text);
     world_.Start(switches);
     console::ScriptRunner::Hooks hooks;
     hooks.answer = [this](const std::string& answer) {
