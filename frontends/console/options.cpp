@@ -48,7 +48,7 @@ constexpr CommandRow kCommands[] = {
      kConvertOption, 0, kMany},
     {CommandId::Send, "send", "[UNIT...]", "send the units' files to the FTP server",
      "Sends the file of every active unit that is sent by FTP, or of each UNIT (name or ID) that is.\n"
-     "The first file that cannot be sent ends it. Prints a table of results.",
+     "The first file that cannot be sent ends it, but with --go-on. Prints a table of results.",
      kEverywhere, 0, kMany},
     {CommandId::Fetch, "fetch", "[UNIT...]", "fetch files that other sites left on the FTP server",
      "Fetches the file of every active unit that comes by FTP, or of each UNIT (name or ID) that does,\n"
@@ -226,8 +226,8 @@ class Parser {
     if (!options_.interval.empty() && !AutomaticInterval(options_.interval)) {
       throw UsageError("--interval: " + Quoted(options_.interval) + " is no interval such as 3:00");
     }
-    if (!options_.log_size.empty() && !ParseNumber(options_.log_size)) {
-      throw UsageError("--log-size: " + Quoted(options_.log_size) + " is no number");
+    if (!options_.log_size.empty() && ParseNumber(options_.log_size).value_or(-1) < 0) {
+      throw UsageError("--log-size: " + Quoted(options_.log_size) + " is no number of megabytes");
     }
     if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
     if (row_->id == CommandId::TestPort || row_->id == CommandId::FindPort) CheckPort(arguments);
@@ -292,8 +292,9 @@ std::string HelpText(CommandId command) {
       "Collects the readings of field units without a window.\n\nCommands:\n";
   for (const CommandRow& row : kCommands) text += HelpLine(WithArguments(row.name, row.arguments), row.summary);
   return text + "\nOptions:\n" + OptionLines(kEverywhere) +
-         "\nExit status: 0 all well; 1 the port did not open, or some unit or file ended untried or with a problem;\n"
-         "2 wrong usage; 3 could not start; 129, 130, 143 ended by SIGHUP, SIGINT, SIGTERM.\n"
+         "\nExit status: 0 all well; 1 the port did not open, some unit or file ended untried or with a problem, a\n"
+         "question without Yes, or settings or output that could not be written; 2 wrong usage; 3 could not start;\n"
+         "129, 130, 143 ended by SIGHUP, SIGINT, SIGTERM.\n"
          "corvanectl COMMAND --help says more about a command.\n";
 }
 
