@@ -27,6 +27,7 @@ constexpr QSize kWindowSize(1120, 680);
 constexpr int kSettingsTab = 5;
 constexpr int kPortsGroup = 3;
 constexpr int kFilesCommand = 2;
+constexpr std::int32_t kNumberOfAbsentDevice = 9;
 constexpr int kPassesUntilPainted = 10;
 
 QPalette DarkColours() {
@@ -82,6 +83,7 @@ class Photographer {
     Take("unit");
     TakeTabs();
     TakePortDialog();
+    TakePortProblem();
     TakeWhileDownloading();
   }
 
@@ -110,6 +112,17 @@ class Photographer {
       ShowTab("settingsTabs", static_cast<int>(group));
       Take(groups[group]);
     }
+  }
+
+  /// A round over a port whose adapter is not there.
+  void TakePortProblem() {
+    Form& form = app_.form();
+    const std::int32_t number = form.Cmb_Port[0].SelectedItemData();
+    form.Cmb_Port[0].SelectByItemData(kNumberOfAbsentDevice);
+    form.Cmd_ProcessAll[kGetDate].Click();
+    ShowTab("settingsTabs", kPortsGroup);
+    Take("port-problem");
+    form.Cmb_Port[0].SelectByItemData(number);
   }
 
   void TakePortDialog() {
