@@ -1,6 +1,7 @@
 // Plays the scenarios of `data/`: what happens to the whole application on a fake machine in virtual time.
 // The language: `README.md`.
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -408,7 +409,18 @@ void Scenarios::AddGivens() {
     world_.internet.Report({2, std::stoi(code), Expand(text), std::stoll(bytes)});
   });
   add("guide", [this](const Line& line) { world_.help = {line.rest + "contents", line.rest + "index"}; });
-  add("full-disk", [this](const Line& line) { disk_ = std::make_unique<SmallDisk>(std::stoul(line.rest)); });
+  add("full-disk", [this](const Line& line) {
+    disk_.reset();
+    if (!line.rest.empty()) disk_ = std::make_unique<SmallDisk>(std::stoul(line.rest));
+  });
+  add("link", [this](const Line& line) {
+    fs::create_symlink(Cut(line.rest, " ").second, world_.home.Name(Cut(line.rest, " ").first));
+  });
+  add("age", [this](const Line& line) {
+    const auto [name, hours] = Cut(line.rest, " ");
+    fs::last_write_time(world_.home.Name(name),
+                        fs::file_time_type::clock::now() - std::chrono::hours(std::stoi(hours)));
+  });
   add("failing-syncs", [](const Line& line) { failing_syncs = std::stoi(line.rest); });
   add("failing-reads", [](const Line& line) {
     const auto [error, count] = Cut(line.rest, " ");
@@ -458,6 +470,7 @@ void Scenarios::AddChecks() {
   const auto add_text = [&](const char* word, std::function<std::string()> found) {
     add(word, [this, found](const Line& line) { Compare(line, found(), Expand(line.rest)); });
   };
+  add_text("filter", [this] { return world_.dialogs.last_filter; });
   add_text("problems", [this] { return std::to_string(problems_); });
   add_text("time", [this] { return std::to_string(world_.loop.MonotonicMilliseconds() - began_); });
   add_text("escapes", [this] { return std::to_string(std::ranges::count(world_.port.written, '\x1b')); });

@@ -47,8 +47,14 @@ TEST_F(FieldChecksTest, NumbersAndTimes) {
   const std::string huge(126, '9');
   const std::vector<FieldCase> rows = {
       {form.Txt_StartAt, {"06:00", " 0:00 ", "23:59:59"}, {"", "24:00", "6", "-1:00", huge, "\xC3\xA9"}, "06:00"},
-      {form.Txt_Interval, {"00:15", "2", "0.5"}, {"", "00:00", "0", "-1", "x", huge}, "above zero"},
-      {form.Txt_AutomaticInterval, {"03:00", "12", "36"}, {"", "00:00", "0", "-3", "x", huge}, "above zero"},
+      {form.Txt_Interval,
+       {"00:15", "2", "0.5"},
+       {"", "00:00", "0", "-1", "x", "3h", "25:00", "0.0001", "1e300", huge},
+       "above zero"},
+      {form.Txt_AutomaticInterval,
+       {"03:00", "12", "36"},
+       {"", "00:00", "0", "-3", "x", "3 hours", "25:00", "nan", "inf", huge},
+       "above zero"},
       {form.Txt_Timeout[0], {"1", "86400"}, {"", "0", "86401", "4,5", "-1", huge}, "from 1 to 86400."},
       {form.Txt_Timeout[2], {"0"}, {"-1"}, "from 0 to 86400."},
       {form.Txt_MaxRetries, {"1", " 15 "}, {"0", "16", "ten"}, "from 1 to 15."},

@@ -80,59 +80,6 @@ TEST_F(SettingsTest, WhatTheEditorsShowIsSaved) {
   EXPECT_EQ(world.app().app().PreviousVersion(), AppInfo::VersionText());
 }
 
-std::string Times(int count, const std::string& text) {
-  return count == 0 ? "" : text + Times(count - 1, text);
-}
-
-struct InputCase {
-  std::string contents;
-  std::string saved;     ///< lines of the file after a load and a save
-  std::string reported;  ///< a part of the box at the end of loading; empty: no box
-};
-
-const InputCase kInputs[] = {
-    {"[Relays]\nNumRelays=0\n", "NumRelays=1\nName1=Direct\nID1=0\n", ""},
-    {"[Relays]\nNumRelays=1\nName1=Tower\nID1=7\n", "Name1=Direct\nID1=0\n", ""},
-    {"[Units]\nNumUnits=-3\n", "NumUnits=0\n", ""},
-    {"[Units]\nNumUnits=99999\n", "NumUnits=5\n", "NumUnits=99999 is not a whole number"},
-    {"[Units]\nNumUnits=1O\n", "NumUnits=5\n", "NumUnits=1O"},
-    {"[Units]\nID1=x\nActive1=70000\n", "ID1=1\nActive1=1\n", "Active1=70000 is not a whole number"},
-    {"[Units]\nMoistureCorrection1=2,5\n", "MoistureCorrection1=0\n", "=2,5 is not a number; 0 is used"},
-    {"[Units]\nMoistureCorrection1=3.4028235e+38\n", "MoistureCorrection1=3.4028235e+38\n", ""},
-    {"[Units]\nMoistureCorrection1=1e40\n", "MoistureCorrection1=0\n", "1e40"},
-    {"[General]\nTimeout=soon\n", "Timeout=45\n", "Timeout=soon"},
-    {"[General]\nTimeout=null\n", "Timeout=45\n", "[General] Timeout= is not a number"},
-    {"[General]\nWhichFile=9\nSortFile=-4\n", "WhichFile=2\nSortFile=0\n", ""},
-    {"[General]\nWhichFile=raw\n", "WhichFile=1\n", "WhichFile=raw"},
-    {"[General]\nPort=51\n", "Port=0\n", ""},
-    {"[General]\nKelvin=yes\n", "Kelvin=0\n", "Kelvin=yes"},
-    {"[General]\nKelvin=-2\n", "Kelvin=1\n", ""},
-    {"[General]\nKelvin=\n", "Kelvin=0\n", ""},
-    {"[General]\nFTPServer=Null\n", "FTPServer=Null\n", ""},
-    {"[General\n[General]\nFTPServer\nFTPServer=a\n", "FTPServer=a\n", "Some lines"},
-    {"[General]\nFolder=C:\\data\n", "Folder=C:\\data\n", "Folder=C:\\data is not a path"},
-    {"[General]\nFolder=\\\\host\\data\n", "Folder=\\\\host\\data\n", "is not a path"},
-    {"[General]\nFolder=data\\north\n", "Folder=data\\north\n", ""},
-    {"[General]\nOstrelHost=elsewhere\n", "OstrelHost=localhost\n", ""},
-    {"[Ports]\nCOM1=ttyUSB0\n", "COM1=ttyUSB0\n", "COM1=ttyUSB0"},
-    {"[Ports]\nCOM51=/dev/x\n", "COM51=/dev/x\n", "COM51=/dev/x"},
-    {"[General]\nPrefix=" + Times(200, "é") + "\n", "Prefix=" + Times(126, "é") + "\n", ""},
-};
-
-TEST_F(SettingsTest, InputIsTakenOrReported) {
-  for (const InputCase& row : kInputs) {
-    SCOPED_TRACE(row.contents);
-    Load(row.contents);
-    EXPECT_EQ(world.app().devices().DeviceOf(1), "/dev/ttyS0");
-    const auto texts = dialogs.Texts();
-    ASSERT_EQ(texts.empty(), row.reported.empty());
-    const std::string first = texts.empty() ? "" : texts[0];
-    EXPECT_NE(first.find(row.reported), std::string::npos) << first;
-    const std::string saved = Saved();
-    EXPECT_NE(saved.find("\n" + row.saved), std::string::npos) << saved;
-  }
-}
-
 TEST_F(SettingsTest, OnlyChangedPortsAreWritten) {
   struct Row {
     std::string ports;
@@ -171,32 +118,6 @@ TEST_F(SettingsTest, ManyBadValuesMakeOneBoxThatClosesByItself) {
   EXPECT_NE(dialogs.boxes[0].text.find("and 995 more"), std::string::npos);
   EXPECT_EQ(dialogs.open_boxes, 0);
   EXPECT_EQ(world.app().registry().Units[1000].ID, 1000);
-}
-
-TEST_F(SettingsTest, WhatIsNoSettingsFileIsCopiedBeforeItIsReplaced) {
-  const std::string damaged = std::string("[General]\nFTPServer=a\n") + std::string(100, '\0');
-  home.Write("corvane.ini.bad", "older");
-  Load(damaged);
-  Load(damaged);
-  EXPECT_EQ(home.Read("corvane.ini.bad"), "older");
-  EXPECT_EQ(home.Read("corvane.ini.bad2"), damaged);
-  EXPECT_FALSE(fs::exists(home.Name("corvane.ini.bad3"))) << "one copy of the same file is enough";
-  EXPECT_EQ(fs::status(home.Name("corvane.ini.bad2")).permissions() & fs::perms::group_read, fs::perms::none);
-  EXPECT_EQ(world.form().Txt_FTPServer.text(), "a");
-  ASSERT_EQ(dialogs.boxes.size(), 1U);
-  EXPECT_NE(dialogs.boxes[0].text.find("corvane.ini.bad2"), std::string::npos);
-}
-
-TEST_F(SettingsTest, WhatCouldNotBeCopiedIsNotOverwritten) {
-  const std::string damaged(5000, '\0');
-  home.Write("corvane.ini", damaged);
-  {
-    const SmallDisk disk(4000);
-    Start();
-  }
-  EXPECT_FALSE(world.app().life().OnWindowClose());
-  EXPECT_EQ(dialogs.Texts().back(), "Cannot save INI file");
-  EXPECT_EQ(home.Read("corvane.ini"), damaged);
 }
 
 }  // namespace

@@ -9,8 +9,6 @@
 namespace corvane::test {
 namespace {
 
-using namespace std::string_literals;
-
 struct GoodTable {
   std::string contents;
   std::vector<std::pair<double, double>> values;  ///< looked up in this order
@@ -33,29 +31,6 @@ TEST(Lookup, GivesTheValuesOfAGoodTable) {
     EXPECT_TRUE(lookup.Initialise(world.home.Write("a.lkp", table.contents)));
     for (const auto& [x, y] : table.values) EXPECT_NEAR(lookup.Lookup(x), y, 1e-12) << x;
     EXPECT_TRUE(world.dialogs.boxes.empty());
-  }
-}
-
-TEST(Lookup, ReportsABadTableOnceAndAnswersZero) {
-  const std::pair<const char*, std::string> rows[] = {
-      {"0,0\nx,y\n", "Line 2: \"x\" is not a number\r\nCLookup:Load File: "},
-      {"0,\n", "Line 1: \"\" is not a number\r\nCLookup:Load File: "},
-      {"\n\n", "The table holds no points\r\nCLookup:Load File: "},
-      {"missing", "No such file or directory\r\nCLookup:Load File: "},
-  };
-  for (const auto& [contents, part] : rows) {
-    SCOPED_TRACE(contents);
-    Lower world;
-    if (contents != "missing"s) world.home.Write("a.lkp", contents);
-    CLookup lookup(world.messages);
-    EXPECT_FALSE(lookup.Initialise(world.home.Name("a.lkp")));
-    EXPECT_EQ(lookup.Lookup(1), 0);
-    EXPECT_EQ(lookup.Lookup(2), 0);
-    ASSERT_EQ(world.dialogs.boxes.size(), 1U);
-    EXPECT_NE(world.dialogs.boxes[0].text.find(part), std::string::npos) << world.dialogs.boxes[0].text;
-    EXPECT_EQ(world.dialogs.boxes[0].count_down, "10");
-    EXPECT_TRUE(lookup.Initialise(world.home.Write("good.lkp", "0,1\n")));
-    EXPECT_EQ(lookup.Lookup(5), 1);
   }
 }
 

@@ -34,16 +34,5 @@ TEST(RawLineTest, SplitsAndChecksLines) {
   }
 }
 
-TEST(RawLineTest, ParsesReadingDates) {
-  EXPECT_EQ(ParseReadingDate("2010/03/12 4:5"), DateTime::FromCivil(2010, 3, 12, 4, 5));
-  EXPECT_EQ(ParseReadingDate("2001/1/1 00:00"), DateTime::FromCivil(2001, 1, 1));
-  EXPECT_EQ(ParseReadingDate("2010/2/30 12:00"), DateTime::FromCivil(2010, 3, 2, 12));
-  for (const char* text :
-       {"2000/12/31 23:59", "2010/13/1 00:00", "2010/0/1 00:00", "2010/1/32 00:00", "2010/1/1 24:00", "2010/1/1 00:60",
-        "2010/1/1 -1:00", "2010/1/1 1200", "2010-1-1 12:00", "99999999999999999999/1/1 00:00", "nan/1/1 00:00", ""}) {
-    EXPECT_EQ(ParseReadingDate(text), std::nullopt) << text;
-  }
-}
-
 }  // namespace
 }  // namespace corvane::test

@@ -35,15 +35,5 @@ TEST(Operations, MenuEntriesAreEnabledAsTheirButtonsAre) {
   }
 }
 
-TEST(Operations, SendingASelectedFileIsUnfinishedAndSaysSo) {
-  World world("[General]\nFTPServer=a\nFTPUserName=me\nFTPPassword=b\n[Units]\nNumUnits=1\nftpFile1=1\n");
-  Form& form = world.Start().form();
-  form.Lst_LocalFiles.SetRows({"00001.epd\t1 b\t2010-03-12 08:00:00"});
-  form.Lst_LocalFiles.SetCurrent(0);
-  world.app().file_transfer().ftpSelectedFile();
-  EXPECT_EQ(world.dialogs.Texts(), std::vector<std::string>{"Got to fix this to get Folder+remote file for any file"});
-  EXPECT_TRUE(world.internet.calls.empty()) << "the date is no destination";
-}
-
 }  // namespace
 }  // namespace corvane::test

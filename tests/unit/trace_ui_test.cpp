@@ -1,5 +1,3 @@
-#include <array>
-
 #include <gtest/gtest.h>
 
 #include "support/lower.h"
@@ -7,40 +5,6 @@
 
 namespace corvane::test {
 namespace {
-
-TEST(Trace, FirstLineOfARunIsPrecededByTheVersion) {
-  Lower lower;
-  lower.trace.LogWrite(std::string("line\rwith control\0", 18));
-  lower.trace.LogWrite("second");
-  const std::string version = "2010-03-12 10:00:00: Corvane Version: 0.1.000\r\n";
-  EXPECT_EQ(lower.Log(), "2010-03-12 10:00:00: ============\r\n" + version +
-                             "2010-03-12 10:00:00: line[13]with control[0]\r\n2010-03-12 10:00:00: second\r\n");
-}
-
-/// One line of each category, in the order of the boxes, and what they leave in the log.
-constexpr std::array kCategoryLines = {": Status: a", ": b\r\n", "R>c", "D> UserCancel:False", "R>e"};
-void WriteAllCategories(Lower& lower) {
-  lower.trace.Status("a");
-  lower.trace.TraceSend("b");
-  lower.trace.TraceReceive("c");
-  lower.trace.TraceDecision("d");
-  lower.trace.TraceReceiveDetail("e");
-}
-
-TEST(Trace, CategoriesSwitchTheirWritersButNotErrors) {
-  for (int ticked = -1; ticked < 5; ++ticked) {
-    Lower lower;
-    for (int box = 0; box < 5; ++box) lower.form.Chk_Trace[box].SetTicked(box == ticked);
-    WriteAllCategories(lower);
-    for (int line = 0; line < 5; ++line) {
-      const bool logged = lower.Log().find(kCategoryLines[static_cast<std::size_t>(line)]) != std::string::npos;
-      EXPECT_EQ(logged, line == ticked) << ticked << line;
-    }
-    lower.trace.AErrorReport("wrong");
-    const char* const error = "A-error: wrong UserCancel:False Timeout:False HalvexError:False State:0 OverunCount:0";
-    EXPECT_NE(lower.Log().find(error), std::string::npos);
-  }
-}
 
 TEST(Trace, ErrorsSwitchCategoriesOn) {
   struct Row {
@@ -74,25 +38,6 @@ TEST(Trace, LogThatCannotBeWrittenIsTriedAgainAndSaysWhatIsMissing) {
   EXPECT_NE(log.find("Version: 0.1.000\r\n2010-03-12 10:00:01: Lines that could not be written here: 2. "),
             std::string::npos);
   EXPECT_TRUE(log.ends_with(": [195]\xC2\x80\r\n")) << log;
-}
-
-TEST(Trace, FullLogGoesOverAndFiveAreKept) {
-  Lower lower;
-  lower.form.LogSize = "0.0001";
-  for (int line = 1; line <= 8; ++line) lower.trace.LogWrite(std::to_string(line) + std::string(100, 'x'));
-  EXPECT_TRUE(lower.Log().starts_with("2010-03-12 10:00:00: 8x")) << lower.Log();
-  EXPECT_TRUE(lower.home.Read("corvane.log.5").starts_with("2010-03-12 10:00:00: 3x"));
-  EXPECT_FALSE(ExamineFile(lower.home.Name("corvane.log.6")) || ExamineFile(lower.home.Name("corvane.log.0")));
-}
-
-TEST(Trace, OnScreenListNeedsBothBoxes) {
-  Lower lower;
-  lower.form.Chk_ShowTrace.SetTicked(true);
-  lower.trace.LogWrite("unseen");
-  lower.form.Chk_ShowReply.SetTicked(true);
-  lower.trace.LogWrite("seen\r");
-  ASSERT_EQ(lower.form.Lst_Debug.count(), 1);
-  EXPECT_EQ(lower.form.Lst_Debug.text(0), "seen[13]");
 }
 
 TEST(TimedMessage, AnswersByPositionAndAtTheEndOfTheCountDown) {
@@ -137,20 +82,6 @@ TEST(TimedMessage, ClosesWhenItsTimeIsOverWhateverRunsBeneathIt) {
   keeps_time->Start(500);
   EXPECT_EQ(lower.messages.ShowTimedMessage("?", kYesNo), kAnswerYes);
   EXPECT_EQ(lower.dialogs.count_downs.back(), "1");
-}
-
-TEST(Messages, UnattendedRunShowsOneBoxAKindAndRound) {
-  Lower lower;
-  lower.dialogs.answer_plain_boxes = false;
-  lower.flags.automatic_run = true;
-  lower.messages.Show("Cannot find: a", "Cannot find");
-  lower.messages.Show("Cannot find: b", "Cannot find");
-  EXPECT_EQ(lower.dialogs.Texts(), std::vector<std::string>{"Cannot find: a"});
-  EXPECT_NE(lower.Log().find("Cannot find: b"), std::string::npos);
-  EXPECT_EQ(lower.loop.MonotonicMilliseconds(), 10000);
-  lower.messages.StartRound();
-  lower.messages.Show("Cannot find: c", "Cannot find");
-  EXPECT_EQ(lower.dialogs.boxes.size(), 2U);
 }
 
 TEST(Messages, NothingIsShownWhileASignalEndsTheProgram) {

@@ -85,6 +85,8 @@ TEST_F(MainWindow, WhatTheProgramChangesShowsAndDoesNotComeBack) {
   EXPECT_EQ(List("Lst_Clients").currentIndex().row(), 1);
   EXPECT_EQ(Widget<QProgressBar>("Bar_Unit").value(), 40);
   EXPECT_EQ(Widget<QLabel>("Lbl_Status").text(), "Working");
+  f.Frm_Main.SetTitle("");
+  EXPECT_EQ(window().windowTitle(), "Corvane") << "an empty title shows the product name";
 }
 
 TEST_F(MainWindow, FieldsHoldWhateverIsPutIntoThem) {
@@ -263,19 +265,6 @@ TEST(MainWindowStates, OperationCommandsAreDisabledWhileADownloadRuns) {
   EXPECT_EQ(world.port.lines.size(), 2U);
 }
 
-TEST(MainWindowStates, TitleFollowsTheMinimisedWindowAndIsRestored) {
-  WindowWorld world("[General]\nAutomatic=1\nHeartBeat=1\n[Units]\nNumUnits=0\n");
-  world.Open("/M");
-  EXPECT_TRUE(world.window().isMinimized());
-  world.loop.Advance(2000);
-  EXPECT_EQ(world.window().windowTitle().toStdString(), "01:59:58");
-  world.form().Frm_Main.SetTitle("");
-  EXPECT_EQ(world.window().windowTitle(), "Corvane") << "an empty title shows the product name";
-  world.window().showNormal();
-  EXPECT_FALSE(world.form().Frm_Main.minimised());
-  EXPECT_EQ(world.form().Frm_Main.title(), "Corvane");
-}
-
 TEST(MainWindowStates, SettingsAreShownAndFitASmallScreenAtTwiceItsSize) {
   WindowWorld world(
       "[General]\nPort=3\nLastDownload=21 Sep 2026 23:59\nNextDownload=22 Sep 2026 23:59\n[Ports]\nCOM3=/dev/radio\n");
@@ -286,6 +275,20 @@ TEST(MainWindowStates, SettingsAreShownAndFitASmallScreenAtTwiceItsSize) {
   QApplication::processEvents();
   EXPECT_LE(world.window().width(), 1366 / 2);
   EXPECT_LE(world.window().height(), 768 / 2);
+}
+
+TEST(MainWindowStates, TakesAHundredThousandSelectedFilesAndARefusal) {
+  WindowWorld world;
+  world.Open();
+  const std::vector<std::string> names(100'000, "0.txt\t0 b\t2010-01-01 00:00:00");
+  world.form().Lst_LocalFiles.SetRows(names);
+  world.List("Lst_LocalFiles").selectAll();
+  EXPECT_EQ(world.form().Lst_LocalFiles.SelectedCount(), 100'000);
+  world.dialogs.answers = {2};
+  world.Click("Cmd_DeleteFile");
+  EXPECT_EQ(world.dialogs.Texts(), std::vector<std::string>{"Delete all selected files ?"});
+  EXPECT_EQ(world.Rows("Lst_LocalFiles"), 100'000);
+  EXPECT_EQ(world.List("Lst_LocalFiles").selectionModel()->selectedRows().size(), 100'000);
 }
 
 }  // namespace
