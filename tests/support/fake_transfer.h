@@ -26,7 +26,7 @@ class FakeInternet : public InternetClient {
   InternetHandle InternetOpen(const std::string& agent) override { return Note("open " + agent) ? 1 : 0; }
   std::int64_t InternetSetStatusCallback(InternetHandle, StatusHandler handler) override {
     handler_ = std::move(handler);
-    return Note("callback") ? previous_callback : kInvalidCallback;
+    return Note("callback") ? 0 : kInvalidCallback;
   }
   InternetHandle InternetConnect(InternetHandle, const FtpLogin& login) override {
     last_login = login;
@@ -75,7 +75,6 @@ class FakeInternet : public InternetClient {
     if (found_.empty()) return false;
     record = found_.front();
     found_.erase(found_.begin());
-    if (on_entry) on_entry();
     return true;
   }
   bool FtpCreateDirectory(InternetHandle, const std::string& folder) override {
@@ -99,23 +98,14 @@ class FakeInternet : public InternetClient {
   }
 
   void Report(const InternetStatus& status) { handler_(status); }
-  [[nodiscard]] bool Called(const std::string& call) const {
-    return std::find(calls.begin(), calls.end(), call) != calls.end();
-  }
-  [[nodiscard]] std::ptrdiff_t Count(const std::string& operation) const {
-    return std::count_if(calls.begin(), calls.end(),
-                         [&](const std::string& call) { return call.starts_with(operation); });
-  }
 
   std::map<std::string, std::string> files;
   std::set<std::string> folders = {"/"};
   /// Errors of the next calls of an operation, its first word; 0 lets one succeed.
   std::map<std::string, std::vector<int>> errors;
   std::string reply = "No such file or folder";
-  std::int64_t previous_callback = 0;
   std::vector<std::string> calls;
   FtpLogin last_login;
-  std::function<void()> on_entry;                   ///< runs for every entry of a listing
   std::function<void(const std::string&)> on_call;  ///< runs at every call
 
  private:

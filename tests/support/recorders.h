@@ -23,10 +23,9 @@ class RecordingView : public FormView {
   void ControlChanged(const Control& control, Aspect aspect, std::size_t) override {
     changes.push_back(control.name() + ":" + std::to_string(static_cast<int>(aspect)));
   }
-  void RepaintNow(const Control& control) override { repaints.push_back(control.name()); }
+  void RepaintNow(const Control&) override {}
 
   std::vector<std::string> changes;
-  std::vector<std::string> repaints;
 };
 
 /// Answers boxes from a queue of positions; without an answer the box stays open (0 in `open_boxes` terms: unanswered).
@@ -87,7 +86,7 @@ class RecordingDialogs : public Dialogs {
 
 class FakeShell : public Shell {
  public:
-  [[nodiscard]] std::string ProgramFolder() const override { return program_folder; }
+  [[nodiscard]] std::string ProgramFolder() const override { return "/nowhere"; }
   [[nodiscard]] std::string ProgramName() const override { return "corvane"; }
   Status OpenEditor(const std::string& file) override {
     edited.push_back(file);
@@ -107,14 +106,12 @@ class FakeShell : public Shell {
     return Status::Ok();
   }
   Status TakeInstanceLock(const std::string&) override { return Status::Ok(); }
-  void Beep() override { ++beeps; }
+  void Beep() override {}
 
-  std::string program_folder = "/nowhere";
   std::vector<std::string> edited;
   std::vector<std::string> opened;
   std::optional<std::string> log_on_entry;
   Status write_result;
-  int beeps = 0;
 };
 
 }  // namespace corvane::test

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -37,7 +36,7 @@ class World {
   explicit World(const std::string& settings = "") {
     if (!settings.empty()) home.Write("corvane.ini", settings);
     dialogs.answer_plain_boxes = true;
-    port.on_line = [this](const std::string& line) { Answer(line); };
+    port.on_line = [this](const std::string& line) { AnswerAsUsual(line); };
   }
 
   /// Creates the application and runs the window-creation steps.
@@ -52,9 +51,12 @@ class World {
   [[nodiscard]] bool Logged(const std::string& text) const { return Log().find(text) != std::string::npos; }
 
   /// Answers a line sent as it does without a script.
-  void AnswerAsUsual(const std::string& line) { Answer(line); }
-  /// Sends the lines of one answer as one event.
-  void Reply(const std::string& text) { port.Receive(text); }
+  void AnswerAsUsual(const std::string& line) {
+    if (line.empty()) return port.Receive("ready\r\n");
+    std::string answer = line + "\r\n";
+    answer += line.substr(14, 2) == "rr" ? Download() : "done\r\n";
+    port.Receive(answer);
+  }
 
   TempFolder home;
   FakeLoop loop;
@@ -64,31 +66,10 @@ class World {
   FakeInternet internet;
   FakeZip zip;
   HelpFiles help;
-  /// Answers for the next commands to a unit ID, before the normal one ("" is silence).
-  std::map<int, std::vector<std::string>> next_answers;
   std::vector<std::string> readings = {"2010/3/12 8:00,12500,29310,1,1500,900,29300",
                                        "2010/3/12 9:00,12490,29320,2,1510,910,29310"};
 
  private:
-  void Answer(const std::string& line) {
-    if (line.empty()) return Reply("ready\r\n");
-    std::string answer = line + "\r\n";
-    const int unit = std::stoi(line.substr(6, 5));
-    std::vector<std::string>& scripted = next_answers[unit];
-    if (!scripted.empty()) {
-      if (scripted.front().empty()) {
-        scripted.erase(scripted.begin());
-        return;
-      }
-      answer += scripted.front();
-      scripted.erase(scripted.begin());
-    } else if (line.substr(14, 2) == "rr") {
-      answer += Download();
-    } else {
-      answer += "done\r\n";
-    }
-    Reply(answer);
-  }
   [[nodiscard]] std::string Download() const {
     std::string text = Framed("V2,00001,4,3," + std::to_string(readings.size()) + ",2010/3/12 10:00,12500,29310,100");
     for (const std::string& reading : readings) text += Framed(reading);
