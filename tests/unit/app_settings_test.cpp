@@ -67,19 +67,6 @@ TEST_F(SettingsTest, AFileComesBackAsItWas) {
   EXPECT_EQ(Saved(), contents);
 }
 
-TEST_F(SettingsTest, WhatTheEditorsShowIsSaved) {
-  Start();
-  world.app().units().Select(2);
-  world.form().Txt_UnitID.SetText("77");
-  world.form().Lst_Clients.SetCurrent(0);
-  world.form().Txt_ClientFolder.SetText("");
-  Saved();
-  Start();
-  EXPECT_EQ(world.app().registry().Units[2].ID, 77);
-  EXPECT_EQ(world.app().registry().Clients[1].Folder, "");
-  EXPECT_EQ(world.app().app().PreviousVersion(), AppInfo::VersionText());
-}
-
 TEST_F(SettingsTest, OnlyChangedPortsAreWritten) {
   struct Row {
     std::string ports;

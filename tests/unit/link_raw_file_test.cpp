@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/status.h"
-#include "data/raw_repair.h"
 #include "support/world.h"
 
 namespace corvane::test {
@@ -28,29 +26,6 @@ class RawFileTest : public ::testing::Test {
   }
   TempFolder folder;
 };
-
-TEST_F(RawFileTest, CutsTornTails) {
-  const std::tuple<const char*, std::string, std::string> rows[] = {
-      {"whole file", kHeader + kFirst, ""},
-      {"half a line", kHeader + kFirst, "2010/3/12 14:20,51"},
-      {"line without its line feed", kHeader + kFirst, "2010/3/12 14:20,513,301\r"},
-      {"half a header", "", "$V2,00001"},
-      {"LF ends", "a\n2010/3/12 14:05,1,2\n", "2010/3"},
-      {"torn line and NULs over many blocks", kHeader + kFirst, "2010/3/" + std::string(3000000, '\0')},
-      {"nothing but NULs", "", std::string(100000, '\0')},
-  };
-  for (const auto& [name, whole, tail] : rows) {
-    const std::string file = folder.Write("00001.epd", whole + tail);
-    std::string text = tail;
-    std::erase(text, '\0');
-    EXPECT_EQ(RepairTornTail(file).value_or(""), text) << name;
-    EXPECT_EQ(folder.Read("00001.epd"), whole) << name;
-  }
-  EXPECT_EQ(RepairTornTail(folder.Name("missing")), std::nullopt);
-  const std::string no_raw_file = kHeader + Times("2010/3/12 14:05,512,300\r", 50);
-  EXPECT_THROW(static_cast<void>(RepairTornTail(folder.Write("x", no_raw_file))), NoRawFile);
-  EXPECT_EQ(folder.Read("x"), no_raw_file);
-}
 
 TEST_F(RawFileTest, FindsTheLastDate) {
   const std::string large = kHeader + Times(kFirst, 50);  // beyond 1024 bytes

@@ -6,23 +6,6 @@
 namespace corvane::test {
 namespace {
 
-TEST(Trace, ErrorsSwitchCategoriesOn) {
-  struct Row {
-    int box;
-    std::int16_t kind;
-    std::string ticked;
-  };
-  for (const Row& row : {Row{0, 0, "11000"}, Row{1, 0, "00000"}, Row{1, 1, "00100"}, Row{2, 0, "00011"}}) {
-    Lower lower;
-    for (CheckBox& box : lower.form.Chk_Trace) box.SetTicked(false);
-    for (int box = 0; box < 3; ++box) lower.form.chk_AutoTrace[box].SetTicked(box == row.box);
-    lower.trace.SwitchOnAllTrace("test", row.kind);
-    std::string ticked;
-    for (CheckBox& box : lower.form.Chk_Trace) ticked += box.ticked() ? '1' : '0';
-    EXPECT_EQ(ticked, row.ticked) << row.box << row.kind;
-  }
-}
-
 TEST(Trace, LogThatCannotBeWrittenIsTriedAgainAndSaysWhatIsMissing) {
   Lower lower;
   lower.trace.SetLogFile(lower.home.Name("folder/log"));
