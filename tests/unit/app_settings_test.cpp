@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "support/small_disk.h"
 #include "support/world.h"
 
 namespace corvane::test {
