@@ -12,7 +12,6 @@
 #include "base/scoped_value.h"
 #include "curl/run_under_way.h"
 #include "curl/socket_state.h"
-#include "posix/run_aside.h"
 
 namespace corvane {
 
@@ -246,8 +245,7 @@ void FtpChannel::PerformAside(int& running) {
     run_->ended_early = true;
     sockets_.Cut();
   };
-  RunAside(
-      loop_, [this, &running] { curl_multi_perform(multi_.get(), &running); }, watch);
+  loop_.Aside([this, &running] { curl_multi_perform(multi_.get(), &running); }, watch);
 }
 
 void FtpChannel::WaitForLastReply() {

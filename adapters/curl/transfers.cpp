@@ -10,7 +10,6 @@
 
 #include "base/replacement_file.h"
 #include "curl/listing_search.h"
-#include "posix/run_aside.h"
 
 namespace corvane {
 
@@ -72,7 +71,7 @@ class DownloadTarget : public FtpData {
   }
   /// Puts the file in its place, on the disk. **Yields.**
   void Commit(EventLoop& loop) {
-    disk_ = RunAside(loop, [this] { return file_.Commit(); });
+    loop.Aside([this] { disk_ = file_.Commit(); });
   }
 
   [[nodiscard]] std::int64_t received() const { return received_; }

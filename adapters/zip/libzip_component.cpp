@@ -9,7 +9,6 @@
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "base/text.h"
-#include "posix/run_aside.h"
 #include "zip/zip_reader.h"
 #include "zip/zip_writer.h"
 
@@ -70,7 +69,7 @@ std::int16_t LibzipComponent::Run(const std::function<ZipOutcome()>& work) {
   told_done_ = 0;
   ZipOutcome outcome;
   try {
-    outcome = RunAside(loop_, work, [this] { TellProgress(false); });
+    loop_.Aside([&] { outcome = work(); }, [this] { TellProgress(false); });
   } catch (const std::exception& failure) {
     outcome = {kZipNoMemory, archive_ + ": " + failure.what()};
   }

@@ -50,6 +50,12 @@ class EventLoop {
   virtual void Yield() = 0;
   /// Handles what is pending and never blocks. **Yields.**
   virtual void Poll() = 0;
+
+  /// Runs `work`, which may block for long on a disk, on a thread of its own and returns when it is done. **Yields.**
+  ///
+  /// `work` may touch nothing that the loop's handlers touch; what it throws is thrown from here. `on_turn` is called
+  /// in the loop's thread every few milliseconds while the work goes on.
+  virtual void Aside(const std::function<void()>& work, const std::function<void()>& on_turn = {});
 };
 
 }  // namespace corvane
