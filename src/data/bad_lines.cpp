@@ -42,7 +42,7 @@ void BadLines::BeginDownload(const std::string& as_RawFile, std::string_view as_
 }
 
 bool BadLines::Hold(std::string_view as_Line) const {
-  return lines_.contains(Visible(as_Line));
+  return !lines_.empty() && lines_.contains(Visible(as_Line));
 }
 
 bool BadLines::IsTheCause(std::string_view as_Line, bool ab_ChecksumGood) {

@@ -77,8 +77,9 @@ bool DownloadCapture::RefuseOtherUnit() {
   const std::string& file = p_.download.OutputFileName;
   const auto& own = p_.download.OwnSiteID;
   if (!own || IsSameSiteID(*own, line_.items[1])) return false;
-  const bool refused = GoesOn(p_.form, p_.flags);
   const std::string other(line_.items[1]);
+  const bool is_asked = IsSameSiteID(other, std::to_string(p_.download.AskedID));
+  const bool refused = GoesOn(p_.form, p_.flags) && !is_asked;
   const std::string report = "The unit answers with SiteID \"" + other + "\", but line 1 of " + file + " has \"" +
                              *own + "\"" + std::string(refused ? kRefused : kStoredAllTheSame);
   p_.download.Tally.AddProblem("SiteID \"" + other + "\" instead of \"" + *own +
@@ -140,6 +141,8 @@ void DownloadCapture::TakeReading() {
   if (traced) TraceItems("SaveToFile LineCount:" + std::to_string(p_.link.LineCount) + ">");
   if (*when <= p_.download.LastDate) {
     if (traced) TraceItems("SaveToFile - skipping because date after: " + GeneralDate(p_.download.LastDate) + " |");
+  } else if (p_.download.StoredAhead.contains(line_.items_text)) {
+    if (traced) TraceItems("SaveToFile - skipping because the file holds it |");
   } else if (TakeFutureReading(*when)) {
     return;
   } else if (!StoreReading()) {
@@ -198,8 +201,10 @@ bool DownloadCapture::PassOver(std::string_view as_Reason) {
 }
 
 bool DownloadCapture::TakeFutureReading(DateTime av_When) {
-  if (!GoesOn(p_.form, p_.flags) || p_.download.ClockDoubtful || av_When - p_.loop.Now() <= kFarAhead) return false;
-  if (p_.bad_lines.Hold(line_.items_text) || KeepBadLine(BadLines::kFutureDate, line_.items_text)) {
+  if (!GoesOn(p_.form, p_.flags)) return false;
+  const bool held = p_.bad_lines.Hold(line_.items_text);
+  if (!held && (p_.download.ClockDoubtful || av_When - p_.loop.Now() <= kFarAhead)) return false;
+  if (held || KeepBadLine(BadLines::kFutureDate, line_.items_text)) {
     ++p_.download.Tally.arrived;
   } else {
     Abort("The reading is in the future and cannot be kept aside>" + std::string(line_.items_text));

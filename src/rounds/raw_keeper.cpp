@@ -43,6 +43,8 @@ void RawKeeper::Prepare(std::int32_t al_Unit) {
   CreatePath(FolderOf(p_.download.OutputFileName));
   const LastDateResult last = GetLastDate(p_.download.OutputFileName);
   p_.download.LastDate = last.last_date;
+  p_.download.StoredAhead = ahead_.Find(p_.download.OutputFileName, last.last_date, [this] { return Poll(); });
+  p_.download.AskedID = p_.registry.Units[al_Unit].ID;
   p_.download.OwnSiteID = SiteIDOf(FirstLineOf(p_.download.OutputFileName));
   if (GoesOn(p_.form, p_.flags)) {
     p_.bad_lines.BeginDownload(p_.download.OutputFileName, last.line_text, p_.download.Round);
@@ -115,7 +117,13 @@ void RawKeeper::CheckFirstLine() {
   if (!IsRightHeader(p_.download.FramedHeader)) return;
   const std::string& file = p_.download.OutputFileName;
   const std::string stored = FirstLineOf(file);
-  if (IsRightHeader(stored) || (GoesOn(p_.form, p_.flags) && ReplaceHeader(stored))) return;
+  const bool is_header = IsRightHeader(stored);
+  const std::string asked = std::to_string(p_.download.AskedID);
+  // The first line of a new file may have come from another unit; this one then has two marks to tell it by.
+  const bool is_foreign =
+      is_header && !IsSameSiteID(*SiteIDOf(stored), asked) && IsSameSiteID(*SiteIDOf(p_.download.FramedHeader), asked);
+  if ((!is_header || is_foreign) && GoesOn(p_.form, p_.flags) && ReplaceHeader(stored)) return;
+  if (is_header) return;
   p_.trace.AErrorReport("The first line of " + file + " is no header: " + stored +
                         " The unit sent: " + p_.download.FramedHeader);
   p_.download.Tally.AddProblem("the first line of " + file + " is no header");
@@ -138,7 +146,7 @@ bool RawKeeper::ReplaceHeader(const std::string& as_Stored) {
     p_.trace.AErrorReport(error.what());
     return false;
   }
-  p_.trace.LogWrite("The first line of " + file + " was no header and is replaced by the unit's. It was: " + as_Stored);
+  p_.trace.LogWrite("The first line of " + file + " was not the unit's and is replaced. It was: " + as_Stored);
   return true;
 }
 

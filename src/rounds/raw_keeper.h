@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "data/ahead_readings.h"
 #include "data/bad_lines.h"
 #include "data/raw_file.h"
 #include "data/raw_repair.h"
@@ -65,6 +66,7 @@ class RawKeeper {
 
   Parts p_;
   RawHoles holes_;
+  AheadReadings ahead_;
 };
 
 }  // namespace corvane

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -86,10 +87,12 @@ struct DownloadState {
   bool SavingData = false;
   SyncedFile Output;  ///< the open raw file
   std::string OutputFileName;
-  std::optional<std::string> OwnSiteID;  ///< of the raw file's own right header, none where it has none
-  DateTime LastDate;                     ///< last reading already stored, none when there is none
-  DownloadTally Tally;                   ///< of the present command
-  std::int64_t Round = 0;                ///< tells the rounds of this run of the program apart
+  std::int32_t AskedID = 0;                        ///< the radio address of the unit
+  std::optional<std::string> OwnSiteID;            ///< of the raw file's own right header, none where it has none
+  DateTime LastDate;                               ///< last reading already stored, none when there is none
+  std::set<std::string, std::less<>> StoredAhead;  ///< readings in the raw file that are dated later than that
+  DownloadTally Tally;                             ///< of the present command
+  std::int64_t Round = 0;                          ///< tells the rounds of this run of the program apart
   bool ClockDoubtful = false;  ///< this computer's clock may be wrong: readings to come are stored as they are
 };
 
