@@ -247,7 +247,7 @@ void OutputFile::Close() {
   if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
-LineReader::LineReader() : block_(std::make_unique<char[]>(kBlockSize)) {}
+LineReader::LineReader() : block_(std::make_unique_for_overwrite<char[]>(kBlockSize)) {}
 
 LineReader::~LineReader() {
   Close();
