@@ -26,7 +26,7 @@ std::optional<Seconds> ParseLogPeriod(std::string_view hex) {
 
 std::string MemoryLine(const Unit& unit) {
   std::string line = "Readings " + std::to_string(unit.readings()) + ", last ";
-  if (unit.readings() == 0) {
+  if (unit.memory().empty()) {
     line += "none";
   } else {
     AppendTime(line, unit.last_reading());
@@ -51,7 +51,7 @@ Exchange Station::Answer(std::string_view line) {
     return {echo, ErrorLine(kInvalidCommand), {}, seed};
   }
   if (request->command == Command::Test) {
-    return {echo, "Corvane base station " CORVANE_VERSION " ready\r\n", FaultsOf(*request, 0), seed};
+    return {echo, "Corvane base station " CORVANE_VERSION " ready\r\n", FaultsOf(*request), seed};
   }
   const auto found = units_.find(request->unit);
   if (found == units_.end() || found->second.relay() != request->relay) {
@@ -59,7 +59,7 @@ Exchange Station::Answer(std::string_view line) {
   }
   Unit& unit = found->second;
   if (request->command != Command::Download) {
-    std::vector<Fault> faults = FaultsOf(*request, 0);
+    std::vector<Fault> faults = FaultsOf(*request);
     const bool reached = std::none_of(faults.begin(), faults.end(), [](const Fault& fault) {
       return fault.kind == FaultKind::Error && fault.line <= 0;
     });
@@ -70,7 +70,7 @@ Exchange Station::Answer(std::string_view line) {
     return {echo, ErrorLine(kInvalidCommand), {}, seed};
   }
   Selection readings = unit.Later(*after);
-  std::vector<Fault> faults = FaultsOf(*request, readings.size());
+  std::vector<Fault> faults = FaultsOf(*request, readings);
   return {echo, unit, std::move(readings), std::move(faults), seed};
 }
 
@@ -100,9 +100,12 @@ std::string Station::ReplyOf(const Request& request, Unit& unit) {
   }
 }
 
-std::vector<Fault> Station::FaultsOf(const Request& request, std::int64_t lines) {
+std::vector<Fault> Station::FaultsOf(const Request& request, const Selection& readings) {
   const std::int64_t attempt = ++attempts_[{request.unit, request.command}];
-  std::vector<Fault> faults = faults_.For(request.unit, CommandName(request.command), attempt, lines);
+  std::vector<Fault> faults = faults_.For(request.unit, CommandName(request.command), attempt, readings.size());
+  if (more_faults) {
+    for (Fault& fault : more_faults(request, readings)) faults.push_back(std::move(fault));
+  }
   for (const Fault& fault : faults) {
     last_faults_ += last_faults_.empty() ? "" : ", ";
     last_faults_ += FaultName(fault.kind);
@@ -113,6 +116,11 @@ std::vector<Fault> Station::FaultsOf(const Request& request, std::int64_t lines)
 void Station::Finish(const Exchange& exchange) {
   const auto unit = units_.find(exchange.download_unit());
   if (exchange.complete() && unit != units_.end()) unit->second.PassReadings(settings_.advance);
+}
+
+Unit* Station::Find(int id) {
+  const auto found = units_.find(id);
+  return found == units_.end() ? nullptr : &found->second;
 }
 
 void Station::PassReadings(std::int64_t count) {

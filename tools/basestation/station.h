@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <map>
 #include <string>
@@ -34,6 +35,10 @@ class Station {
   void Finish(const Exchange& exchange);
   /// Lets time pass until every unit has `count` more readings.
   void PassReadings(std::int64_t count);
+  /// The unit with this identifier, null when there is none.
+  [[nodiscard]] Unit* Find(int id);
+  /// Chooses further faults for an answer, beside the plan's; `readings` are those that a download brings, else none.
+  std::function<std::vector<Fault>(const Request& request, const Selection& readings)> more_faults;
   /// Lets time pass in every unit.
   void PassTime(Seconds seconds);
 
@@ -47,7 +52,7 @@ class Station {
 
  private:
   [[nodiscard]] std::string ReplyOf(const Request& request, Unit& unit);
-  [[nodiscard]] std::vector<Fault> FaultsOf(const Request& request, std::int64_t lines);
+  [[nodiscard]] std::vector<Fault> FaultsOf(const Request& request, const Selection& readings = {});
   [[nodiscard]] std::string StateHeader() const;
 
   Settings settings_;

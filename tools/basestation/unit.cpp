@@ -28,10 +28,6 @@ Unit::Unit(int id, int relay, Soil soil, Seconds start, Seconds period, std::int
   PassReadings(readings);
 }
 
-std::int64_t Unit::readings() const {
-  return memory_.empty() ? 0 : memory_.back().first_number + memory_.back().count;
-}
-
 Seconds Unit::last_reading() const {
   return memory_.empty() ? 0 : memory_.back().first + (memory_.back().count - 1) * memory_.back().period;
 }
@@ -64,13 +60,50 @@ void Unit::PassReadings(std::int64_t count) {
 }
 
 void Unit::Store(std::int64_t count) {
-  const bool goes_on = !memory_.empty() && memory_.back().period == period_ && last_reading() + period_ == due_;
+  const bool goes_on = !memory_.empty() && memory_.back().period == period_ && last_reading() + period_ == due_ &&
+                       memory_.back().first_number + memory_.back().count == next_number_;
   if (goes_on) {
     memory_.back().count += count;
   } else {
-    memory_.push_back({due_, period_, count, readings()});
+    memory_.push_back({due_, period_, count, next_number_});
   }
+  next_number_ += count;
   due_ += count * period_;
+  DropOldest();
+}
+
+void Unit::SetCapacity(std::int64_t count) {
+  capacity_ = count;
+  DropOldest();
+}
+
+void Unit::DropOldest() {
+  std::int64_t over = -capacity_;
+  for (const Stretch& stretch : memory_) over += stretch.count;
+  while (over > 0) {
+    Stretch& oldest = memory_.front();
+    const std::int64_t dropped = std::min(over, oldest.count);
+    oldest.first += dropped * oldest.period;
+    oldest.first_number += dropped;
+    oldest.count -= dropped;
+    over -= dropped;
+    if (oldest.count == 0) memory_.erase(memory_.begin());
+  }
+}
+
+void Unit::Forget(std::int64_t number) {
+  std::vector<Stretch> kept;
+  for (const Stretch& stretch : memory_) {
+    const std::int64_t at = number - stretch.first_number;
+    if (at < 0 || at >= stretch.count) {
+      kept.push_back(stretch);
+      continue;
+    }
+    const std::int64_t behind = stretch.count - at - 1;
+    if (at > 0) kept.push_back({stretch.first, stretch.period, at, stretch.first_number});
+    if (behind > 0) kept.push_back({stretch.first + (at + 1) * stretch.period, stretch.period, behind, number + 1});
+  }
+  memory_ = std::move(kept);
 }
 
 Selection Unit::Later(Seconds after) const {
@@ -119,8 +152,10 @@ bool Unit::Restore(std::string_view state) {
   period_ = numbers[1];
   due_ = numbers[2];
   memory_.clear();
+  next_number_ = 0;
   for (std::size_t i = 3; i < numbers.size(); i += 3) {
-    memory_.push_back({numbers[i], numbers[i + 1], numbers[i + 2], readings()});
+    memory_.push_back({numbers[i], numbers[i + 1], numbers[i + 2], next_number_});
+    next_number_ += numbers[i + 2];
   }
   return true;
 }

@@ -30,6 +30,8 @@ class Selection {
   Selection() = default;
   explicit Selection(std::vector<Stretch> stretches);
 
+  /// The stretches that it was made of.
+  [[nodiscard]] const std::vector<Stretch>& stretches() const { return stretches_; }
   /// Number of readings not yet taken.
   [[nodiscard]] std::int64_t size() const { return size_; }
   /// Takes the next reading; `size()` must not be 0.
@@ -51,11 +53,23 @@ class Unit {
   [[nodiscard]] int id() const { return id_; }
   [[nodiscard]] int relay() const { return relay_; }
   [[nodiscard]] const Soil& soil() const { return soil_; }
+  /// Lets the readings from now on be of another soil or number of sensors.
+  void SetSoil(Soil soil) { soil_ = soil; }
   [[nodiscard]] Seconds clock() const { return clock_; }
   [[nodiscard]] Seconds period() const { return period_; }
-  [[nodiscard]] std::int64_t readings() const;
+  /// Number of readings taken so far.
+  [[nodiscard]] std::int64_t readings() const { return next_number_; }
   /// The date of the reading stored last, 0 when there is none.
   [[nodiscard]] Seconds last_reading() const;
+
+  /// Keeps the newest `count` readings at most: the oldest go as new ones come.
+  void SetCapacity(std::int64_t count);
+  /// The readings that are still held, oldest first.
+  [[nodiscard]] const std::vector<Stretch>& memory() const { return memory_; }
+  /// Takes a reading out of the memory; nothing happens when it is not there.
+  void Forget(std::int64_t number);
+  /// Empties the memory.
+  void Clear() { memory_.clear(); }
 
   /// Sets the clock; the next reading falls on the next full log period of the new clock.
   void SetClock(Seconds clock);
@@ -75,6 +89,7 @@ class Unit {
 
  private:
   void StartGrid();
+  void DropOldest();
   void Store(std::int64_t count);
 
   int id_;
@@ -83,6 +98,8 @@ class Unit {
   Seconds clock_;
   Seconds period_;
   Seconds due_;  ///< when the next reading is stored
+  std::int64_t next_number_ = 0;
+  std::int64_t capacity_ = INT64_MAX;
   std::vector<Stretch> memory_;
 };
 
