@@ -30,7 +30,10 @@ class FakeLoop : public EventLoop {
   void Advance(std::int64_t milliseconds);
   /// Runs `task` from the loop after `milliseconds`.
   void After(std::int64_t milliseconds, std::function<void()> task);
+  /// Forgets what was posted: who would run it is gone.
+  void DropPosted() { posted_.clear(); }
   [[nodiscard]] std::int64_t yields() const { return yields_; }
+  [[nodiscard]] std::size_t timers() const { return timers_.size(); }
 
  private:
   class FakeTimer;

@@ -16,8 +16,19 @@
 namespace corvane::test {
 
 inline std::string ReadAll(const std::string& path) {
+  std::error_code missing;
+  const auto size = std::filesystem::file_size(path, missing);
+  std::string contents(missing ? 0 : size, '\0');
   std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+  in.read(contents.data(), static_cast<std::streamsize>(contents.size()));
+  contents.resize(static_cast<std::size_t>(in.gcount()));
+  return contents;
+}
+
+/// Writes a file, creating the folders above it.
+inline void WriteAll(const std::string& path, const std::string& text) {
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  std::ofstream(path, std::ios::binary) << text;
 }
 
 /// A server that keeps its files by full path. Every call is noted as "<operation> <arguments>".
@@ -108,7 +119,7 @@ class FakeInternet : public InternetClient {
   FtpLogin last_login;
   std::function<void(const std::string&)> on_call;  ///< runs at every call
 
- private:
+ protected:
   bool Note(const std::string& call) {
     calls.push_back(call);
     if (on_call) on_call(call);
@@ -121,10 +132,16 @@ class FakeInternet : public InternetClient {
     if (!condition) error_ = kInternetExtendedError;
     return condition;
   }
+  bool Fail(int error) {
+    error_ = error;
+    return false;
+  }
   [[nodiscard]] std::string Full(const std::string& name) const {
     if (name.starts_with('/')) return name.size() > 1 && name.ends_with('/') ? name.substr(0, name.size() - 1) : name;
     return current_ + (current_.ends_with('/') ? "" : "/") + name;
   }
+
+ private:
   void ReportBytes(int code, std::size_t bytes) {
     if (!handler_) return;
     handler_({2, kHandleCreated, "", 0});

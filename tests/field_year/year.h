@@ -1,0 +1,168 @@
+// A simulated year: the whole application on a machine, a network and a person that fail it, in virtual time.
+//
+// Everything follows from the seed. What was to come about is decided from the units' own books and the files, never
+// from what the program says of itself.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "field_year/books.h"
+#include "field_year/disk.h"
+#include "field_year/ftp_site.h"
+#include "field_year/radio_line.h"
+#include "field_year/year_loop.h"
+#include "station.h"
+#include "support/recorders.h"
+#include "zip/libzip_component.h"
+
+namespace corvane::test {
+
+struct YearSettings {
+  std::uint64_t seed = 1;
+  int days = 365;
+  int units = 10;
+  int rounds_a_day = 2;
+  bool goes_on = false;
+  bool trace = false;             ///< prints all events and leaves the program's folder
+  std::set<std::string> without;  ///< kinds of faults and deeds that do not come
+};
+
+struct YearOutcome {
+  std::string broken;              ///< the first broken promise, empty when all were kept
+  int day = 0;                     ///< the last one
+  std::deque<std::string> events;  ///< the last ones
+  std::map<std::string, std::int64_t> strikes;
+  std::array<std::int64_t, kHeadings.size()> headings{};
+  std::int64_t logged = 0;
+  std::int64_t stored = 0;
+  std::string digest;  ///< of all files at the end
+};
+
+class Year {
+ public:
+  explicit Year(const YearSettings& settings);
+  ~Year();
+  Year(const Year&) = delete;
+  Year& operator=(const Year&) = delete;
+
+  [[nodiscard]] YearOutcome Run();
+  /// The names of all kinds of faults and deeds.
+  [[nodiscard]] static std::vector<std::string> Kinds();
+
+ private:
+  /// One unit of the program.
+  struct Row {
+    UnitBook* book = nullptr;
+    std::unique_ptr<RawBook> raw;
+  };
+  /// What comes to pass at some time of a day, how often in a day, and what is right again within so many seconds.
+  struct Deed {
+    const char* name;
+    double rate;
+    void (*act)(Year& year, UnitBook& book);
+    std::int64_t seconds = 0;
+    void (*mend)(Year& year, UnitBook& book) = nullptr;
+  };
+  [[nodiscard]] static const std::vector<Deed>& Deeds();
+  using Faults = std::vector<basestation::Fault>;
+
+  void MakeRows(std::int64_t period);
+  void WriteHome();
+
+  void StartProgram();
+  void EndProgram();
+  void OnKilled();
+  [[nodiscard]] bool IsDead();
+  [[nodiscard]] bool IsBusy() const;
+  void PassTo(std::int64_t milliseconds);
+  void PassUnits();
+  void SetComputerClock();
+  [[nodiscard]] std::int64_t Now() const { return loop_.MonotonicMilliseconds(); }
+  [[nodiscard]] basestation::Seconds TrueTime() const { return start_ + Now() / 1000; }
+  [[nodiscard]] bool IsCalm() const { return Now() >= calm_from_; }
+
+  [[nodiscard]] bool Strikes(const char* kind, double rate);
+  [[nodiscard]] std::int64_t Some(std::int64_t least, std::int64_t span);
+  void PlanDay();
+  void Do(const Deed& deed);
+  void SetClockError(std::int64_t seconds);
+  void AddSensor(basestation::Unit& unit);
+  void LogInFuture(UnitBook& book);
+  void EndFuture(UnitBook& book);
+  void RenameUnit();
+  void DeleteRawFile();
+  void ChangeUnits(std::int16_t command);
+  [[nodiscard]] Faults FaultsOf(const basestation::Request& request, const basestation::Selection& readings);
+  void AddDownloadFaults(const basestation::Selection& readings, double loss, Faults& faults);
+  void SpoilArriving(std::string& bytes);
+
+  void Note(const std::string& event);
+  void Break(const std::string& promise);
+  void PromoteWholeContact();
+  void JudgeDay();
+  void JudgeProgram();
+  void JudgeEnd();
+  void JudgeServer();
+  void JudgeCalibrated();
+  [[nodiscard]] std::string Digest() const;
+
+  YearSettings settings_;
+  basestation::Random random_;
+  YearOutcome outcome_;
+  std::string home_;
+  basestation::Seconds start_ = 0;
+  std::int64_t calm_from_ = 0;  ///< milliseconds; from then on nothing strikes
+  bool zips_ = false;
+  bool sends_calibrated_ = false;
+  std::set<std::string> active_;  ///< kinds of this seed
+  YearLoop loop_;
+  std::unique_ptr<Disk> disk_;
+  std::unique_ptr<basestation::Station> station_;
+  std::map<int, std::unique_ptr<UnitBook>> books_;
+  std::vector<Row> rows_;  ///< by the program's units, from 0
+  std::unique_ptr<RadioLine> line_;
+  FtpSite ftp_{loop_};
+
+  // The program while it runs.
+  std::unique_ptr<RecordingDialogs> dialogs_;
+  FakeShell shell_;
+  std::unique_ptr<LibzipComponent> zip_;
+  std::unique_ptr<Application> program_;
+  bool killed_ = false;
+  std::optional<std::int64_t> closed_days_;  ///< the person wants to end it, for so long
+  std::int64_t kill_in_ = 0;                 ///< waits, 0 for never
+  std::int64_t cancel_in_ = 0;               ///< waits, 0 for never
+  std::int64_t starts_at_ = 0;               ///< milliseconds, while no program runs
+  std::size_t descriptors_ = 0;              ///< open on the first evening of this run of the program, 0 before it
+  std::size_t timers_ = 0;
+
+  // The state of the world.
+  int day_ = 0;
+  bool day_is_regular_ = false;  ///< no clock was set, and the program ran on
+  std::int64_t opens_before_ = 0;
+  std::int64_t passed_ = 0;      ///< seconds that the units have lived
+  std::map<int, double> drift_;  ///< seconds a second, by unit
+  std::map<int, double> owed_;   ///< fractions of a second
+  std::map<int, double> loss_;   ///< how much more often than usual answers are hit
+  std::set<int> relays_down_;
+  std::set<int> units_lossy_;
+  std::map<int, std::int64_t> poison_;  ///< number of the reading, by unit
+  std::map<int, std::int64_t> future_;  ///< likewise
+  std::int64_t clock_error_ = 0;        ///< seconds that this computer is ahead
+  std::size_t asked_ = 0;               ///< the row whose unit is being asked
+  std::int64_t logged_when_asked_ = 0;
+  std::vector<std::int64_t> damaged_;  ///< readings that the answer under way brings damaged, -1 for other lines
+  bool exchange_is_clean_ = false;
+  std::optional<std::size_t> whole_contact_;  ///< the row whose whole answer has just gone out
+};
+
+}  // namespace corvane::test

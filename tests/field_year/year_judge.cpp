@@ -1,0 +1,184 @@
+// The accounting of a simulated year.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <utility>
+
+#include "base/encoding.h"
+#include "field_year/year.h"
+#include "support/scripted_port.h"
+#include "support/temp_folder.h"
+
+namespace corvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::int64_t kLongestSilence = 75000;  ///< milliseconds
+constexpr std::size_t kEventsKept = 50;
+constexpr std::size_t kConvertedApart = 3;
+constexpr std::size_t kMoreHeld = 2;  ///< a log that was closed is opened again
+
+std::string TwoDigits(std::int64_t number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+std::string Replaced(std::string text, const std::string& what, const std::string& with) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
+std::vector<fs::path> FilesOf(const std::string& folder) {
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) files.push_back(entry.path());
+  }
+  std::ranges::sort(files);
+  return files;
+}
+
+/// What an archive holds under a name; nothing when it cannot be read.
+std::string Unzipped(const std::string& archive, const std::string& name) {
+  const TempFolder folder;
+  FakeLoop loop;
+  LibzipComponent zip(loop);
+  zip.SetZipFilename(archive);
+  zip.SetFilesToProcess(name);
+  zip.SetUnzipFolder(folder.path());
+  return zip.Unzip() == kZipOk ? folder.Read(name) : "";
+}
+
+}  // namespace
+
+void Year::Note(const std::string& event) {
+  const std::int64_t seconds = Now() / 1000 % kSecondsPerDay;
+  outcome_.events.push_back("day " + std::to_string(day_) + " " + TwoDigits(seconds / 3600) + ":" +
+                            TwoDigits(seconds / 60 % 60) + ":" + TwoDigits(seconds % 60) + " " + event);
+  if (settings_.trace) std::puts(outcome_.events.back().c_str());
+  if (outcome_.events.size() > kEventsKept) outcome_.events.pop_front();
+}
+
+void Year::Break(const std::string& promise) {
+  if (outcome_.broken.empty()) outcome_.broken = promise;
+}
+
+void Year::PromoteWholeContact() {
+  const auto row = std::exchange(whole_contact_, std::nullopt);
+  if (row) rows_[*row].raw->TakeWholeContact(logged_when_asked_, IsCalm());
+}
+
+void Year::JudgeDay() {
+  PassUnits();
+  PromoteWholeContact();
+  for (const Row& row : rows_) {
+    Break(row.raw->Judge(settings_.goes_on));
+  }
+  if (line_->longest_silence > kLongestSilence) {
+    Break("a wait on the open port lasted " + std::to_string(line_->longest_silence / 1000) + " s");
+  }
+  if (program_) JudgeProgram();
+}
+
+void Year::JudgeProgram() {
+  const std::int64_t rounds = line_->opens - opens_before_;
+  if (day_is_regular_ && rounds < settings_.rounds_a_day - 1) Break(std::to_string(rounds) + " rounds in a day");
+  if (dialogs_->open_boxes > 0) Break("a box waits for a click: " + dialogs_->boxes.back().text);
+  dialogs_->boxes.clear();
+  dialogs_->count_downs.clear();
+  const auto descriptors = static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), {}));
+  if (descriptors_ == 0) descriptors_ = descriptors, timers_ = loop_.timers();
+  if (descriptors > descriptors_ + kMoreHeld) Break("open descriptors grow");
+  if (loop_.timers() > timers_ + kMoreHeld) Break("open timers grow");
+}
+
+void Year::JudgeEnd() {
+  if (!program_) return Break("the program does not run at the end");
+  for (const Row& row : rows_) {
+    if (!row.raw->is_complete()) Break(row.raw->path() + ": the unit was not asked in the last days");
+  }
+  JudgeServer();
+  EndProgram();
+  const std::string settings = ReadAll(home_ + "/corvane.ini");
+  for (std::size_t row = 0; row < rows_.size(); ++row) {
+    const int id = rows_[row].book->unit().id();
+    const std::string line = "\nID" + std::to_string(row + 1) + "=" + std::to_string(id) + "\r";
+    if (settings.find(line) == std::string::npos) Break("the settings lack " + line);
+  }
+  if (!IsUtf8(ReadAll(home_ + "/corvane.log"))) Break("the log is no text");
+  if (outcome_.broken.empty()) JudgeCalibrated();
+  outcome_.digest = Digest();
+}
+
+void Year::JudgeServer() {
+  for (const Row& row : rows_) {
+    fs::path file = row.raw->path();
+    file.replace_extension(sends_calibrated_ ? "txt" : "epd");
+    fs::path archive = file;
+    archive.replace_extension("zip");
+    const std::string& sent = zips_ ? archive : file;
+    if (ftp_.files[sent.substr(home_.size())] != ReadAll(sent)) Break("the server does not hold " + sent);
+    const std::string backup = home_ + "/backup" + archive.string().substr(home_.size());
+    if (Unzipped(backup, file.filename()) != ReadAll(file)) Break(backup + " does not hold " + file.string());
+  }
+}
+
+/// Held against a conversion that was written apart, for some, and against one in an empty folder.
+void Year::JudgeCalibrated() {
+  const std::string fresh = home_ + ".fresh";
+  fs::create_directories(fresh);
+  for (const char* name : {"corvane.ini", "moisture.lkp", "salinity.lkp", "salcorr.lkp"}) {
+    WriteAll(fresh + "/" + name, Replaced(ReadAll(home_ + "/" + name), home_, fresh));
+  }
+  for (const Row& row : rows_) {
+    WriteAll(fresh + row.raw->path().substr(home_.size()), ReadAll(row.raw->path()));
+  }
+  FakeLoop loop;
+  ScriptedPort port(loop);
+  LibzipComponent zip(loop);
+  FakeInternet internet;
+  RecordingDialogs dialogs;
+  Application converter(Platform{loop, port, shell_, dialogs, internet, zip}, fresh);
+  converter.life().OnWindowCreate("");
+  {
+    const AutomaticRun automatic(converter.flags());
+    converter.commands().ConvertAll(true);
+  }
+  for (std::size_t row = 0; row < rows_.size(); ++row) {
+    const fs::path raw = rows_[row].raw->path();
+    const std::string calibrated = fs::path(raw).replace_extension("txt");
+    const std::string here = ReadAll(calibrated);
+    if (here.empty() || here != ReadAll(fresh + calibrated.substr(home_.size()))) {
+      Break(calibrated + " is not what a fresh conversion gives");
+    }
+    if (row >= kConvertedApart) continue;
+    const std::string apart = fresh + "/apart.txt";
+    const std::string command = "python3 " FIELD_YEAR_DIR "/convert.py " + home_ + " " + std::to_string(row + 1) + " " +
+                                raw.string() + " " + apart;
+    if (std::system(command.c_str()) != 0 || here != ReadAll(apart)) {
+      Break(calibrated + " is not what a conversion written apart gives");
+    }
+  }
+  fs::remove_all(fresh);
+}
+
+std::string Year::Digest() const {
+  std::uint64_t digest = 0;
+  const auto add = [&digest](const std::string& text) {
+    for (const char c : text) digest = basestation::Mix(digest ^ static_cast<unsigned char>(c));
+  };
+  for (const fs::path& file : FilesOf(home_)) {
+    // A copy of settings holds a hash of them, and with it of this folder's name.
+    if (file.extension() == ".recovery") continue;
+    // Archives hold the time of day; what counts is what is in them.
+    const bool is_archive = file.extension() == ".zip";
+    const std::string packed = file.stem().string() + (sends_calibrated_ ? ".txt" : ".epd");
+    add(Replaced(file.string() + (is_archive ? Unzipped(file, packed) : ReadAll(file)), home_, "home"));
+  }
+  return std::to_string(digest);
+}
+
+}  // namespace corvane::test
