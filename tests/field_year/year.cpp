@@ -44,6 +44,7 @@ constexpr AnswerFault kLineFaults[] = {{"bad-line", 0.05, FaultKind::BadChecksum
                                        {"wrong-items", 0.01, FaultKind::WrongItems},
                                        {"bad-date", 0.01, FaultKind::BadDate}};
 constexpr const char* kOverrun = "overrun";
+constexpr const char* kCutAtClose = "power-cut-at-close";
 constexpr const char* kSummerTime = "summer-time";
 
 /// Two o'clock, standard time, on the last Sunday of a month of 31 days.
@@ -91,6 +92,8 @@ const std::vector<Year::Deed>& Year::Deeds() {
       {"sensor-added", 0.004, [](Year& y, UnitBook& b) { y.AddSensor(b.unit()); }},
       {"same-minute", 0.02,
        [](Year& y, UnitBook& b) { b.unit().SetClock(std::max(b.unit().last_reading(), y.start_) - 1); }},
+      {"sends-again", 0.02, [](Year&, UnitBook& b) { b.unit().SetOverlap(6 * kHour); }, 20 * kDay,
+       [](Year&, UnitBook& b) { b.unit().SetOverlap(0); }},
       {"memory-cleared", 0.004, [](Year&, UnitBook& b) { b.unit().Clear(); }},
       {"unplugged", 0.05, [](Year& y, UnitBook&) { y.line_->SetUnplugged(true); }, kDay / 2,
        [](Year& y, UnitBook&) { y.line_->SetUnplugged(false); }},
@@ -120,7 +123,7 @@ const std::vector<Year::Deed>& Year::Deeds() {
 }
 
 std::vector<std::string> Year::Kinds() {
-  std::vector<std::string> kinds = {kOverrun, kSummerTime};
+  std::vector<std::string> kinds = {kOverrun, kSummerTime, kCutAtClose};
   for (const auto& fault : kAnswerFaults) kinds.emplace_back(fault.name);
   for (const auto& fault : kDownloadFaults) kinds.emplace_back(fault.name);
   for (const auto& fault : kLineFaults) kinds.emplace_back(fault.name);
@@ -141,6 +144,7 @@ std::int64_t Year::Some(std::int64_t least, std::int64_t span) {
 void Year::PlanDay() {
   day_is_regular_ = program_ != nullptr && clock_error_ == 0;
   opens_before_ = line_->opens;
+  if (IsCalm()) kill_in_ = cancel_in_ = disk_->calls_left = disk_->failing_syncs = 0;
   SetComputerClock();
   if (IsSummer(TrueTime()) != IsSummer(TrueTime() + kDay)) {
     ++outcome_.strikes[kSummerTime];
@@ -150,8 +154,8 @@ void Year::PlanDay() {
   for (const Deed& deed : Deeds()) {
     if (Strikes(deed.name, deed.rate)) loop_.After(Some(0, kDay * kMilliseconds), [this, &deed] { Do(deed); });
   }
-  // The person backs up every ten days, and in the last ones.
-  if (program_) program_->form().Chk_Backup.SetTicked(zips_ || day_ % 10 == 0 || IsCalm());
+  // The person backs up every month, and in the last days.
+  if (program_) program_->form().Chk_Backup.SetTicked(zips_ || day_ % 30 == 0 || IsCalm());
 }
 
 void Year::Do(const Deed& deed) {
@@ -293,20 +297,24 @@ void Year::StartProgram() {
   dialogs_->answer_plain_boxes = false;
   zip_ = std::make_unique<LibzipComponent>(loop_);
   program_ = std::make_unique<Application>(Platform{loop_, *line_, shell_, *dialogs_, ftp_, *zip_}, home_);
-  program_->life().OnWindowCreate("");
-  program_->life().OnWindowActivate("");
+  const std::string switches = std::exchange(starts_with_download_, false) ? "/D" : "";
+  program_->life().OnWindowCreate(switches);
+  program_->life().OnWindowActivate(switches);
   descriptors_ = 0;
 }
 
 void Year::EndProgram() {
   Note("the program ends");
   const bool disk_is_well = !disk_->is_full && !disk_->is_read_only && disk_->failing_syncs == 0;
+  if (Strikes(kCutAtClose, 0.3)) disk_->calls_left = Some(1, 12);
   program_->commands().Close(true);
-  if (!program_->life().OnWindowClose() && disk_is_well) Break("the settings were not saved");
+  const bool saved = program_->life().OnWindowClose();
+  loop_.Check();
+  if (!saved && disk_is_well) Break("the settings were not saved");
   program_.reset();
   line_->LoseProgram();
   loop_.DropPosted();
-  starts_at_ = std::min(Now() + *std::exchange(closed_days_, {}) * kDay * kMilliseconds, calm_from_);
+  starts_at_ = std::min(Now() + std::exchange(closed_days_, {}).value_or(0) * kDay * kMilliseconds, calm_from_);
   day_is_regular_ = false;
 }
 
@@ -324,7 +332,10 @@ void Year::OnKilled() {
   killed_ = day_is_regular_ = exchange_is_clean_ = false;
   closed_days_.reset();
   whole_contact_.reset();
-  starts_at_ = Now() + Some(60, 4 * kHour) * kMilliseconds;
+  // Where it starts at once it downloads at once, while the unit may still be sending.
+  starts_with_download_ = random_.Chance(0.5);
+  starts_at_ = Now() + (starts_with_download_ ? Some(1, 20) : Some(60, 4 * kHour)) * kMilliseconds;
+  JudgeWholeFiles();
 }
 
 /// The program dies at a call to the disk, or at one of its waits.
@@ -402,7 +413,7 @@ Year::Year(const YearSettings& settings)
   fs::remove_all(home_);
   zips_ = random_.Below(10) == 0;
   // These cost much: eight rounds a day, readings every 15 minutes, everything zipped and backed up each time.
-  if (zips_) settings_.days = std::min(settings_.days, 10);
+  if (zips_) settings_.days = std::min(settings_.days, 6);
   if (zips_) settings_.rounds_a_day = 8;
   sends_calibrated_ = random_.Chance(0.3);
   start_ = *basestation::TimeOf(2027, 1, 1, 0, 0, 0) + Some(0, 365) * kDay;

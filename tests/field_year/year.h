@@ -110,6 +110,7 @@ class Year {
   void PromoteWholeContact();
   void JudgeDay();
   void JudgeProgram();
+  void JudgeWholeFiles();
   void JudgeEnd();
   void JudgeServer();
   void JudgeCalibrated();
@@ -141,8 +142,9 @@ class Year {
   std::optional<std::int64_t> closed_days_;  ///< the person wants to end it, for so long
   std::int64_t kill_in_ = 0;                 ///< waits, 0 for never
   std::int64_t cancel_in_ = 0;               ///< waits, 0 for never
-  std::int64_t starts_at_ = 0;               ///< milliseconds, while no program runs
-  std::size_t descriptors_ = 0;              ///< open on the first evening of this run of the program, 0 before it
+  bool starts_with_download_ = false;
+  std::int64_t starts_at_ = 0;   ///< milliseconds, while no program runs
+  std::size_t descriptors_ = 0;  ///< open on the first evening of this run of the program, 0 before it
   std::size_t timers_ = 0;
 
   // The state of the world.

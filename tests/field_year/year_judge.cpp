@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 constexpr std::int64_t kLongestSilence = 75000;  ///< milliseconds
 constexpr std::size_t kEventsKept = 50;
 constexpr std::size_t kConvertedApart = 3;
+constexpr std::size_t kLargestLog = 1'100'000;
 constexpr std::size_t kMoreHeld = 2;  ///< a log that was closed is opened again
 
 std::string TwoDigits(std::int64_t number) {
@@ -95,6 +96,17 @@ void Year::JudgeProgram() {
   if (loop_.timers() > timers_ + kMoreHeld) Break("open timers grow");
 }
 
+/// What is replaced as a whole is whole at any time.
+void Year::JudgeWholeFiles() {
+  std::vector<fs::path> files = {home_ + "/corvane.ini"};
+  for (const Row& row : rows_) files.push_back(fs::path(row.raw->path()).replace_extension("txt"));
+  for (const fs::path& file : files) {
+    const std::string contents = ReadAll(file);
+    const bool is_whole = contents.empty() || (contents.back() == '\n' && contents.find('\0') == std::string::npos);
+    if (!is_whole || (contents.empty() && file.extension() == ".ini")) Break(file.string() + " is not whole");
+  }
+}
+
 void Year::JudgeEnd() {
   if (!program_) return Break("the program does not run at the end");
   for (const Row& row : rows_) {
@@ -108,7 +120,8 @@ void Year::JudgeEnd() {
     const std::string line = "\nID" + std::to_string(row + 1) + "=" + std::to_string(id) + "\r";
     if (settings.find(line) == std::string::npos) Break("the settings lack " + line);
   }
-  if (!IsUtf8(ReadAll(home_ + "/corvane.log"))) Break("the log is no text");
+  const std::string log = ReadAll(home_ + "/corvane.log");
+  if (!IsUtf8(log) || log.size() > kLargestLog) Break("the log is no text or too long");
   if (outcome_.broken.empty()) JudgeCalibrated();
   outcome_.digest = Digest();
 }

@@ -107,6 +107,7 @@ void Unit::Forget(std::int64_t number) {
 }
 
 Selection Unit::Later(Seconds after) const {
+  after -= overlap_;
   std::vector<Stretch> later;
   for (Stretch stretch : memory_) {
     if (after >= stretch.first) {

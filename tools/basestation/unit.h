@@ -64,6 +64,8 @@ class Unit {
 
   /// Keeps the newest `count` readings at most: the oldest go as new ones come.
   void SetCapacity(std::int64_t count);
+  /// Lets each download begin so many seconds before the date that it was asked for.
+  void SetOverlap(Seconds seconds) { overlap_ = seconds; }
   /// The readings that are still held, oldest first.
   [[nodiscard]] const std::vector<Stretch>& memory() const { return memory_; }
   /// Takes a reading out of the memory; nothing happens when it is not there.
@@ -79,7 +81,7 @@ class Unit {
   void PassTime(Seconds seconds);
   /// Lets time pass until `count` more readings are stored.
   void PassReadings(std::int64_t count);
-  /// The readings dated later than `after`.
+  /// The readings dated later than `after`, and those of the overlap.
   [[nodiscard]] Selection Later(Seconds after) const;
 
   /// Clock, log period and memory as one line of text for the state file.
@@ -100,6 +102,7 @@ class Unit {
   Seconds due_;  ///< when the next reading is stored
   std::int64_t next_number_ = 0;
   std::int64_t capacity_ = INT64_MAX;
+  Seconds overlap_ = 0;
   std::vector<Stretch> memory_;
 };
 
