@@ -5,77 +5,46 @@
 #include <functional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "conversation.h"
 #include "field_year/year_loop.h"
-#include "platform/serial_port.h"
+#include "support/scripted_port.h"
 
 namespace corvane::test {
 
 /// The serial adapter with a base station behind it; it outlives the program and goes on sending when that has died.
-class RadioLine : public SerialPort {
+class RadioLine : public ScriptedPort {
  public:
-  RadioLine(YearLoop& loop, basestation::Station& station) : loop_(loop), conversation_(station, log_) {
+  RadioLine(YearLoop& loop, basestation::Station& station)
+      : ScriptedPort(loop), loop_(loop), conversation_(station, log_) {
     conversation_.answer_over = [this] { on_answer_over(); };
+    on_line = [this](const std::string& line) {
+      on_command();
+      Take(line + "\r");
+      lines.clear();
+      written.clear();
+    };
+    on_escape = [this] { Take("\x1b"); };
   }
 
-  Status SetDevice(const std::string& /*path*/) override { return Status::Ok(); }
-  Status SetSettings(const std::string& /*settings*/) override { return Status::Ok(); }
-  Status SetNoHandshaking() override { return Status::Ok(); }
   Status Open() override {
     loop_.Check();
-    ++opens;
-    if (unplugged) return {2, "the device is not there"};
-    open_ = true;
     last_sign_ = loop_.MonotonicMilliseconds();
-    return Status::Ok();
+    static_cast<void>(ReadAll());
+    return ScriptedPort::Open();
   }
   void Close() override {
-    if (std::exchange(open_, false)) NoteSign();
-    waiting_.clear();
+    if (IsOpen()) NoteSign();
+    ScriptedPort::Close();
   }
-  [[nodiscard]] bool IsOpen() const override { return open_; }
-  [[nodiscard]] std::string ReadAll() override { return std::exchange(waiting_, {}); }
-  Status Write(std::string_view text) override {
-    if (!open_) return {5, "the port is closed"};
-    NoteSign();
-    if (on_line && text.find('\r') != text.npos) on_line();
-    conversation_.TakeInput(text, Moment());
-    Pump();
-    return Status::Ok();
-  }
-  [[nodiscard]] std::vector<SerialDeviceInfo> ListDevices() const override { return {}; }
-  [[nodiscard]] DeviceState LookAt(const std::string& path) const override {
-    if (unplugged) return {DevicePresence::NotThere, path + " is not there"};
-    return {DevicePresence::There, ""};
-  }
-  void SetEventHandler(std::function<void(int code)> handler) override { handler_ = std::move(handler); }
-
   void SetUnplugged(bool away) {
-    unplugged = away;
+    open_result = away ? Status(2, "the device is not there") : Status::Ok();
     if (away) Close();
   }
-  /// Takes the program away that held the port.
-  void LoseProgram() {
-    open_ = false;
-    handler_ = nullptr;
-    waiting_.clear();
-  }
-  void Receive(const std::string& bytes) {
-    if (!open_) return;
-    NoteSign();
-    waiting_ += bytes;
-    handler_(kPortDataReceived);
-  }
-  void TellOverrun() {
-    if (open_) handler_(kPortOverrun);
-  }
+  void TellOverrun() { Event(kPortOverrun); }
 
-  bool unplugged = false;
-  std::int64_t opens = 0;                   ///< how often it was tried
   std::int64_t longest_silence = 0;         ///< milliseconds for which the open port was still
-  std::function<void()> on_line;            ///< a command line comes
+  std::function<void()> on_command;         ///< a command line comes
   std::function<void()> on_answer_over;     ///< all of an answer has been sent
   std::function<void(std::string&)> spoil;  ///< may change what is about to arrive
 
@@ -86,6 +55,11 @@ class RadioLine : public SerialPort {
   void NoteSign() {
     const std::int64_t now = loop_.MonotonicMilliseconds();
     longest_silence = std::max(longest_silence, now - std::exchange(last_sign_, now));
+  }
+  void Take(const std::string& text) {
+    NoteSign();
+    conversation_.TakeInput(text, Moment());
+    Pump();
   }
   /// Sends the next piece at 9600 baud, a pause or a hang-up when it is due.
   void Pump() {
@@ -105,7 +79,8 @@ class RadioLine : public SerialPort {
     std::string bytes(conversation_.Waiting(Moment()).substr(0, kPiece));
     conversation_.NoteSent(bytes.size());
     if (spoil && !bytes.empty()) spoil(bytes);
-    Receive(bytes);
+    if (IsOpen()) NoteSign();
+    ReceiveNow(bytes);
     Pump();
   }
 
@@ -114,11 +89,8 @@ class RadioLine : public SerialPort {
   YearLoop& loop_;
   basestation::Log log_;
   basestation::Conversation conversation_;
-  std::function<void(int code)> handler_;
-  bool open_ = false;
   bool pumping_ = false;
   std::int64_t last_sign_ = 0;
-  std::string waiting_;
 };
 
 }  // namespace corvane::test

@@ -312,7 +312,7 @@ void Year::EndProgram() {
   loop_.Check();
   if (!saved && disk_is_well) Break("the settings were not saved");
   program_.reset();
-  line_->LoseProgram();
+  line_->Close();
   loop_.DropPosted();
   starts_at_ = std::min(Now() + std::exchange(closed_days_, {}).value_or(0) * kDay * kMilliseconds, calm_from_);
   day_is_regular_ = false;
@@ -322,7 +322,7 @@ void Year::OnKilled() {
   const bool lost_pages = disk_->power_is_off;
   Note(lost_pages ? "the power is off" : "the program is killed");
   program_.reset();
-  line_->LoseProgram();
+  line_->Close();
   loop_.DropPosted();
   disk_->Restore(lost_pages);
   for (Row& row : rows_) {
@@ -449,7 +449,7 @@ void Year::MakeRows(std::int64_t period) {
                                                     std::move(units), basestation::FaultPlan(1));
   station_->more_faults = [this](const auto& request, const auto& readings) { return FaultsOf(request, readings); };
   line_ = std::make_unique<RadioLine>(loop_, *station_);
-  line_->on_line = [this] {
+  line_->on_command = [this] {
     PassUnits();
     PromoteWholeContact();
   };
