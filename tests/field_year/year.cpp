@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include "protocol.h"
@@ -22,6 +23,7 @@ constexpr std::int64_t kHour = 3600;
 constexpr std::int64_t kMilliseconds = 1000;
 constexpr std::int64_t kTo1970 = 25569 * kDay;  ///< from the day that dates of the program count from
 constexpr int kCalmDays = 3;
+constexpr std::size_t kMostMemory = 1'000'000;  ///< bytes, after however many days
 constexpr int kSensors = 3;
 
 /// A kind of fault of an answer: how often it comes, and how much of it.
@@ -311,7 +313,10 @@ void Year::EndProgram() {
   const bool saved = program_->life().OnWindowClose();
   loop_.Check();
   if (!saved && disk_is_well) Break("the settings were not saved");
+  const std::size_t held = mallinfo2().uordblks;
   program_.reset();
+  const std::size_t freed = held - std::min(held, mallinfo2().uordblks);
+  if (freed > kMostMemory) Break("the program held " + std::to_string(freed) + " bytes of memory");
   line_->Close();
   loop_.DropPosted();
   starts_at_ = std::min(Now() + std::exchange(closed_days_, {}).value_or(0) * kDay * kMilliseconds, calm_from_);
