@@ -103,10 +103,10 @@ const std::vector<Year::Deed>& Year::Deeds() {
       {"program-killed", 0.05, [](Year& y, UnitBook&) { y.kill_in_ = y.Some(1, 800); }},
       {"office-closed", 0.01, [](Year& y, UnitBook&) { y.closed_days_ = y.Some(1, 8); }},
       {"failed-sync", 0.02, [](Year& y, UnitBook&) { y.disk_->failing_syncs = y.Some(1, 3); }},
-      {"full-disk", 0.01, [](Year& y, UnitBook&) { y.disk_->is_full = true; }, kDay,
-       [](Year& y, UnitBook&) { y.disk_->is_full = false; }},
-      {"read-only", 0.01, [](Year& y, UnitBook&) { y.disk_->is_read_only = true; }, kDay / 4,
-       [](Year& y, UnitBook&) { y.disk_->is_read_only = false; }},
+      {"full-disk", 0.01, [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_full, true); }, kDay,
+       [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_full, false); }},
+      {"read-only", 0.01, [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_read_only, true); }, kDay / 4,
+       [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_read_only, false); }},
       {"clock-forward", 0.01, [](Year& y, UnitBook&) { y.SetClockError(y.Some(kHour, 3 * kDay)); }, kDay,
        clock_is_right},
       {"clock-back", 0.01, [](Year& y, UnitBook&) { y.SetClockError(-y.Some(kHour, 3 * kDay)); }, kDay, clock_is_right},
@@ -144,7 +144,7 @@ std::int64_t Year::Some(std::int64_t least, std::int64_t span) {
 }
 
 void Year::PlanDay() {
-  day_is_regular_ = program_ != nullptr && clock_error_ == 0;
+  day_is_regular_ = program_ != nullptr && clock_error_ == 0 && !disk_->is_full && !disk_->is_read_only;
   opens_before_ = line_->opens;
   if (IsCalm()) kill_in_ = cancel_in_ = disk_->calls_left = disk_->failing_syncs = 0;
   SetComputerClock();
@@ -180,6 +180,11 @@ void Year::SetClockError(std::int64_t seconds) {
   clock_error_ = seconds;
   day_is_regular_ = false;
   SetComputerClock();
+}
+
+void Year::SetTrouble(bool& trouble, bool on) {
+  trouble = on;
+  day_is_regular_ = false;
 }
 
 void Year::AddSensor(basestation::Unit& unit) {

@@ -95,6 +95,7 @@ class Year {
   void PlanDay();
   void Do(const Deed& deed);
   void SetClockError(std::int64_t seconds);
+  void SetTrouble(bool& trouble, bool on);
   void AddSensor(basestation::Unit& unit);
   void LogInFuture(UnitBook& book);
   void EndFuture(UnitBook& book);
@@ -146,6 +147,7 @@ class Year {
   std::int64_t starts_at_ = 0;   ///< milliseconds, while no program runs
   std::size_t descriptors_ = 0;  ///< open on the first evening of this run of the program, 0 before it
   std::size_t timers_ = 0;
+  std::size_t log_size_ = 0;
 
   // The state of the world.
   int day_ = 0;
