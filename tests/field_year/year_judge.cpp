@@ -88,7 +88,7 @@ void Year::JudgeProgram() {
   const std::int64_t rounds = line_->opens - opens_before_;
   if (day_is_regular_ && rounds < settings_.rounds_a_day - 1) Break(std::to_string(rounds) + " rounds in a day");
   const std::size_t log_size = std::exchange(log_size_, ReadAll(home_ + "/corvane.log").size());
-  if (day_is_regular_ && log_size == log_size_) Break("the log stands still");
+  if (day_is_regular_ && rounds > 0 && log_size == log_size_) Break("the log stands still");
   if (dialogs_->open_boxes > 0) Break("a box waits for a click: " + dialogs_->boxes.back().text);
   dialogs_->boxes.clear();
   dialogs_->count_downs.clear();
