@@ -86,6 +86,8 @@ class Year {
   void PassTo(std::int64_t milliseconds);
   void PassUnits();
   void SetComputerClock();
+  /// Whether summer time holds on this computer.
+  [[nodiscard]] static bool IsSummer(basestation::Seconds when);
   [[nodiscard]] std::int64_t Now() const { return loop_.MonotonicMilliseconds(); }
   [[nodiscard]] basestation::Seconds TrueTime() const { return start_ + Now() / 1000; }
   [[nodiscard]] bool IsCalm() const { return Now() >= calm_from_; }
@@ -116,6 +118,13 @@ class Year {
   void JudgeServer();
   void JudgeCalibrated();
   [[nodiscard]] std::string Digest() const;
+
+  static constexpr std::int64_t kDay = 86400;
+  static constexpr std::int64_t kHour = 3600;
+  static constexpr std::int64_t kMilliseconds = 1000;
+  static constexpr const char* kOverrun = "overrun";
+  static constexpr const char* kCutAtClose = "power-cut-at-close";
+  static constexpr const char* kSummerTime = "summer-time";
 
   YearSettings settings_;
   basestation::Random random_;

@@ -1,0 +1,266 @@
+// What comes to pass in a simulated year.
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include "field_year/year.h"
+#include "protocol.h"
+
+namespace corvane::test {
+namespace {
+
+namespace fs = std::filesystem;
+using basestation::Fault;
+using basestation::FaultKind;
+
+/// A kind of fault of an answer: how often it comes, and how much of it.
+struct AnswerFault {
+  const char* name;
+  double rate;
+  FaultKind kind;
+  std::int64_t least = -1;
+  std::int64_t span = 1;
+};
+constexpr AnswerFault kAnswerFaults[] = {{"noise", 0.05, FaultKind::Noise, 1, 40},
+                                         {"silence", 0.02, FaultKind::Silence},
+                                         {"error-reply", 0.05, FaultKind::Error, 1, 6},
+                                         {"late-reply", 0.02, FaultKind::Delay, 5000, 60000},
+                                         {"hang-up", 0.005, FaultKind::HangUp, 500, 20000}};
+constexpr AnswerFault kDownloadFaults[] = {{"missing-ok", 0.02, FaultKind::NoOk},
+                                           {"header-cut", 0.02, FaultKind::Header},
+                                           {"stranger", 0.004, FaultKind::Header}};
+constexpr AnswerFault kLineFaults[] = {{"bad-line", 0.05, FaultKind::BadChecksum},
+                                       {"wrong-items", 0.01, FaultKind::WrongItems},
+                                       {"bad-date", 0.01, FaultKind::BadDate}};
+
+/// The reading on a line of an answer, from 1; -1 when there is none.
+std::int64_t NumberAt(const basestation::Selection& readings, std::int64_t line) {
+  for (const basestation::Stretch& stretch : readings.stretches()) {
+    if (line >= 1 && line <= stretch.count) return stretch.first_number + line - 1;
+    line -= stretch.count;
+  }
+  return -1;
+}
+
+}  // namespace
+
+const std::vector<Year::Deed>& Year::Deeds() {
+  using Mood = FtpSite::Mood;
+  static const auto well = [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Well; };
+  static const auto clock_is_right = [](Year& y, UnitBook&) { y.SetClockError(0); };
+  static const std::vector<Deed> deeds = {
+      {"relay-down", 0.05, [](Year& y, UnitBook& b) { y.relays_down_.insert(b.unit().relay()); }, kDay,
+       [](Year& y, UnitBook& b) { y.relays_down_.erase(b.unit().relay()); }},
+      {"lossy-hours", 0.2, [](Year& y, UnitBook& b) { y.units_lossy_.insert(b.unit().id()); }, kDay / 2,
+       [](Year& y, UnitBook& b) { y.units_lossy_.erase(b.unit().id()); }},
+      {"poison", 0.01, [](Year& y, UnitBook& b) { y.poison_[b.unit().id()] = b.unit().readings(); }, 5 * kDay,
+       [](Year& y, UnitBook& b) { y.poison_.erase(b.unit().id()); }},
+      {"future-reading", 0.01, [](Year& y, UnitBook& b) { y.LogInFuture(b); }, 8 * kDay,
+       [](Year& y, UnitBook& b) { y.EndFuture(b); }},
+      {"sensor-added", 0.004, [](Year& y, UnitBook& b) { y.AddSensor(b.unit()); }},
+      {"same-minute", 0.02,
+       [](Year& y, UnitBook& b) { b.unit().SetClock(std::max(b.unit().last_reading(), y.start_) - 1); }},
+      {"sends-again", 0.02, [](Year&, UnitBook& b) { b.unit().SetOverlap(6 * kHour); }, 20 * kDay,
+       [](Year&, UnitBook& b) { b.unit().SetOverlap(0); }},
+      {"memory-cleared", 0.004, [](Year&, UnitBook& b) { b.unit().Clear(); }},
+      {"unplugged", 0.05, [](Year& y, UnitBook&) { y.line_->SetUnplugged(true); }, kDay / 2,
+       [](Year& y, UnitBook&) { y.line_->SetUnplugged(false); }},
+      {"power-cut", 0.05, [](Year& y, UnitBook&) { y.disk_->calls_left = y.Some(1, 400); }},
+      {"program-killed", 0.05, [](Year& y, UnitBook&) { y.kill_in_ = y.Some(1, 800); }},
+      {"office-closed", 0.01, [](Year& y, UnitBook&) { y.closed_days_ = y.Some(1, 8); }},
+      {"failed-sync", 0.02, [](Year& y, UnitBook&) { y.disk_->failing_syncs = y.Some(1, 3); }},
+      {"full-disk", 0.01, [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_full, true); }, kDay,
+       [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_full, false); }},
+      {"read-only", 0.01, [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_read_only, true); }, kDay / 4,
+       [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_read_only, false); }},
+      {"clock-forward", 0.01, [](Year& y, UnitBook&) { y.SetClockError(y.Some(kHour, 3 * kDay)); }, kDay,
+       clock_is_right},
+      {"clock-back", 0.01, [](Year& y, UnitBook&) { y.SetClockError(-y.Some(kHour, 3 * kDay)); }, kDay, clock_is_right},
+      {"server-away", 0.03, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Away; }, kDay, well},
+      {"server-refuses", 0.02, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Refuses; }, kDay, well},
+      {"server-drops", 0.03, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Drops; }, kDay, well},
+      {"server-full", 0.02, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Full; }, kDay, well},
+      {"server-loses", 0.02, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Loses; }, kDay, well},
+      {"person-edits", 0.05, [](Year& y, UnitBook&) { y.RenameUnit(); }},
+      {"person-cancels", 0.05, [](Year& y, UnitBook&) { y.cancel_in_ = y.Some(1, 800); }},
+      {"person-deletes", 0.01, [](Year& y, UnitBook&) { y.DeleteRawFile(); }},
+      {"person-sets-period", 0.01, [](Year& y, UnitBook&) { y.ChangeUnits(kSetLogPeriod); }},
+      {"person-sets-clocks", 0.03, [](Year& y, UnitBook&) { y.ChangeUnits(kSetDate); }},
+      {"person-restarts", 0.02, [](Year& y, UnitBook&) { y.closed_days_ = 0; }}};
+  return deeds;
+}
+
+std::vector<std::string> Year::Kinds() {
+  std::vector<std::string> kinds = {kOverrun, kSummerTime, kCutAtClose};
+  for (const auto& fault : kAnswerFaults) kinds.emplace_back(fault.name);
+  for (const auto& fault : kDownloadFaults) kinds.emplace_back(fault.name);
+  for (const auto& fault : kLineFaults) kinds.emplace_back(fault.name);
+  for (const Deed& deed : Deeds()) kinds.emplace_back(deed.name);
+  return kinds;
+}
+
+bool Year::Strikes(const char* kind, double rate) {
+  if (IsCalm() || !active_.contains(kind) || !random_.Chance(rate)) return false;
+  ++outcome_.strikes[kind];
+  return true;
+}
+
+std::int64_t Year::Some(std::int64_t least, std::int64_t span) {
+  return least + static_cast<std::int64_t>(random_.Below(static_cast<std::uint64_t>(span)));
+}
+
+void Year::PlanDay() {
+  day_is_regular_ = program_ != nullptr && clock_error_ == 0 && !disk_->is_full && !disk_->is_read_only;
+  opens_before_ = line_->opens;
+  if (IsCalm()) kill_in_ = cancel_in_ = disk_->calls_left = disk_->failing_syncs = 0;
+  SetComputerClock();
+  if (IsSummer(TrueTime()) != IsSummer(TrueTime() + kDay)) {
+    ++outcome_.strikes[kSummerTime];
+    day_is_regular_ = false;
+    loop_.After(2 * kHour * kMilliseconds, [this] { SetComputerClock(); });
+  }
+  for (const Deed& deed : Deeds()) {
+    if (Strikes(deed.name, deed.rate)) loop_.After(Some(0, kDay * kMilliseconds), [this, &deed] { Do(deed); });
+  }
+  // The person backs up every month, and in the last days.
+  if (program_) program_->form().Chk_Backup.SetTicked(zips_ || day_ % 30 == 0 || IsCalm());
+}
+
+void Year::Do(const Deed& deed) {
+  const bool is_persons = std::string_view(deed.name).starts_with("person-");
+  if (IsCalm() || (is_persons && !program_)) return;
+  if (is_persons && IsBusy()) return loop_.After(kHour / 6 * kMilliseconds, [this, &deed] { Do(deed); });
+  PassUnits();
+  whole_contact_.reset();
+  exchange_is_clean_ = false;
+  Note(deed.name);
+  UnitBook& book = *books_.at(static_cast<int>(Some(1, std::ssize(books_))));
+  deed.act(*this, book);
+  if (deed.mend == nullptr) return;
+  // Everything is right again before the calm days.
+  const std::int64_t left = std::max<std::int64_t>(calm_from_ - Now(), 0);
+  loop_.After(std::min(Some(60, deed.seconds) * kMilliseconds, left), [this, &deed, &book] { deed.mend(*this, book); });
+}
+
+void Year::SetClockError(std::int64_t seconds) {
+  clock_error_ = seconds;
+  day_is_regular_ = false;
+  SetComputerClock();
+}
+
+void Year::SetTrouble(bool& trouble, bool on) {
+  trouble = on;
+  day_is_regular_ = false;
+}
+
+void Year::AddSensor(basestation::Unit& unit) {
+  unit.Clear();  // its memory takes lines of one width only
+  unit.SetSoil(basestation::Soil(settings_.seed, unit.id(), unit.soil().sensors() % 5 + 1));
+}
+
+void Year::LogInFuture(UnitBook& book) {
+  if (!future_.emplace(book.unit().id(), book.unit().readings()).second) return;
+  const basestation::Seconds now = book.unit().clock();
+  book.unit().SetClock(now + 20 * 365 * kDay);
+  book.unit().PassReadings(1);
+  book.Log(true);
+  book.unit().SetClock(now);
+}
+
+/// The person takes the reading out of the unit and out of the raw files.
+void Year::EndFuture(UnitBook& book) {
+  if (IsBusy()) return loop_.After(kHour / 6 * kMilliseconds, [this, &book] { EndFuture(book); });
+  const auto future = future_.extract(book.unit().id());
+  if (!future) return;
+  book.unit().Forget(future.mapped());
+  const std::string line = book.readings[static_cast<std::size_t>(future.mapped())].text + "\r\n";
+  for (const Row& row : rows_) {
+    std::string contents = ReadAll(row.raw->path());
+    const std::size_t at = contents.find(line);
+    if (at != std::string::npos) WriteAll(row.raw->path(), contents.erase(at, line.size()));
+  }
+}
+
+void Year::RenameUnit() {
+  program_->units().Select(1);
+  program_->form().Txt_UnitName.SetText("Hill, day " + std::to_string(day_));
+  program_->form().Txt_UnitName.Leave();
+}
+
+void Year::DeleteRawFile() {
+  RawBook& raw = *rows_[random_.Below(rows_.size())].raw;
+  fs::remove(raw.path());
+  raw.TakeDeletion();
+}
+
+void Year::ChangeUnits(std::int16_t command) {
+  if (clock_error_ != 0) return;
+  program_->form().Cmb_LogPeriod.SetShownText(random_.Chance(0.5) ? "04:00" : "03:00");
+  dialogs_->answers = {1, 1};
+  program_->commands().Process(true, command);
+  dialogs_->answers.clear();
+}
+
+Year::Faults Year::FaultsOf(const basestation::Request& request, const basestation::Selection& readings) {
+  Faults faults;
+  asked_ = static_cast<std::size_t>(program_->form().Lst_Units.current());
+  if (request.unit != 0) logged_when_asked_ = station_->Find(request.unit)->readings();
+  if (request.unit != 0 && relays_down_.contains(request.relay)) {
+    const bool says_so = random_.Chance(0.8);
+    faults.push_back({says_so ? FaultKind::Error : FaultKind::Silence, -1, basestation::kNoResponse, {}});
+  }
+  const double loss = loss_[request.unit] * (units_lossy_.contains(request.unit) ? 5 : 1);
+  for (const AnswerFault& fault : kAnswerFaults) {
+    if (!Strikes(fault.name, std::min(loss * fault.rate, 0.5))) continue;
+    faults.push_back({fault.kind, Some(-1, readings.size() + 3), Some(fault.least, fault.span), {}});
+  }
+  const bool is_download = request.command == basestation::Command::Download;
+  if (is_download) AddDownloadFaults(readings, loss, faults);
+  damaged_.clear();
+  for (const Fault& fault : faults) damaged_.push_back(NumberAt(readings, fault.line));
+  const bool is_silenced = future_.contains(request.unit) && !settings_.goes_on;
+  const bool has_trouble = disk_->is_full || disk_->is_read_only || disk_->failing_syncs > 0 || clock_error_ != 0;
+  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !has_trouble;
+  return faults;
+}
+
+void Year::AddDownloadFaults(const basestation::Selection& readings, double loss, Faults& faults) {
+  for (const AnswerFault& fault : kDownloadFaults) {
+    if (!Strikes(fault.name, std::min(loss * fault.rate, 0.5))) continue;
+    std::string header;
+    basestation::AppendFramed(header, "V2,09999,4," + std::to_string(3 * rows_[asked_].book->unit().soil().sensors()) +
+                                          "," + std::to_string(readings.size()) + ",2027/3/12 10:00,12500,29310,100");
+    faults.push_back({fault.kind, 0, -1, header.substr(0, fault.name[0] == 's' ? header.size() - 2 : 12)});
+  }
+  for (std::int64_t line = 1; line <= readings.size(); ++line) {
+    for (const AnswerFault& fault : kLineFaults) {
+      if (Strikes(fault.name, std::min(loss * fault.rate, 0.3))) faults.push_back({fault.kind, line, -1, {}});
+    }
+    const auto poison = poison_.find(rows_[asked_].book->unit().id());
+    if (poison == poison_.end() || NumberAt(readings, line) != poison->second) continue;
+    const auto number = static_cast<std::size_t>(poison->second);
+    faults.push_back({kLineFaults[number % std::size(kLineFaults)].kind, line, -1, {}});
+    rows_[asked_].book->readings[number].is_poison = true;
+  }
+}
+
+/// The adapter overruns and loses a part of a line.
+void Year::SpoilArriving(std::string& bytes) {
+  if (!Strikes(kOverrun, 0.01)) return;
+  exchange_is_clean_ = false;
+  UnitBook& book = *rows_[asked_].book;
+  const std::size_t begin = bytes.find("\n$");
+  const std::size_t end = begin == std::string::npos ? begin : bytes.find('*', begin);
+  if (end != std::string::npos) {
+    damaged_.push_back(book.NumberOf(bytes.substr(begin + 2, end - begin - 2)));
+    if (damaged_.back() >= 0) bytes.erase(end - 6, 3);
+  }
+  // The next damaged line is dropped, whatever has damaged it.
+  for (const std::int64_t number : damaged_) {
+    if (number >= 0) book.readings[static_cast<std::size_t>(number)].is_behind_overrun = true;
+  }
+  line_->TellOverrun();
+}
+
+}  // namespace corvane::test
