@@ -48,12 +48,12 @@ std::set<std::string, std::less<>> AheadReadings::Find(const std::string& as_Fil
   std::set<std::string, std::less<>> ahead;
   if (known.latest <= av_Last) return ahead;
   DateTime latest;
-  ReadReadings(as_File, 0, av_Poll, [&](DateTime date, std::string_view line) {
+  const std::int64_t read = ReadReadings(as_File, 0, av_Poll, [&](DateTime date, std::string_view line) {
     latest = std::max(latest, date);
     if (date > av_Last) ahead.emplace(line);
   });
-  // The lines may have been taken out since.
-  known.latest = latest;
+  // The lines may have been taken out since; a search that was ended early does not know.
+  if (read >= known.bytes) known.latest = latest;
   return ahead;
 }
 

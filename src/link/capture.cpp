@@ -19,8 +19,7 @@ constexpr std::string_view kStoredAllTheSame =
     ". Its readings are stored there. If the unit was renumbered or exchanged, enter its new ID or move that file away";
 constexpr std::string_view kRefused =
     ". Nothing of it is stored. If the unit was renumbered or exchanged, enter its new ID or move that file away: "
-    "until "
-    "then no download of this unit is stored";
+    "until then no download of this unit is stored";
 
 }  // namespace
 
