@@ -18,6 +18,11 @@ DateTime LocalClock::Now() const {
   return cached_now_;
 }
 
+Moment LocalClock::NowUtc() const {
+  const DateTime local = Now();
+  return Moment::At(*cached_second_, local);
+}
+
 std::int64_t LocalClock::MonotonicMilliseconds() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);

@@ -59,6 +59,10 @@ DateTime PosixLoop::Now() const {
   return clock_.Now();
 }
 
+Moment PosixLoop::NowUtc() const {
+  return clock_.NowUtc();
+}
+
 std::int64_t PosixLoop::MonotonicMilliseconds() const {
   return LocalClock::MonotonicMilliseconds();
 }

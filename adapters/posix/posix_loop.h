@@ -27,6 +27,7 @@ class PosixLoop : public EventLoop, public DescriptorWatcher {
   PosixLoop() = default;
 
   [[nodiscard]] DateTime Now() const override;
+  [[nodiscard]] Moment NowUtc() const override;
   [[nodiscard]] std::int64_t MonotonicMilliseconds() const override;
   /// A timer on the monotonic clock. After a long block one tick is delivered, then the grid goes on.
   [[nodiscard]] std::unique_ptr<Timer> MakeTimer(std::function<void()> on_tick) override;

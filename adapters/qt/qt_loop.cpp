@@ -68,6 +68,10 @@ DateTime QtLoop::Now() const {
   return clock_.Now();
 }
 
+Moment QtLoop::NowUtc() const {
+  return clock_.NowUtc();
+}
+
 std::int64_t QtLoop::MonotonicMilliseconds() const {
   return LocalClock::MonotonicMilliseconds();
 }

@@ -26,6 +26,7 @@ class QtLoop : public EventLoop, public DescriptorWatcher {
   ~QtLoop() override;
 
   [[nodiscard]] DateTime Now() const override;
+  [[nodiscard]] Moment NowUtc() const override;
   [[nodiscard]] std::int64_t MonotonicMilliseconds() const override;
   /// After a long block one tick is delivered.
   [[nodiscard]] std::unique_ptr<Timer> MakeTimer(std::function<void()> on_tick) override;

@@ -2,8 +2,10 @@
 
 #include "app/file_commands.h"
 #include "base/dates.h"
+#include "platform/command_runner.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
+#include "platform/history_store.h"
 #include "platform/internet_client.h"
 #include "platform/serial_port.h"
 #include "platform/shell.h"
@@ -21,6 +23,8 @@ struct Platform {
   ZipComponent& zip;
   HelpFiles help = {};  ///< what the help menu opens
   DateTime built = {};  ///< when the program was built: no clock shows an earlier time; none where that is not known
+  HistoryStore* history = nullptr;  ///< none: no history is kept
+  CommandRunner* runner = nullptr;  ///< none: no alerts are told
 };
 
 }  // namespace corvane

@@ -54,4 +54,21 @@ class DateTime {
   std::int64_t seconds_ = 0;
 };
 
+/// A moment that no change of this computer's time zone moves. None before any was taken.
+struct Moment {
+  std::int64_t utc = 0;    ///< seconds since 1970
+  std::int32_t ahead = 0;  ///< seconds that the local clock showed more than UTC then
+
+  [[nodiscard]] constexpr bool IsNone() const { return utc == 0; }
+  /// What the local clock showed.
+  [[nodiscard]] constexpr DateTime Local() const { return DateTime(utc + ahead + 25569 * kSecondsPerDay); }
+  /// The moment at which it is `utc` and the local clock shows `local`.
+  static constexpr Moment At(std::int64_t utc, DateTime local) {
+    return {utc, static_cast<std::int32_t>(local.seconds() - 25569 * kSecondsPerDay - utc)};
+  }
+  friend constexpr auto operator<=>(const Moment& a, const Moment& b) { return a.utc <=> b.utc; }
+  friend constexpr bool operator==(const Moment& a, const Moment& b) { return a.utc == b.utc; }
+  friend constexpr std::int64_t operator-(const Moment& a, const Moment& b) { return a.utc - b.utc; }
+};
+
 }  // namespace corvane

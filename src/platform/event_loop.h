@@ -38,6 +38,8 @@ class EventLoop {
 
   /// The computer's local date and time, in whole seconds.
   [[nodiscard]] virtual DateTime Now() const = 0;
+  /// The same in UTC, with how far the local time is ahead of it.
+  [[nodiscard]] virtual Moment NowUtc() const = 0;
   /// Milliseconds of a clock that no one sets; for waits and durations.
   [[nodiscard]] virtual std::int64_t MonotonicMilliseconds() const = 0;
 

@@ -18,6 +18,9 @@ namespace corvane::test {
 class FakeLoop : public EventLoop {
  public:
   [[nodiscard]] DateTime Now() const override { return start_ + milliseconds_ / 1000; }
+  [[nodiscard]] Moment NowUtc() const override {
+    return {(Now() - DateTime(ahead_)) - Moment().Local().seconds(), ahead_};
+  }
   [[nodiscard]] std::int64_t MonotonicMilliseconds() const override { return milliseconds_; }
   std::unique_ptr<Timer> MakeTimer(std::function<void()> on_tick) override;
   void Post(std::function<void()> task) override { posted_.push_back(std::move(task)); }
@@ -26,6 +29,8 @@ class FakeLoop : public EventLoop {
 
   /// Sets the local clock without moving monotonic time.
   void SetNow(DateTime now) { start_ = now - milliseconds_ / 1000; }
+  /// Sets how far the local clock is ahead of UTC.
+  void SetAhead(std::int32_t seconds) { ahead_ = seconds; }
   /// Handles everything that happens in the next `milliseconds` of virtual time.
   void Advance(std::int64_t milliseconds);
   /// Runs `task` from the loop after `milliseconds`.
@@ -46,6 +51,7 @@ class FakeLoop : public EventLoop {
   bool RunEarliest(std::int64_t limit);
 
   DateTime start_ = DateTime::FromCivil(2010, 3, 12, 10, 0, 0);
+  std::int32_t ahead_ = 0;
   std::int64_t milliseconds_ = 0;
   std::int64_t yields_ = 0;
   std::deque<std::function<void()>> posted_;

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "base/dates.h"
+#include "base/status.h"
+#include "platform/history_records.h"
+
+namespace corvane {
+
+/// What to read of a history. Units, deliveries, alerts that stand, notes and the network are always read whole.
+struct HistoryQuery {
+  std::int64_t unit = 0;               ///< only this one; 0 all
+  Moment contacts_since;               ///< contacts from then on, and the rounds that they belong to
+  std::int64_t rounds = 0;             ///< besides, so many of the last rounds
+  std::optional<DateTime> days_since;  ///< days from then on; none: no days
+  bool gaps = false;                   ///< all that are neither filled nor a matter of the clock
+  bool scans = false;
+};
+
+/// The file that holds the history. Calls return at once but for the disk, and wait at most 100 ms for another program.
+class HistoryStore {
+ public:
+  virtual ~HistoryStore() = default;
+  HistoryStore() = default;
+  HistoryStore(const HistoryStore&) = delete;
+  HistoryStore& operator=(const HistoryStore&) = delete;
+
+  /// Codes of failures that callers tell apart.
+  static constexpr int kBusy = 1;     ///< another program holds it: try again
+  static constexpr int kDamaged = 2;  ///< no history, or one that is damaged
+  static constexpr int kNewer = 3;    ///< written by a newer version of the program
+  static constexpr int kMissing = 4;  ///< opened to read: there is none
+  static constexpr int kFailed = 5;   ///< the disk is full, the folder read-only, ...
+
+  /// Opens `as_File` for writing: it is made when it is missing or empty, and brought up to this version.
+  ///
+  /// A damaged one is set aside as "<name>.bad" (a former one of that name is replaced) and begun anew; `as_SetAside`
+  /// then tells why, in one sentence.
+  virtual Status OpenToWrite(const std::string& as_File, std::string& as_SetAside) = 0;
+  /// Opens for reading, beside a program that writes; changes nothing.
+  virtual Status OpenToRead(const std::string& as_File) = 0;
+  virtual void Close() = 0;
+  [[nodiscard]] virtual bool IsOpen() const = 0;
+
+  /// Writes all of `av_Changes` in one transaction, or nothing of it.
+  ///
+  /// Records of a key that is there (unit; round; round and unit; unit and target; unit and day; unit and begin of the
+  /// gap; unit; cause, unit and subject) replace it. A gap that is `Dropped` and a note without text are taken out.
+  virtual Status Write(const HistoryContents& av_Changes) = 0;
+  /// Replaces all days and gaps of a unit from `av_From` on by those of `av_Changes`, in the same transaction as the
+  /// rest of it.
+  virtual Status Replace(std::int64_t al_Unit, DateTime av_From, const HistoryContents& av_Changes) = 0;
+  /// Reads into `av_Result`; contacts in the order of units and time, all else in the order of keys.
+  virtual Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result) = 0;
+  /// Forgets contacts, rounds, days and settled gaps and alerts from before `av_Before`.
+  virtual Status Forget(Moment av_Before) = 0;
+};
+
+}  // namespace corvane
