@@ -18,6 +18,14 @@ enum class UnitState : std::uint8_t { Off, New, Silent, Late, Trouble, Fine };
 /// "off", "new", "silent", "late", "trouble", "fine".
 [[nodiscard]] std::string_view NameOf(UnitState ae_State);
 
+/// What a trouble is about; alerts tell each kind of a unit once.
+enum class TroubleKind : std::uint8_t { Missing, Rejected, Clock, Future, Battery, Sensor };
+
+struct Trouble {
+  TroubleKind kind = TroubleKind::Missing;
+  std::string text;  ///< one sentence
+};
+
 struct UnitStatus {
   std::int64_t key = 0;       ///< in the history
   std::int32_t position = 0;  ///< in the list of units, from 1
@@ -30,7 +38,7 @@ struct UnitStatus {
   std::string file;
   UnitState state = UnitState::New;
   std::string why;                          ///< one sentence, empty for a unit that is fine
-  std::vector<std::string> troubles;        ///< all that is wrong, a sentence each
+  std::vector<Trouble> troubles;            ///< all that is wrong, whatever the state
   DateTime last_reading;                    ///< none when there is none
   std::optional<std::int64_t> reading_age;  ///< seconds by this computer's clock, below 0 for one in the future
   Moment last_asked;
