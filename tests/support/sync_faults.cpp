@@ -30,6 +30,12 @@ bool ReadFails(const std::string& path) {
   return true;
 }
 
+/// What is about to be changed may be the last that this process has seen.
+void BeforeChange() {
+  using namespace corvane::test;
+  if (kill_before_change > 0 && --kill_before_change == 0) _exit(kKilled);
+}
+
 }  // namespace
 
 /// These stand before the system's own.
@@ -40,6 +46,7 @@ extern "C" int open(const char* path, int flags, ...) {
   va_start(more, flags);
   const unsigned mode = (flags & O_CREAT) != 0 ? va_arg(more, unsigned) : 0;
   va_end(more);
+  if ((flags & O_CREAT) != 0) BeforeChange();
   return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 
@@ -49,13 +56,35 @@ extern "C" ssize_t read(int descriptor, void* bytes, std::size_t length) {
   return syscall(SYS_read, descriptor, bytes, length);
 }
 
+extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t length) {
+  BeforeChange();
+  return syscall(SYS_write, descriptor, bytes, length);
+}
+
+extern "C" int rename(const char* from, const char* to) {
+  BeforeChange();
+  return static_cast<int>(syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+extern "C" int link(const char* from, const char* to) {
+  BeforeChange();
+  return static_cast<int>(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+extern "C" int unlink(const char* path) {
+  BeforeChange();
+  return static_cast<int>(syscall(SYS_unlinkat, AT_FDCWD, path, 0));
+}
+
 extern "C" int fsync(int descriptor) {
+  BeforeChange();
   corvane::test::synced_folders.insert(PathOf(descriptor));
   return static_cast<int>(syscall(SYS_fsync, descriptor));
 }
 
 extern "C" int fdatasync(int descriptor) {
   using corvane::test::failing_syncs;
+  BeforeChange();
   if (failing_syncs == 0) return static_cast<int>(syscall(SYS_fdatasync, descriptor));
   --failing_syncs;
   struct stat found {};

@@ -12,5 +12,8 @@ inline int failing_reads = 0;
 inline int read_error = 0;
 /// What was brought to the disk by `fsync`, which is used for folders.
 inline std::set<std::string> synced_folders;
+/// Before which of the next calls that change a file or folder the process is killed; 0 never.
+inline int kill_before_change = 0;
+inline constexpr int kKilled = 99;  ///< how it then ends
 
 }  // namespace corvane::test
