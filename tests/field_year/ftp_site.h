@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 
 #include "base/dates.h"
@@ -30,15 +31,30 @@ class FtpSite : public FakeInternet {
   bool FtpPutFile(InternetHandle connection, const std::string& local, const std::string& remote) override {
     TakeTime(20);
     const bool stored = FakeInternet::FtpPutFile(connection, local, remote);
-    if (!stored || mood == Mood::Well) return stored;
+    if (!stored) return false;
     std::string& contents = files[Full(remote)];
+    sent_[Full(remote)] = {contents, mood == Mood::Well};
+    if (mood == Mood::Well) return true;
     if (mood == Mood::Loses) contents.clear();
     contents.resize(contents.size() / 2);
     return Fail(mood == Mood::Drops ? kInternetConnectionReset : kInternetExtendedError);
   }
+  /// A file that is neither what was sent last under its name nor, where that failed, a part of it; empty for none.
+  [[nodiscard]] std::string StrangeFile() const {
+    for (const auto& [name, contents] : files) {
+      const auto found = sent_.find(name);
+      if (found == sent_.end() || !found->second.contents.starts_with(contents)) return name;
+      if (found->second.well && found->second.contents != contents) return name;
+    }
+    return {};
+  }
   Mood mood = Mood::Well;
 
  private:
+  struct Sent {
+    std::string contents;
+    bool well = false;
+  };
   /// Calls of the program wait for the network; the loop runs meanwhile.
   void TakeTime(std::int64_t milliseconds) {
     bool over = false;
@@ -48,6 +64,7 @@ class FtpSite : public FakeInternet {
   }
 
   YearLoop& loop_;
+  std::map<std::string, Sent> sent_;
 };
 
 }  // namespace corvane::test

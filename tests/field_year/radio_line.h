@@ -71,8 +71,10 @@ class RadioLine : public ScriptedPort {
     }
     const std::size_t piece = std::min(conversation_.Waiting(Moment()).size(), kPiece);
     const auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(conversation_.resume_at() - Moment());
-    pumping_ = piece > 0 || pause.count() > 0;
-    if (pumping_) loop_.After(piece > 0 ? 1 + static_cast<std::int64_t>(piece) : pause.count(), [this] { Deliver(); });
+    pumping_ = piece > 0;
+    if (pumping_) return loop_.After(1 + static_cast<std::int64_t>(piece), [this] { Deliver(); });
+    // An escape may end a pause before its time.
+    if (pause.count() > 0) loop_.After(pause.count(), [this] { Pump(); });
   }
   void Deliver() {
     pumping_ = false;

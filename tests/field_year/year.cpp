@@ -50,6 +50,7 @@ void Year::StartProgram() {
 
 void Year::EndProgram() {
   Note("the program ends");
+  Disturb();
   const bool disk_is_well = !disk_->is_full && !disk_->is_read_only && disk_->failing_syncs == 0;
   if (Strikes(kCutAtClose, 0.3)) disk_->calls_left = Some(1, 12);
   program_->commands().Close(true);
@@ -69,12 +70,14 @@ void Year::EndProgram() {
 void Year::OnKilled() {
   const bool lost_pages = disk_->power_is_off;
   Note(lost_pages ? "the power is off" : "the program is killed");
+  Disturb();
   program_.reset();
   line_->Close();
   loop_.DropPosted();
   disk_->Restore(lost_pages);
   for (Row& row : rows_) {
     if (lost_pages) row.raw->TakeCut();
+    Break(row.raw->Judge(settings_.goes_on));
   }
   kill_in_ = 0;
   killed_ = day_is_regular_ = exchange_is_clean_ = false;
@@ -93,6 +96,7 @@ bool Year::IsDead() {
   if (cancel_in_ > 0 && --cancel_in_ == 0) {
     Note("the person cancels");
     loop_.Post([this] {
+      Disturb();
       whole_contact_.reset();
       exchange_is_clean_ = false;
       program_->commands().Cancel();
@@ -202,10 +206,7 @@ void Year::MakeRows(std::int64_t period) {
                                                     std::move(units), basestation::FaultPlan(1));
   station_->more_faults = [this](const auto& request, const auto& readings) { return FaultsOf(request, readings); };
   line_ = std::make_unique<RadioLine>(loop_, *station_);
-  line_->on_command = [this] {
-    PassUnits();
-    PromoteWholeContact();
-  };
+  line_->on_command = [this] { TakeCommand(); };
   line_->on_answer_over = [this] {
     if (exchange_is_clean_) whole_contact_ = asked_;
   };

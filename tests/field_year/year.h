@@ -74,6 +74,14 @@ class Year {
   };
   [[nodiscard]] static const std::vector<Deed>& Deeds();
   using Faults = std::vector<basestation::Fault>;
+  /// Commands to the units that follow upon one another.
+  struct Round {
+    std::int64_t began = 0;         ///< milliseconds
+    std::int64_t last_command = 0;  ///< likewise
+    std::set<std::size_t> asked;    ///< rows
+    bool may_end = true;            ///< what strikes the command under way may end the round
+    bool was_disturbed = false;     ///< what has struck may end it anywhere
+  };
 
   void MakeRows(std::int64_t period);
   void WriteHome();
@@ -111,19 +119,29 @@ class Year {
   void Note(const std::string& event);
   void Break(const std::string& promise);
   void PromoteWholeContact();
+  void TakeCommand();
+  void Disturb();
+  [[nodiscard]] bool HasTrouble() const;
+  [[nodiscard]] bool IsRoundOver() const { return Now() - round_.last_command > kRoundPause; }
+  void JudgeRound();
   void JudgeDay();
   void JudgeProgram();
   void JudgeWholeFiles();
   void JudgeEnd();
   void JudgeServer();
-  void JudgeCalibrated();
+  void JudgeUnit();
+  void JudgeSent(const Row& row);
+  void JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apart);
   [[nodiscard]] std::string Digest() const;
 
   static constexpr std::int64_t kDay = 86400;
   static constexpr std::int64_t kHour = 3600;
   static constexpr std::int64_t kMilliseconds = 1000;
+  static constexpr std::int64_t kRoundPause = 120 * kMilliseconds;  ///< longer than any within a round
+  static constexpr std::int64_t kLongHangUp = 9 * kMilliseconds;    ///< the program may give up the port
   static constexpr const char* kOverrun = "overrun";
   static constexpr const char* kCutAtClose = "power-cut-at-close";
+  static constexpr const char* kCutAtFirst = "power-cut-at-first-download";
   static constexpr const char* kSummerTime = "summer-time";
 
   YearSettings settings_;
@@ -162,6 +180,8 @@ class Year {
   int day_ = 0;
   bool day_is_regular_ = false;  ///< no clock was set, and the program ran on
   std::int64_t opens_before_ = 0;
+  Round round_;
+  std::int64_t last_deed_ = 0;   ///< milliseconds
   std::int64_t passed_ = 0;      ///< seconds that the units have lived
   std::map<int, double> drift_;  ///< seconds a second, by unit
   std::map<int, double> owed_;   ///< fractions of a second

@@ -92,7 +92,7 @@ const std::vector<Year::Deed>& Year::Deeds() {
 }
 
 std::vector<std::string> Year::Kinds() {
-  std::vector<std::string> kinds = {kOverrun, kSummerTime, kCutAtClose};
+  std::vector<std::string> kinds = {kOverrun, kSummerTime, kCutAtClose, kCutAtFirst};
   for (const auto& fault : kAnswerFaults) kinds.emplace_back(fault.name);
   for (const auto& fault : kDownloadFaults) kinds.emplace_back(fault.name);
   for (const auto& fault : kLineFaults) kinds.emplace_back(fault.name);
@@ -111,7 +111,7 @@ std::int64_t Year::Some(std::int64_t least, std::int64_t span) {
 }
 
 void Year::PlanDay() {
-  day_is_regular_ = program_ != nullptr && clock_error_ == 0 && !disk_->is_full && !disk_->is_read_only;
+  day_is_regular_ = program_ != nullptr && !HasTrouble();
   opens_before_ = line_->opens;
   if (IsCalm()) kill_in_ = cancel_in_ = disk_->calls_left = disk_->failing_syncs = 0;
   SetComputerClock();
@@ -135,12 +135,26 @@ void Year::Do(const Deed& deed) {
   whole_contact_.reset();
   exchange_is_clean_ = false;
   Note(deed.name);
+  Disturb();
   UnitBook& book = *books_.at(static_cast<int>(Some(1, std::ssize(books_))));
   deed.act(*this, book);
   if (deed.mend == nullptr) return;
   // Everything is right again before the calm days.
   const std::int64_t left = std::max<std::int64_t>(calm_from_ - Now(), 0);
-  loop_.After(std::min(Some(60, deed.seconds) * kMilliseconds, left), [this, &deed, &book] { deed.mend(*this, book); });
+  loop_.After(std::min(Some(60, deed.seconds) * kMilliseconds, left), [this, &deed, &book] {
+    Disturb();
+    deed.mend(*this, book);
+  });
+}
+
+/// Something strikes that may end the round under way, or change what it has brought.
+void Year::Disturb() {
+  last_deed_ = Now();
+  if (!IsRoundOver()) round_.was_disturbed = true;
+}
+
+bool Year::HasTrouble() const {
+  return disk_->is_full || disk_->is_read_only || disk_->failing_syncs > 0 || clock_error_ != 0;
 }
 
 void Year::SetClockError(std::int64_t seconds) {
@@ -173,6 +187,7 @@ void Year::EndFuture(UnitBook& book) {
   if (IsBusy()) return loop_.After(kHour / 6 * kMilliseconds, [this, &book] { EndFuture(book); });
   const auto future = future_.extract(book.unit().id());
   if (!future) return;
+  Disturb();
   book.unit().Forget(future.mapped());
   const std::string line = book.readings[static_cast<std::size_t>(future.mapped())].text + "\r\n";
   for (const Row& row : rows_) {
@@ -217,11 +232,19 @@ Year::Faults Year::FaultsOf(const basestation::Request& request, const basestati
   }
   const bool is_download = request.command == basestation::Command::Download;
   if (is_download) AddDownloadFaults(readings, loss, faults);
+  if (is_download && !fs::exists(rows_[asked_].raw->path()) && Strikes(kCutAtFirst, 0.1)) {
+    loop_.After(Some(1, 30) * kMilliseconds, [this] { disk_->power_is_off = program_ != nullptr; });
+  }
   damaged_.clear();
   for (const Fault& fault : faults) damaged_.push_back(NumberAt(readings, fault.line));
   const bool is_silenced = future_.contains(request.unit) && !settings_.goes_on;
-  const bool has_trouble = disk_->is_full || disk_->is_read_only || disk_->failing_syncs > 0 || clock_error_ != 0;
-  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !has_trouble;
+  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !HasTrouble();
+  const bool is_probe = request.unit == 0;
+  if (!is_probe) round_.asked.insert(asked_);
+  round_.may_end = !settings_.goes_on && (!faults.empty() || HasTrouble());
+  for (const Fault& fault : faults) {
+    round_.was_disturbed |= is_probe || (fault.kind == FaultKind::HangUp && fault.amount > kLongHangUp);
+  }
   return faults;
 }
 
@@ -249,6 +272,7 @@ void Year::AddDownloadFaults(const basestation::Selection& readings, double loss
 void Year::SpoilArriving(std::string& bytes) {
   if (!Strikes(kOverrun, 0.01)) return;
   exchange_is_clean_ = false;
+  round_.may_end = !settings_.goes_on;
   UnitBook& book = *rows_[asked_].book;
   const std::size_t begin = bytes.find("\n$");
   const std::size_t end = begin == std::string::npos ? begin : bytes.find('*', begin);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 #include "base/encoding.h"
@@ -72,6 +73,23 @@ void Year::PromoteWholeContact() {
   if (row) rows_[*row].raw->TakeWholeContact(logged_when_asked_, IsCalm());
 }
 
+void Year::TakeCommand() {
+  PassUnits();
+  PromoteWholeContact();
+  if (IsRoundOver()) {
+    JudgeRound();
+    round_ = {};
+    round_.began = Now();
+  }
+  round_.last_command = Now();
+}
+
+/// With the option off a round may end at the first unit that fails, else all are asked.
+void Year::JudgeRound() {
+  if (round_.may_end || round_.was_disturbed || round_.asked.size() == rows_.size()) return;
+  Break("a round has asked " + std::to_string(round_.asked.size()) + " units only");
+}
+
 void Year::JudgeDay() {
   PassUnits();
   PromoteWholeContact();
@@ -81,7 +99,21 @@ void Year::JudgeDay() {
   if (line_->longest_silence > kLongestSilence) {
     Break("a wait on the open port lasted " + std::to_string(line_->longest_silence / 1000) + " s");
   }
+  const std::string strange = ftp_.StrangeFile();
+  if (!strange.empty()) Break("the server holds what was not sent as " + strange);
   if (program_) JudgeProgram();
+  if (program_ && IsRoundOver() && !IsBusy()) JudgeUnit();
+}
+
+/// Behind a round in which all went well, one unit's files are those of its last download.
+void Year::JudgeUnit() {
+  JudgeRound();
+  const bool was_whole = round_.asked.size() == rows_.size() && !round_.may_end && !round_.was_disturbed;
+  if (!was_whole || last_deed_ >= round_.began || HasTrouble()) return;
+  const std::size_t row = random_.Below(rows_.size());
+  if (!fs::exists(rows_[row].raw->path())) return;
+  JudgeCalibrated({row}, 0);
+  if (ftp_.mood == FtpSite::Mood::Well) JudgeSent(rows_[row]);
 }
 
 void Year::JudgeProgram() {
@@ -124,32 +156,38 @@ void Year::JudgeEnd() {
   }
   const std::string log = ReadAll(home_ + "/corvane.log");
   if (!IsUtf8(log) || log.size() > kLargestLog) Break("the log is no text or too long");
-  if (outcome_.broken.empty()) JudgeCalibrated();
+  std::vector<std::size_t> all(rows_.size());
+  std::iota(all.begin(), all.end(), 0);
+  if (outcome_.broken.empty()) JudgeCalibrated(all, kConvertedApart);
   outcome_.digest = Digest();
 }
 
 void Year::JudgeServer() {
   for (const Row& row : rows_) {
+    JudgeSent(row);
     fs::path file = row.raw->path();
     file.replace_extension(sends_calibrated_ ? "txt" : "epd");
-    fs::path archive = file;
-    archive.replace_extension("zip");
-    const std::string& sent = zips_ ? archive : file;
-    if (ftp_.files[sent.substr(home_.size())] != ReadAll(sent)) Break("the server does not hold " + sent);
+    const fs::path archive = fs::path(file).replace_extension("zip");
     const std::string backup = home_ + "/backup" + archive.string().substr(home_.size());
     if (Unzipped(backup, file.filename()) != ReadAll(file)) Break(backup + " does not hold " + file.string());
   }
 }
 
-/// Held against a conversion that was written apart, for some, and against one in an empty folder.
-void Year::JudgeCalibrated() {
+void Year::JudgeSent(const Row& row) {
+  const char* const extension = zips_ ? "zip" : sends_calibrated_ ? "txt" : "epd";
+  const std::string sent = fs::path(row.raw->path()).replace_extension(extension);
+  if (ftp_.files[sent.substr(home_.size())] != ReadAll(sent)) Break("the server does not hold " + sent);
+}
+
+/// Held against a conversion in an empty folder, and the first `apart` units against one that was written apart.
+void Year::JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apart) {
   const std::string fresh = home_ + ".fresh";
   fs::create_directories(fresh);
   for (const char* name : {"corvane.ini", "moisture.lkp", "salinity.lkp", "salcorr.lkp"}) {
     WriteAll(fresh + "/" + name, Replaced(ReadAll(home_ + "/" + name), home_, fresh));
   }
-  for (const Row& row : rows_) {
-    WriteAll(fresh + row.raw->path().substr(home_.size()), ReadAll(row.raw->path()));
+  for (const std::size_t row : rows) {
+    WriteAll(fresh + rows_[row].raw->path().substr(home_.size()), ReadAll(rows_[row].raw->path()));
   }
   FakeLoop loop;
   ScriptedPort port(loop);
@@ -162,18 +200,18 @@ void Year::JudgeCalibrated() {
     const AutomaticRun automatic(converter.flags());
     converter.commands().ConvertAll(true);
   }
-  for (std::size_t row = 0; row < rows_.size(); ++row) {
+  for (const std::size_t row : rows) {
     const fs::path raw = rows_[row].raw->path();
     const std::string calibrated = fs::path(raw).replace_extension("txt");
     const std::string here = ReadAll(calibrated);
     if (here.empty() || here != ReadAll(fresh + calibrated.substr(home_.size()))) {
       Break(calibrated + " is not what a fresh conversion gives");
     }
-    if (row >= kConvertedApart) continue;
-    const std::string apart = fresh + "/apart.txt";
+    if (row >= apart) continue;
+    const std::string other = fresh + "/other.txt";
     const std::string command = "python3 " FIELD_YEAR_DIR "/convert.py " + home_ + " " + std::to_string(row + 1) + " " +
-                                raw.string() + " " + apart;
-    if (std::system(command.c_str()) != 0 || here != ReadAll(apart)) {
+                                raw.string() + " " + other;
+    if (std::system(command.c_str()) != 0 || here != ReadAll(other)) {
       Break(calibrated + " is not what a conversion written apart gives");
     }
   }
