@@ -11,6 +11,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "data/logging_schedule.h"
+#include "history/network_settings.h"
 #include "link/exchange.h"
 #include "link/schedule.h"
 #include "platform/line_settings.h"
@@ -56,6 +57,11 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_Timeout[2], &Checks::Decimal, 0, kSecondsPerDay},
       {&form_.Txt_MaxRetries, &Checks::WholeNumber, 1, 15},
       {&form_.Txt_MaxOveruns, &Checks::WholeNumber, 0, kHighest32},
+      {&form_.Txt_RepairLimit, &Checks::WholeNumber, kRepairLimitRule.lowest, kRepairLimitRule.highest},
+      {&form_.Txt_LateAfter, &Checks::Decimal, kLateAfterRule.lowest, kLateAfterRule.highest},
+      {&form_.Txt_BatteryLimit, &Checks::Decimal, kBatteryLimitRule.lowest, kBatteryLimitRule.highest},
+      {&form_.Txt_DigestAt, &Checks::TimeIfAny},
+      {&form_.Txt_HistoryYears, &Checks::WholeNumber, kHistoryYearsRule.lowest, kHistoryYearsRule.highest},
       {&form_.Txt_UnitID, &Checks::UnitID, kLowest32, kHighest32, &form_.Lst_Units},
       {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
       {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
@@ -88,6 +94,10 @@ std::string FieldChecks::ProblemOf(const Control& av_Field) const {
 std::string FieldChecks::TimeOfDay(const Row& av_Row) const {
   if (ParseTimeOfDay(Trim(av_Row.text()))) return {};
   return "This is no time of day; write hours and minutes, such as 06:00.";
+}
+
+std::string FieldChecks::TimeIfAny(const Row& av_Row) const {
+  return Trim(av_Row.text()).empty() ? std::string() : TimeOfDay(av_Row);
 }
 
 std::string FieldChecks::LoggingInterval(const Row& av_Row) const {

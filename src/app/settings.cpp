@@ -8,11 +8,14 @@
 #include <utility>
 
 #include "app/port_settings.h"
+#include "base/format.h"
 #include "base/numbers.h"
 #include "base/text.h"
 
 namespace corvane {
 namespace {
+
+using Meaning = Setting::Meaning;
 
 constexpr std::int64_t kBytesPerMegabyte = 1'000'000;
 constexpr std::int64_t kMostShownProblems = 5;
@@ -63,17 +66,23 @@ std::string TextOf(float number) {
   return ShortestText(number);
 }
 
-std::string Zero(std::int32_t /*index*/) {
-  return "0";
+/// What is wrong with a value, and what is used instead; empty when it is fine.
+std::string ProblemOf(const Setting& setting, const std::string& value) {
+  if (setting.meaning == Meaning::TimeIfAny) {
+    const bool fine = value.empty() || ParseTimeOfDay(value);
+    return fine ? "" : "is not a time of day (hours:minutes); nothing is used";
+  }
+  if (setting.meaning != Meaning::Number || (setting.rule == nullptr && ParseNumber(value))) return {};
+  const std::string instead = "; " + setting.fallback + " is used";
+  if (setting.rule == nullptr) return "is not a number" + instead;
+  if (setting.rule->NumberOf(value)) return {};
+  return (setting.rule->whole ? "is not a whole number from " : "is not a number from ") +
+         ShortestText(setting.rule->lowest) + " to " + ShortestText(setting.rule->highest) + instead;
 }
-std::string One(std::int32_t /*index*/) {
-  return "1";
-}
-std::string Nothing(std::int32_t /*index*/) {
-  return {};
-}
-std::string Index(std::int32_t index) {
-  return std::to_string(index);
+
+template <class Record>
+std::string KeyOf(const RecordField<Record>& field, std::int32_t index) {
+  return std::string(field.key) + std::to_string(index);
 }
 
 /// True for a drive or share of another system, which means nothing here.
@@ -83,125 +92,6 @@ bool IsForeignPath(std::string_view path) {
 }
 
 }  // namespace
-
-// Both tables stand in the order in which the keys are written.
-std::vector<Settings::Setting> Settings::FileListSettings(Form& av_Form, const AppInfo& av_App) {
-  return {
-      {"Folder", &av_Form.Txt_Folder, av_App.Folder(), Meaning::Path},
-      {"WhichFile", &av_Form.Opt_WhichFile, "1"},
-      {"SortFile", &av_Form.Opt_SortFile, "0"},
-      {"SortDirection", &av_Form.Opt_Direction, "0"},
-  };
-}
-
-std::vector<Settings::Setting> Settings::OtherSettings(Form& av_Form, const AppInfo& av_App) {
-  return {
-      {"Port", &av_Form.Cmb_Port[0], "1"},
-      // Intended: existing files spell this key "PortHandheld" as well; keys match without regard to letter case.
-      {"PortHandHeld", &av_Form.Cmb_Port[1], "1"},
-      {"Settings", &av_Form.Txt_Settings, "9600,N,8,1"},
-      {"ShowReply", &av_Form.Chk_ShowReply, "1"},
-      {"MoistureLookupFile", &av_Form.Txt_File[0], av_App.AppPath("moisture.lkp"), Meaning::Path},
-      // Intended: existing settings files keep the salinity table under this key.
-      {"TemperatureLookupFile", &av_Form.Txt_File[1], av_App.AppPath("salinity.lkp"), Meaning::Path},
-      {"SalinityCorrection", &av_Form.Txt_File[2], av_App.AppPath("salcorr.lkp"), Meaning::Path},
-      {"UseLookup", &av_Form.Chk_UseLookup, "1"},
-      {"Kelvin", &av_Form.Chk_Kelvin, "1"},
-      {"ShowCorrectionFactors", &av_Form.Chk_ShowCorrectionFactors, "0"},
-      {"Language", &av_Form.Txt_File[3], av_App.AppPath("hveng.lng"), Meaning::Path},
-      {"Prefix", &av_Form.Txt_Prefix, ""},
-      {"RawFileExtension", &av_Form.Txt_RawFileExtension, "epd"},
-      {"CalibratedFileExtension", &av_Form.Txt_CalibratedFileExtension, "txt"},
-      {"DateFormat", &av_Form.Txt_DateFormat, "d mmm yyyy HH:MM"},
-      {"Password", &av_Form.txt_Password, ""},
-      {"WhichReadings", &av_Form.Opt_WhichReadings, "0"},
-      {"StartAt", &av_Form.Txt_StartAt, "06:00"},
-      {"Interval", &av_Form.Txt_Interval, "01:00"},
-      {"Average", &av_Form.Opt_Average, "0"},
-      {"Timeout", &av_Form.Txt_Timeout[0], "45", Meaning::Number},
-      {"DataTimeout", &av_Form.Txt_Timeout[1], "10", Meaning::Number},
-      {"UnitWait", &av_Form.Txt_Timeout[2], "1", Meaning::Number},
-      {"MaxRetries", &av_Form.Txt_MaxRetries, "10", Meaning::Number},
-      {"MaxOveruns", &av_Form.Txt_MaxOveruns, "10", Meaning::Number},
-      {"Uncorrected", &av_Form.Chk_Uncorrected, "1"},
-      {"ShowTrace", &av_Form.Chk_ShowTrace, "0"},
-      {"LogPeriod", &av_Form.Cmb_LogPeriod, "03:00"},
-      {"LastDownload", &av_Form.Lbl_LastDownload, ""},
-      {"NextDownload", &av_Form.Lbl_NextDownload, ""},
-      {"Automatic", &av_Form.Chk_Automatic, "0"},
-      {"AutomaticInterval", &av_Form.Txt_AutomaticInterval, "03:00"},
-      {"HeartBeat", &av_Form.Opt_HeartBeat, "0"},
-      {"FTPServer", &av_Form.Txt_FTPServer, ""},
-      {"FTPFolder", &av_Form.Txt_FTPFolder, ""},
-      {"FTPUserName", &av_Form.Txt_FTPUserName, ""},
-      {"FTPPassword", &av_Form.Txt_FTPPassword, ""},
-      {"ZIPFiles", &av_Form.Chk_ZIPFiles, "0"},
-      {"Anonymous", &av_Form.Chk_Anonymous, "0"},
-      {"FTPSecurity", &av_Form.Opt_FTPSecurity, "0", Meaning::Security},
-      {"FTPCertificate", &av_Form.Txt_FTPCertificate, "", Meaning::Path},
-      {"FtpLogFilesSent", &av_Form.Chk_FTPTrace[0], "0"},
-      {"ManualFTP", &av_Form.Chk_ManualFTP, "0"},
-      {"WebFileType", &av_Form.Opt_WebFileType, "0"},
-      // Intended: the web-data fields are hidden and start from their built-in values; their keys are only written.
-      {"OstrelHost", &av_Form.Txt_OstrelHost, "", Meaning::SavedOnly},
-      {"OstrelPort", &av_Form.Txt_OstrelPort, "", Meaning::SavedOnly},
-      {"PHPWebServer", &av_Form.Chk_PHPWebServer, "", Meaning::SavedOnly},
-      {"Backup", &av_Form.Chk_Backup, "0"},
-      {"BackupDestination", &av_Form.Lbl_BackupDestination, "", Meaning::Path},
-      {"GoOnPastFailures", &av_Form.Chk_GoOn, "0"},
-      {"LogSize", &av_Form.LogSize, "0", Meaning::Number},
-  };
-}
-
-const Settings::RecordSection<Unit>& Settings::UnitSection() {
-  static const RecordSection<Unit> section = {
-      "Units",
-      "NumUnits",
-      "5",
-      std::numeric_limits<std::int16_t>::min(),
-      {
-          {"Name", &Unit::Name, [](std::int32_t index) { return "Site " + Index(index); }},
-          {"ID", &Unit::ID, Index},
-          {"Active", &Unit::Active, One},
-          {"RelayID", &Unit::RelayID, Zero},
-          {"ftpFile", &Unit::ftpFile, Zero},
-          {"ClientID", &Unit::ClientID, Zero},
-          {"GetFrom", &Unit::GetFrom, Zero},
-          {"MoistureCorrection", &Unit::MoistureCorrection, Zero},
-          {"SalinityCorrection", &Unit::SalinityCorrection, Zero},
-      }};
-  return section;
-}
-
-const Settings::RecordSection<Relay>& Settings::RelaySection() {
-  static const RecordSection<Relay> section = {
-      "Relays",
-      "NumRelays",
-      "2",
-      1,
-      {
-          {"Name", &Relay::Name, [](std::int32_t index) { return "Relay " + Index(index); }},
-          {"ID", &Relay::ID, [](std::int32_t index) { return Index(index - 1); }},
-          {"PasswordStyle", &Relay::PasswordStyle, Zero},
-      }};
-  return section;
-}
-
-const Settings::RecordSection<Client>& Settings::ClientSection() {
-  static const RecordSection<Client> section = {
-      "Clients",
-      "NumClients",
-      "2",
-      1,
-      {
-          {"Name", &Client::Name, [](std::int32_t index) { return "Client " + Index(index); }},
-          {"ID", &Client::ID, Index},
-          {"Folder", &Client::Folder, [](std::int32_t index) { return "F" + Index(index); }},
-          {"Password", &Client::Password, Nothing},
-          {"UserID", &Client::UserID, Nothing},
-      }};
-  return section;
-}
 
 bool Settings::LoadSettings() {
   report_.clear();
@@ -332,8 +222,9 @@ void Settings::LoadValue(std::string& as_Member, const Setting& av_Setting, cons
 }
 
 std::string Settings::Checked(const Setting& av_Setting, const std::string& as_Value) {
-  if (av_Setting.meaning != Meaning::Number || ParseNumber(as_Value)) return as_Value;
-  Report("General", av_Setting.key, as_Value, "is not a number; " + av_Setting.fallback + " is used");
+  const std::string problem = ProblemOf(av_Setting, as_Value);
+  if (problem.empty()) return as_Value;
+  Report("General", av_Setting.key, as_Value, problem);
   return av_Setting.fallback;
 }
 
@@ -354,7 +245,7 @@ void Settings::LoadRecords(const RecordSection<Record>& av_Section, RecordArray<
   for (std::int32_t index = 1; index <= count; ++index) {
     Record& record = av_Records[index];
     for (const RecordField<Record>& field : av_Section.fields) {
-      const std::string key = std::string(field.key) + Index(index);
+      const std::string key = KeyOf(field, index);
       std::visit([&](auto member) { LoadMember(av_Section.name, key, field.fallback(index), record.*member); },
                  field.member);
     }
@@ -368,7 +259,7 @@ void Settings::SaveRecords(const RecordSection<Record>& av_Section, const Record
     const Record& record = av_Records[index];
     for (const RecordField<Record>& field : av_Section.fields) {
       const std::string value = std::visit([&](auto member) { return TextOf(record.*member); }, field.member);
-      p_.store.SaveSetting(av_Section.name, std::string(field.key) + Index(index), value);
+      p_.store.SaveSetting(av_Section.name, KeyOf(field, index), value);
     }
   }
 }

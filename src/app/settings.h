@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "app/settings_store.h"
+#include "app/settings_tables.h"
 #include "base/status.h"
 #include "form/form.h"
 #include "platform/event_loop.h"
@@ -55,37 +55,6 @@ class Settings {
   void StoreValues();
 
  private:
-  enum class Meaning : std::uint8_t { Plain, Number, Path, Security, SavedOnly };
-  /// One key of the section "General" and the control that holds its value.
-  struct Setting {
-    std::string_view key;
-    std::variant<TextField*, Label*, CheckBox*, OptionGroup*, Selector*, std::string*> control;
-    std::string fallback;
-    Meaning meaning = Meaning::Plain;
-  };
-  /// One field of a record and its key, to which the record's number is appended.
-  template <class Record>
-  struct RecordField {
-    std::string_view key;
-    std::variant<std::string Record::*, std::int32_t Record::*, std::int16_t Record::*, float Record::*> member;
-    std::string (*fallback)(std::int32_t index);
-  };
-  /// One section of records.
-  template <class Record>
-  struct RecordSection {
-    std::string_view name;
-    std::string_view count_key;
-    std::string_view count_fallback;
-    std::int16_t fewest;
-    std::vector<RecordField<Record>> fields;
-  };
-
-  static std::vector<Setting> FileListSettings(Form& av_Form, const AppInfo& av_App);
-  static std::vector<Setting> OtherSettings(Form& av_Form, const AppInfo& av_App);
-  static const RecordSection<Unit>& UnitSection();
-  static const RecordSection<Relay>& RelaySection();
-  static const RecordSection<Client>& ClientSection();
-
   /// Reads the file, again after a second when that fails.
   Status ReadPatiently();
   /// Does with a recovery copy what the run is to do with it.
@@ -112,7 +81,7 @@ class Settings {
   template <class Number>
   Number LoadNumber(std::string_view as_Section, const std::string& as_Key, const std::string& as_Default);
 
-  /// The value, or the setting's default when a number is wanted and it is none, which is reported.
+  /// The value, or the setting's default when it is no such number or time as is wanted, which is reported.
   [[nodiscard]] std::string Checked(const Setting& av_Setting, const std::string& as_Value);
   void CheckPath(const Setting& av_Setting, const std::string& as_Value);
   /// Notes a value that could not be used as it stands.

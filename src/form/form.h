@@ -115,6 +115,15 @@ struct Form : ControlRegistry {
   OptionGroup Opt_HeartBeat{*this, "Opt_HeartBeat", 2};
   CheckBox Chk_RunAtStartup{*this, "Chk_RunAtStartup"};
 
+  // Watching over the network
+  CheckBox Chk_RepairGaps{*this, "Chk_RepairGaps"};
+  TextField Txt_RepairLimit{*this, "Txt_RepairLimit"};
+  TextField Txt_LateAfter{*this, "Txt_LateAfter"};
+  TextField Txt_BatteryLimit{*this, "Txt_BatteryLimit"};
+  TextField Txt_AlertCommand{*this, "Txt_AlertCommand"};
+  TextField Txt_DigestAt{*this, "Txt_DigestAt"};
+  TextField Txt_HistoryYears{*this, "Txt_HistoryYears"};
+
   // Data files and conversion
   TextField Txt_Folder{*this, "Txt_Folder"};
   Button Cmd_GetFolder{*this, "Cmd_GetFolder"};

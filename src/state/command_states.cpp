@@ -58,7 +58,8 @@ void CommandStates::EnableEditors(bool ab_Enabled) {
            &form_.Txt_RelayName,   &form_.Txt_RelayID,          &form_.Opt_Password,
            &form_.Txt_ClientName,  &form_.Txt_ClientFolder,     &form_.Txt_Folder,
            &form_.Txt_Prefix,      &form_.Txt_RawFileExtension, &form_.Txt_CalibratedFileExtension,
-           &form_.Opt_WebFileType, &form_.Chk_ZIPFiles,         &form_.Chk_GoOn}) {
+           &form_.Opt_WebFileType, &form_.Chk_ZIPFiles,         &form_.Chk_GoOn,
+           &form_.Chk_RepairGaps,  &form_.Txt_RepairLimit}) {
     field->SetEnabled(ab_Enabled);
   }
 }
