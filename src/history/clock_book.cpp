@@ -1,0 +1,51 @@
+#include "history/clock_book.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "state/link_state.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kJump = 120;  ///< seconds; a header tells no seconds, and a clock drifts by a few a day
+constexpr std::int64_t kMinute = 60;
+
+}  // namespace
+
+void ClockBook::Take(const ContactRecord& av_Contact) {
+  const bool answered = av_Contact.outcome == Outcome::Answered;
+  if (!answered && !av_Contact.clock_offset) return;
+  const DateTime here = av_Contact.at.Local();
+  const std::int64_t offset = av_Contact.clock_offset.value_or(last_ ? last_->ahead - av_Contact.at.ahead : 0);
+  const Look now{here + offset, av_Contact.at.ahead + offset};
+  hints_.last_contact = now.unit_time;
+  if (answered && av_Contact.period_minutes)
+    hints_.periods.push_back({now.unit_time, *av_Contact.period_minutes * kMinute});
+  if (answered && av_Contact.command == kSetDate) {
+    TakeSetDate(now);
+  } else if (av_Contact.clock_offset) {
+    TakeLook(now);
+  }
+}
+
+void ClockBook::TakeSetDate(const Look& av_Now) {
+  ClockStep step{av_Now.unit_time, av_Now.unit_time, std::nullopt};
+  if (last_) {
+    step.seconds = av_Now.ahead - last_->ahead;
+    step.from = std::min(av_Now.unit_time, av_Now.unit_time - *step.seconds);
+    step.to = std::max(av_Now.unit_time, av_Now.unit_time - *step.seconds);
+  }
+  hints_.steps.push_back(step);
+  last_ = av_Now;
+}
+
+void ClockBook::TakeLook(const Look& av_Now) {
+  if (last_ && std::abs(av_Now.ahead - last_->ahead) > kJump) {
+    hints_.steps.push_back({std::min(last_->unit_time, av_Now.unit_time), std::max(last_->unit_time, av_Now.unit_time),
+                            av_Now.ahead - last_->ahead});
+  }
+  last_ = av_Now;
+}
+
+}  // namespace corvane

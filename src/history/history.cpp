@@ -1,0 +1,326 @@
+#include "history/history.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "base/paths.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::string_view kFileName = "history.db";
+constexpr std::int64_t kHoldOff = 30'000;  ///< milliseconds without another try: each may take a tenth of a second
+constexpr std::int64_t kSecondsPerYear = 31'557'600;
+constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
+constexpr Moment kEver{1, 0};
+
+template <class Record>
+void Append(std::vector<Record>& av_To, const std::vector<Record>& av_From) {
+  av_To.insert(av_To.end(), av_From.begin(), av_From.end());
+}
+
+void Append(HistoryContents& av_To, const HistoryContents& av_From) {
+  Append(av_To.units, av_From.units);
+  Append(av_To.rounds, av_From.rounds);
+  Append(av_To.contacts, av_From.contacts);
+  Append(av_To.deliveries, av_From.deliveries);
+  Append(av_To.days, av_From.days);
+  Append(av_To.gaps, av_From.gaps);
+  Append(av_To.scans, av_From.scans);
+  Append(av_To.alerts, av_From.alerts);
+  Append(av_To.notes, av_From.notes);
+  if (av_From.network) av_To.network = av_From.network;
+}
+
+}  // namespace
+
+void History::Open(const std::string& as_Folder) {
+  if (p_.store == nullptr) return;
+  file_ = AddBackslash(as_Folder) + std::string(kFileName);
+  FollowUnits();
+}
+
+void History::Close() {
+  if (!Kept()) return;
+  next_try_ = 0;
+  Flush();
+  p_.store->Close();
+  file_.clear();
+}
+
+bool History::TryAgainNow() const {
+  return p_.loop.MonotonicMilliseconds() >= next_try_;
+}
+
+bool History::IsReady() {
+  if (!Kept() || !TryAgainNow()) return false;
+  if (p_.store->IsOpen()) return true;
+  const Status opened = OpenStore();
+  if (!opened.ok()) Report(opened);
+  return opened.ok();
+}
+
+Status History::OpenStore() {
+  std::string set_aside;
+  if (Status opened = p_.store->OpenToWrite(file_, set_aside); !opened.ok()) return opened;
+  if (!set_aside.empty()) p_.trace.Status(set_aside, StatusKind::Error);
+  HistoryQuery query;
+  query.contacts_since = kNever;
+  query.rounds = 1;
+  query.gaps = true;
+  query.scans = true;
+  HistoryContents stored;
+  if (Status read = p_.store->Read(query, stored); !read.ok()) {
+    p_.store->Close();
+    return read;
+  }
+  Adopt(stored);
+  return Status::Ok();
+}
+
+void History::Adopt(const HistoryContents& av_Stored) {
+  const auto changed = units_.Adopt(av_Stored.units);
+  const std::int64_t stored_round = av_Stored.rounds.empty() ? 0 : av_Stored.rounds.back().key;
+  Renumber(changed, keys_are_known_ ? 0 : stored_round);
+  keys_are_known_ = true;
+  last_round_ = std::max(last_round_, stored_round);
+  // What the file does not know of the units that are known here.
+  if (!waiting_.units.empty() || !changed.empty() || av_Stored.units.empty()) waiting_.units = units_.All();
+  memory_.clear();
+  for (const ScanRecord& scan : av_Stored.scans) memory_[scan.unit].scan = scan;
+  for (const GapRecord& gap : av_Stored.gaps) memory_[gap.unit].gaps.push_back(gap);
+  for (const DeliveryRecord& each : av_Stored.deliveries) deliveries_.try_emplace({each.unit, each.target}, each);
+}
+
+void History::Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds) {
+  const auto renumber = [&av_Units](auto& av_Records) {
+    for (auto& record : av_Records) {
+      if (const auto found = av_Units.find(record.unit); found != av_Units.end()) record.unit = found->second;
+    }
+  };
+  renumber(waiting_.contacts);
+  renumber(waiting_.deliveries);
+  renumber(waiting_.gaps);
+  for (ContactRecord& contact : waiting_.contacts) contact.round += al_Rounds;
+  for (RoundRecord& round : waiting_.rounds) round.key += al_Rounds;
+  if (round_.key != 0) round_.key += al_Rounds;
+  last_round_ += al_Rounds;
+  auto deliveries = std::exchange(deliveries_, {});
+  for (auto& [key, delivery] : deliveries) {
+    const auto found = av_Units.find(key.first);
+    if (found != av_Units.end()) delivery.unit = found->second;
+    deliveries_[{delivery.unit, key.second}] = delivery;
+  }
+}
+
+Status History::BeginAnew() {
+  p_.store->Close();
+  Status opened = OpenStore();
+  if (!opened.ok()) return opened;
+  if (round_.key != 0) waiting_.rounds.insert(waiting_.rounds.begin(), round_);
+  return p_.store->Write(waiting_);
+}
+
+void History::Flush() {
+  if (CountOf(waiting_) == 0 || !IsReady()) return DropOldest();
+  Status written = p_.store->Write(waiting_);
+  if (written.code() == HistoryStore::kDamaged) written = BeginAnew();
+  if (!written.ok()) {
+    Report(written);
+    return DropOldest();
+  }
+  waiting_ = {};
+  dropped_ = false;
+}
+
+void History::Write(const HistoryContents& av_Changes) {
+  if (!Kept()) return;
+  Append(waiting_, av_Changes);
+  Flush();
+}
+
+void History::Report(const Status& av_Failure) {
+  next_try_ = p_.loop.MonotonicMilliseconds() + kHoldOff;
+  if (std::exchange(reported_, true)) return;
+  p_.trace.Status(
+      "The history cannot be written: " + av_Failure.text() + ". Rounds go on; what happens meanwhile is written later",
+      StatusKind::Error);
+}
+
+std::size_t History::CountOf(const HistoryContents& av_Contents) {
+  return av_Contents.units.size() + av_Contents.rounds.size() + av_Contents.contacts.size() +
+         av_Contents.deliveries.size() + av_Contents.days.size() + av_Contents.gaps.size() + av_Contents.scans.size() +
+         av_Contents.alerts.size() + av_Contents.notes.size() + (av_Contents.network ? 1 : 0);
+}
+
+void History::DropOldest() {
+  const std::size_t count = CountOf(waiting_);
+  if (count <= kMostWaiting) return;
+  const std::size_t most = std::min(count - kMostWaiting, waiting_.contacts.size());
+  waiting_.contacts.erase(waiting_.contacts.begin(), waiting_.contacts.begin() + static_cast<std::ptrdiff_t>(most));
+  if (std::exchange(dropped_, true)) return;
+  p_.trace.Status("The history could not be written for long: the oldest of what waits is lost", StatusKind::Error);
+}
+
+void History::BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All) {
+  if (!Kept()) return;
+  reported_ = false;
+  FollowUnits();
+  round_ = {};
+  round_.key = ++last_round_;
+  round_.kind = ae_Kind;
+  round_.automatic = ab_Automatic;
+  round_.all = ab_All;
+  round_.began = p_.loop.NowUtc();
+  HistoryContents change;
+  change.rounds.push_back(round_);
+  Write(change);
+}
+
+void History::EndRound(const RoundRecord& av_Counts) {
+  if (!Kept() || round_.key == 0) return;
+  RoundRecord ended = av_Counts;
+  ended.key = round_.key;
+  ended.kind = round_.kind;
+  ended.automatic = round_.automatic;
+  ended.all = round_.all;
+  ended.began = round_.began;
+  ended.ended = p_.loop.NowUtc();
+  round_ = {};
+  HistoryContents change;
+  change.rounds.push_back(ended);
+  Write(change);
+}
+
+void History::FollowUnits() {
+  if (!Kept()) return;
+  // Where it can be, the file is opened first: it has the keys.
+  static_cast<void>(IsReady());
+  std::vector<std::string> sentences;
+  HistoryContents change;
+  change.units = units_.Follow(PresentUnits(p_.registry, p_.names), p_.loop.NowUtc(), sentences);
+  for (const std::string& sentence : sentences) p_.trace.LogWrite(sentence);
+  if (!change.units.empty()) Write(change);
+}
+
+UnitMemory& History::WithClock(std::int64_t al_Key) {
+  UnitMemory& unit = memory_[al_Key];
+  if (unit.clock_read) return unit;
+  HistoryQuery query;
+  query.unit = al_Key;
+  query.contacts_since = kEver;
+  HistoryContents former;
+  if (!Read(query, former).ok()) return unit;
+  unit.clock = {};
+  for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact);
+  unit.clock_read = true;
+  return unit;
+}
+
+void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
+  UnitRecord* unit = units_.Find(KeyOf(al_Position));
+  if (!Kept() || round_.key == 0 || unit == nullptr) return;
+  av_Contact.round = round_.key;
+  av_Contact.unit = unit->key;
+  av_Contact.at = p_.loop.NowUtc();
+  av_Contact.get_from = unit->get_from;
+  HistoryContents change;
+  const bool asked = av_Contact.outcome != Outcome::NotAsked && av_Contact.outcome != Outcome::NoPort;
+  if (asked) unit->last_asked = av_Contact.at;
+  if (av_Contact.outcome == Outcome::Answered) unit->last_answered = av_Contact.at;
+  if (asked) change.units.push_back(*unit);
+  if (UnitMemory& memory = memory_[unit->key]; memory.clock_read) memory.clock.Take(av_Contact);
+  change.contacts.push_back(std::move(av_Contact));
+  Write(change);
+}
+
+void History::NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery) {
+  const std::int64_t key = KeyOf(al_Position);
+  if (!Kept() || key == 0) return;
+  DeliveryRecord& known = deliveries_[{key, av_Delivery.target}];
+  av_Delivery.unit = key;
+  av_Delivery.tried = p_.loop.NowUtc();
+  if (av_Delivery.problem.empty()) {
+    av_Delivery.done = av_Delivery.tried;
+  } else {
+    av_Delivery.done = known.done;
+    av_Delivery.bytes = known.bytes;
+    av_Delivery.last_reading = known.last_reading;
+  }
+  known = std::move(av_Delivery);
+  HistoryContents change;
+  change.deliveries.push_back(known);
+  Write(change);
+}
+
+void History::NoteGaps(std::int64_t al_Position, const std::vector<GapRecord>& av_Gaps) {
+  const std::int64_t key = KeyOf(al_Position);
+  if (!Kept() || key == 0) return;
+  std::vector<GapRecord>& known = memory_[key].gaps;
+  HistoryContents change;
+  for (GapRecord gap : av_Gaps) {
+    gap.unit = key;
+    gap.changed = p_.loop.NowUtc();
+    if (gap.found.IsNone()) gap.found = gap.changed;
+    const auto same =
+        std::find_if(known.begin(), known.end(), [&](const GapRecord& each) { return each.from == gap.from; });
+    if (same == known.end()) {
+      known.push_back(gap);
+    } else {
+      *same = gap;
+    }
+    change.gaps.push_back(gap);
+  }
+  Write(change);
+}
+
+bool History::NoteScan(std::int64_t al_Key, const RawScan& av_Scan, const std::vector<GapRecord>& av_Gaps) {
+  if (!IsReady()) return false;
+  HistoryContents change;
+  change.scans.push_back(av_Scan.scan);
+  change.scans.back().unit = al_Key;
+  change.days = av_Scan.days;
+  for (DayRecord& day : change.days) day.unit = al_Key;
+  change.gaps = av_Gaps;
+  for (GapRecord& gap : change.gaps) gap.unit = al_Key;
+  const Status written = p_.store->Replace(al_Key, av_Scan.changed_from, change);
+  if (!written.ok()) {
+    Report(written);
+    return false;
+  }
+  UnitMemory& unit = memory_[al_Key];
+  std::erase_if(unit.gaps, [&](const GapRecord& each) { return each.to > av_Scan.changed_from; });
+  for (const GapRecord& gap : change.gaps) {
+    if (gap.state != GapState::Dropped) unit.gaps.push_back(gap);
+  }
+  unit.scan = std::move(change.scans.back());
+  return true;
+}
+
+void History::NoteNetwork(const NetworkRecord& av_Network) {
+  HistoryContents change;
+  change.network = av_Network;
+  Write(change);
+}
+
+DateTime History::DeliveredTo(std::int64_t al_Position, Target ae_Target) const {
+  const auto found = deliveries_.find({KeyOf(al_Position), ae_Target});
+  return found == deliveries_.end() ? DateTime() : found->second.last_reading;
+}
+
+void History::ForgetBefore(std::int64_t al_Years) {
+  const Moment now = p_.loop.NowUtc();
+  if (!Kept() || now - forgotten_ < kSecondsPerDay || !IsReady()) return;
+  forgotten_ = now;
+  if (const Status forgot = p_.store->Forget({now.utc - al_Years * kSecondsPerYear, now.ahead}); !forgot.ok()) {
+    Report(forgot);
+  }
+}
+
+Status History::Read(const HistoryQuery& av_Query, HistoryContents& av_Result) {
+  if (!IsReady()) return {HistoryStore::kBusy, "the history is not open"};
+  return p_.store->Read(av_Query, av_Result);
+}
+
+}  // namespace corvane

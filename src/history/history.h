@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "data/completeness.h"
+#include "history/clock_book.h"
+#include "history/network_status.h"
+#include "history/unit_catalogue.h"
+#include "platform/event_loop.h"
+#include "platform/history_records.h"
+#include "platform/history_store.h"
+#include "state/file_names.h"
+#include "state/records.h"
+#include "trace/trace.h"
+
+namespace corvane {
+
+/// What is kept in memory of a unit's history.
+struct UnitMemory {
+  ScanRecord scan;
+  std::vector<GapRecord>
+      gaps;  ///< that are neither filled nor a matter of the clock, and those settled since the start
+  ClockBook clock;
+  bool clock_read = false;  ///< the contacts of former times are in the clock book
+};
+
+/// Writes down what happens to each unit, in the file "history.db" of the application folder.
+///
+/// Nothing of it stops or delays a round: what cannot be written is kept, up to 10,000 records, and written later; a
+/// failure is told once a round. Without a store nothing is kept and every call does nothing. Positions are those of
+/// the list of units, from 1.
+class History {
+ public:
+  static constexpr std::size_t kMostWaiting = 10'000;  ///< records
+
+  /// All must outlive this object.
+  struct Parts {
+    HistoryStore* store;  ///< none: no history is kept
+    const Registry& registry;
+    const FileNames& names;
+    EventLoop& loop;
+    Trace& trace;
+  };
+  explicit History(const Parts& av_Parts) : p_(av_Parts) {}
+
+  /// Opens the history of an application folder; called by the program that holds the folder, once its settings are
+  /// loaded.
+  void Open(const std::string& as_Folder);
+  /// Writes what waits and closes it.
+  void Close();
+  /// True between `Open` and `Close`, also while the file cannot be used.
+  [[nodiscard]] bool Kept() const { return !file_.empty(); }
+
+  /// A round begins; units are followed first. One that never ended is left as it is.
+  void BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All);
+  /// The round ends as `av_Counts` says: asked, answered, stored, problems, ending.
+  void EndRound(const RoundRecord& av_Counts);
+  /// The round that runs; key 0: none does.
+  [[nodiscard]] const RoundRecord& Round() const { return round_; }
+  /// Works out how the network stands and hands it to `after_round`.
+  void TellStatus();
+
+  /// Follows the list of units: names, clients, new and deleted ones.
+  void FollowUnits();
+  /// The key of a unit, 0 when it has none.
+  [[nodiscard]] std::int64_t KeyOf(std::int64_t al_Position) const { return units_.KeyOf(al_Position); }
+  /// What is known of the unit of a key.
+  [[nodiscard]] UnitMemory& Of(std::int64_t al_Key) { return memory_[al_Key]; }
+  /// The same, its contacts of former times included.
+  [[nodiscard]] UnitMemory& WithClock(std::int64_t al_Key);
+
+  /// What the round that runs had to do with a unit; replaces what it has noted of it before. `at` is now.
+  void NoteContact(std::int64_t al_Position, ContactRecord av_Contact);
+  /// What became of a unit's file; `tried` is now, and so is `done` when there was no problem.
+  void NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery);
+  /// New states, tries or parts of gaps of a unit, as a repair has found them; `changed` is now.
+  void NoteGaps(std::int64_t al_Position, const std::vector<GapRecord>& av_Gaps);
+  /// What a scan has found of the unit of a key, and what its gaps are now; false when it could not be written: then
+  /// the next scan begins where the former did.
+  bool NoteScan(std::int64_t al_Key, const RawScan& av_Scan, const std::vector<GapRecord>& av_Gaps);
+  /// Writes what the status needs of the settings.
+  void NoteNetwork(const NetworkRecord& av_Network);
+  /// The last reading that got to a target, none when that is not known.
+  [[nodiscard]] DateTime DeliveredTo(std::int64_t al_Position, Target ae_Target) const;
+
+  /// Writes any other records, now or later.
+  void Write(const HistoryContents& av_Changes);
+  /// Writes what waits, where the file can be used again.
+  void Flush();
+  /// Forgets what is older than `al_Years`, once a day.
+  void ForgetBefore(std::int64_t al_Years);
+  /// Reads from the file, what still waits to be written left out.
+  Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result);
+
+  /// How the network stands behind a round; set by the composition root.
+  std::function<void(const NetworkStatus&)> after_round;
+
+ private:
+  [[nodiscard]] bool IsReady();
+  Status OpenStore();
+  void Adopt(const HistoryContents& av_Stored);
+  /// Begins a file anew that turned out to be damaged, with all that is known.
+  Status BeginAnew();
+  /// Gives what waits the keys that the file has.
+  void Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds);
+  void Report(const Status& av_Failure);
+  void DropOldest();
+  [[nodiscard]] bool TryAgainNow() const;
+  [[nodiscard]] static std::size_t CountOf(const HistoryContents& av_Contents);
+
+  Parts p_;
+  std::string file_;
+  UnitCatalogue units_;
+  std::map<std::int64_t, UnitMemory> memory_;                             ///< by key
+  std::map<std::pair<std::int64_t, Target>, DeliveryRecord> deliveries_;  ///< by key and target
+  RoundRecord round_;                                                     ///< that runs
+  std::int64_t last_round_ = 0;                                           ///< key
+  bool keys_are_known_ = false;                                           ///< the file was open once: keys are its own
+  HistoryContents waiting_;                                               ///< to be written
+  bool reported_ = false;                                                 ///< a failure, in this round
+  bool dropped_ = false;                                                  ///< records were lost, which was told
+  std::int64_t next_try_ = 0;  ///< monotonic milliseconds: not before, behind a failure
+  Moment forgotten_;           ///< when something was forgotten last
+};
+
+}  // namespace corvane

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "platform/history_records.h"
+#include "state/file_names.h"
+#include "state/records.h"
+
+namespace corvane {
+
+/// The units of the registry as the history knows them, in their order and without keys.
+[[nodiscard]] std::vector<UnitRecord> PresentUnits(const Registry& av_Registry, const FileNames& av_Names);
+
+/// Which unit of the history stands where in the list of units. A unit is its client, its ID and its raw file.
+class UnitCatalogue {
+ public:
+  /// Takes over what a history holds; what was known before keeps its record, under the key that the history has for
+  /// it, or under a new one where another unit has its key there.
+  ///
+  /// Returns the keys that changed: former and new.
+  std::map<std::int64_t, std::int64_t> Adopt(const std::vector<UnitRecord>& av_Stored);
+  /// Follows the list of units: new ones get a key, those that are gone the position 0.
+  ///
+  /// Returns the records that changed; of a unit that has become another one `av_Sentences` tells.
+  std::vector<UnitRecord> Follow(std::vector<UnitRecord> av_Present, Moment av_Now,
+                                 std::vector<std::string>& av_Sentences);
+  /// The key of the unit at `al_Position` (from 1) of the list, 0 where none stands.
+  [[nodiscard]] std::int64_t KeyOf(std::int64_t al_Position) const;
+  /// The record of a key; nullptr when there is none. Valid until the next `Adopt` or `Follow`.
+  [[nodiscard]] UnitRecord* Find(std::int64_t al_Key);
+  /// All that were ever in the list, by key.
+  [[nodiscard]] std::vector<UnitRecord> All() const;
+
+ private:
+  /// What tells units apart: client, ID, raw file.
+  using Marks = std::tuple<std::int32_t, std::int32_t, std::string>;
+  [[nodiscard]] static Marks MarksOf(const UnitRecord& av_Unit);
+  [[nodiscard]] const UnitRecord* FindSame(const UnitRecord& av_Unit) const;
+  void Put(const UnitRecord& av_Unit);
+  [[nodiscard]] std::int64_t NewKey() const { return units_.empty() ? 1 : units_.rbegin()->first + 1; }
+
+  std::map<std::int64_t, UnitRecord> units_;  ///< by key
+  std::map<Marks, std::int64_t> by_marks_;
+  std::vector<std::int64_t> keys_;  ///< by position, the first at 0
+};
+
+}  // namespace corvane
