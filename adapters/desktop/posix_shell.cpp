@@ -21,7 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kLockFile = "corvane.lock";
 constexpr const char* kEntryFile = "autostart/corvane.desktop";
 
 std::string Environment(const char* name) {

@@ -7,6 +7,9 @@
 
 namespace corvane {
 
+/// Held by the program that works on an application folder, and lying in it.
+inline constexpr const char* kLockFile = "corvane.lock";
+
 /// The desktop as freedesktop.org describes it: XDG folders, autostart entries, xdg-open.
 class PosixShell : public Shell {
  public:
