@@ -1,0 +1,63 @@
+#include "history/clock_view.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+#include "history/trend.h"
+#include "state/link_state.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kJump = 120;  ///< seconds between two contacts: the clock was set, it has not drifted
+constexpr std::int64_t kNearSeason = 600;
+constexpr std::size_t kFewestDays = 5;
+
+bool SetsClock(const ContactRecord& av_Contact) {
+  return av_Contact.command == kSetDate && av_Contact.outcome == Outcome::Answered;
+}
+
+/// Seconds that the unit was ahead of UTC, which nobody moves.
+std::int64_t AheadOfUtc(const ContactRecord& av_Contact) {
+  return *av_Contact.clock_offset + av_Contact.at.ahead;
+}
+
+/// One point a day since the clock was last set, the last of each.
+std::vector<TrendPoint> PointsSinceSet(std::span<const ContactRecord> av_Contacts) {
+  std::vector<TrendPoint> points;
+  for (const ContactRecord& contact : av_Contacts) {
+    if (SetsClock(contact)) points.clear();
+    if (SetsClock(contact) || !contact.clock_offset) continue;
+    const auto offset = static_cast<double>(AheadOfUtc(contact));
+    if (!points.empty() && std::abs(points.back().value - offset) > kJump) points.clear();
+    const double day = static_cast<double>(contact.at.utc) / static_cast<double>(kSecondsPerDay);
+    if (!points.empty() && std::int64_t(points.back().days) == std::int64_t(day)) points.pop_back();
+    points.push_back({day, offset});
+  }
+  return points;
+}
+
+}  // namespace
+
+ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_Contacts, Moment av_Now) {
+  ClockView view;
+  std::int64_t ahead_of_utc = 0;
+  for (const ContactRecord& contact : av_Contacts) {
+    if (!contact.clock_offset && !SetsClock(contact)) continue;
+    // What a unit showed before it was set is over.
+    ahead_of_utc = SetsClock(contact) ? contact.at.ahead : AheadOfUtc(contact);
+    view.offset = ahead_of_utc - av_Now.ahead;
+  }
+  if (!view.offset) return view;
+  const auto fits = [ahead_of_utc](Moment when) {
+    return !when.IsNone() && std::abs(ahead_of_utc - when.ahead) <= kNearSeason;
+  };
+  view.of_another_season =
+      !fits(av_Now) && (fits(av_Unit.added) || std::any_of(av_Contacts.begin(), av_Contacts.end(),
+                                                           [&fits](const auto& each) { return fits(each.at); }));
+  if (const auto trend = RobustTrend(PointsSinceSet(av_Contacts), kFewestDays)) view.drift = trend->slope;
+  return view;
+}
+
+}  // namespace corvane

@@ -1,0 +1,210 @@
+#include "history/network_status.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <map>
+
+#include "history/status_texts.h"
+#include "history/unit_status.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kContactDays = 40;
+constexpr std::int64_t kDays = 30;
+constexpr std::int64_t kRounds = 20;
+/// A round begins with the first heartbeat behind its time; two of the slowest, and a minute for what else is going on.
+constexpr std::int64_t kBeginsWithin = 180;
+constexpr std::int64_t kAliveWithin = 1800;
+constexpr std::int64_t kFewestBehindRelay = 2;
+
+constexpr std::array<std::string_view, 6> kStates = {"off", "new", "silent", "late", "trouble", "fine"};
+constexpr std::array<std::string_view, 5> kLetters = {"empty", "nobody collects", "critical", "warning", "well"};
+/// The worst first.
+constexpr std::array kOrder = {UnitState::Silent, UnitState::Late, UnitState::Trouble,
+                               UnitState::New,    UnitState::Fine, UnitState::Off};
+
+std::ptrdiff_t Place(UnitState ae_State) {
+  return std::find(kOrder.begin(), kOrder.end(), ae_State) - kOrder.begin();
+}
+
+bool Collects(const RoundRecord& av_Round) {
+  return av_Round.kind == RoundKind::Download || av_Round.kind == RoundKind::Fetch;
+}
+
+/// The whole network, behind its units.
+class NetworkView {
+ public:
+  NetworkView(const HistoryContents& av_History, NetworkStatus& av_Status, Holder ae_Holder)
+      : history_(av_History), status_(av_Status), holder_(ae_Holder) {
+    if (av_History.network) network_ = *av_History.network;
+  }
+
+  void Fill() {
+    Count();
+    TakeRounds();
+    status_.next_round = network_.automatic ? network_.next_download : DateTime();
+    status_.nobody_collects = WhyNobodyCollects();
+    TakeWorstRelay();
+    status_.letter = Letter();
+    status_.sentence = Sentence();
+  }
+
+ private:
+  void Count() {
+    status_.counts.assign(kStates.size(), 0);
+    for (const UnitStatus& unit : status_.units) ++status_.counts[static_cast<std::size_t>(unit.state)];
+  }
+
+  void TakeRounds() {
+    for (const RoundRecord& round : history_.rounds) {
+      if (Collects(round)) status_.last = round;
+    }
+    status_.last_round = status_.last.key != 0 ? RoundText(status_.last) : "";
+  }
+
+  [[nodiscard]] bool AliveLately() const {
+    return !network_.alive.IsNone() && status_.now - network_.alive <= kAliveWithin;
+  }
+
+  [[nodiscard]] bool RoundIsUnderWay() const {
+    return !history_.rounds.empty() && history_.rounds.back().ended.IsNone() &&
+           (holder_ == Holder::Somebody || (holder_ == Holder::Unknown && AliveLately()));
+  }
+
+  [[nodiscard]] bool RoundIsMissed() const {
+    const DateTime planned = network_.next_download;
+    if (planned.IsNone() || status_.now.Local() - planned <= kBeginsWithin || RoundIsUnderWay()) return false;
+    return std::none_of(history_.rounds.begin(), history_.rounds.end(), [planned](const RoundRecord& round) {
+      return Collects(round) && round.began.Local() >= planned;
+    });
+  }
+
+  /// One sentence; empty when somebody collects, or nobody has to.
+  [[nodiscard]] std::string WhyNobodyCollects() const {
+    if (!network_.automatic) return "";
+    // A program that was ended in order has said so.
+    if (holder_ == Holder::Nobody || (holder_ == Holder::Unknown && !network_.open)) {
+      return "Automatic download is on, and no program is running that would do it";
+    }
+    if (holder_ == Holder::Unknown && !AliveLately()) {
+      return "Automatic download is on, and the program has not been heard of since " + WhenText(network_.alive);
+    }
+    if (!network_.interval) return "Automatic download is on, and its interval in the settings is none";
+    if (!RoundIsMissed()) return "";
+    return "The round of " + WhenText(network_.next_download) + " has not begun";
+  }
+
+  void TakeWorstRelay() {
+    std::map<std::string, std::int64_t> silent;
+    std::int64_t most = kFewestBehindRelay - 1;
+    for (const UnitStatus& unit : status_.units) {
+      if (unit.state != UnitState::Silent || unit.relay.empty()) continue;
+      if (++silent[unit.relay] <= most) continue;
+      most = silent[unit.relay];
+      status_.worst_relay = unit.relay;
+    }
+    silent_behind_relay_ = most;
+  }
+
+  [[nodiscard]] bool PortFailed() const {
+    return std::any_of(history_.contacts.begin(), history_.contacts.end(), [this](const ContactRecord& contact) {
+      return contact.round == status_.last.key && contact.outcome == Outcome::NoPort;
+    });
+  }
+
+  [[nodiscard]] bool AnyLoud(std::initializer_list<UnitState> av_States) const {
+    return std::any_of(status_.units.begin(), status_.units.end(), [av_States](const UnitStatus& unit) {
+      return !unit.silenced && std::find(av_States.begin(), av_States.end(), unit.state) != av_States.end();
+    });
+  }
+
+  [[nodiscard]] std::int64_t Undelivered() const {
+    return std::count_if(status_.units.begin(), status_.units.end(), [](const UnitStatus& unit) {
+      return unit.state != UnitState::Off && !unit.silenced && !unit.delivery_problem.empty();
+    });
+  }
+
+  [[nodiscard]] NetworkLetter Letter() const {
+    if (!status_.nobody_collects.empty()) return NetworkLetter::NobodyCollects;
+    if (status_.units.empty()) return NetworkLetter::Empty;
+    if (AnyLoud({UnitState::Silent, UnitState::Late})) return NetworkLetter::Critical;
+    if (AnyLoud({UnitState::Trouble}) || Undelivered() > 0 || PortFailed()) return NetworkLetter::Warning;
+    return NetworkLetter::Well;
+  }
+
+  [[nodiscard]] std::string CountsText() const {
+    std::string text;
+    for (const UnitState state : kOrder) {
+      const std::int64_t count = status_.counts[static_cast<std::size_t>(state)];
+      if (count == 0) continue;
+      text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + std::string(NameOf(state));
+    }
+    return CountText(std::ssize(status_.units), "unit: ", "units: ") + text;
+  }
+
+  [[nodiscard]] std::string Sentence() const {
+    if (!status_.nobody_collects.empty()) return "Nobody collects. " + status_.nobody_collects;
+    if (status_.units.empty()) return "There are no units";
+    std::string text = CountsText();
+    if (!status_.worst_relay.empty()) {
+      text += "; " + std::to_string(silent_behind_relay_) + " of the silent ones behind relay " + status_.worst_relay;
+    }
+    if (PortFailed()) text += "; the port could not be used in the last round";
+    if (const std::int64_t files = Undelivered(); files > 0) {
+      text += "; " + CountText(files, "file has", "files have") + " not got to the server";
+    }
+    return text;
+  }
+
+  const HistoryContents& history_;
+  NetworkStatus& status_;
+  Holder holder_;
+  NetworkRecord network_;
+  std::int64_t silent_behind_relay_ = 0;
+};
+
+}  // namespace
+
+std::string_view NameOf(UnitState ae_State) {
+  return kStates[static_cast<std::size_t>(ae_State)];
+}
+
+std::string_view NameOf(NetworkLetter ae_Letter) {
+  return kLetters[static_cast<std::size_t>(ae_Letter)];
+}
+
+HistoryQuery StatusQuery(Moment av_Now) {
+  HistoryQuery query;
+  query.contacts_since = Moment{av_Now.utc - kContactDays * kSecondsPerDay, av_Now.ahead};
+  query.rounds = kRounds;
+  query.days_since = av_Now.Local().Midnight() - kDays * kSecondsPerDay;
+  query.gaps = true;
+  query.scans = true;
+  return query;
+}
+
+NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Holder ae_Holder) {
+  NetworkStatus status;
+  status.now = av_Now;
+  StatusRules rules;
+  rules.now = av_Now;
+  if (av_History.network) {
+    rules.interval = av_History.network->interval;
+    rules.late_after = av_History.network->late_after;
+    rules.battery_limit = av_History.network->battery_limit;
+  }
+  for (const UnitRecord& unit : av_History.units) {
+    if (unit.position > 0) status.units.push_back(StatusOf(HistoryOf(av_History, unit), rules));
+  }
+  std::sort(status.units.begin(), status.units.end(), [](const UnitStatus& a, const UnitStatus& b) {
+    const auto place_a = Place(a.state);
+    const auto place_b = Place(b.state);
+    return place_a != place_b ? place_a < place_b : a.position < b.position;
+  });
+  NetworkView(av_History, status, ae_Holder).Fill();
+  return status;
+}
+
+}  // namespace corvane

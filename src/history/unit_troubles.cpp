@@ -1,0 +1,119 @@
+#include "history/unit_troubles.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include "base/format.h"
+#include "base/numbers.h"
+#include "history/clock_view.h"
+#include "history/status_texts.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::int64_t kClockOff = 600;
+constexpr std::int64_t kStill = 48 * 3600;
+constexpr std::int64_t kLostDays = 30;
+constexpr std::int64_t kOutsideShare = 10;  ///< of so many readings of a day one may lie outside
+
+struct Missing {
+  std::int64_t readings = 0;
+  std::int64_t gaps = 0;
+  DateTime since;
+
+  void Take(const GapRecord& gap) {
+    readings += gap.missing;
+    ++gaps;
+    if (since.IsNone() || gap.from < since) since = gap.from;
+  }
+};
+
+/// Readings that may still be got are missing until they are there; what is lost for ever is news for 30 days.
+std::string MissingText(const UnitHistory& av_History, const StatusRules& av_Rules) {
+  const DateTime lost_from = av_Rules.now.Local() - kLostDays * kSecondsPerDay;
+  Missing missing;
+  Missing lost;
+  for (const GapRecord& gap : av_History.gaps) {
+    if (gap.state == GapState::Found || gap.state == GapState::Asked) missing.Take(gap);
+    if (gap.state == GapState::Lost && gap.to >= lost_from) lost.Take(gap);
+  }
+  const auto text = [](const Missing& which, const char* one, const char* many) {
+    return CountText(which.readings, one, many) + " in " + CountText(which.gaps, "gap", "gaps") + " since " +
+           WhenText(which.since);
+  };
+  if (missing.gaps > 0) return text(missing, "reading is missing", "readings are missing");
+  return lost.gaps > 0 ? text(lost, "reading is lost for ever", "readings are lost for ever") : "";
+}
+
+std::string RejectedText(const UnitHistory& av_History) {
+  const auto& contacts = av_History.contacts;
+  for (std::size_t i = contacts.size(); i-- > 0;) {
+    if (!WasAsked(contacts[i].outcome)) continue;
+    if (contacts[i].rejected == 0) break;
+    return CountText(contacts[i].rejected, "line was", "lines were") + " rejected in the last round";
+  }
+  return "";
+}
+
+std::string ClockText(const UnitHistory& av_History, const StatusRules& av_Rules, const UnitStatus& av_Status) {
+  if (!av_Status.clock_offset || std::llabs(*av_Status.clock_offset) <= kClockOff) return "";
+  // Intended: a unit keeps the time it was given; where summer time moves this computer's clock, nobody sets all units.
+  if (ClockOf(*av_History.unit, av_History.contacts, av_Rules.now).of_another_season) return "";
+  return "Its clock is " + SpanText(*av_Status.clock_offset) + (*av_Status.clock_offset > 0 ? " ahead" : " behind");
+}
+
+std::string FutureText(const UnitStatus& av_Status) {
+  if (av_Status.reading_age.value_or(0) >= -kClockOff) return "";
+  return "The last reading, of " + WhenText(av_Status.last_reading) + ", is " + SpanText(*av_Status.reading_age) +
+         " in the future";
+}
+
+std::string BatteryText(const StatusRules& av_Rules, const UnitStatus& av_Status) {
+  if (!av_Status.battery || *av_Status.battery >= av_Rules.battery_limit) return "";
+  return "The battery is down to " + FixedText(*av_Status.battery, 2) + " V, below " +
+         FixedText(av_Rules.battery_limit, 2) + " V";
+}
+
+std::string StillText(const UnitHistory& av_History) {
+  const ScanRecord* const scan = av_History.scan;
+  if (scan == nullptr || scan->still_channel == 0 || scan->last - scan->still_since < kStill) return "";
+  return "Item " + std::to_string(scan->still_channel) + " of its readings has not changed since " +
+         WhenText(scan->still_since);
+}
+
+/// Of the last two days with readings: today is not over.
+std::string OutsideText(const UnitHistory& av_History) {
+  const std::int64_t period = av_History.scan != nullptr ? av_History.scan->period : 0;
+  int days = 2;
+  for (std::size_t i = av_History.days.size(); i-- > 0 && days > 0;) {
+    const DayRecord& day = av_History.days[i];
+    if (day.stored == 0) continue;
+    --days;
+    const std::int64_t of_day = std::max(day.stored, period > 0 ? kSecondsPerDay / period : 0);
+    if (day.outside_channel == 0 || day.outside * kOutsideShare <= of_day) continue;
+    return "Item " + std::to_string(day.outside_channel) + " lay outside its table in " +
+           CountText(day.outside, "reading", "readings") + " of " + FormatDate(day.day, "d mmm yyyy");
+  }
+  return "";
+}
+
+}  // namespace
+
+std::vector<Trouble> TroublesOf(const UnitHistory& av_History, const StatusRules& av_Rules,
+                                const UnitStatus& av_Status) {
+  std::vector<Trouble> troubles;
+  const auto take = [&troubles](TroubleKind kind, std::string text) {
+    if (!text.empty()) troubles.push_back({kind, std::move(text)});
+  };
+  take(TroubleKind::Missing, MissingText(av_History, av_Rules));
+  take(TroubleKind::Rejected, RejectedText(av_History));
+  take(TroubleKind::Clock, ClockText(av_History, av_Rules, av_Status));
+  take(TroubleKind::Future, FutureText(av_Status));
+  take(TroubleKind::Battery, BatteryText(av_Rules, av_Status));
+  take(TroubleKind::Sensor, StillText(av_History));
+  take(TroubleKind::Sensor, OutsideText(av_History));
+  return troubles;
+}
+
+}  // namespace corvane
