@@ -1,11 +1,13 @@
 #include "qt/qt_loop.h"
 
 #include "support/loop_contract.h"
+#include "support/runner_contract.h"
 
 namespace corvane {
 namespace {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, LoopContract, QtLoop);
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, RunnerContract, QtLoop);
 
 TEST(QtLoop, AWaitThatNothingEndsComesBack) {
   QtLoop loop;
