@@ -107,7 +107,7 @@ class Photographer {
     }
     ShowTab("tabs", kSettingsTab);
     const std::vector<const char*> groups = {"settings-folders", "settings-readings", "settings-lookups",
-                                             "settings-ports", "settings-schedule"};
+                                             "settings-ports",   "settings-schedule", "settings-network"};
     for (std::size_t group = 0; group < groups.size(); ++group) {
       ShowTab("settingsTabs", static_cast<int>(group));
       Take(groups[group]);
