@@ -29,6 +29,8 @@ struct UnitRecord {
   Moment added;
   Moment last_asked;
   Moment last_answered;
+
+  bool operator==(const UnitRecord&) const = default;
 };
 
 /// What a round was for.
@@ -47,6 +49,8 @@ struct RoundRecord {
   std::int64_t stored = 0;    ///< readings
   std::int64_t problems = 0;  ///< units and files that ended untried or with a problem
   std::string ending;         ///< why it ended early, empty when it did not
+
+  bool operator==(const RoundRecord&) const = default;
 };
 
 enum class Outcome : std::uint8_t {
@@ -76,6 +80,8 @@ struct ContactRecord {
   std::optional<std::int64_t> clock_offset;    ///< seconds that the unit's clock is ahead of this computer's
   std::int64_t milliseconds_on_air = 0;        ///< from the first command to the last line
   std::optional<std::int64_t> period_minutes;  ///< that a command has set
+
+  bool operator==(const ContactRecord&) const = default;
 };
 
 enum class Target : std::uint8_t { Server = 0, Fetched = 1, Backup = 2, Calibrated = 3 };
@@ -90,6 +96,8 @@ struct DeliveryRecord {
   std::string problem;     ///< of the last try, empty when it went well
   std::int64_t bytes = 0;  ///< of the file that got there
   DateTime last_reading;   ///< in it
+
+  bool operator==(const DeliveryRecord&) const = default;
 };
 
 /// One day of one unit, in the unit's time.
@@ -103,6 +111,8 @@ struct DayRecord {
   std::optional<double> battery;     ///< volts, of the last reading
   std::int64_t outside = 0;          ///< readings with the worst channel outside its table
   std::int32_t outside_channel = 0;  ///< item of the reading, counted from 0 for the date; 0 none
+
+  bool operator==(const DayRecord&) const = default;
 };
 
 enum class GapState : std::uint8_t {
@@ -124,6 +134,8 @@ struct GapRecord {
   std::int64_t tries = 0;
   Moment found;
   Moment changed;
+
+  bool operator==(const GapRecord&) const = default;
 };
 
 /// How far a raw file was read, and which file it was.
@@ -140,6 +152,8 @@ struct ScanRecord {
   std::int64_t period = 0;         ///< seconds, the present one; 0 when it is not known
   std::int32_t still_channel = 0;  ///< the item that has not changed for longest, 0 none
   DateTime still_since;
+
+  bool operator==(const ScanRecord&) const = default;
 };
 
 /// A cause that was told, or is to be told.
@@ -151,6 +165,8 @@ struct AlertRecord {
   Moment told;
   Moment cleared;                ///< none while it stands
   std::int64_t good_rounds = 0;  ///< in a row since it was last true
+
+  bool operator==(const AlertRecord&) const = default;
 };
 
 /// What the person in charge has written about a unit; it silences the unit's alerts.
@@ -159,6 +175,8 @@ struct NoteRecord {
   std::string text;  ///< empty: the note is taken away
   Moment written;
   DateTime until;  ///< none: until it is taken away
+
+  bool operator==(const NoteRecord&) const = default;
 };
 
 /// What the status needs to know of the settings. Never a password.
@@ -173,6 +191,8 @@ struct NetworkRecord {
   bool repairs_gaps = false;
   Moment alive;       ///< when the holder of the folder last wrote
   bool open = false;  ///< a program holds the folder; still set behind a kill
+
+  bool operator==(const NetworkRecord&) const = default;
 };
 
 /// Any part of the history: what is written in one transaction, or what was read.
@@ -187,6 +207,8 @@ struct HistoryContents {
   std::vector<AlertRecord> alerts;
   std::vector<NoteRecord> notes;
   std::optional<NetworkRecord> network;
+
+  bool operator==(const HistoryContents&) const = default;
 };
 
 }  // namespace corvane

@@ -32,13 +32,14 @@ class HistoryStore {
   static constexpr int kBusy = 1;     ///< another program holds it: try again
   static constexpr int kDamaged = 2;  ///< no history, or one that is damaged
   static constexpr int kNewer = 3;    ///< written by a newer version of the program
-  static constexpr int kMissing = 4;  ///< opened to read: there is none
+  static constexpr int kMissing = 4;  ///< opened to read: there is none; opened to write: it bears its name no more
   static constexpr int kFailed = 5;   ///< the disk is full, the folder read-only, ...
 
   /// Opens `as_File` for writing: it is made when it is missing or empty, and brought up to this version.
   ///
   /// A damaged one is set aside as "<name>.bad" (a former one of that name is replaced) and begun anew; `as_SetAside`
-  /// then tells why, in one sentence.
+  /// then tells why, in one sentence. Damage that shows only later fails as `kDamaged`; opening the file once more then
+  /// sets it aside.
   virtual Status OpenToWrite(const std::string& as_File, std::string& as_SetAside) = 0;
   /// Opens for reading, beside a program that writes; changes nothing.
   virtual Status OpenToRead(const std::string& as_File) = 0;
@@ -50,12 +51,13 @@ class HistoryStore {
   /// Records of a key that is there (unit; round; round and unit; unit and target; unit and day; unit and begin of the
   /// gap; unit; cause, unit and subject) replace it. A gap that is `Dropped` and a note without text are taken out.
   virtual Status Write(const HistoryContents& av_Changes) = 0;
-  /// Replaces all days and gaps of a unit from `av_From` on by those of `av_Changes`, in the same transaction as the
-  /// rest of it.
+  /// Replaces what is known of a unit from `av_From` on by what `av_Changes` holds of it, in the same transaction as
+  /// the rest of that: days from its midnight on, gaps whose later reading is later, whatever their state.
   virtual Status Replace(std::int64_t al_Unit, DateTime av_From, const HistoryContents& av_Changes) = 0;
   /// Reads into `av_Result`; contacts in the order of units and time, all else in the order of keys.
   virtual Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result) = 0;
-  /// Forgets contacts, rounds, days and settled gaps and alerts from before `av_Before`.
+  /// Forgets contacts, rounds, days and settled gaps and alerts from before `av_Before`, and units that are in the list
+  /// no more and of which nothing is left. At most 50,000 contacts and as many days at once: the next call goes on.
   virtual Status Forget(Moment av_Before) = 0;
 };
 
