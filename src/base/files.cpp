@@ -327,6 +327,25 @@ void LineReader::Close() {
   if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
+InputFile::~InputFile() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+Status InputFile::Open(const std::string& path) {
+  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
+  if (Status opened = OpenForReading(path, descriptor_); !opened.ok()) return opened;
+  path_ = path;
+  struct stat found {};
+  if (fstat(descriptor_, &found) != 0) return Status::FromErrno(path, errno);
+  constexpr std::int64_t kNanoseconds = 1'000'000'000;
+  identity_ = {found.st_ino, found.st_size, found.st_mtim.tv_sec * kNanoseconds + found.st_mtim.tv_nsec};
+  return Status::Ok();
+}
+
+Status InputFile::Read(std::int64_t offset, char* bytes, std::size_t length, std::size_t& got) const {
+  return ReadBlock(descriptor_, path_, offset, bytes, length, got);
+}
+
 Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes) {
   bytes.clear();
   int number = -1;

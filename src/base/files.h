@@ -128,6 +128,34 @@ class LineReader {
   Status status_;
 };
 
+/// What tells whether a file is the one that was looked at before.
+struct FileIdentity {
+  std::uint64_t inode = 0;
+  std::int64_t size = 0;      ///< bytes
+  std::int64_t modified = 0;  ///< nanoseconds since 1970
+};
+
+/// A file being read in pieces of the reader's choice.
+class InputFile {
+ public:
+  InputFile() = default;
+  ~InputFile();
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  /// Opens a regular file; anything else is refused.
+  Status Open(const std::string& path);
+  /// What the file was when it was opened.
+  [[nodiscard]] const FileIdentity& identity() const { return identity_; }
+  /// Reads `length` bytes at `offset`; `got` is how many there were.
+  Status Read(std::int64_t offset, char* bytes, std::size_t length, std::size_t& got) const;
+
+ private:
+  int descriptor_ = -1;
+  std::string path_;
+  FileIdentity identity_;
+};
+
 /// Reads up to `length` bytes at `offset`; fewer only at the end of the file.
 Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes);
 /// Writes `bytes` over what stands at `offset` and behind it, and syncs them.

@@ -47,6 +47,7 @@ struct RawScan {
   std::vector<DayRecord> days;  ///< from the midnight of `changed_from` on, days without a reading included
   std::vector<GapRecord> gaps;  ///< `Found` or `Clock`, whose later reading is later than `changed_from`
   bool whole = false;           ///< the file was read from its begin
+  bool cancelled = false;       ///< nothing is found, and `scan` is the former one
   bool has_header = false;
   std::int64_t out_of_order = 0;  ///< readings not later than the one before, in what was read
 };
@@ -56,7 +57,7 @@ struct RawScan {
 /// Period before a distance: the commonest of the last 20 distances; behind it: of the next 20. A gap is a distance
 /// above one and a half times the greater of both, round(distance / period before) - 1 readings are missing. The newest
 /// distances wait for two more readings. The hints have to hold what is known since the file's begin.
-/// `av_Poll` runs after each block; by returning false it ends the scan with the former state. Throws `RunTimeError`
+/// `av_Poll` runs after each block; by returning false it ends the scan. Throws `RunTimeError`
 /// when the file cannot be read; a file that is missing gives an empty scan.
 [[nodiscard]] RawScan ScanRawFile(const std::string& as_File, const ScanRecord& av_Former, const ScanHints& av_Hints,
                                   const std::function<bool()>& av_Poll = {});

@@ -1,0 +1,140 @@
+#include "data/channel_watch.h"
+
+#include <algorithm>
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "data/calibration.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::size_t kHeaderFixed = 2;
+constexpr std::size_t kHeaderSensorItems = 3;
+constexpr std::size_t kAmbient = 2;
+constexpr std::size_t kFirstExtra = 4;
+constexpr std::size_t kItemsPerSensor = 3;
+constexpr double kMillivolts = 1000;
+constexpr std::size_t kShortItem = 7;
+
+std::string_view TextOf(const std::uint64_t& al_Word) {
+  const char* const begin = reinterpret_cast<const char*>(&al_Word);
+  return {begin, std::find(begin, begin + sizeof al_Word, '\0')};
+}
+
+/// The number of one to seven digits, the first in the lowest byte: pairs, then fours, then all at once.
+std::uint64_t DigitsOf(std::uint64_t al_Word, int ai_Digits) {
+  std::uint64_t digits = al_Word << (64 - 8 * ai_Digits) & 0x0F0F0F0F0F0F0F0FU;
+  digits = (digits * 10 + (digits >> 8U)) & 0x00FF00FF00FF00FFU;
+  digits = (digits * 100 + (digits >> 16U)) & 0x0000FFFF0000FFFFU;
+  return (digits * 10000 + (digits >> 32U)) & 0xFFFFFFFFU;
+}
+
+double NumberOf(std::uint64_t al_Word) {
+  const int digits = std::countr_zero(NotDigits(al_Word)) / 8;
+  if (digits > 0 && digits <= static_cast<int>(kShortItem) && al_Word >> (8 * digits) == 0) {
+    return static_cast<double>(DigitsOf(al_Word, digits));
+  }
+  return al_Word >> 56U != 0 ? std::bit_cast<double>(al_Word) : LeadingNumber(TextOf(al_Word));
+}
+
+}  // namespace
+
+bool ChannelWatch::TakeHeader(std::string_view as_Line) {
+  const std::vector<std::string_view> fields = corvane::Split(as_Line, ',');
+  if (fields.size() <= kHeaderSensorItems) return false;
+  const std::int64_t fixed = LeadingInteger(fields[kHeaderFixed]);
+  const std::int64_t sensor_items = LeadingInteger(fields[kHeaderSensorItems]);
+  if (fixed < 2 || sensor_items < 0 || fixed + sensor_items > Calibration::kMostFields) return false;
+  fixed_ = static_cast<std::size_t>(fixed);
+  items_ = static_cast<std::size_t>(fixed + sensor_items);
+  return true;
+}
+
+std::uint64_t ChannelWatch::WordOf(std::string_view as_Item) {
+  if (as_Item.size() > kShortItem) return std::bit_cast<std::uint64_t>(LeadingNumber(as_Item));
+  std::uint64_t word = 0;
+  std::memcpy(&word, as_Item.data(), as_Item.size());
+  return word;
+}
+
+std::optional<double> ChannelWatch::VoltsOf(std::uint64_t al_Battery) {
+  if (al_Battery >> 56U == 0 && !ParseNumber(TextOf(al_Battery))) return std::nullopt;
+  return NumberOf(al_Battery) / kMillivolts;
+}
+
+std::size_t ChannelWatch::First() const {
+  return fixed_ == 0 ? kFirstExtra : std::clamp(fixed_, kAmbient, kFirstExtra);
+}
+
+void ChannelWatch::Watch(std::size_t al_Items, DateTime av_When, DayCount& av_Day) {
+  if (items_ == 0) items_ = al_Items;
+  if (al_Items != items_) return;
+  last_ = av_When;
+  if (channels_.empty()) {
+    start_ = av_When;
+    channels_.resize(std::min(items_, kMostItems));
+    for (std::size_t i = 0; i < channels_.size(); ++i) channels_[i] = {words_[i], av_When};
+  }
+  const std::uint64_t* word = words_.data() + First();
+  for (auto channel = channels_.begin() + static_cast<std::ptrdiff_t>(std::min(First(), channels_.size()));
+       channel != channels_.end(); ++channel, ++word) {
+    channel->since = channel->word == *word ? channel->since : av_When;
+    channel->word = *word;
+  }
+  if (fixed_ != 0 && (hints_.moisture || hints_.salinity)) CheckTables(av_Day);
+}
+
+void ChannelWatch::CheckTables(DayCount& av_Day) const {
+  const auto check = [&](const std::optional<TableRange>& range, std::size_t item) {
+    if (!range) return;
+    const double number = NumberOf(words_[item]);
+    if (number >= range->least && number <= range->most) return;
+    if (av_Day.outside.size() <= item) av_Day.outside.resize(item + 1);
+    ++av_Day.outside[item];
+  };
+  for (std::size_t i = fixed_; i + kItemsPerSensor <= channels_.size(); i += kItemsPerSensor) {
+    check(hints_.moisture, i);
+    check(hints_.salinity, i + 1);
+  }
+}
+
+std::size_t ChannelWatch::Still(DateTime& av_Since) const {
+  std::size_t still = 0;
+  av_Since = last_;
+  for (std::size_t i = First(); i < channels_.size(); ++i) {
+    const bool counts = (fixed_ != 0 && i >= fixed_) || channels_[i].since != start_;
+    if (!counts || channels_[i].since >= av_Since) continue;
+    still = i;
+    av_Since = channels_[i].since;
+  }
+  if (still == 0) av_Since = DateTime();
+  return still;
+}
+
+void ChannelWatch::Save(ScanStateWriter& av_State) const {
+  av_State.Put(static_cast<std::int64_t>(fixed_));
+  av_State.Put(static_cast<std::int64_t>(items_));
+  av_State.Put(static_cast<std::int64_t>(channels_.size()));
+  av_State.PutDate(start_);
+  av_State.PutDate(last_);
+  for (std::size_t i = First(); i < channels_.size(); ++i) {
+    av_State.Put(std::bit_cast<std::int64_t>(channels_[i].word));
+    av_State.PutDate(channels_[i].since);
+  }
+}
+
+bool ChannelWatch::Restore(ScanStateReader& av_State) {
+  fixed_ = static_cast<std::size_t>(av_State.Take(0, Calibration::kMostFields));
+  items_ = static_cast<std::size_t>(av_State.Take(0));
+  channels_.resize(static_cast<std::size_t>(av_State.Take(0, kMostItems)));
+  start_ = av_State.TakeDate();
+  last_ = av_State.TakeDate();
+  for (std::size_t i = First(); i < channels_.size(); ++i) {
+    channels_[i].word = std::bit_cast<std::uint64_t>(av_State.Take());
+    channels_[i].since = av_State.TakeDate();
+  }
+  return av_State.good();
+}
+
+}  // namespace corvane
