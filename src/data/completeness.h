@@ -1,4 +1,4 @@
-// What a raw file lacks: gaps between readings, and how much of each day is there. Format: docs/formats/raw-file.md.
+// What a raw file lacks: gaps between readings, and how much of each day is there. The rules: docs/completeness.md.
 #pragma once
 
 #include <cstdint>
