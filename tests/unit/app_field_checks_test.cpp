@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "history/network_settings.h"
 #include "support/world.h"
 
 namespace corvane::test {
@@ -82,6 +84,26 @@ TEST_F(FieldChecksTest, NumbersAndTimes) {
     const std::string problem = world.app().checks().ProblemOf(form.Cmb_LogPeriod);
     EXPECT_TRUE(*says == 0 ? problem.empty() : problem.find(says) != std::string::npos) << text << ": " << problem;
   }
+}
+
+TEST_F(FieldChecksTest, WhatIsMarkedOfTheNetworkTakesItsDefault) {
+  for (const char* const text : {"x", "-1", "1e9", "nan", ""}) {
+    for (TextField* field :
+         {&form.Txt_RepairLimit, &form.Txt_LateAfter, &form.Txt_BatteryLimit, &form.Txt_HistoryYears}) {
+      field->SetText(text);
+      EXPECT_NE(world.app().checks().ProblemOf(*field), "") << field->name() << text;
+    }
+    form.Txt_DigestAt.SetText(text);
+    const NetworkSettings read = ReadNetworkSettings(form);
+    EXPECT_EQ(std::tuple(read.repair_limit, read.late_after, read.battery_limit, read.history_years),
+              std::tuple(2000, 2.0, 11.5, 5))
+        << text;
+    EXPECT_FALSE(read.digest_at) << text;
+  }
+  form.Txt_LateAfter.SetText(" 2.5 ");
+  form.Txt_DigestAt.SetText("07:30");
+  EXPECT_EQ(ReadNetworkSettings(form).late_after, 2.5);
+  EXPECT_EQ(ReadNetworkSettings(form).digest_at, 27000);
 }
 
 TEST_F(FieldChecksTest, FilesFoldersAndNames) {
