@@ -22,6 +22,12 @@ std::string_view TextOf(const std::uint64_t& al_Word) {
   return {begin, std::find(begin, begin + sizeof al_Word, '\0')};
 }
 
+/// The bytes of `al_Word` that are no decimal digits have their highest bit set; right up to the first such byte.
+constexpr std::uint64_t NotDigits(std::uint64_t al_Word) {
+  const std::uint64_t digits = al_Word ^ 0x3030303030303030U;
+  return ((digits + 0x7676767676767676U) | digits) & 0x8080808080808080U;
+}
+
 /// The number of one to seven digits, the first in the lowest byte: pairs, then fours, then all at once.
 std::uint64_t DigitsOf(std::uint64_t al_Word, int ai_Digits) {
   std::uint64_t digits = al_Word << (64 - 8 * ai_Digits) & 0x0F0F0F0F0F0F0F0FU;
@@ -30,7 +36,7 @@ std::uint64_t DigitsOf(std::uint64_t al_Word, int ai_Digits) {
   return (digits * 10000 + (digits >> 32U)) & 0xFFFFFFFFU;
 }
 
-double NumberOf(std::uint64_t al_Word) {
+inline double NumberOf(std::uint64_t al_Word) {
   const int digits = std::countr_zero(NotDigits(al_Word)) / 8;
   if (digits > 0 && digits <= static_cast<int>(kShortItem) && al_Word >> (8 * digits) == 0) {
     return static_cast<double>(DigitsOf(al_Word, digits));
@@ -86,16 +92,14 @@ void ChannelWatch::Watch(std::size_t al_Items, DateTime av_When, DayCount& av_Da
 }
 
 void ChannelWatch::CheckTables(DayCount& av_Day) const {
-  const auto check = [&](const std::optional<TableRange>& range, std::size_t item) {
-    if (!range) return;
-    const double number = NumberOf(words_[item]);
-    if (number >= range->least && number <= range->most) return;
-    if (av_Day.outside.size() <= item) av_Day.outside.resize(item + 1);
-    ++av_Day.outside[item];
-  };
-  for (std::size_t i = fixed_; i + kItemsPerSensor <= channels_.size(); i += kItemsPerSensor) {
-    check(hints_.moisture, i);
-    check(hints_.salinity, i + 1);
+  for (const auto& [range, first] : {std::pair{hints_.moisture, fixed_}, std::pair{hints_.salinity, fixed_ + 1}}) {
+    if (!range) continue;
+    for (std::size_t i = first; i < channels_.size(); i += kItemsPerSensor) {
+      const double number = NumberOf(words_[i]);
+      if (number >= range->least && number <= range->most) continue;
+      if (av_Day.outside.size() <= i) av_Day.outside.resize(i + 1);
+      ++av_Day.outside[i];
+    }
   }
 }
 

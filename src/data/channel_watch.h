@@ -24,14 +24,13 @@ namespace corvane {
 class ChannelWatch {
  public:
   static constexpr std::size_t kMostItems = 128;  ///< what stands behind them is not watched
-  static constexpr std::size_t kSlack = 8;        ///< `Split` may read so many bytes behind the end of a line
+  static constexpr std::ptrdiff_t kPart = 64;     ///< `Split` may read so many bytes behind the end of a line
 
   explicit ChannelWatch(const ScanHints& av_Hints) : hints_(av_Hints) {}
 
   /// Takes the number of fixed items and of sensor items from the first line of a file; false when it holds none.
   bool TakeHeader(std::string_view as_Line);
-  /// Splits the items behind the date and returns how many the line has, the date included. At `as_End` stands no
-  /// digit.
+  /// Splits the items behind the date and returns how many the line has, the date included.
   [[nodiscard]] std::size_t Split(const char* as_Items, const char* as_End);
   /// Watches the reading that was split last, when it has as many items as the header says or the first reading had.
   void Watch(std::size_t al_Items, DateTime av_When, DayCount& av_Day);
@@ -57,6 +56,7 @@ class ChannelWatch {
   /// The first item that is a channel: battery, ambient temperature and count are none.
   [[nodiscard]] std::size_t First() const;
   [[nodiscard]] static std::uint64_t WordOf(std::string_view as_Item);
+  [[nodiscard]] static std::uint64_t WordAt(const char* as_At);
 
   const ScanHints& hints_;
   std::size_t fixed_ = 0;  ///< items before those of the sensors, 0 when there is no header
@@ -67,31 +67,40 @@ class ChannelWatch {
   std::vector<Channel> channels_;  ///< by item from 0, those watched being behind `First()`
 };
 
-/// The bytes of `al_Word` that are no decimal digits have their highest bit set; right up to the first such byte.
-constexpr std::uint64_t NotDigits(std::uint64_t al_Word) {
-  const std::uint64_t digits = al_Word ^ 0x3030303030303030U;
-  return ((digits + 0x7676767676767676U) | digits) & 0x8080808080808080U;
+/// One bit for each byte of eight that is a comma, the first in the lowest.
+constexpr std::uint64_t CommasIn(std::uint64_t al_Word) {
+  constexpr std::uint64_t kLow = 0x7F7F7F7F7F7F7F7FU;
+  const std::uint64_t others = al_Word ^ 0x2C2C2C2C2C2C2C2CU;
+  const std::uint64_t commas = ~(((others & kLow) + kLow) | others | kLow);
+  return (commas >> 7U) * 0x0102040810204080U >> 56U;
 }
 
-inline std::size_t ChannelWatch::Split(const char* as_Items, const char* as_End) {
+inline std::uint64_t ChannelWatch::WordAt(const char* as_At) {
   static_assert(std::endian::native == std::endian::little);
+  std::uint64_t word = 0;
+  std::memcpy(&word, as_At, sizeof word);
+  return word;
+}
+
+// The commas of 64 bytes are found first, so that no item waits for the end of the one before.
+inline std::size_t ChannelWatch::Split(const char* as_Items, const char* as_End) {
   std::size_t item = 1;
-  for (const char* at = as_Items; item < kMostItems; ++item) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, at, sizeof word);
-    const std::uint64_t others = NotDigits(word);
-    const char* end = at + std::countr_zero(others) / 8;
-    if (others != 0 && (*end == ',' || end == as_End)) {
-      words_[item] = word & (((others & (~others + 1)) >> 7U) - 1);
-    } else {
-      end = std::find(at, as_End, ',');
-      words_[item] = WordOf({at, end});
+  const char* begin = as_Items;
+  for (const char* part = as_Items;; part += kPart) {
+    std::uint64_t ends = 0;
+    for (unsigned i = 0; i < kPart; i += 8) ends |= CommasIn(WordAt(part + i)) << i;
+    const std::ptrdiff_t left = as_End - part;
+    if (left < kPart) ends = (ends & ((std::uint64_t{1} << left) - 1)) | std::uint64_t{1} << left;
+    for (; ends != 0; ends &= ends - 1, ++item) {
+      const char* const end = part + std::countr_zero(ends);
+      const std::ptrdiff_t length = end - begin;
+      if (item < kMostItems) {
+        words_[item] = length < 8 ? WordAt(begin) & ((std::uint64_t{1} << 8 * length) - 1) : WordOf({begin, end});
+      }
+      begin = end + 1;
     }
-    if (end == as_End) return item + 1;
-    at = end + 1;
-    if (item + 1 == kMostItems) item += static_cast<std::size_t>(std::count(at, as_End, ','));
+    if (left < kPart) return item;
   }
-  return item + 1;
 }
 
 }  // namespace corvane

@@ -16,7 +16,7 @@
 namespace corvane {
 namespace {
 
-static_assert(LineBlocks::kSlack >= ChannelWatch::kSlack);
+static_assert(LineBlocks::kSlack >= ChannelWatch::kPart + 8);
 
 constexpr std::int64_t kStateVersion = 1;
 constexpr std::int64_t kTailBytes = 4096;

@@ -17,7 +17,7 @@ namespace corvane {
 class LineBlocks {
  public:
   /// So many bytes behind the end of a line may be read.
-  static constexpr std::size_t kSlack = 8;
+  static constexpr std::size_t kSlack = 128;
 
   LineBlocks(const InputFile& av_File, std::int64_t al_Offset)
       : file_(av_File), block_(std::make_unique<char[]>(kBlock + kSlack)), offset_(al_Offset) {}

@@ -20,25 +20,29 @@ class ReadingDateReader {
   ///
   /// At `as_End`, the end of the line, stands a character that is no digit.
   [[nodiscard]] std::optional<DateTime> Read(const char* as_Line, const char* as_End, const char*& as_Behind) {
-    const char* const time = as_Line + day_length_;
-    if (day_length_ == 0 || as_End - as_Line < static_cast<std::ptrdiff_t>(day_length_ + kTimeLength) ||
-        !SameDay(as_Line) || time[2] != ':' || time[kTimeLength] != ',') {
+    constexpr std::ptrdiff_t kTimeLength = 5;
+    const char* time = as_Line + day_length_;
+    if (day_length_ == 0 || as_End - time < kTimeLength || !SameDay(as_Line)) {
       return ReadAnother(as_Line, as_End, as_Behind);
     }
-    const int hour = Pair(time);
-    const int minute = Pair(time + 3);
-    if (hour < 0 || hour > 23 || minute < 0 || minute > 59) return ReadAnother(as_Line, as_End, as_Behind);
-    as_Behind = time + kTimeLength + 1;
+    // "8:00" or "08:00"
+    const bool short_hour = time[1] == ':';
+    const int hour = short_hour ? Pair('0', time[0]) : Pair(time[0], time[1]);
+    time += short_hour ? 1 : 2;
+    const int minute = Pair(time[1], time[2]);
+    if (time[0] != ':' || time[3] != ',' || hour < 0 || hour > 23 || minute < 0 || minute > 59) {
+      return ReadAnother(as_Line, as_End, as_Behind);
+    }
+    as_Behind = time + 4;
     return midnight_ + hour * 3600 + minute * 60;
   }
 
  private:
-  static constexpr std::size_t kTimeLength = 5;
   static constexpr std::size_t kWord = 8;  // no day with its blank is shorter
 
   /// The number of two digits, below 0 when they are none.
-  static int Pair(const char* as_Text) {
-    return IsDigit(as_Text[0]) && IsDigit(as_Text[1]) ? (as_Text[0] - '0') * 10 + as_Text[1] - '0' : -1;
+  static int Pair(char ai_Tens, char ai_Ones) {
+    return IsDigit(ai_Tens) && IsDigit(ai_Ones) ? (ai_Tens - '0') * 10 + ai_Ones - '0' : -1;
   }
   [[nodiscard]] bool SameDay(const char* as_Line) const {
     return std::memcmp(as_Line, day_.data(), kWord) == 0 &&
