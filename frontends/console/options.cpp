@@ -22,6 +22,8 @@ enum OptionScope : unsigned {
   kDownloadOption = 2,
   kConvertOption = 4,
   kRunOption = 8,
+  kStatusOption = 16,
+  kNoteOption = 32,
 };
 
 struct CommandRow {
@@ -80,6 +82,19 @@ constexpr CommandRow kCommands[] = {
      kEverywhere, 0, 0},
     {CommandId::Units, "units", "", "list the units", "Reads only; works while another program runs.", kEverywhere, 0,
      0},
+    {CommandId::Status, "status", "", "show how the network stands",
+     "Prints a table of the units, the worst first, and what is wrong. Reads history.db alone, without\n"
+     "settings or lock: works while another program runs, and for a user who may read that file only.\n"
+     "With --check it ends with 0 well, 1 warning, 2 critical, 3 unknown.",
+     kStatusOption, 0, 0},
+    {CommandId::Health, "health", "UNIT", "show what is known of a unit before driving out to it",
+     "Prints its last contacts, battery, clock, relay, gaps and sensors, and what to take along. Reads\n"
+     "history.db alone, as status does.",
+     kEverywhere, 1, 1},
+    {CommandId::Note, "note", "UNIT TEXT", "write down why a unit is as it is",
+     "The note shows in status and holds back alerts of the unit until it is taken away by an empty TEXT,\n"
+     "or until the end of DATE. Works while another program runs.",
+     kNoteOption, 2, 2},
     {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
      "FILE (- is the standard input, read to its end) holds one statement a line:\n"
      "  set NAME VALUE            enter a value and leave the field\n"
@@ -108,8 +123,8 @@ struct OptionRow {
 constexpr OptionRow kOptions[] = {
     {"--home", "DIR", "the application folder (else $CORVANE_HOME, else the user's)", kEverywhere,
      [](Options& options, const std::string& value) { options.home = value; }},
-    {"--unit", "NAME|ID", "only this unit; may be repeated; else all active radio units", kUnitOption,
-     [](Options& options, const std::string& value) { options.units.push_back(value); }},
+    {"--unit", "NAME|ID", "only this unit; may be repeated; else all (of commands: all active radio units)",
+     kUnitOption | kStatusOption, [](Options& options, const std::string& value) { options.units.push_back(value); }},
     {"--hand-held", "", "the units read through the hand-held unit", kDownloadOption,
      [](Options& options, const std::string&) { options.hand_held = true; }},
     {"--file", "", "the names that follow are raw files", kConvertOption,
@@ -122,6 +137,13 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string&) { options.recover = true; }},
     {"--log-size", "MB", "set in the settings how large a log grows before it goes over to .1; 0: no end", kRunOption,
      [](Options& options, const std::string& value) { options.log_size = value; }},
+    {"--json", "", "print JSON", kStatusOption, [](Options& options, const std::string&) { options.json = true; }},
+    {"--check", "", "print one line and end as monitoring plug-ins do", kStatusOption,
+     [](Options& options, const std::string&) { options.check = true; }},
+    {"--metrics", "", "print the text format of Prometheus", kStatusOption,
+     [](Options& options, const std::string&) { options.metrics = true; }},
+    {"--until", "DATE", "the last day of the note, such as 2026-12-31", kNoteOption,
+     [](Options& options, const std::string& value) { options.until = value; }},
     {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
      [](Options& options, const std::string&) { options.yes = true; }},
     {"--go-on", "", "go on past units and files that fail, in this run", kEverywhere,
@@ -228,6 +250,12 @@ class Parser {
     }
     if (!options_.log_size.empty() && ParseNumber(options_.log_size).value_or(-1) < 0) {
       throw UsageError("--log-size: " + Quoted(options_.log_size) + " is no number of megabytes");
+    }
+    if (options_.json + options_.check + options_.metrics > 1) {
+      throw UsageError("--json, --check and --metrics exclude each other");
+    }
+    if (!options_.until.empty() && !ParseDate(options_.until)) {
+      throw UsageError("--until: " + Quoted(options_.until) + " is no date such as 2026-12-31");
     }
     if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
     if (row_->id == CommandId::TestPort || row_->id == CommandId::FindPort) CheckPort(arguments);

@@ -34,6 +34,9 @@ enum class CommandId {
   Run,
   Recover,
   Units,
+  Status,
+  Health,
+  Note,
   Script,
 };
 
@@ -45,12 +48,16 @@ struct Options {
   std::string home;                    ///< --home as given; empty when not given
   std::string interval;                ///< --interval; empty when not given
   std::string log_size;                ///< --log-size; empty when not given
+  std::string until;                   ///< --until; empty when not given
   bool automatic = false;              ///< --automatic
   bool files = false;                  ///< --file: the arguments are raw files
   bool hand_held = false;
   bool yes = false;
   bool go_on = false;    ///< --go-on
   bool recover = false;  ///< --recover
+  bool json = false;
+  bool check = false;
+  bool metrics = false;
   bool quiet = false;
   bool verbose = false;
   bool help = false;
@@ -66,6 +73,11 @@ struct Options {
 /// True for commands that only read the application folder: they take no lock and save nothing.
 [[nodiscard]] constexpr bool OnlyReads(CommandId command) {
   return command == CommandId::Units;
+}
+
+/// True for commands that work on the history alone, beside whatever program runs: they need no settings either.
+[[nodiscard]] constexpr bool NeedsHistoryOnly(CommandId command) {
+  return command == CommandId::Status || command == CommandId::Health || command == CommandId::Note;
 }
 
 }  // namespace corvane::console

@@ -20,6 +20,7 @@
 #include "desktop/terminal.h"
 #include "posix/posix_loop.h"
 #include "serial/termios_port.h"
+#include "status_command.h"
 #include "zip/libzip_component.h"
 
 namespace corvane::console {
@@ -189,6 +190,7 @@ class Program {
 int RunProgram(const Options& options) {
   try {
     const std::string folder = ChooseApplicationFolder(options.home, PosixShell("corvane"));
+    if (NeedsHistoryOnly(options.command)) return RunHistoryCommand(options, folder);
     return Program(options, folder).Run();
   } catch (const RunTimeError& error) {
     WriteOut(kStandardError, Printable(std::string("corvanectl: ") + error.what()) + "\n", true);
