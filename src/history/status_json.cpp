@@ -16,6 +16,13 @@ constexpr std::int64_t kFormat = 1;
 constexpr std::array<std::string_view, 4> kRoundKinds = {"download", "fetch", "command", "repair"};
 constexpr std::array<std::string_view, 6> kTroubles = {"missing", "rejected", "clock", "future", "battery", "sensor"};
 
+/// A history may have been written by a program that knows more kinds.
+template <std::size_t kCount, typename Kind>
+std::string_view NameIn(const std::array<std::string_view, kCount>& av_Names, Kind ae_Kind) {
+  const auto index = static_cast<std::size_t>(ae_Kind);
+  return index < kCount ? av_Names[index] : "other";
+}
+
 void TextOrNull(JsonWriter& av_Json, std::string_view as_Name, const std::string& as_Text) {
   if (as_Text.empty()) return av_Json.Null(as_Name);
   av_Json.Text(as_Name, as_Text);
@@ -25,7 +32,7 @@ void WriteRound(JsonWriter& av_Json, const RoundRecord& av_Round, const std::str
   if (av_Round.key == 0) return av_Json.Null("last_round");
   av_Json.BeginObject("last_round");
   av_Json.Text("sentence", as_Sentence);
-  av_Json.Text("kind", kRoundKinds.at(static_cast<std::size_t>(av_Round.kind)));
+  av_Json.Text("kind", NameIn(kRoundKinds, av_Round.kind));
   av_Json.Bool("automatic", av_Round.automatic);
   av_Json.Bool("all_units", av_Round.all);
   av_Json.Utc("began", av_Round.began);
@@ -50,7 +57,7 @@ void WriteTroubles(JsonWriter& av_Json, const UnitStatus& av_Unit) {
   av_Json.BeginList("troubles");
   for (const Trouble& trouble : av_Unit.troubles) {
     av_Json.BeginObject();
-    av_Json.Text("kind", kTroubles.at(static_cast<std::size_t>(trouble.kind)));
+    av_Json.Text("kind", NameIn(kTroubles, trouble.kind));
     av_Json.Text("text", trouble.text);
     av_Json.End();
   }

@@ -258,7 +258,8 @@ class HealthWriter {
 }  // namespace
 
 std::string_view NameOf(Outcome ae_Outcome) {
-  return kOutcomes[static_cast<std::size_t>(ae_Outcome)];
+  const auto index = static_cast<std::size_t>(ae_Outcome);
+  return index < kOutcomes.size() ? kOutcomes[index] : "other";
 }
 
 UnitHealth HealthOf(const UnitStatus& av_Unit, const NetworkStatus& av_Network, const HistoryContents& av_History) {

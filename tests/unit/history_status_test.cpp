@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -8,6 +9,7 @@
 #include "base/format.h"
 #include "history/network_status.h"
 #include "history/trend.h"
+#include "history/unit_health.h"
 #include "state/link_state.h"
 #include "state/records.h"
 
@@ -312,6 +314,57 @@ TEST(NetworkStatus, PutsTheWorstFirstAndNamesTheirRelay) {
   EXPECT_EQ(status.counts, (std::vector<std::int64_t>{0, 0, 6, 1, 0, 1}));
   EXPECT_EQ(status.units.at(0).name, "U3");
   EXPECT_EQ(status.units.back().name, "North");
+}
+
+TEST(UnitHealth, SaysWhatToTakeAlong) {
+  struct TakeRow {
+    const char* name;
+    std::function<void(Fixture&)> change;
+    const char* things;  ///< all of them
+  };
+  const char* const memory = "a hand-held unit or a cable, and a computer; ";
+  const auto neighbour = [](Fixture& f, const char* relay, Outcome outcome) {
+    f.unit().relay = relay;
+    f.Add("Other", relay);
+    f.Contact(2, 1, outcome);
+  };
+  const TakeRow rows[] = {
+      {"fine", [](Fixture&) {}, ""},
+      {"off", [](Fixture& f) { f.last().battery = 10, f.unit().active = false; }, ""},
+      {"battery low", [](Fixture& f) { f.last().battery = 11; }, "a charged battery; "},
+      {"battery low soon",
+       [](Fixture& f) {
+         for (auto& day : f.history.days) day.battery = 12.2 - 0.03 * (day.day.days() - f.history.days[0].day.days());
+       },
+       "a charged battery; "},
+      {"silent, others answer", [&](Fixture& f) { f.Silence(), neighbour(f, "", Outcome::Answered); },
+       "an antenna and its cable; a hand-held unit or a cable, and a computer; "},
+      {"silent relay", [&](Fixture& f) { f.Silence(), neighbour(f, "Hill", Outcome::Silent); },
+       "a battery and an antenna for the relay; a hand-held unit or a cable, and a computer; "},
+      {"silent alone", [](Fixture& f) { f.Silence(); }, memory},
+      {"many tries",
+       [](Fixture& f) {
+         for (auto& contact : f.history.contacts) contact.tries = 3;
+       },
+       "an antenna and its cable; "},
+      {"readings missing", [](Fixture& f) { f.Gap(GapState::Found, 2, 5); }, memory},
+      {"readings lost", [](Fixture& f) { f.Gap(GapState::Lost, 2, 5); }, ""},
+      {"late, answers", [](Fixture& f) { f.scan().last = kLocal - 9 * kHour; }, memory},
+      {"clock", [](Fixture& f) { f.last().clock_offset = 5000; }, "a clock to set it by; "},
+      {"a channel still", [](Fixture& f) { f.scan().still_channel = 4, f.scan().still_since = kLocal - 90 * kHour; },
+       "a sensor and its cable; "},
+  };
+  for (const TakeRow& row : rows) {
+    SCOPED_TRACE(row.name);
+    Fixture fixture;
+    row.change(fixture);
+    const NetworkStatus network = fixture.Status();
+    const auto unit =
+        std::find_if(network.units.begin(), network.units.end(), [](const auto& each) { return each.key == 1; });
+    std::string things;
+    for (const HealthLine& thing : HealthOf(*unit, network, fixture.history).take_along) things += thing.about + "; ";
+    EXPECT_EQ(things, row.things);
+  }
 }
 
 }  // namespace
