@@ -11,7 +11,7 @@
 namespace corvane {
 namespace {
 
-/// Version 1. Contacts stand by unit, so that one unit's past is read in one piece; the index finds the latest of each.
+/// Version 1. Contacts stand by unit and, as rounds count up, by time: what is read of a unit lies together.
 constexpr const char* kFirstVersion = R"sql(
 CREATE TABLE unit (
   key INTEGER PRIMARY KEY, client_id INTEGER, unit_id INTEGER, file TEXT, position INTEGER, name TEXT, client TEXT,
@@ -26,7 +26,6 @@ CREATE TABLE contact (
   outcome INTEGER, error TEXT, announced INTEGER, stored INTEGER, rejected INTEGER, last_reading INTEGER, battery REAL,
   ambient REAL, clock_offset INTEGER, milliseconds_on_air INTEGER, period_minutes INTEGER,
   PRIMARY KEY (unit, round)) STRICT, WITHOUT ROWID;
-CREATE INDEX contact_by_time ON contact (unit, at);
 CREATE TABLE delivery (
   unit INTEGER, target INTEGER, file TEXT, tried INTEGER, tried_ahead INTEGER, done INTEGER, done_ahead INTEGER,
   problem TEXT, bytes INTEGER, last_reading INTEGER, PRIMARY KEY (unit, target)) STRICT, WITHOUT ROWID;

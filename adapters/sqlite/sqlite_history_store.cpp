@@ -1,8 +1,9 @@
 #include "sqlite/sqlite_history_store.h"
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
-#include <optional>
+#include <initializer_list>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -24,10 +25,15 @@ constexpr const char* kLongestLog = "4000000";
 /// `Forget` ends behind so many contacts and so many days, so that a shorter time to keep does not hold a round.
 constexpr std::int64_t kForgottenAtOnce = 50000;
 
+/// Before this round no contact is of that time or later; rounds follow each other, so only the last before it can
+/// reach into it.
+constexpr std::string_view kFirstRound =
+    "SELECT coalesce((SELECT min(key) - 1 FROM round WHERE began >= ?), (SELECT max(key) FROM round), 0)";
 constexpr std::string_view kContactsOfAll =
-    "FROM unit CROSS JOIN contact ON contact.unit = unit.key AND contact.at >= ? ORDER BY unit.key, contact.at";
+    "FROM unit CROSS JOIN contact ON contact.unit = unit.key AND contact.round >= ? AND contact.at >= ? "
+    "ORDER BY unit.key, contact.round";
 constexpr std::string_view kContactsOfUnit =
-    "FROM contact WHERE contact.at >= ? AND contact.unit = ? ORDER BY contact.at";
+    "FROM contact WHERE contact.round >= ? AND contact.at >= ? AND contact.unit = ? ORDER BY contact.round";
 constexpr std::string_view kDaysOfAll =
     "FROM unit CROSS JOIN day ON day.unit = unit.key AND day.day >= ? ORDER BY unit.key, day.day";
 constexpr std::string_view kDaysOfUnit = "FROM day WHERE day.day >= ? AND day.unit = ? ORDER BY day.day";
@@ -86,14 +92,34 @@ void ReadAll(Database& database, std::string_view rest, std::vector<Record>& rec
   ReadRecords(database.Prepared(SqlToRead<Record>(rest)), records);
 }
 
-/// Reads the records of one unit, or of all of them; `from` is the value of the first parameter, if there is one.
+/// Reads the records of one unit, or of all of them; `values` are those of the first parameters.
 template <class Record>
 void ReadOf(Database& database, std::int64_t unit, std::string_view all, std::string_view of_unit,
-            std::optional<std::int64_t> from, std::vector<Record>& records) {
+            std::initializer_list<std::int64_t> values, std::vector<Record>& records) {
   Statement& statement = database.Prepared(SqlToRead<Record>(unit == 0 ? all : of_unit));
-  if (from) statement.PutInteger(*from);
+  for (const std::int64_t value : values) statement.PutInteger(value);
   if (unit != 0) statement.PutInteger(unit);
   ReadRecords(statement, records);
+}
+
+std::int64_t FirstRound(Database& database, Moment since) {
+  Statement& statement = database.Prepared(std::string(kFirstRound));
+  statement.PutInteger(since.utc);
+  const std::int64_t first = statement.Step() ? statement.Integer(0) : 0;
+  statement.Reset();
+  return first;
+}
+
+void ReadContacts(Database& database, const HistoryQuery& query, std::vector<ContactRecord>& contacts) {
+  const std::int64_t first = FirstRound(database, query.contacts_since);
+  ReadOf(database, query.unit, kContactsOfAll, kContactsOfUnit, {first, query.contacts_since.utc}, contacts);
+  // A clock of this computer that was set back leaves later rounds with earlier times.
+  const auto earlier = [](const ContactRecord& a, const ContactRecord& b) {
+    return a.unit != b.unit ? a.unit < b.unit : a.at < b.at;
+  };
+  if (!std::is_sorted(contacts.begin(), contacts.end(), earlier)) {
+    std::stable_sort(contacts.begin(), contacts.end(), earlier);
+  }
 }
 
 /// The rounds of the contacts that were read, and the last `count`.
@@ -113,15 +139,15 @@ void ReadRounds(Database& database, std::int64_t count, HistoryContents& content
 void ReadContents(Database& database, const HistoryQuery& query, HistoryContents& contents) {
   const Snapshot snapshot(database);
   ReadAll(database, "FROM unit ORDER BY key", contents.units);
-  ReadOf(database, query.unit, kContactsOfAll, kContactsOfUnit, query.contacts_since.utc, contents.contacts);
+  ReadContacts(database, query, contents.contacts);
   ReadRounds(database, query.rounds, contents);
   ReadAll(database, "FROM delivery ORDER BY unit, target", contents.deliveries);
   if (query.days_since) {
-    ReadOf(database, query.unit, kDaysOfAll, kDaysOfUnit, query.days_since->seconds(), contents.days);
+    ReadOf(database, query.unit, kDaysOfAll, kDaysOfUnit, {query.days_since->seconds()}, contents.days);
   }
-  if (query.gaps) ReadOf(database, query.unit, kGapsOfAll, kGapsOfUnit, std::nullopt, contents.gaps);
+  if (query.gaps) ReadOf(database, query.unit, kGapsOfAll, kGapsOfUnit, {}, contents.gaps);
   if (query.scans) {
-    ReadOf(database, query.unit, "FROM scan ORDER BY unit", "FROM scan WHERE unit = ?", std::nullopt, contents.scans);
+    ReadOf(database, query.unit, "FROM scan ORDER BY unit", "FROM scan WHERE unit = ?", {}, contents.scans);
   }
   ReadAll(database, "FROM alert WHERE cleared = 0 ORDER BY cause, unit, subject", contents.alerts);
   ReadAll(database, "FROM note ORDER BY unit", contents.notes);
@@ -137,10 +163,12 @@ void RunWith(Database& database, const std::string& sql, std::initializer_list<s
 }
 
 void ForgetOld(Database& database, Moment before) {
+  // By each record's own time: a clock that was wrong for a while takes only its own records along.
   RunWith(database,
           "DELETE FROM contact WHERE (unit, round) IN (SELECT contact.unit, contact.round FROM unit CROSS JOIN contact "
-          "ON contact.unit = unit.key AND contact.at < ? LIMIT ?)",
-          {before.utc, kForgottenAtOnce});
+          "ON contact.unit = unit.key AND contact.round <= (SELECT max(key) FROM round WHERE began < ?) "
+          "AND contact.at < ? LIMIT ?)",
+          {before.utc, before.utc, kForgottenAtOnce});
   RunWith(database,
           "DELETE FROM day WHERE (unit, day) IN (SELECT day.unit, day.day FROM unit CROSS JOIN day "
           "ON day.unit = unit.key AND day.day < ? LIMIT ?)",
