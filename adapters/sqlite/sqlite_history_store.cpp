@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds kLongestWait{100};
 /// A log above this size is cut when all of it is in the file.
 constexpr const char* kLongestLog = "4000000";
 /// `Forget` ends behind so many contacts and so many days, so that a shorter time to keep does not hold a round.
-constexpr std::int64_t kForgottenAtOnce = 50000;
+constexpr std::int64_t kForgottenAtOnce = 200000;
 
 /// Before this round no contact is of that time or later; rounds follow each other, so only the last before it can
 /// reach into it.
@@ -330,7 +330,10 @@ Status SqliteHistoryStore::Run(const std::function<void()>& work) {
 
 Status SqliteHistoryStore::Change(const std::function<void()>& work) {
   if (!IsOpen() || to_read_) return {kFailed, file_ + ": the history is not open to be written"};
-  if (database_.HasMoved()) return {kMissing, file_ + ": was moved or deleted while it was open"};
+  if (database_.HasMoved()) {
+    Close();
+    return {kMissing, file_ + ": was moved or deleted while it was open"};
+  }
   return Run([&] {
     database_.Execute("BEGIN IMMEDIATE");
     work();

@@ -32,8 +32,9 @@ class HistoryStore {
   static constexpr int kBusy = 1;     ///< another program holds it: try again
   static constexpr int kDamaged = 2;  ///< no history, or one that is damaged
   static constexpr int kNewer = 3;    ///< written by a newer version of the program
-  static constexpr int kMissing = 4;  ///< opened to read: there is none; opened to write: it bears its name no more
-  static constexpr int kFailed = 5;   ///< the disk is full, the folder read-only, ...
+  static constexpr int kMissing =
+      4;  ///< opened to read: there is none; opened to write: it was moved, and is closed now
+  static constexpr int kFailed = 5;  ///< the disk is full, the folder read-only, ...
 
   /// Opens `as_File` for writing: it is made when it is missing or empty, and brought up to this version.
   ///
@@ -57,7 +58,7 @@ class HistoryStore {
   /// Reads into `av_Result`; contacts in the order of units and time, all else in the order of keys.
   virtual Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result) = 0;
   /// Forgets contacts, rounds, days and settled gaps and alerts from before `av_Before`, and units that are in the list
-  /// no more and of which nothing is left. At most 50,000 contacts and as many days at once: the next call goes on.
+  /// no more and of which nothing is left. At most 200,000 contacts and as many days at once: the next call goes on.
   virtual Status Forget(Moment av_Before) = 0;
 };
 

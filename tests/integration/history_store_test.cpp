@@ -293,6 +293,7 @@ TEST_F(HistoryInAFile, GoesOnBehindAFullDisk) {
   EXPECT_EQ(Everything(store).days.size(), 5008U);
   fs::rename(file, file + ".elsewhere");
   EXPECT_EQ(store.Write(more).code(), HistoryStore::kMissing);
+  EXPECT_FALSE(store.IsOpen());
 }
 
 /// Runs `work` in a process of its own as another user, unless that is 0; its answer, or -1.
