@@ -17,6 +17,7 @@ constexpr std::int64_t kRounds = 20;
 /// A round begins with the first heartbeat behind its time; two of the slowest, and a minute for what else is going on.
 constexpr std::int64_t kBeginsWithin = 180;
 constexpr std::int64_t kAliveWithin = 1800;
+constexpr std::int64_t kLongestRound = kSecondsPerDay;
 constexpr std::int64_t kFewestBehindRelay = 2;
 
 constexpr std::array<std::string_view, 6> kStates = {"off", "new", "silent", "late", "trouble", "fine"};
@@ -69,7 +70,10 @@ class NetworkView {
   }
 
   [[nodiscard]] bool RoundIsUnderWay() const {
-    return !history_.rounds.empty() && history_.rounds.back().ended.IsNone() &&
+    if (history_.rounds.empty()) return false;
+    const RoundRecord& last = history_.rounds.back();
+    // One that was killed never ends either, and another program may hold the folder by now.
+    return last.ended.IsNone() && status_.now - last.began <= kLongestRound &&
            (holder_ == Holder::Somebody || (holder_ == Holder::Unknown && AliveLately()));
   }
 

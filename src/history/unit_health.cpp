@@ -22,6 +22,7 @@ constexpr std::size_t kGapsShown = 5;
 constexpr std::int64_t kRejectedDays = 30;
 constexpr double kBatterySoon = 30;     ///< days
 constexpr std::int64_t kManyTries = 2;  ///< a contact, on the average of the last ten
+constexpr double kSteady = 0.0005;      ///< volts a day
 constexpr std::int64_t kClockOff = 600;
 
 constexpr std::array<std::string_view, 5> kOutcomes = {"answered", "error", "no answer", "not asked", "no port"};
@@ -196,8 +197,8 @@ class HealthWriter {
     std::string text = FixedText(*unit_.battery, 2) + " V";
     if (unit_.battery_slope) {
       const double slope = *unit_.battery_slope;
-      text += slope < 0 ? ", falling by " : ", rising by ";
-      text += FixedText(std::abs(slope) * 1000, 1) + " mV a day";
+      text += std::abs(slope) < kSteady ? ", steady" : slope < 0 ? ", falling by " : ", rising by ";
+      if (std::abs(slope) >= kSteady) text += FixedText(std::abs(slope) * 1000, 1) + " mV a day";
     }
     if (unit_.battery_days)
       text += "; at its limit in about " + FixedText(std::floor(*unit_.battery_days), 0) + " days";

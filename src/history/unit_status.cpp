@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
-#include <functional>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -26,8 +25,11 @@ constexpr std::int64_t kCompleteDays = 30;
 
 template <typename Record>
 std::span<const Record> OfUnit(const std::vector<Record>& av_Records, std::int64_t al_Unit) {
-  const auto range = std::ranges::equal_range(av_Records, al_Unit, std::less{}, &Record::unit);
-  return {range.begin(), range.end()};
+  const auto first = std::lower_bound(av_Records.begin(), av_Records.end(), al_Unit,
+                                      [](const Record& record, std::int64_t unit) { return record.unit < unit; });
+  const auto last = std::upper_bound(first, av_Records.end(), al_Unit,
+                                     [](std::int64_t unit, const Record& record) { return unit < record.unit; });
+  return {first, last};
 }
 
 void TakeRecord(const UnitRecord& av_Unit, UnitStatus& av_Status) {

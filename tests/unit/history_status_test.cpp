@@ -262,6 +262,8 @@ TEST(NetworkStatus, SaysWhetherAnybodyCollects) {
       {"the round was missed", missed, Somebody, NobodyCollects, "The round of 30 Jun 2026 11:56 has not begun"},
       {"a round began", [&](Fixture& f) { missed(f), round(f, 100, true); }, Somebody, Well, ""},
       {"one before is under way", [&](Fixture& f) { missed(f), round(f, 9000, false); }, Somebody, Well, ""},
+      {"one was killed days ago", [&](Fixture& f) { missed(f), round(f, 90'000, false); }, Somebody, NobodyCollects,
+       ""},
       {"one was killed", [&](Fixture& f) { missed(f), round(f, 9000, false), f.network().alive = Ago(1801); }, Unknown,
        NobodyCollects, "not been heard of"},
       {"not known, alive", [](Fixture&) {}, Unknown, Well, ""},
