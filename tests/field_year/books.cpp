@@ -7,38 +7,37 @@
 
 namespace corvane::test {
 
-void UnitBook::Log(bool future) {
-  for (const basestation::Stretch& stretch : unit_.memory()) {
+void UnitBook::Log(bool is_future) {
+  for (const basestation::Stretch& stretch : unit.memory()) {
     const auto first = std::max(static_cast<std::int64_t>(readings.size()) - stretch.first_number, std::int64_t{0});
     for (std::int64_t at = first; at < stretch.count; ++at) {
       // What was logged and overwritten since the last look was never anyone's.
       readings.resize(static_cast<std::size_t>(stretch.first_number + at));
-      LoggedReading reading{stretch.first + at * stretch.period, {}, false, false, false, future};
-      unit_.soil().AppendReading(reading.text, stretch.first_number + at, reading.date);
-      reading.is_not_later = !future && reading.date <= latest_;
-      if (!future) latest_ = std::max(latest_, reading.date);
-      numbers_[reading.text] = stretch.first_number + at;
+      LoggedReading reading{stretch.first + at * stretch.period, {}, false, false, false, is_future};
+      unit.soil().AppendReading(reading.text, stretch.first_number + at, reading.date);
+      reading.is_not_later = !is_future && reading.date <= latest;
+      if (!is_future) latest = std::max(latest, reading.date);
+      numbers[reading.text] = stretch.first_number + at;
       readings.push_back(std::move(reading));
     }
   }
 }
 
 std::int64_t UnitBook::NumberOf(const std::string& text) const {
-  const auto found = numbers_.find(text);
-  return found == numbers_.end() ? -1 : found->second;
+  const auto found = numbers.find(text);
+  return found == numbers.end() ? -1 : found->second;
 }
 
 bool UnitBook::IsHeld(std::int64_t number) const {
-  return std::ranges::any_of(unit_.memory(), [number](const basestation::Stretch& stretch) {
+  return std::ranges::any_of(unit.memory(), [number](const basestation::Stretch& stretch) {
     return number >= stretch.first_number && number < stretch.first_number + stretch.count;
   });
 }
 
-void RawBook::TakeWholeContact(std::int64_t end, bool in_calm_days) {
-  complete_ = complete_ || in_calm_days;
+void RawBook::TakeWholeContact(std::int64_t end) {
   cut_ = false;
-  standing_.resize(book_.readings.size());
-  for (const basestation::Stretch& stretch : book_.unit().memory()) {
+  standing_.resize(book.readings.size());
+  for (const basestation::Stretch& stretch : book.unit.memory()) {
     for (std::int64_t at = 0; at < stretch.count && stretch.first_number + at < end; ++at) {
       standing_[static_cast<std::size_t>(stretch.first_number + at)].promised = true;
     }
@@ -47,12 +46,12 @@ void RawBook::TakeWholeContact(std::int64_t end, bool in_calm_days) {
 
 void RawBook::TakeDeletion() {
   for (std::size_t number = 0; number < standing_.size(); ++number) {
-    standing_[number] = {false, false, !book_.IsHeld(static_cast<std::int64_t>(number))};
+    standing_[number] = {false, false, !book.IsHeld(static_cast<std::int64_t>(number))};
   }
 }
 
 std::string RawBook::TakeLine(std::string_view line) {
-  const std::int64_t number = book_.NumberOf(std::string(line));
+  const std::int64_t number = book.NumberOf(std::string(line));
   if (!std::exchange(has_header_, true) && number < 0) return {};
   if (number < 0) return "holds a line that the unit never logged: " + std::string(line);
   Standing& standing = standing_[static_cast<std::size_t>(number)];
@@ -64,7 +63,7 @@ std::string RawBook::TakeLine(std::string_view line) {
 }
 
 std::string RawBook::ReadNewLines() {
-  const std::string contents = ReadAll(path_);
+  const std::string contents = ReadAll(path);
   if (!contents.starts_with(seen_)) {
     for (Standing& standing : standing_) standing.stored = false;
     seen_.clear();
@@ -82,61 +81,43 @@ std::string RawBook::ReadNewLines() {
 }
 
 std::string RawBook::Judge(bool goes_on) {
-  standing_.resize(book_.readings.size());
-  std::string broken = ReadNewLines();
-  const std::string bad_lines = goes_on ? ReadAll(path_ + ".bad") : "";
-  Heading why{};
-  for (std::int64_t number = 0; broken.empty() && number < std::ssize(standing_); ++number) {
-    if (!standing_[static_cast<std::size_t>(number)].stored) broken = Unexplained(number, goes_on, bad_lines, why);
-  }
-  return broken.empty() ? "" : path_ + " " + broken;
-}
-
-void RawBook::Count(bool goes_on, std::array<std::int64_t, kHeadings.size()>& counts, std::int64_t& logged,
-                    std::int64_t& stored) const {
-  const std::string bad_lines = ReadAll(path_ + ".bad");
-  for (std::int64_t number = 0; number < std::ssize(standing_); ++number) {
-    if (At(number).text.empty()) continue;
-    ++logged;
-    Heading why{};
-    if (standing_[static_cast<std::size_t>(number)].stored) {
-      ++stored;
-    } else if (Unexplained(number, goes_on, bad_lines, why).empty()) {
-      ++counts[static_cast<std::size_t>(why)];
+  standing_.resize(book.readings.size());
+  if (std::string broken = ReadNewLines(); !broken.empty()) return path + " " + broken;
+  const std::string bad_lines = goes_on ? ReadAll(path + ".bad") : "";
+  counts = {};
+  for (std::size_t number = 0; number < standing_.size(); ++number) {
+    const std::string& text = book.readings[number].text;
+    if (text.empty()) continue;
+    const Heading heading = Find(static_cast<std::int64_t>(number), goes_on, bad_lines);
+    if (heading != Heading::Lost) {
+      ++counts[static_cast<std::size_t>(heading)];
+      continue;
     }
-  }
-}
-
-/// Finds the heading of a reading that is not in the file; a sentence when there is none.
-std::string RawBook::Unexplained(std::int64_t number, bool goes_on, const std::string& bad_lines, Heading& why) const {
-  const LoggedReading& reading = At(number);
-  const Standing& standing = standing_[static_cast<std::size_t>(number)];
-  // Damaged on its way it may lack its last item or have another date.
-  const std::size_t begin = std::min(reading.text.find(','), reading.text.size());
-  const std::string middle = reading.text.substr(begin, reading.text.rfind(',') - begin);
-  const bool is_silenced = !goes_on && last_ >= 0 && At(last_).is_future;
-  if (standing.taken) {
-    why = Heading::TakenByPerson;
-  } else if (reading.is_behind_overrun) {
-    why = Heading::BehindOverrun;
-  } else if (reading.is_not_later) {
-    why = Heading::NotLater;
-  } else if (bad_lines.find(middle) != std::string::npos) {
-    why = Heading::InBadFile;
-  } else if (reading.is_future || is_silenced) {
-    why = Heading::BehindFutureDate;
-  } else if (reading.is_poison) {
-    why = Heading::BehindPoison;
-  } else if (standing.promised) {
-    return "lacks a reading that the unit has sent whole: " + reading.text;
-  } else if (!book_.IsHeld(number)) {
-    why = Heading::Overwritten;
-  } else if (number < last_) {
-    return "lacks a reading that is never asked for again: " + reading.text;
-  } else {
-    why = Heading::StillInMemory;
+    const bool is_promised = standing_[number].promised;
+    return path + " lacks a reading that " +
+           (is_promised ? "the unit has sent whole: " : "is never asked for again: ") + text;
   }
   return {};
+}
+
+Heading RawBook::Find(std::int64_t number, bool goes_on, const std::string& bad_lines) const {
+  const auto& readings = book.readings;
+  const LoggedReading& reading = readings[static_cast<std::size_t>(number)];
+  const Standing& standing = standing_[static_cast<std::size_t>(number)];
+  if (standing.stored) return Heading::InRawFile;
+  if (standing.taken) return Heading::TakenByPerson;
+  if (reading.is_behind_overrun) return Heading::BehindOverrun;
+  if (reading.is_not_later) return Heading::NotLater;
+  // Damaged on its way it may lack its last item or have another date.
+  const std::size_t begin = reading.text.find(',');
+  const std::string middle = reading.text.substr(begin, reading.text.rfind(',') - begin);
+  if (bad_lines.find(middle) != std::string::npos) return Heading::InBadFile;
+  const bool is_silenced = !goes_on && last_ >= 0 && readings[static_cast<std::size_t>(last_)].is_future;
+  if (reading.is_future || is_silenced) return Heading::BehindFutureDate;
+  if (reading.is_poison) return Heading::BehindPoison;
+  if (standing.promised) return Heading::Lost;
+  if (!book.IsHeld(number)) return Heading::Overwritten;
+  return number < last_ ? Heading::Lost : Heading::StillInMemory;
 }
 
 }  // namespace corvane::test

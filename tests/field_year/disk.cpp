@@ -76,6 +76,16 @@ ssize_t WriteTo(int descriptor, const void* bytes, std::size_t count, off_t offs
   return offset < 0 ? __real_write(descriptor, bytes, count) : __real_pwrite(descriptor, bytes, count, offset);
 }
 
+/// Notes a change of names that is about to be made; false when it fails.
+bool MayChangeName(const char* from, const char* to, bool is_new) {
+  Disk* const disk = DiskOf(to);
+  const bool is_there = access(*from != '\0' ? from : to, F_OK) == 0;
+  if (disk == nullptr || is_there == is_new) return true;
+  if (disk->Fails(true)) return false;
+  disk->NoteName(from, to, is_new);
+  return true;
+}
+
 int SyncData(int descriptor) {
   auto* const changes = ChangesOf(descriptor);
   if (changes == nullptr) return 0;
@@ -234,22 +244,13 @@ int __wrap_fsync(int descriptor) {
   return 0;
 }
 int __wrap_rename(const char* from, const char* to) {
-  Disk* const disk = access(from, F_OK) == 0 ? DiskOf(from) : nullptr;
-  if (disk != nullptr && disk->Fails(true)) return -1;
-  if (disk != nullptr) disk->NoteName(from, to, false);
-  return __real_rename(from, to);
+  return MayChangeName(from, to, false) ? __real_rename(from, to) : -1;
 }
 int __wrap_unlink(const char* path) {
-  Disk* const disk = access(path, F_OK) == 0 ? DiskOf(path) : nullptr;
-  if (disk != nullptr && disk->Fails(true)) return -1;
-  if (disk != nullptr) disk->NoteName("", path, false);
-  return __real_unlink(path);
+  return MayChangeName("", path, false) ? __real_unlink(path) : -1;
 }
 int __wrap_mkdir(const char* path, mode_t mode) {
-  Disk* const disk = access(path, F_OK) == 0 ? nullptr : DiskOf(path);
-  if (disk != nullptr && disk->Fails(true)) return -1;
-  if (disk != nullptr) disk->NoteName("", path, true);
-  return __real_mkdir(path, mode);
+  return MayChangeName("", path, true) ? __real_mkdir(path, mode) : -1;
 }
 
 }  // extern "C"

@@ -1,8 +1,8 @@
 // corvane-field-year: runs the program through simulated years and holds every reading to account.
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include <iomanip>
+#include <iostream>
 #include <sstream>
 #include <string>
 
@@ -10,14 +10,8 @@
 
 namespace {
 
-using corvane::test::kHeadings;
-using corvane::test::Year;
-using corvane::test::YearOutcome;
-using corvane::test::YearSettings;
+using namespace corvane::test;
 
-constexpr const char* kHelp =
-    "corvane-field-year [--seed N | --seeds A-B] [--days D] [--units U] [--rounds-a-day R] [--go-on 0|1]\n"
-    "                   [--without KIND,...] [--trace] [--shrink] [--twice] [--table]\n";
 constexpr std::uint64_t kManySeeds = 100;
 
 struct Options {
@@ -29,33 +23,43 @@ struct Options {
   bool prints_table = false;
 };
 
-bool TakeSwitch(Options& options, const std::string& name) {
-  bool* const flags[] = {&options.year.trace, &options.shrinks, &options.runs_twice, &options.prints_table};
-  const std::string names[] = {"--trace", "--shrink", "--twice", "--table"};
-  const auto* const found = std::ranges::find(names, name);
-  if (found == std::end(names)) return false;
-  *flags[found - names] = true;
-  return true;
+/// An option and, where it has one, what its value is.
+struct Option {
+  std::string name;
+  std::string value;
+  void (*take)(Options& options, const std::string& value);
+};
+
+void TakeSeeds(Options& options, const std::string& value) {
+  options.first = options.last = std::stoull(value);
+  if (const auto dash = value.find('-'); dash != value.npos) options.last = std::stoull(value.substr(dash + 1));
 }
 
-bool TakeValue(Options& options, const std::string& name, const std::string& value) {
-  const int number = std::atoi(value.c_str());
-  if (name == "--seed" || name == "--seeds") {
-    options.first = options.last = std::strtoull(value.c_str(), nullptr, 10);
-    if (const auto dash = value.find('-'); dash != value.npos) options.last = std::stoull(value.substr(dash + 1));
-  } else if (name == "--days") {
-    options.year.days = number;
-  } else if (name == "--units") {
-    options.year.units = std::max(number, 3);
-  } else if (name == "--rounds-a-day") {
-    options.year.rounds_a_day = std::clamp(number, 1, 24);
-  } else if (name == "--go-on") {
-    options.year.goes_on = number != 0;
-  } else if (name == "--without") {
-    std::istringstream names(value);
-    for (std::string kind; std::getline(names, kind, ',');) options.year.without.insert(kind);
-  } else {
-    return false;
+void TakeKinds(Options& options, const std::string& value) {
+  std::istringstream names(value);
+  for (std::string kind; std::getline(names, kind, ',');) options.year.without.insert(kind);
+}
+
+const Option kOptions[] = {
+    {"--seed", "N", TakeSeeds},
+    {"--seeds", "A-B", TakeSeeds},
+    {"--days", "D", [](Options& o, const std::string& value) { o.year.days = std::stoi(value); }},
+    {"--units", "U", [](Options& o, const std::string& value) { o.year.units = std::max(std::stoi(value), 3); }},
+    {"--rounds-a-day", "R",
+     [](Options& o, const std::string& value) { o.year.rounds_a_day = std::clamp(std::stoi(value), 1, 24); }},
+    {"--go-on", "0|1", [](Options& o, const std::string& value) { o.year.goes_on = value != "0"; }},
+    {"--without", "KIND,...", TakeKinds},
+    {"--trace", "", [](Options& o, const std::string&) { o.year.trace = true; }},
+    {"--shrink", "", [](Options& o, const std::string&) { o.shrinks = true; }},
+    {"--twice", "", [](Options& o, const std::string&) { o.runs_twice = true; }},
+    {"--table", "", [](Options& o, const std::string&) { o.prints_table = true; }}};
+
+/// Takes the command line; false when it cannot be followed.
+bool TakeOptions(Options& options, int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const auto* const option = std::ranges::find(kOptions, argv[i], &Option::name);
+    if (option == std::end(kOptions) || (!option->value.empty() && ++i == argc)) return false;
+    option->take(options, argv[i]);
   }
   return true;
 }
@@ -74,9 +78,7 @@ std::string CommandOf(const YearSettings& year) {
 /// Finds the fewest days and kinds that still break a promise.
 YearSettings Shrink(YearSettings year, int day) {
   const auto take_when_broken = [&year](const YearSettings& fewer) {
-    const bool broken = !Year(fewer).Run().broken.empty();
-    if (broken) year = fewer;
-    return broken;
+    if (!Year(fewer).Run().broken.empty()) year = fewer;
   };
   for (YearSettings fewer = year; fewer.days > day - 1; fewer.days = std::min(fewer.days - 1, day + 4)) {
     take_when_broken(fewer);
@@ -88,8 +90,14 @@ YearSettings Shrink(YearSettings year, int day) {
   return year;
 }
 
+std::string Readings(const Counts& counts) {
+  std::int64_t all = 0;
+  for (const char* heading : kHeadings) all += counts.at(heading);
+  return std::to_string(all) + " readings, " + std::to_string(counts.at(kHeadings[0])) + " in raw files";
+}
+
 /// Runs one seed and adds what came of it to `all`; false when a promise was broken.
-bool RunSeed(const Options& options, std::uint64_t seed, YearOutcome& all) {
+bool RunSeed(const Options& options, std::uint64_t seed, Counts& all) {
   YearSettings year = options.year;
   year.seed = seed;
   const auto began = std::chrono::steady_clock::now();
@@ -98,32 +106,26 @@ bool RunSeed(const Options& options, std::uint64_t seed, YearOutcome& all) {
   if (options.runs_twice && outcome.broken.empty() && Year(year).Run().digest != outcome.digest) {
     outcome.broken = "the same seed has left other files";
   }
-  for (const auto& [kind, strikes] : outcome.strikes) all.strikes[kind] += strikes;
-  for (std::size_t i = 0; i < kHeadings.size(); ++i) all.headings[i] += outcome.headings[i];
-  all.logged += outcome.logged;
-  all.stored += outcome.stored;
-  std::printf("seed %llu: %d days, %lld readings, %lld in raw files, digest %s, %.1f s\n",
-              static_cast<unsigned long long>(seed), outcome.day, static_cast<long long>(outcome.logged),
-              static_cast<long long>(outcome.stored), outcome.digest.c_str(), took.count());
+  for (const auto& [name, count] : outcome.counts) all[name] += count;
+  std::cout << "seed " << seed << ": " << outcome.day << " days, " << Readings(outcome.counts) << ", digest "
+            << outcome.digest << ", " << std::setprecision(3) << took.count() << " s" << std::endl;
   if (outcome.broken.empty()) return true;
-  for (const std::string& event : outcome.events) std::printf("  %s\n", event.c_str());
-  std::printf("BROKEN on day %d: %s\n", outcome.day, outcome.broken.c_str());
+  for (const std::string& event : outcome.events) std::cout << "  " << event << "\n";
+  std::cout << "BROKEN on day " << outcome.day << ": " << outcome.broken << std::endl;
   if (options.shrinks) year = Shrink(year, outcome.day);
-  std::printf("again: %s\n", CommandOf(year).c_str());
+  std::cout << "again: " << CommandOf(year) << std::endl;
   return false;
 }
 
 /// The tables of headings and kinds; false when a kind never struck in many seeds.
-bool PrintTables(const Options& options, YearOutcome& all) {
-  std::printf("\n| Why a reading is not in its raw file | Readings |\n|---|---|\n");
-  for (std::size_t i = 0; i < kHeadings.size(); ++i) {
-    std::printf("| %s | %lld |\n", kHeadings[i], static_cast<long long>(all.headings[i]));
-  }
-  std::printf("\n| What struck | How often |\n|---|---|\n");
+bool PrintTables(const Options& options, Counts& all) {
+  std::cout << "\n| Where a reading is | Readings |\n|---|---|\n";
+  for (const char* heading : kHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
+  std::cout << "\n| What struck | How often |\n|---|---|\n";
   bool all_struck = true;
   for (const std::string& kind : Year::Kinds()) {
-    std::printf("| %s | %lld |\n", kind.c_str(), static_cast<long long>(all.strikes[kind]));
-    all_struck = all_struck && all.strikes[kind] > 0;
+    std::cout << "| " << kind << " | " << all[kind] << " |\n";
+    all_struck = all_struck && all[kind] > 0;
   }
   return all_struck || options.last - options.first + 1 < kManySeeds;
 }
@@ -132,19 +134,18 @@ bool PrintTables(const Options& options, YearOutcome& all) {
 
 int main(int argc, char** argv) {
   Options options;
-  for (int i = 1; i < argc; ++i) {
-    if (TakeSwitch(options, argv[i]) || (i + 1 < argc && TakeValue(options, argv[i], argv[i + 1]) && ++i > 0)) continue;
-    std::fputs(kHelp, stderr);
+  if (!TakeOptions(options, argc, argv)) {
+    std::cerr << "corvane-field-year";
+    for (const Option& option : kOptions) std::cerr << " [" << option.name << " " << option.value << "]";
+    std::cerr << std::endl;
     return 2;
   }
-  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-  YearOutcome all;
+  Counts all;
   for (std::uint64_t seed = options.first; seed <= options.last; ++seed) {
     if (!RunSeed(options, seed, all)) return 1;
   }
-  std::printf("%lld readings, %lld in raw files, none unexplained\n", static_cast<long long>(all.logged),
-              static_cast<long long>(all.stored));
+  std::cout << Readings(all) << ", none unexplained" << std::endl;
   if (!options.prints_table || PrintTables(options, all)) return 0;
-  std::printf("\nBROKEN: a kind of fault never struck\n");
+  std::cout << "\nBROKEN: a kind of fault never struck" << std::endl;
   return 1;
 }

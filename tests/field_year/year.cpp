@@ -20,6 +20,7 @@ constexpr std::int64_t kTo1970 = 25569 * kSecondsPerDay;  ///< from the day that
 constexpr int kCalmDays = 3;
 constexpr std::size_t kMostMemory = 1'000'000;  ///< bytes, after however many days
 constexpr int kSensors = 3;
+constexpr std::size_t kHomeLength = 60;
 
 /// Two o'clock, standard time, on the last Sunday of a month of 31 days.
 basestation::Seconds ChangeOfTime(std::int64_t year, int month) {
@@ -27,9 +28,12 @@ basestation::Seconds ChangeOfTime(std::int64_t year, int month) {
   return (last - last.ToCivil().weekday * kSecondsPerDay).seconds() - kTo1970;
 }
 
-std::string FolderInMemory() {
+/// A folder in memory. Names of one length give the same years: what a cut leaves of a log depends on it.
+std::string HomeFolder() {
   const char* const chosen = std::getenv("TMPDIR");
-  return chosen != nullptr ? chosen : "/dev/shm";
+  const std::string name = std::string(chosen != nullptr ? chosen : "/dev/shm") + "/corvane-year-";
+  const std::string number = std::to_string(getpid());
+  return name + std::string(kHomeLength - std::min(kHomeLength, name.size() + number.size()), '0') + number;
 }
 
 }  // namespace
@@ -51,8 +55,8 @@ void Year::StartProgram() {
 void Year::EndProgram() {
   Note("the program ends");
   Disturb();
-  const bool disk_is_well = !disk_->is_full && !disk_->is_read_only && disk_->failing_syncs == 0;
-  if (Strikes(kCutAtClose, 0.3)) disk_->calls_left = Some(1, 12);
+  const bool disk_is_well = !disk_.is_full && !disk_.is_read_only && disk_.failing_syncs == 0;
+  if (Strikes(kCutAtClose, 0.3)) disk_.calls_left = Some(1, 12);
   program_->commands().Close(true);
   const bool saved = program_->life().OnWindowClose();
   loop_.Check();
@@ -68,17 +72,17 @@ void Year::EndProgram() {
 }
 
 void Year::OnKilled() {
-  const bool lost_pages = disk_->power_is_off;
+  const bool lost_pages = disk_.power_is_off;
   Note(lost_pages ? "the power is off" : "the program is killed");
   Disturb();
   program_.reset();
   line_->Close();
   loop_.DropPosted();
-  disk_->Restore(lost_pages);
-  for (Row& row : rows_) {
-    if (lost_pages) row.raw->TakeCut();
-    Break(row.raw->Judge(settings_.goes_on));
+  disk_.Restore(lost_pages);
+  for (RawBook& row : rows_) {
+    if (lost_pages) row.TakeCut();
   }
+  JudgeRawFiles();
   kill_in_ = 0;
   killed_ = day_is_regular_ = exchange_is_clean_ = false;
   closed_days_.reset();
@@ -102,7 +106,7 @@ bool Year::IsDead() {
       program_->commands().Cancel();
     });
   }
-  return killed_ || disk_->power_is_off;
+  return killed_ || disk_.power_is_off;
 }
 
 bool Year::IsBusy() const {
@@ -130,11 +134,11 @@ void Year::PassUnits() {
   const std::int64_t elapsed = Now() / kMilliseconds - std::exchange(passed_, Now() / kMilliseconds);
   if (elapsed == 0) return;
   for (auto& [id, book] : books_) {
-    owed_[id] += static_cast<double>(elapsed) * drift_[id];
-    const auto more = static_cast<std::int64_t>(std::trunc(owed_[id]));
-    owed_[id] -= static_cast<double>(more);
-    book->unit().PassTime(std::max<std::int64_t>(elapsed + more, 0));
-    book->Log(false);
+    book.owed += static_cast<double>(elapsed) * book.drift;
+    const auto more = static_cast<std::int64_t>(std::trunc(book.owed));
+    book.owed -= static_cast<double>(more);
+    book.unit.PassTime(std::max<std::int64_t>(elapsed + more, 0));
+    book.Log(false);
   }
 }
 
@@ -155,8 +159,8 @@ YearOutcome Year::Run() {
     outcome_.day = day_;
   }
   if (outcome_.broken.empty()) JudgeEnd();
-  for (const Row& row : rows_) {
-    row.raw->Count(settings_.goes_on, outcome_.headings, outcome_.logged, outcome_.stored);
+  for (const RawBook& row : rows_) {
+    for (std::size_t i = 0; i < kHeadings.size(); ++i) outcome_.counts[kHeadings[i]] += row.counts[i];
   }
   return std::move(outcome_);
 }
@@ -166,7 +170,8 @@ YearOutcome Year::Run() {
 Year::Year(const YearSettings& settings)
     : settings_(settings),
       random_(settings.seed),
-      home_(FolderInMemory() + "/corvane-year-" + std::to_string(getpid())) {
+      home_(HomeFolder()),
+      disk_(home_, settings.seed, [this] { return Now() / kMilliseconds; }) {
   fs::remove_all(home_);
   zips_ = random_.Below(10) == 0;
   // These cost much: eight rounds a day, readings every 15 minutes, everything zipped and backed up each time.
@@ -178,7 +183,6 @@ Year::Year(const YearSettings& settings)
   for (const std::string& kind : Kinds()) {
     if (random_.Chance(0.6) && !settings_.without.contains(kind)) active_.insert(kind);
   }
-  disk_ = std::make_unique<Disk>(home_, settings.seed, [this] { return Now() / kMilliseconds; });
   loop_.is_dead = [this] { return IsDead(); };
   MakeRows(zips_ ? kHour / 4 : 6 * kHour);
   WriteHome();
@@ -186,7 +190,6 @@ Year::Year(const YearSettings& settings)
 
 Year::~Year() {
   program_.reset();
-  disk_.reset();
   if (!settings_.trace) fs::remove_all(home_);
 }
 
@@ -197,10 +200,6 @@ void Year::MakeRows(std::int64_t period) {
     const std::int64_t own_period = id == 3 ? period / 2 : period;
     const basestation::Soil soil(settings_.seed, id, kSensors);
     units.emplace_back(id, id % 3 == 0 ? 0 : 100 + id % 3, soil, start_ - 20 * own_period, own_period, 20);
-    units.back().SetClock(start_);
-    units.back().SetCapacity(Some(96, 600));
-    drift_[id] = static_cast<double>(Some(-100, 200)) * 1e-6;
-    loss_[id] = static_cast<double>(Some(0, 300)) / 100;
   }
   station_ = std::make_unique<basestation::Station>(basestation::Station::Settings{true, 0, settings_.seed},
                                                     std::move(units), basestation::FaultPlan(1));
@@ -211,14 +210,17 @@ void Year::MakeRows(std::int64_t period) {
     if (exchange_is_clean_) whole_contact_ = asked_;
   };
   line_->spoil = [this](std::string& bytes) { SpoilArriving(bytes); };
-  for (int row = 1; row <= settings_.units; ++row) {
-    const int id = row == settings_.units ? 1 : row;
-    if (!books_[id]) books_[id] = std::make_unique<UnitBook>(*station_->Find(id));
-    books_[id]->Log(false);
+  for (int id = 1; id < settings_.units; ++id) {
+    UnitBook& book = books_.emplace(id, *station_->Find(id)).first->second;
+    book.unit.SetClock(start_);
+    book.unit.SetCapacity(Some(96, 600));
+    book.drift = static_cast<double>(Some(-100, 200)) * 1e-6;
+    book.loss = static_cast<double>(Some(0, 300)) / 100;
+    book.Log(false);
     const std::string digits = std::to_string(id);
-    const std::string name = (row == id ? "/c1/" : "/c2/") + std::string(5 - digits.size(), '0') + digits + ".epd";
-    rows_.push_back({books_[id].get(), std::make_unique<RawBook>(*books_[id], home_ + name)});
+    rows_.emplace_back(book, home_ + "/c1/" + std::string(5 - digits.size(), '0') + digits + ".epd");
   }
+  rows_.emplace_back(books_.at(1), home_ + "/c2/00001.epd");
 }
 
 void Year::WriteHome() {
@@ -237,7 +239,7 @@ void Year::WriteHome() {
     const auto line = [row](const char* key, std::size_t value) {
       return key + std::to_string(row + 1) + "=" + std::to_string(value) + "\r\n";
     };
-    const basestation::Unit& unit = rows_[row].book->unit();
+    const basestation::Unit& unit = rows_[row].book.unit;
     text += line("ID", unit.id()) + line("RelayID", unit.relay()) + line("ftpFile", 1);
     text += line("ClientID", row + 1 < rows_.size() ? 1 : 2) + line("MoistureCorrection", row % 5);
   }

@@ -4,7 +4,6 @@
 // from what the program says of itself.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -36,14 +35,14 @@ struct YearSettings {
   std::set<std::string> without;  ///< kinds of faults and deeds that do not come
 };
 
+/// Readings by heading, faults and deeds by kind.
+using Counts = std::map<std::string, std::int64_t>;
+
 struct YearOutcome {
   std::string broken;              ///< the first broken promise, empty when all were kept
   int day = 0;                     ///< the last one
   std::deque<std::string> events;  ///< the last ones
-  std::map<std::string, std::int64_t> strikes;
-  std::array<std::int64_t, kHeadings.size()> headings{};
-  std::int64_t logged = 0;
-  std::int64_t stored = 0;
+  Counts counts;
   std::string digest;  ///< of all files at the end
 };
 
@@ -59,18 +58,13 @@ class Year {
   [[nodiscard]] static std::vector<std::string> Kinds();
 
  private:
-  /// One unit of the program.
-  struct Row {
-    UnitBook* book = nullptr;
-    std::unique_ptr<RawBook> raw;
-  };
-  /// What comes to pass at some time of a day, how often in a day, and what is right again within so many seconds.
+  /// What comes to pass at some time of a day, to one unit or to all: how often in a day, and within how many seconds
+  /// it is right again, 0 for at once.
   struct Deed {
     const char* name;
     double rate;
-    void (*act)(Year& year, UnitBook& book);
-    std::int64_t seconds = 0;
-    void (*mend)(Year& year, UnitBook& book) = nullptr;
+    std::int64_t seconds;
+    void (*act)(Year& year, UnitBook& book, bool on);
   };
   [[nodiscard]] static const std::vector<Deed>& Deeds();
   using Faults = std::vector<basestation::Fault>;
@@ -106,14 +100,11 @@ class Year {
   void Do(const Deed& deed);
   void SetClockError(std::int64_t seconds);
   void SetTrouble(bool& trouble, bool on);
-  void AddSensor(basestation::Unit& unit);
   void LogInFuture(UnitBook& book);
   void EndFuture(UnitBook& book);
-  void RenameUnit();
-  void DeleteRawFile();
   void ChangeUnits(std::int16_t command);
   [[nodiscard]] Faults FaultsOf(const basestation::Request& request, const basestation::Selection& readings);
-  void AddDownloadFaults(const basestation::Selection& readings, double loss, Faults& faults);
+  void AddDownloadFaults(UnitBook& book, const basestation::Selection& readings, double loss, Faults& faults);
   void SpoilArriving(std::string& bytes);
 
   void Note(const std::string& event);
@@ -125,12 +116,13 @@ class Year {
   [[nodiscard]] bool IsRoundOver() const { return Now() - round_.last_command > kRoundPause; }
   void JudgeRound();
   void JudgeDay();
+  void JudgeRawFiles();
   void JudgeProgram();
   void JudgeWholeFiles();
   void JudgeEnd();
   void JudgeServer();
   void JudgeUnit();
-  void JudgeSent(const Row& row);
+  void JudgeSent(const RawBook& row);
   void JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apart);
   [[nodiscard]] std::string Digest() const;
 
@@ -154,10 +146,10 @@ class Year {
   bool sends_calibrated_ = false;
   std::set<std::string> active_;  ///< kinds of this seed
   YearLoop loop_;
-  std::unique_ptr<Disk> disk_;
+  Disk disk_;
   std::unique_ptr<basestation::Station> station_;
-  std::map<int, std::unique_ptr<UnitBook>> books_;
-  std::vector<Row> rows_;  ///< by the program's units, from 0
+  std::map<int, UnitBook> books_;  ///< by ID
+  std::vector<RawBook> rows_;      ///< by the program's units, from 0
   std::unique_ptr<RadioLine> line_;
   FtpSite ftp_{loop_};
 
@@ -181,17 +173,11 @@ class Year {
   bool day_is_regular_ = false;  ///< no clock was set, and the program ran on
   std::int64_t opens_before_ = 0;
   Round round_;
-  std::int64_t last_deed_ = 0;   ///< milliseconds
-  std::int64_t passed_ = 0;      ///< seconds that the units have lived
-  std::map<int, double> drift_;  ///< seconds a second, by unit
-  std::map<int, double> owed_;   ///< fractions of a second
-  std::map<int, double> loss_;   ///< how much more often than usual answers are hit
-  std::set<int> relays_down_;
-  std::set<int> units_lossy_;
-  std::map<int, std::int64_t> poison_;  ///< number of the reading, by unit
-  std::map<int, std::int64_t> future_;  ///< likewise
-  std::int64_t clock_error_ = 0;        ///< seconds that this computer is ahead
-  std::size_t asked_ = 0;               ///< the row whose unit is being asked
+  std::int64_t last_deed_ = 0;  ///< milliseconds
+  std::int64_t passed_ = 0;     ///< seconds that the units have lived
+  std::map<int, bool> is_relay_down_;
+  std::int64_t clock_error_ = 0;  ///< seconds that this computer is ahead
+  std::size_t asked_ = 0;         ///< the row whose unit is being asked
   std::int64_t logged_when_asked_ = 0;
   std::vector<std::int64_t> damaged_;  ///< readings that the answer under way brings damaged, -1 for other lines
   bool exchange_is_clean_ = false;

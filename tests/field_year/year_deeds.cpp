@@ -47,47 +47,53 @@ std::int64_t NumberAt(const basestation::Selection& readings, std::int64_t line)
 
 const std::vector<Year::Deed>& Year::Deeds() {
   using Mood = FtpSite::Mood;
-  static const auto well = [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Well; };
-  static const auto clock_is_right = [](Year& y, UnitBook&) { y.SetClockError(0); };
   static const std::vector<Deed> deeds = {
-      {"relay-down", 0.05, [](Year& y, UnitBook& b) { y.relays_down_.insert(b.unit().relay()); }, kDay,
-       [](Year& y, UnitBook& b) { y.relays_down_.erase(b.unit().relay()); }},
-      {"lossy-hours", 0.2, [](Year& y, UnitBook& b) { y.units_lossy_.insert(b.unit().id()); }, kDay / 2,
-       [](Year& y, UnitBook& b) { y.units_lossy_.erase(b.unit().id()); }},
-      {"poison", 0.01, [](Year& y, UnitBook& b) { y.poison_[b.unit().id()] = b.unit().readings(); }, 5 * kDay,
-       [](Year& y, UnitBook& b) { y.poison_.erase(b.unit().id()); }},
-      {"future-reading", 0.01, [](Year& y, UnitBook& b) { y.LogInFuture(b); }, 8 * kDay,
-       [](Year& y, UnitBook& b) { y.EndFuture(b); }},
-      {"sensor-added", 0.004, [](Year& y, UnitBook& b) { y.AddSensor(b.unit()); }},
-      {"same-minute", 0.02,
-       [](Year& y, UnitBook& b) { b.unit().SetClock(std::max(b.unit().last_reading(), y.start_) - 1); }},
-      {"sends-again", 0.02, [](Year&, UnitBook& b) { b.unit().SetOverlap(6 * kHour); }, 20 * kDay,
-       [](Year&, UnitBook& b) { b.unit().SetOverlap(0); }},
-      {"memory-cleared", 0.004, [](Year&, UnitBook& b) { b.unit().Clear(); }},
-      {"unplugged", 0.05, [](Year& y, UnitBook&) { y.line_->SetUnplugged(true); }, kDay / 2,
-       [](Year& y, UnitBook&) { y.line_->SetUnplugged(false); }},
-      {"power-cut", 0.05, [](Year& y, UnitBook&) { y.disk_->calls_left = y.Some(1, 400); }},
-      {"program-killed", 0.05, [](Year& y, UnitBook&) { y.kill_in_ = y.Some(1, 800); }},
-      {"office-closed", 0.01, [](Year& y, UnitBook&) { y.closed_days_ = y.Some(1, 8); }},
-      {"failed-sync", 0.02, [](Year& y, UnitBook&) { y.disk_->failing_syncs = y.Some(1, 3); }},
-      {"full-disk", 0.01, [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_full, true); }, kDay,
-       [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_full, false); }},
-      {"read-only", 0.01, [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_read_only, true); }, kDay / 4,
-       [](Year& y, UnitBook&) { y.SetTrouble(y.disk_->is_read_only, false); }},
-      {"clock-forward", 0.01, [](Year& y, UnitBook&) { y.SetClockError(y.Some(kHour, 3 * kDay)); }, kDay,
-       clock_is_right},
-      {"clock-back", 0.01, [](Year& y, UnitBook&) { y.SetClockError(-y.Some(kHour, 3 * kDay)); }, kDay, clock_is_right},
-      {"server-away", 0.03, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Away; }, kDay, well},
-      {"server-refuses", 0.02, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Refuses; }, kDay, well},
-      {"server-drops", 0.03, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Drops; }, kDay, well},
-      {"server-full", 0.02, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Full; }, kDay, well},
-      {"server-loses", 0.02, [](Year& y, UnitBook&) { y.ftp_.mood = Mood::Loses; }, kDay, well},
-      {"person-edits", 0.05, [](Year& y, UnitBook&) { y.RenameUnit(); }},
-      {"person-cancels", 0.05, [](Year& y, UnitBook&) { y.cancel_in_ = y.Some(1, 800); }},
-      {"person-deletes", 0.01, [](Year& y, UnitBook&) { y.DeleteRawFile(); }},
-      {"person-sets-period", 0.01, [](Year& y, UnitBook&) { y.ChangeUnits(kSetLogPeriod); }},
-      {"person-sets-clocks", 0.03, [](Year& y, UnitBook&) { y.ChangeUnits(kSetDate); }},
-      {"person-restarts", 0.02, [](Year& y, UnitBook&) { y.closed_days_ = 0; }}};
+      {"relay-down", 0.05, kDay, [](Year& y, UnitBook& b, bool on) { y.is_relay_down_[b.unit.relay()] = on; }},
+      {"lossy-hours", 0.2, kDay / 2, [](Year&, UnitBook& b, bool on) { b.is_lossy = on; }},
+      {"poison", 0.01, 5 * kDay, [](Year&, UnitBook& b, bool on) { b.poison = on ? b.unit.readings() : -1; }},
+      {"future-reading", 0.01, 8 * kDay, [](Year& y, UnitBook& b, bool on) { on ? y.LogInFuture(b) : y.EndFuture(b); }},
+      {"sensor-added", 0.004, 0,
+       [](Year& y, UnitBook& b, bool) {
+         b.unit.Clear();  // its memory takes lines of one width only
+         b.unit.SetSoil(basestation::Soil(y.settings_.seed, b.unit.id(), b.unit.soil().sensors() % 5 + 1));
+       }},
+      {"same-minute", 0.02, 0,
+       [](Year& y, UnitBook& b, bool) { b.unit.SetClock(std::max(b.unit.last_reading(), y.start_) - 1); }},
+      {"sends-again", 0.02, 20 * kDay, [](Year&, UnitBook& b, bool on) { b.unit.SetOverlap(on ? 6 * kHour : 0); }},
+      {"memory-cleared", 0.004, 0, [](Year&, UnitBook& b, bool) { b.unit.Clear(); }},
+      {"unplugged", 0.05, kDay / 2, [](Year& y, UnitBook&, bool on) { y.line_->SetUnplugged(on); }},
+      {"power-cut", 0.05, 0, [](Year& y, UnitBook&, bool) { y.disk_.calls_left = y.Some(1, 400); }},
+      {"program-killed", 0.05, 0, [](Year& y, UnitBook&, bool) { y.kill_in_ = y.Some(1, 800); }},
+      {"office-closed", 0.01, 0, [](Year& y, UnitBook&, bool) { y.closed_days_ = y.Some(1, 8); }},
+      {"failed-sync", 0.02, 0, [](Year& y, UnitBook&, bool) { y.disk_.failing_syncs = y.Some(1, 3); }},
+      {"full-disk", 0.01, kDay, [](Year& y, UnitBook&, bool on) { y.SetTrouble(y.disk_.is_full, on); }},
+      {"read-only", 0.01, kDay / 4, [](Year& y, UnitBook&, bool on) { y.SetTrouble(y.disk_.is_read_only, on); }},
+      {"clock-forward", 0.01, kDay,
+       [](Year& y, UnitBook&, bool on) { y.SetClockError(on ? y.Some(kHour, 3 * kDay) : 0); }},
+      {"clock-back", 0.01, kDay,
+       [](Year& y, UnitBook&, bool on) { y.SetClockError(on ? -y.Some(kHour, 3 * kDay) : 0); }},
+      {"server-away", 0.03, kDay, [](Year& y, UnitBook&, bool on) { y.ftp_.mood = on ? Mood::Away : Mood::Well; }},
+      {"server-refuses", 0.02, kDay,
+       [](Year& y, UnitBook&, bool on) { y.ftp_.mood = on ? Mood::Refuses : Mood::Well; }},
+      {"server-drops", 0.03, kDay, [](Year& y, UnitBook&, bool on) { y.ftp_.mood = on ? Mood::Drops : Mood::Well; }},
+      {"server-full", 0.02, kDay, [](Year& y, UnitBook&, bool on) { y.ftp_.mood = on ? Mood::Full : Mood::Well; }},
+      {"server-loses", 0.02, kDay, [](Year& y, UnitBook&, bool on) { y.ftp_.mood = on ? Mood::Loses : Mood::Well; }},
+      {"person-edits", 0.05, 0,
+       [](Year& y, UnitBook&, bool) {
+         y.program_->units().Select(1);
+         y.program_->form().Txt_UnitName.SetText("Hill, day " + std::to_string(y.day_));
+         y.program_->form().Txt_UnitName.Leave();
+       }},
+      {"person-cancels", 0.05, 0, [](Year& y, UnitBook&, bool) { y.cancel_in_ = y.Some(1, 800); }},
+      {"person-deletes", 0.01, 0,
+       [](Year& y, UnitBook&, bool) {
+         RawBook& row = y.rows_[y.random_.Below(y.rows_.size())];
+         fs::remove(row.path);
+         row.TakeDeletion();
+       }},
+      {"person-sets-period", 0.01, 0, [](Year& y, UnitBook&, bool) { y.ChangeUnits(kSetLogPeriod); }},
+      {"person-sets-clocks", 0.03, 0, [](Year& y, UnitBook&, bool) { y.ChangeUnits(kSetDate); }},
+      {"person-restarts", 0.02, 0, [](Year& y, UnitBook&, bool) { y.closed_days_ = 0; }}};
   return deeds;
 }
 
@@ -102,7 +108,7 @@ std::vector<std::string> Year::Kinds() {
 
 bool Year::Strikes(const char* kind, double rate) {
   if (IsCalm() || !active_.contains(kind) || !random_.Chance(rate)) return false;
-  ++outcome_.strikes[kind];
+  ++outcome_.counts[kind];
   return true;
 }
 
@@ -113,10 +119,10 @@ std::int64_t Year::Some(std::int64_t least, std::int64_t span) {
 void Year::PlanDay() {
   day_is_regular_ = program_ != nullptr && !HasTrouble();
   opens_before_ = line_->opens;
-  if (IsCalm()) kill_in_ = cancel_in_ = disk_->calls_left = disk_->failing_syncs = 0;
+  if (IsCalm()) kill_in_ = cancel_in_ = disk_.calls_left = disk_.failing_syncs = 0;
   SetComputerClock();
   if (IsSummer(TrueTime()) != IsSummer(TrueTime() + kDay)) {
-    ++outcome_.strikes[kSummerTime];
+    ++outcome_.counts[kSummerTime];
     day_is_regular_ = false;
     loop_.After(2 * kHour * kMilliseconds, [this] { SetComputerClock(); });
   }
@@ -136,14 +142,14 @@ void Year::Do(const Deed& deed) {
   exchange_is_clean_ = false;
   Note(deed.name);
   Disturb();
-  UnitBook& book = *books_.at(static_cast<int>(Some(1, std::ssize(books_))));
-  deed.act(*this, book);
-  if (deed.mend == nullptr) return;
+  UnitBook& book = books_.at(static_cast<int>(Some(1, std::ssize(books_))));
+  deed.act(*this, book, true);
+  if (deed.seconds == 0) return;
   // Everything is right again before the calm days.
   const std::int64_t left = std::max<std::int64_t>(calm_from_ - Now(), 0);
   loop_.After(std::min(Some(60, deed.seconds) * kMilliseconds, left), [this, &deed, &book] {
     Disturb();
-    deed.mend(*this, book);
+    deed.act(*this, book, false);
   });
 }
 
@@ -154,7 +160,7 @@ void Year::Disturb() {
 }
 
 bool Year::HasTrouble() const {
-  return disk_->is_full || disk_->is_read_only || disk_->failing_syncs > 0 || clock_error_ != 0;
+  return disk_.is_full || disk_.is_read_only || disk_.failing_syncs > 0 || clock_error_ != 0;
 }
 
 void Year::SetClockError(std::int64_t seconds) {
@@ -168,45 +174,29 @@ void Year::SetTrouble(bool& trouble, bool on) {
   day_is_regular_ = false;
 }
 
-void Year::AddSensor(basestation::Unit& unit) {
-  unit.Clear();  // its memory takes lines of one width only
-  unit.SetSoil(basestation::Soil(settings_.seed, unit.id(), unit.soil().sensors() % 5 + 1));
-}
-
 void Year::LogInFuture(UnitBook& book) {
-  if (!future_.emplace(book.unit().id(), book.unit().readings()).second) return;
-  const basestation::Seconds now = book.unit().clock();
-  book.unit().SetClock(now + 20 * 365 * kDay);
-  book.unit().PassReadings(1);
+  if (book.future >= 0) return;
+  book.future = book.unit.readings();
+  const basestation::Seconds now = book.unit.clock();
+  book.unit.SetClock(now + 20 * 365 * kDay);
+  book.unit.PassReadings(1);
   book.Log(true);
-  book.unit().SetClock(now);
+  book.unit.SetClock(now);
 }
 
 /// The person takes the reading out of the unit and out of the raw files.
 void Year::EndFuture(UnitBook& book) {
   if (IsBusy()) return loop_.After(kHour / 6 * kMilliseconds, [this, &book] { EndFuture(book); });
-  const auto future = future_.extract(book.unit().id());
-  if (!future) return;
+  const std::int64_t future = std::exchange(book.future, -1);
+  if (future < 0) return;
   Disturb();
-  book.unit().Forget(future.mapped());
-  const std::string line = book.readings[static_cast<std::size_t>(future.mapped())].text + "\r\n";
-  for (const Row& row : rows_) {
-    std::string contents = ReadAll(row.raw->path());
+  book.unit.Forget(future);
+  const std::string line = book.readings[static_cast<std::size_t>(future)].text + "\r\n";
+  for (const RawBook& row : rows_) {
+    std::string contents = ReadAll(row.path);
     const std::size_t at = contents.find(line);
-    if (at != std::string::npos) WriteAll(row.raw->path(), contents.erase(at, line.size()));
+    if (at != std::string::npos) WriteAll(row.path, contents.erase(at, line.size()));
   }
-}
-
-void Year::RenameUnit() {
-  program_->units().Select(1);
-  program_->form().Txt_UnitName.SetText("Hill, day " + std::to_string(day_));
-  program_->form().Txt_UnitName.Leave();
-}
-
-void Year::DeleteRawFile() {
-  RawBook& raw = *rows_[random_.Below(rows_.size())].raw;
-  fs::remove(raw.path());
-  raw.TakeDeletion();
 }
 
 void Year::ChangeUnits(std::int16_t command) {
@@ -219,52 +209,52 @@ void Year::ChangeUnits(std::int16_t command) {
 
 Year::Faults Year::FaultsOf(const basestation::Request& request, const basestation::Selection& readings) {
   Faults faults;
+  const bool is_probe = request.unit == 0;
+  const bool is_download = request.command == basestation::Command::Download;
   asked_ = static_cast<std::size_t>(program_->form().Lst_Units.current());
-  if (request.unit != 0) logged_when_asked_ = station_->Find(request.unit)->readings();
-  if (request.unit != 0 && relays_down_.contains(request.relay)) {
+  UnitBook& book = rows_[asked_].book;
+  logged_when_asked_ = book.unit.readings();
+  if (!is_probe && is_relay_down_[request.relay]) {
     const bool says_so = random_.Chance(0.8);
     faults.push_back({says_so ? FaultKind::Error : FaultKind::Silence, -1, basestation::kNoResponse, {}});
   }
-  const double loss = loss_[request.unit] * (units_lossy_.contains(request.unit) ? 5 : 1);
+  const double loss = is_probe ? 0 : book.loss * (book.is_lossy ? 5 : 1);
   for (const AnswerFault& fault : kAnswerFaults) {
     if (!Strikes(fault.name, std::min(loss * fault.rate, 0.5))) continue;
     faults.push_back({fault.kind, Some(-1, readings.size() + 3), Some(fault.least, fault.span), {}});
   }
-  const bool is_download = request.command == basestation::Command::Download;
-  if (is_download) AddDownloadFaults(readings, loss, faults);
-  if (is_download && !fs::exists(rows_[asked_].raw->path()) && Strikes(kCutAtFirst, 0.1)) {
-    loop_.After(Some(1, 30) * kMilliseconds, [this] { disk_->power_is_off = program_ != nullptr; });
+  if (is_download) AddDownloadFaults(book, readings, loss, faults);
+  if (is_download && !fs::exists(rows_[asked_].path) && Strikes(kCutAtFirst, 0.1)) {
+    loop_.After(Some(1, 30) * kMilliseconds, [this] { disk_.power_is_off = program_ != nullptr; });
   }
   damaged_.clear();
-  for (const Fault& fault : faults) damaged_.push_back(NumberAt(readings, fault.line));
-  const bool is_silenced = future_.contains(request.unit) && !settings_.goes_on;
-  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !HasTrouble();
-  const bool is_probe = request.unit == 0;
+  for (const Fault& fault : faults) {
+    damaged_.push_back(NumberAt(readings, fault.line));
+    round_.was_disturbed |= fault.kind == FaultKind::HangUp && fault.amount > kLongHangUp;
+  }
   if (!is_probe) round_.asked.insert(asked_);
   round_.may_end = !settings_.goes_on && (!faults.empty() || HasTrouble());
-  for (const Fault& fault : faults) {
-    round_.was_disturbed |= is_probe || (fault.kind == FaultKind::HangUp && fault.amount > kLongHangUp);
-  }
+  const bool is_silenced = book.future >= 0 && !settings_.goes_on;
+  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !HasTrouble();
   return faults;
 }
 
-void Year::AddDownloadFaults(const basestation::Selection& readings, double loss, Faults& faults) {
+void Year::AddDownloadFaults(UnitBook& book, const basestation::Selection& readings, double loss, Faults& faults) {
   for (const AnswerFault& fault : kDownloadFaults) {
     if (!Strikes(fault.name, std::min(loss * fault.rate, 0.5))) continue;
     std::string header;
-    basestation::AppendFramed(header, "V2,09999,4," + std::to_string(3 * rows_[asked_].book->unit().soil().sensors()) +
-                                          "," + std::to_string(readings.size()) + ",2027/3/12 10:00,12500,29310,100");
+    basestation::AppendFramed(header, "V2,09999,4," + std::to_string(3 * book.unit.soil().sensors()) + "," +
+                                          std::to_string(readings.size()) + ",2027/3/12 10:00,12500,29310,100");
     faults.push_back({fault.kind, 0, -1, header.substr(0, fault.name[0] == 's' ? header.size() - 2 : 12)});
   }
   for (std::int64_t line = 1; line <= readings.size(); ++line) {
     for (const AnswerFault& fault : kLineFaults) {
       if (Strikes(fault.name, std::min(loss * fault.rate, 0.3))) faults.push_back({fault.kind, line, -1, {}});
     }
-    const auto poison = poison_.find(rows_[asked_].book->unit().id());
-    if (poison == poison_.end() || NumberAt(readings, line) != poison->second) continue;
-    const auto number = static_cast<std::size_t>(poison->second);
-    faults.push_back({kLineFaults[number % std::size(kLineFaults)].kind, line, -1, {}});
-    rows_[asked_].book->readings[number].is_poison = true;
+    const std::int64_t number = NumberAt(readings, line);
+    if (number != book.poison) continue;
+    faults.push_back({kLineFaults[number % std::ssize(kLineFaults)].kind, line, -1, {}});
+    book.readings[static_cast<std::size_t>(number)].is_poison = true;
   }
 }
 
@@ -273,7 +263,7 @@ void Year::SpoilArriving(std::string& bytes) {
   if (!Strikes(kOverrun, 0.01)) return;
   exchange_is_clean_ = false;
   round_.may_end = !settings_.goes_on;
-  UnitBook& book = *rows_[asked_].book;
+  UnitBook& book = rows_[asked_].book;
   const std::size_t begin = bytes.find("\n$");
   const std::size_t end = begin == std::string::npos ? begin : bytes.find('*', begin);
   if (end != std::string::npos) {

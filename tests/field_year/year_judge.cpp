@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "base/encoding.h"
+#include "base/format.h"
 #include "field_year/year.h"
-#include "support/scripted_port.h"
-#include "support/temp_folder.h"
+#include "support/world.h"
 
 namespace corvane::test {
 namespace {
@@ -22,10 +22,6 @@ constexpr std::size_t kEventsKept = 50;
 constexpr std::size_t kConvertedApart = 3;
 constexpr std::size_t kLargestLog = 1'100'000;
 constexpr std::size_t kMoreHeld = 2;  ///< a log that was closed is opened again
-
-std::string TwoDigits(std::int64_t number) {
-  return (number < 10 ? "0" : "") + std::to_string(number);
-}
 
 std::string Replaced(std::string text, const std::string& what, const std::string& with) {
   for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
@@ -57,9 +53,8 @@ std::string Unzipped(const std::string& archive, const std::string& name) {
 }  // namespace
 
 void Year::Note(const std::string& event) {
-  const std::int64_t seconds = Now() / 1000 % kSecondsPerDay;
-  outcome_.events.push_back("day " + std::to_string(day_) + " " + TwoDigits(seconds / 3600) + ":" +
-                            TwoDigits(seconds / 60 % 60) + ":" + TwoDigits(seconds % 60) + " " + event);
+  const std::string time = FormatDate(DateTime(Now() / kMilliseconds), "HH:MM:SS");
+  outcome_.events.push_back("day " + std::to_string(day_) + " " + time + " " + event);
   if (settings_.trace) std::puts(outcome_.events.back().c_str());
   if (outcome_.events.size() > kEventsKept) outcome_.events.pop_front();
 }
@@ -70,7 +65,9 @@ void Year::Break(const std::string& promise) {
 
 void Year::PromoteWholeContact() {
   const auto row = std::exchange(whole_contact_, std::nullopt);
-  if (row) rows_[*row].raw->TakeWholeContact(logged_when_asked_, IsCalm());
+  if (!row) return;
+  rows_[*row].TakeWholeContact(logged_when_asked_);
+  rows_[*row].is_complete |= IsCalm();
 }
 
 void Year::TakeCommand() {
@@ -93,9 +90,7 @@ void Year::JudgeRound() {
 void Year::JudgeDay() {
   PassUnits();
   PromoteWholeContact();
-  for (const Row& row : rows_) {
-    Break(row.raw->Judge(settings_.goes_on));
-  }
+  JudgeRawFiles();
   if (line_->longest_silence > kLongestSilence) {
     Break("a wait on the open port lasted " + std::to_string(line_->longest_silence / 1000) + " s");
   }
@@ -111,9 +106,13 @@ void Year::JudgeUnit() {
   const bool was_whole = round_.asked.size() == rows_.size() && !round_.may_end && !round_.was_disturbed;
   if (!was_whole || last_deed_ >= round_.began || HasTrouble()) return;
   const std::size_t row = random_.Below(rows_.size());
-  if (!fs::exists(rows_[row].raw->path())) return;
+  if (!fs::exists(rows_[row].path)) return;
   JudgeCalibrated({row}, 0);
   if (ftp_.mood == FtpSite::Mood::Well) JudgeSent(rows_[row]);
+}
+
+void Year::JudgeRawFiles() {
+  for (RawBook& row : rows_) Break(row.Judge(settings_.goes_on));
 }
 
 void Year::JudgeProgram() {
@@ -133,7 +132,7 @@ void Year::JudgeProgram() {
 /// What is replaced as a whole is whole at any time.
 void Year::JudgeWholeFiles() {
   std::vector<fs::path> files = {home_ + "/corvane.ini"};
-  for (const Row& row : rows_) files.push_back(fs::path(row.raw->path()).replace_extension("txt"));
+  for (const RawBook& row : rows_) files.push_back(fs::path(row.path).replace_extension("txt"));
   for (const fs::path& file : files) {
     const std::string contents = ReadAll(file);
     const bool is_whole = contents.empty() || (contents.back() == '\n' && contents.find('\0') == std::string::npos);
@@ -143,14 +142,14 @@ void Year::JudgeWholeFiles() {
 
 void Year::JudgeEnd() {
   if (!program_) return Break("the program does not run at the end");
-  for (const Row& row : rows_) {
-    if (!row.raw->is_complete()) Break(row.raw->path() + ": the unit was not asked in the last days");
+  for (const RawBook& row : rows_) {
+    if (!row.is_complete) Break(row.path + ": the unit was not asked in the last days");
   }
   JudgeServer();
   EndProgram();
   const std::string settings = ReadAll(home_ + "/corvane.ini");
   for (std::size_t row = 0; row < rows_.size(); ++row) {
-    const int id = rows_[row].book->unit().id();
+    const int id = rows_[row].book.unit.id();
     const std::string line = "\nID" + std::to_string(row + 1) + "=" + std::to_string(id) + "\r";
     if (settings.find(line) == std::string::npos) Break("the settings lack " + line);
   }
@@ -163,9 +162,9 @@ void Year::JudgeEnd() {
 }
 
 void Year::JudgeServer() {
-  for (const Row& row : rows_) {
+  for (const RawBook& row : rows_) {
     JudgeSent(row);
-    fs::path file = row.raw->path();
+    fs::path file = row.path;
     file.replace_extension(sends_calibrated_ ? "txt" : "epd");
     const fs::path archive = fs::path(file).replace_extension("zip");
     const std::string backup = home_ + "/backup" + archive.string().substr(home_.size());
@@ -173,49 +172,41 @@ void Year::JudgeServer() {
   }
 }
 
-void Year::JudgeSent(const Row& row) {
+void Year::JudgeSent(const RawBook& row) {
   const char* const extension = zips_ ? "zip" : sends_calibrated_ ? "txt" : "epd";
-  const std::string sent = fs::path(row.raw->path()).replace_extension(extension);
+  const std::string sent = fs::path(row.path).replace_extension(extension);
   if (ftp_.files[sent.substr(home_.size())] != ReadAll(sent)) Break("the server does not hold " + sent);
 }
 
 /// Held against a conversion in an empty folder, and the first `apart` units against one that was written apart.
 void Year::JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apart) {
-  const std::string fresh = home_ + ".fresh";
-  fs::create_directories(fresh);
+  World fresh;
   for (const char* name : {"corvane.ini", "moisture.lkp", "salinity.lkp", "salcorr.lkp"}) {
-    WriteAll(fresh + "/" + name, Replaced(ReadAll(home_ + "/" + name), home_, fresh));
+    fresh.home.Write(name, Replaced(ReadAll(home_ + "/" + name), home_, fresh.home.path()));
   }
-  for (const std::size_t row : rows) {
-    WriteAll(fresh + rows_[row].raw->path().substr(home_.size()), ReadAll(rows_[row].raw->path()));
-  }
-  FakeLoop loop;
-  ScriptedPort port(loop);
-  LibzipComponent zip(loop);
-  FakeInternet internet;
-  RecordingDialogs dialogs;
-  Application converter(Platform{loop, port, shell_, dialogs, internet, zip}, fresh);
-  converter.life().OnWindowCreate("");
+  const auto name_of = [this](const fs::path& file) { return file.string().substr(home_.size() + 1); };
+  for (const std::size_t row : rows) fresh.home.Write(name_of(rows_[row].path), ReadAll(rows_[row].path));
+  fresh.dialogs.answer_plain_boxes = false;
+  Application& converter = fresh.Start();
   {
     const AutomaticRun automatic(converter.flags());
     converter.commands().ConvertAll(true);
   }
   for (const std::size_t row : rows) {
-    const fs::path raw = rows_[row].raw->path();
-    const std::string calibrated = fs::path(raw).replace_extension("txt");
+    const fs::path raw = rows_[row].path;
+    const fs::path calibrated = fs::path(raw).replace_extension("txt");
     const std::string here = ReadAll(calibrated);
-    if (here.empty() || here != ReadAll(fresh + calibrated.substr(home_.size()))) {
-      Break(calibrated + " is not what a fresh conversion gives");
+    if (here.empty() || here != fresh.home.Read(name_of(calibrated))) {
+      Break(calibrated.string() + " is not what a fresh conversion gives");
     }
     if (row >= apart) continue;
-    const std::string other = fresh + "/other.txt";
+    const std::string other = fresh.home.Name("other.txt");
     const std::string command = "python3 " FIELD_YEAR_DIR "/convert.py " + home_ + " " + std::to_string(row + 1) + " " +
                                 raw.string() + " " + other;
     if (std::system(command.c_str()) != 0 || here != ReadAll(other)) {
-      Break(calibrated + " is not what a conversion written apart gives");
+      Break(calibrated.string() + " is not what a conversion written apart gives");
     }
   }
-  fs::remove_all(fresh);
 }
 
 std::string Year::Digest() const {
