@@ -69,6 +69,11 @@ void DownloadCapture::AcceptHeader() {
   } else {
     p_.bars.Download.Initialise(p_.link.LinesExpected);
   }
+  auto& gap = p_.download.Gap;
+  if (gap && p_.download.Tally.announced > gap->most_lines) {
+    gap->too_many = true;
+    return EndEarly();
+  }
   OpenOutputFile();
 }
 
@@ -78,7 +83,7 @@ bool DownloadCapture::RefuseOtherUnit() {
   if (!own || IsSameSiteID(*own, line_.items[1])) return false;
   const std::string other(line_.items[1]);
   const bool is_asked = IsSameSiteID(other, std::to_string(p_.download.AskedID));
-  const bool refused = GoesOn(p_.form, p_.flags) && !is_asked;
+  const bool refused = (GoesOn(p_.form, p_.flags) || p_.download.Gap) && !is_asked;
   const std::string report = "The unit answers with SiteID \"" + other + "\", but line 1 of " + file + " has \"" +
                              *own + "\"" + std::string(refused ? kRefused : kStoredAllTheSame);
   p_.download.Tally.AddProblem("SiteID \"" + other + "\" instead of \"" + *own +
@@ -136,19 +141,34 @@ void DownloadCapture::TakeReading() {
     Abort("No SaveToFile - incorrect date>" + std::string(line_.items_text));
     return;
   }
+  if (p_.download.Gap && *when >= p_.download.Gap->to) return EndBehindGap();
   const bool traced = p_.trace.TracesDecisions();
   if (traced) TraceItems("SaveToFile LineCount:" + std::to_string(p_.link.LineCount) + ">");
   if (*when <= p_.download.LastDate) {
     if (traced) TraceItems("SaveToFile - skipping because date after: " + GeneralDate(p_.download.LastDate) + " |");
   } else if (p_.download.StoredAhead.contains(line_.items_text)) {
     if (traced) TraceItems("SaveToFile - skipping because the file holds it |");
-  } else if (TakeFutureReading(*when)) {
+  } else if (!p_.download.Gap && TakeFutureReading(*when)) {
     return;
   } else if (!StoreReading()) {
     return;
   }
   ++p_.download.Tally.arrived;
   if (p_.form.Chk_ShowReply.ticked()) ShowProgress(*when);
+}
+
+void DownloadCapture::EndBehindGap() {
+  TraceItems("Behind the gap: ");
+  CloseOutputFile();
+  if (p_.link.HalvexError) return;
+  p_.download.Gap->reached_the_end = true;
+  EndEarly();
+}
+
+void DownloadCapture::EndEarly() {
+  StopUnit();
+  p_.link.HalvexError = true;
+  p_.link.ResultCode = kCancelledResult;
 }
 
 bool DownloadCapture::StoreReading() {
@@ -256,7 +276,7 @@ void DownloadCapture::OpenOutputFile() {
     p_.download.Output.Close();
     const std::string report = "The raw file " + p_.download.OutputFileName + " cannot be opened (" + error.what() +
                                "). Check its folder, its rights and the room on its disk";
-    if (GoesOn(p_.form, p_.flags)) return FailDownload(report);
+    if (GoesOn(p_.form, p_.flags) || p_.download.Gap) return FailDownload(report);
     p_.trace.AErrorReport(report);
     p_.trace.Status(report, StatusKind::Error);
     p_.link.UserCancel = true;

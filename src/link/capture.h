@@ -20,7 +20,8 @@
 
 namespace corvane {
 
-/// Checks the lines of a download and appends every new reading to the unit's raw file.
+/// Checks the lines of a download and appends every new reading to the unit's raw file, or to the file that gathers
+/// what fills a gap of it.
 ///
 /// A reading that was accepted has reached the kernel before the next line is handled; the file is synced at "OK", at
 /// every close and at least every 5 seconds.
@@ -61,6 +62,10 @@ class DownloadCapture {
   /// Reports a download that ends with fewer lines than its header announced, or with lost ones.
   void CompareWithHeader();
   void TakeReading();
+  /// A reading from behind the gap has come: the download has brought what it was to bring.
+  void EndBehindGap();
+  /// Stops the unit; nothing that it still sends is looked at.
+  void EndEarly();
   [[nodiscard]] bool StoreReading();
   void ShowProgress(DateTime av_When);
   void RejectLine();

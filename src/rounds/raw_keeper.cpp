@@ -38,17 +38,25 @@ bool RawKeeper::ClockMayBeWrong() {
 
 void RawKeeper::Prepare(std::int32_t al_Unit) {
   p_.download.OutputFileName = p_.names.DataFileName(al_Unit, false);
-  p_.download.HeaderLine.clear();
-  p_.download.FramedHeader.clear();
   CreatePath(FolderOf(p_.download.OutputFileName));
   const LastDateResult last = GetLastDate(p_.download.OutputFileName);
   p_.download.LastDate = last.last_date;
   p_.download.StoredAhead = ahead_.Find(p_.download.OutputFileName, last.last_date, [this] { return Poll(); });
+  NameUnit(al_Unit, p_.download.OutputFileName, last.line_text);
+}
+
+void RawKeeper::PrepareGap(std::int32_t al_Unit) {
+  const std::string raw_file = p_.names.DataFileName(al_Unit, false);
+  p_.download.OutputFileName = raw_file + std::string(kRepairFile);
+  p_.download.LastDate = p_.download.Gap->from;
+  p_.download.StoredAhead.clear();
+  NameUnit(al_Unit, raw_file, {});
+}
+
+void RawKeeper::NameUnit(std::int32_t al_Unit, const std::string& as_RawFile, std::string_view as_LastGood) {
   p_.download.AskedID = p_.registry.Units[al_Unit].ID;
-  p_.download.OwnSiteID = SiteIDOf(FirstLineOf(p_.download.OutputFileName));
-  if (GoesOn(p_.form, p_.flags)) {
-    p_.bad_lines.BeginDownload(p_.download.OutputFileName, last.line_text, p_.download.Round);
-  }
+  p_.download.OwnSiteID = SiteIDOf(FirstLineOf(as_RawFile));
+  if (GoesOn(p_.form, p_.flags)) p_.bad_lines.BeginDownload(as_RawFile, as_LastGood, p_.download.Round);
 }
 
 LastDateResult RawKeeper::GetLastDate(const std::string& as_File) {

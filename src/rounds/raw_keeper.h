@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "data/ahead_readings.h"
 #include "data/bad_lines.h"
@@ -21,6 +22,9 @@ namespace corvane {
 /// A unit's raw file before and after its download: named, mended, its last reading found, its first line checked.
 class RawKeeper {
  public:
+  /// Behind the name of a raw file: what was sent to fill a gap of it, until it stands there.
+  static constexpr std::string_view kRepairFile = ".repair";
+
   /// All must outlive this object.
   struct Parts {
     Form& form;
@@ -42,6 +46,8 @@ class RawKeeper {
   ///
   /// Throws `RunTimeError` when the file or its folder cannot be used, `NoRawFile` when it is none of ours.
   void Prepare(std::int32_t al_Unit);
+  /// Names the file that gathers what a unit still has of a gap in its raw file.
+  void PrepareGap(std::int32_t al_Unit);
   /// Behind a download that went well: replaces or reports a first line that is no header, where the unit has sent a
   /// right one. **Yields.**
   void CheckFirstLine();
@@ -63,6 +69,9 @@ class RawKeeper {
   [[nodiscard]] bool ReplaceHeader(const std::string& as_Stored);
   /// Lets the event loop run; false when the user cancelled or the program closes.
   [[nodiscard]] bool Poll();
+
+  /// Tells the capture whose raw file it is and what its first line says.
+  void NameUnit(std::int32_t al_Unit, const std::string& as_RawFile, std::string_view as_LastGood);
 
   Parts p_;
   RawHoles holes_;

@@ -35,8 +35,7 @@ bool UnitAttempts::RunUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std:
     const DownloadTally& brought = p_.registry.Units[al_Index].Brought;
     if (outcome == Outcome::Well && brought.problem.empty()) ++av_Counts.well;
     const bool last_try = outcome == Outcome::Well || ab_Once || brought.one_try_only;
-    p_.writer.SendEscape();
-    p_.pauser.Pause(UnitWait());
+    LetUnitRest();
     p_.bars.Unit.Increment();
     p_.files.RefreshFileListBox();
     if (EndsSession(av_Counts)) return false;
@@ -45,6 +44,11 @@ bool UnitAttempts::RunUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std:
     p_.form.Lbl_Try.SetText(std::to_string(++attempt));
     if (static_cast<double>(attempt) > LeadingNumber(p_.form.Txt_MaxRetries.text())) return true;
   }
+}
+
+void UnitAttempts::LetUnitRest() {
+  p_.writer.SendEscape();
+  p_.pauser.Pause(UnitWait());
 }
 
 UnitAttempts::Outcome UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command) {

@@ -55,6 +55,8 @@ class UnitAttempts {
                              bool ab_Once = false);
   /// Lets what a unit still sends for a former session run out, so that no answer begins with it. **Yields.**
   void AwaitQuiet();
+  /// Tells the unit to stop, and waits as long as the settings say. **Yields.**
+  void LetUnitRest();
   /// Traces that the last unit has used up its tries, where it has.
   void TraceTries();
 

@@ -26,7 +26,8 @@ void UnitSession::ProcessUnit(std::int16_t ai_Command) {
   p_.exchange.SetStateFinished();
   p_.port.EndExchange();
   CloseOutputFile("Finish 'ProcessUnit' - closing output file: ");
-  if (ai_Command == kDownload && p_.link.ContinueOk() && !p_.link.HalvexError) p_.keeper.CheckFirstLine();
+  if (ai_Command != kDownload || p_.download.Gap) return;
+  if (p_.link.ContinueOk() && !p_.link.HalvexError) p_.keeper.CheckFirstLine();
 }
 
 void UnitSession::CloseOutputFile(std::string_view as_Trace) {
@@ -50,7 +51,9 @@ void UnitSession::FailHere(const std::string& as_Error) {
 std::string UnitSession::Caption(std::int16_t ai_Command) const {
   if (ai_Command == kTestBaseStation) return "Test " + p_.form.Cmb_Port[p_.port.LastIndex() == 1 ? 1 : 0].shown_text();
   std::string caption = std::string(CommandOf(ai_Command).name) + ": ";
+  if (p_.download.Gap) caption = "Repair: ";
   caption += p_.registry.Units[p_.form.Lst_Units.current() + 1].Name;
+  if (p_.download.Gap) return caption;
   const std::string& tries = p_.form.Lbl_Try.text();
   if (LeadingNumber(tries) > 1) caption += " (" + tries + "/" + p_.form.Txt_MaxRetries.text() + ")";
   return caption;
@@ -76,7 +79,14 @@ void UnitSession::Run(std::int16_t ai_Command) {
 }
 
 std::string UnitSession::PrepareDownload() {
-  p_.keeper.Prepare(static_cast<std::int32_t>(p_.form.Lst_Units.current() + 1));
+  const auto unit = static_cast<std::int32_t>(p_.form.Lst_Units.current() + 1);
+  p_.download.HeaderLine.clear();
+  p_.download.FramedHeader.clear();
+  if (p_.download.Gap) {
+    p_.keeper.PrepareGap(unit);
+  } else {
+    p_.keeper.Prepare(unit);
+  }
   const std::string parameters = DownloadParameters(p_.download.LastDate);
   if (!p_.link.ContinueOk()) return parameters;
   p_.download.SavingData = true;

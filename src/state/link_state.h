@@ -79,6 +79,15 @@ struct LinkState {
   }
 };
 
+/// What is asked for when a download is to fill a gap of a raw file, and how it ended.
+struct GapDownload {
+  DateTime from;                 ///< the reading before the gap
+  DateTime to;                   ///< the reading behind it: with the first one that is not earlier all is said
+  std::int64_t most_lines = 0;   ///< a unit that announces more is not listened to
+  bool too_many = false;         ///< so it was
+  bool reached_the_end = false;  ///< such a reading came, and all before it is on the disk
+};
+
 /// The state of one download, beside the link's.
 struct DownloadState {
   std::string HeaderLine;    ///< items text of the header as last received
@@ -93,6 +102,7 @@ struct DownloadState {
   std::set<std::string, std::less<>> StoredAhead;  ///< readings in the raw file that are dated later than that
   DownloadTally Tally;                             ///< of the present command
   std::int64_t Round = 0;                          ///< tells the rounds of this run of the program apart
+  std::optional<GapDownload> Gap;                  ///< what the download is to fill; none: it brings what is new
   bool ClockDoubtful = false;  ///< this computer's clock may be wrong: readings to come are stored as they are
 };
 

@@ -16,7 +16,7 @@ constexpr std::int64_t kShortestFile = 10;
 }  // namespace
 
 void DownloadSummary::WriteSummary() {
-  if (p_.download.HeaderLine.empty()) return;
+  if (p_.download.HeaderLine.empty() || p_.download.Gap) return;
   p_.trace.GoOver(path_);
   const auto existing = ExamineFile(path_);
   const bool append = existing && existing->size > kShortestFile;

@@ -27,7 +27,8 @@ class DownloadSummary {
 
   /// Sets the file's full path.
   void SetFile(std::string_view as_Path) { path_ = as_Path; }
-  /// Appends the line of the current download; does nothing before a header line has been received.
+  /// Appends the line of the current download; does nothing before a header line has been received
+  /// nor for one that fills a gap.
   void WriteSummary();
 
  private:
