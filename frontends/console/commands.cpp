@@ -7,6 +7,7 @@
 #include "link_commands.h"
 #include "list_commands.h"
 #include "port_commands.h"
+#include "repair_command.h"
 #include "script_command.h"
 #include "transfer_commands.h"
 
@@ -27,7 +28,7 @@ constexpr std::array kEntries = {
     CommandEntry{CommandId::ReadMemory, UnitCommand}, CommandEntry{CommandId::TestPort, TestPort},
     CommandEntry{CommandId::FindPort, FindPort},      CommandEntry{CommandId::Run, KeepSchedule},
     CommandEntry{CommandId::Units, ListUnits},        CommandEntry{CommandId::Script, RunScript},
-    CommandEntry{CommandId::Recover, Recover},
+    CommandEntry{CommandId::Recover, Recover},        CommandEntry{CommandId::Repair, Repair},
 };
 
 }  // namespace

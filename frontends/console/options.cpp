@@ -24,6 +24,7 @@ enum OptionScope : unsigned {
   kRunOption = 8,
   kStatusOption = 16,
   kNoteOption = 32,
+  kRepairOption = 64,
 };
 
 struct CommandRow {
@@ -58,6 +59,12 @@ constexpr CommandRow kCommands[] = {
      kEverywhere, 0, kMany},
     {CommandId::Backup, "backup", "", "zip the units' files into the backup folder",
      "Needs the backup in the settings. Prints a table of results.", kEverywhere, 0, 0},
+    {CommandId::Repair, "repair", "[UNIT...]", "ask units for readings that their raw files lack",
+     "Looks for gaps in the raw files of all active radio units, or of each UNIT (name or ID), and asks\n"
+     "the units for what is missing, the newest gaps first. What a unit still holds is put between its\n"
+     "neighbours; then the file is converted and sent. Units that are read through the hand-held unit,\n"
+     "by FTP or as web data cannot be asked. Prints a table of results.",
+     kRepairOption, 0, kMany},
     {CommandId::GetDate, "get-date", "", "show the date and time of units", "Changes nothing.", kUnitOption, 0, 0},
     {CommandId::SetDate, "set-date", "", "set the date and time of units to this computer's",
      "Asks twice before a unit is changed.", kUnitOption, 0, 0},
@@ -129,6 +136,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string&) { options.hand_held = true; }},
     {"--file", "", "the names that follow are raw files", kConvertOption,
      [](Options& options, const std::string&) { options.files = true; }},
+    {"--since", "DATE", "only gaps that end later, such as 2026-03-31", kRepairOption,
+     [](Options& options, const std::string& value) { options.since = value; }},
     {"--automatic", "", "switch automatic download on, and keep it on in the settings", kRunOption,
      [](Options& options, const std::string&) { options.automatic = true; }},
     {"--interval", "H:MM", "set the automatic interval in the settings", kRunOption,
@@ -247,6 +256,9 @@ class Parser {
     if (options_.files && arguments.empty()) throw UsageError("--file needs the names of raw files");
     if (!options_.interval.empty() && !AutomaticInterval(options_.interval)) {
       throw UsageError("--interval: " + Quoted(options_.interval) + " is no interval such as 3:00");
+    }
+    if (!options_.since.empty() && !ParseDate(options_.since)) {
+      throw UsageError("--since: " + Quoted(options_.since) + " is no date such as 2026-03-31");
     }
     if (!options_.log_size.empty() && ParseNumber(options_.log_size).value_or(-1) < 0) {
       throw UsageError("--log-size: " + Quoted(options_.log_size) + " is no number of megabytes");

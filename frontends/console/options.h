@@ -23,6 +23,7 @@ enum class CommandId {
   Send,
   Fetch,
   Backup,
+  Repair,
   GetDate,
   SetDate,
   SetLogPeriod,
@@ -46,6 +47,7 @@ struct Options {
   std::vector<std::string> arguments;  ///< of the command, its options taken out
   std::vector<std::string> units;      ///< --unit
   std::string home;                    ///< --home as given; empty when not given
+  std::string since;                   ///< --since; empty when not given
   std::string interval;                ///< --interval; empty when not given
   std::string log_size;                ///< --log-size; empty when not given
   std::string until;                   ///< --until; empty when not given

@@ -46,6 +46,7 @@ void Application::Wire() {
     transfer_.ftp.SetCancel(false);
     transfer_rounds_.results.Clear();
     data_.conversion.ClearResults();
+    rounds_.repair.BeginOperation();
   };
   state_.slot.on_given_back = [this] {
     data_.files.RefreshIfStale();

@@ -44,6 +44,8 @@ class Application {
   [[nodiscard]] const std::vector<ConversionResult>& conversion_results() const { return data_.conversion.Results(); }
   /// The files that the present or last operation has sent, fetched or backed up, in order.
   [[nodiscard]] const std::vector<TransferResult>& transfer_results() const { return transfer_rounds_.results.All(); }
+  /// What became of the gaps that the present or last operation has asked for, in order.
+  [[nodiscard]] const std::vector<RepairResult>& repair_results() const { return rounds_.repair.Results(); }
   [[nodiscard]] FileTransfer& file_transfer() { return transfer_rounds_.file_transfer; }
   /// What became of the recovery copy of the settings.
   [[nodiscard]] RecoveryState recovery() const { return settings_.store.recovery(); }

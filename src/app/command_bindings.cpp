@@ -24,6 +24,7 @@ constexpr Command kDownloadCurrent = [](const Parts& p, std::int16_t) {
 constexpr Command kDownloadOnly = [](const Parts& p, std::int16_t from) { p.units.DownloadOnly(from); };
 constexpr Command kProcessSelected = [](const Parts& p, std::int16_t command) { p.units.Process(false, command); };
 constexpr Command kProcessAll = [](const Parts& p, std::int16_t command) { p.units.Process(true, command); };
+constexpr Command kRepair = [](const Parts& p, std::int16_t all) { p.units.Repair(all == kAll); };
 constexpr Command kTestPort = [](const Parts& p, std::int16_t index) { p.units.TestPort(index); };
 constexpr Command kFindPort = [](const Parts& p, std::int16_t index) { p.units.FindPort(index); };
 constexpr Command kSendDirect = [](const Parts& p, std::int16_t) { p.units.SendDirect(); };
@@ -94,6 +95,8 @@ constexpr std::array kMenus = {
     MenuRow{&Form::mnu_Download, 1132, "&Hand unit", kDownloadOnly, kFromHandHeld},
     MenuRow{&Form::mnu_Download, 1133, "&Ftp", kFetch, kFromFtp},
     MenuRow{&Form::mnu_Download, 1134, "&Web Data", kFetch, kFromWebData},
+    MenuRow{&Form::mnu_Download, 1135, "Repair &gaps", kRepair, kSelected},
+    MenuRow{&Form::mnu_Download, 1136, "Repair &all gaps", kRepair, kAll},
     MenuRow{&Form::mnu_ftpFile, 1140, "&Current", kSend, kSelected},
     MenuRow{&Form::mnu_ftpFile, 1141, "&Ftp", kSend, kAll},
     MenuRow{&Form::mnu_ftpFile, 1142, "&Web Data", kSendWebData, 0},

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "app/conversion_commands.h"
 #include "app/transfer_commands.h"
@@ -40,6 +41,9 @@ class Commands {
     return p_.units.DownloadAll(ab_All, av_Mode, ab_Automatic);
   }
   bool Process(bool ab_All, std::int16_t ai_Command) { return p_.units.Process(ab_All, ai_Command); }
+  bool RepairUnits(const std::vector<std::int64_t>& av_Units, DateTime av_Since) {
+    return p_.units.RepairUnits(av_Units, av_Since);
+  }
   bool TestPort(std::int16_t ai_Index) { return p_.units.TestPort(ai_Index); }
   bool FindPort(std::int16_t ai_Index) { return p_.units.FindPort(ai_Index); }
   bool ConvertAll(bool ab_All) { return p_.conversion.ConvertAll(ab_All); }

@@ -10,11 +10,14 @@
 #include "rounds/batch_conversion.h"
 #include "rounds/command_questions.h"
 #include "rounds/download_round.h"
+#include "rounds/gap_exchange.h"
+#include "rounds/gap_repair.h"
 #include "rounds/port_finder.h"
 #include "rounds/raw_keeper.h"
 #include "rounds/selected_conversion.h"
 #include "rounds/sessions.h"
 #include "rounds/unit_attempts.h"
+#include "rounds/unit_gaps.h"
 #include "rounds/unit_session.h"
 
 namespace corvane {
@@ -41,6 +44,10 @@ struct RoundsAssembly {
   CommandQuestions questions;
   Sessions sessions;
   DownloadRound round;
+  History history;
+  GapExchange gap_exchange;
+  UnitGaps gaps;
+  GapRepair repair;
   PortFinder finder;
 };
 

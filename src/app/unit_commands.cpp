@@ -5,7 +5,10 @@ namespace corvane {
 bool UnitCommands::DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic) {
   // Also for what follows when the slot is given back.
   const AutomaticRun automatic(p_.flags, ab_Automatic);
-  return p_.operations.RunOperation("Download", [&] { p_.round.DownloadAllUnits(ab_All, av_Mode); });
+  return p_.operations.RunOperation("Download", [&] {
+    p_.round.DownloadAllUnits(ab_All, av_Mode);
+    if (ab_All && av_Mode == kRadioUnits) p_.repair.AfterRound();
+  });
 }
 
 bool UnitCommands::DownloadOnly(std::int32_t al_ConnectionType) {
@@ -19,6 +22,14 @@ bool UnitCommands::Process(bool ab_All, std::int16_t ai_Command) {
     const bool by_radio = ab_All || !p_.registry.Units.Has(selected);
     p_.sessions.ProcessAllUnits(ab_All, by_radio ? kFromRadio : p_.registry.Units[selected].GetFrom, ai_Command);
   });
+}
+
+bool UnitCommands::Repair(bool ab_All) {
+  return p_.operations.RunOperation("Repair gaps", [&] { p_.repair.RepairAll(ab_All); });
+}
+
+bool UnitCommands::RepairUnits(const std::vector<std::int64_t>& av_Units, DateTime av_Since) {
+  return p_.operations.RunOperation("Repair gaps", [&] { p_.repair.RepairUnits(av_Units, av_Since); });
 }
 
 bool UnitCommands::TestPort(std::int16_t ai_Index) {

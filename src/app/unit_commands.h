@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "app/operations.h"
 #include "form/form.h"
@@ -8,6 +9,7 @@
 #include "platform/dialogs.h"
 #include "registry/unit_editor.h"
 #include "rounds/download_round.h"
+#include "rounds/gap_repair.h"
 #include "rounds/port_finder.h"
 #include "rounds/sessions.h"
 
@@ -27,6 +29,7 @@ class UnitCommands {
     Operations& operations;
     Sessions& sessions;
     DownloadRound& round;
+    GapRepair& repair;
     PortFinder& finder;
     DirectTerminal& terminal;
     Dialogs& dialogs;
@@ -39,6 +42,10 @@ class UnitCommands {
   bool DownloadOnly(std::int32_t al_ConnectionType);
   /// One command with the selected unit by its own connection, or with all units by radio.
   bool Process(bool ab_All, std::int16_t ai_Command);
+  /// Asks the selected unit, or all active ones that are read by radio, for readings that their raw files lack.
+  bool Repair(bool ab_All);
+  /// The same with these units (positions from 1), for gaps that end behind `av_Since`.
+  bool RepairUnits(const std::vector<std::int64_t>& av_Units, DateTime av_Since);
   bool TestPort(std::int16_t ai_Index);
   bool FindPort(std::int16_t ai_Index);
   /// Sends what is typed in the direct terminal; opens it first where it does not listen.

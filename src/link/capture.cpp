@@ -1,5 +1,6 @@
 #include "link/capture.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/file_numbers.h"
@@ -141,7 +142,7 @@ void DownloadCapture::TakeReading() {
     Abort("No SaveToFile - incorrect date>" + std::string(line_.items_text));
     return;
   }
-  if (p_.download.Gap && *when >= p_.download.Gap->to) return EndBehindGap();
+  if (p_.download.Gap && *when >= p_.download.Gap->to) return EndBehindGap(*when);
   const bool traced = p_.trace.TracesDecisions();
   if (traced) TraceItems("SaveToFile LineCount:" + std::to_string(p_.link.LineCount) + ">");
   if (*when <= p_.download.LastDate) {
@@ -157,8 +158,13 @@ void DownloadCapture::TakeReading() {
   if (p_.form.Chk_ShowReply.ticked()) ShowProgress(*when);
 }
 
-void DownloadCapture::EndBehindGap() {
+void DownloadCapture::EndBehindGap(DateTime av_When) {
   TraceItems("Behind the gap: ");
+  // A date that cannot be right says nothing about where the unit has got to.
+  if (av_When - std::max(p_.loop.Now(), p_.download.Gap->to) > kFarAhead) {
+    ++p_.download.Tally.rejected;
+    return;
+  }
   CloseOutputFile();
   if (p_.link.HalvexError) return;
   p_.download.Gap->reached_the_end = true;

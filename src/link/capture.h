@@ -63,7 +63,7 @@ class DownloadCapture {
   void CompareWithHeader();
   void TakeReading();
   /// A reading from behind the gap has come: the download has brought what it was to bring.
-  void EndBehindGap();
+  void EndBehindGap(DateTime av_When);
   /// Stops the unit; nothing that it still sends is looked at.
   void EndEarly();
   [[nodiscard]] bool StoreReading();

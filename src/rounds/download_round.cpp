@@ -33,6 +33,17 @@ void DownloadRound::RadioRound(bool ab_All) {
   p_.backup.DoBackup();
 }
 
+void DownloadRound::AfterRepair(const std::vector<std::int64_t>& av_Units,
+                                const std::function<void(std::int64_t)>& av_Select) {
+  p_.conversion.ResetCounters();
+  for (const std::int64_t unit : av_Units) {
+    if (!p_.link.ContinueOk()) return;
+    av_Select(unit);
+    p_.conversion.ConvertAllUnits(false, kFromRadio, kAny);
+    if (!p_.form.Chk_ManualFTP.ticked()) SendEverything(false, kFromRadio);
+  }
+}
+
 void DownloadRound::HandHeldRound(bool ab_All) {
   p_.sessions.ProcessAllUnits(ab_All, kFromHandHeld, kDownload);
   if (!p_.link.ContinueOk()) return p_.backup.LeaveOut();

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <vector>
 
 #include "rounds/backup.h"
 #include "rounds/batch_conversion.h"
@@ -33,6 +35,8 @@ class DownloadRound {
   void DownloadAllUnits(bool ab_All, std::int16_t ai_Mode);
   /// Fetches from one source (3 FTP, 4 web data) and converts what came when it is raw. **Yields.**
   void FetchAndConvert(bool ab_All, std::int32_t al_Source);
+  /// Converts and sends the files of units in which a repair has filled gaps; `av_Select` selects one. **Yields.**
+  void AfterRepair(const std::vector<std::int64_t>& av_Units, const std::function<void(std::int64_t)>& av_Select);
 
  private:
   void RadioRound(bool ab_All);
