@@ -142,7 +142,7 @@ class Telling {
       event.sentence = SentenceOf(event);
       events.push_back(std::move(event));
     }
-    if (DigestIsDue(standing_, view_.digest_at, status_.now)) events.push_back(Digest());
+    if (view_.known && DigestIsDue(standing_, view_.digest_at, status_.now)) events.push_back(Digest());
     if (view_.round_ended) events.push_back(Round());
     return events;
   }
@@ -267,10 +267,12 @@ class Look {
 
   AlertStep Run() {
     ForgetTheFuture();
-    SettleNetwork();
-    SettleRelays();
-    for (const UnitStatus& unit : status_.units) {
-      if (IsWatched(unit) && !unit.silenced) SettleUnit(unit);
+    Settle(kHistory, 0, "", !view_.history_problem.empty(), view_.round_ended);
+    if (view_.known) {
+      SettleNetwork();
+      SettleUnits();
+    } else {
+      for (const auto& [key, record] : records_) settled_.insert(key);
     }
     std::erase_if(records_, [this](const auto& each) { return settled_.find(each.first) == settled_.end(); });
     AlertStep step = step_.Take();
@@ -316,7 +318,6 @@ class Look {
   void SettleNetwork() {
     const bool ended = view_.round_ended;
     Settle(kNobodyCollects, 0, "", !status_.nobody_collects.empty(), ended);
-    Settle(kHistory, 0, "", !view_.history_problem.empty(), ended);
     // Between rounds the last one says nothing new; who ends a round by hand knows of it.
     if (ended) {
       Settle(kRound, 0, "", status_.last.automatic && !status_.last.ending.empty(), true);
@@ -350,6 +351,13 @@ class Look {
       Settle(kSilent, 0, name, down, relay.answered);
       const auto record = records_.find(Key(kSilent, 0, name));
       if (record != records_.end() && record->second.good_rounds < kGoodRounds) down_.insert(name);
+    }
+  }
+
+  void SettleUnits() {
+    SettleRelays();
+    for (const UnitStatus& unit : status_.units) {
+      if (IsWatched(unit) && !unit.silenced) SettleUnit(unit);
     }
   }
 

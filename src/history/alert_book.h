@@ -59,7 +59,8 @@ struct AlertView {
   const NetworkStatus& status;                 ///< must outlive the events that are made of it
   std::string history_problem;                 ///< why the history cannot be written; empty when it can
   std::optional<std::int64_t> digest_at = {};  ///< seconds behind local midnight; none: no digest
-  bool round_ended = false;                    ///< `status.last` has ended since the last look
+  bool known = true;         ///< false: the history cannot be read, and `status` holds no more than the time
+  bool round_ended = false;  ///< `status.last` has ended since the last look
 };
 
 /// The alerts behind a step: those that stand, and the records that have to be written. `cleared` is set in those that

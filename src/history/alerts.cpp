@@ -35,7 +35,16 @@ bool Alerts::SwitchedOn() const {
 void Alerts::AfterRound(const NetworkStatus& av_Status) {
   if (!SwitchedOn()) return;
   held_ = false;
-  LookAt(av_Status);
+  LookAt(av_Status, true);
+}
+
+void Alerts::AfterRoundInTheDark() {
+  if (!SwitchedOn()) return;
+  held_ = false;
+  NetworkStatus status;
+  status.now = p_.loop.NowUtc();
+  status.sentence = "How the network stands is not known";
+  LookAt(status, false);
 }
 
 void Alerts::OnHeartbeat() {
@@ -50,7 +59,7 @@ void Alerts::OnHeartbeat() {
   if (!status) return;
   // A round of a former run is no news.
   if (last_round_ == kNoRound) last_round_ = status->last.key;
-  LookAt(*status);
+  LookAt(*status, true);
 }
 
 bool Alerts::RoundHasEnded(const NetworkStatus& av_Status) const {
@@ -59,14 +68,16 @@ bool Alerts::RoundHasEnded(const NetworkStatus& av_Status) const {
   return last_round_ != kNoRound || av_Status.now - round.ended <= kJustNow;
 }
 
-void Alerts::LookAt(const NetworkStatus& av_Status) {
+void Alerts::LookAt(const NetworkStatus& av_Status, bool ab_Known) {
   if (p_.runner->Running()) {
     waiting_ = av_Status;
+    waiting_is_known_ = ab_Known;
     return;
   }
-  if (!std::exchange(read_, true)) standing_ = read_records();
-  const AlertView view{av_Status, history_problem(), ReadNetworkSettings(p_.form).digest_at, RoundHasEnded(av_Status)};
-  last_round_ = av_Status.last.key;
+  if (ab_Known && !std::exchange(read_, true)) standing_ = read_records();
+  const AlertView view{av_Status, history_problem(), ReadNetworkSettings(p_.form).digest_at, ab_Known,
+                       RoundHasEnded(av_Status)};
+  if (ab_Known) last_round_ = av_Status.last.key;
   AlertStep step = LookAtAlerts(standing_, view);
   const std::vector<AlertEvent> events = std::move(step.events);
   Take(std::move(step));
@@ -99,7 +110,7 @@ void Alerts::OnEnd(const CommandEnding& av_Ending) {
   }
   if (!waiting_) return;
   const NetworkStatus status = *std::exchange(waiting_, std::nullopt);
-  if (SwitchedOn()) LookAt(status);
+  if (SwitchedOn()) LookAt(status, waiting_is_known_);
 }
 
 void Alerts::LogOutput(const std::string& as_Output) {

@@ -37,6 +37,8 @@ class Alerts {
 
   /// Tells what a round has changed.
   void AfterRound(const NetworkStatus& av_Status);
+  /// The same, where the history cannot be read: tells that.
+  void AfterRoundInTheDark();
   /// Looks now and then, between rounds: for a digest, what has to be told again, and whether anybody collects.
   ///
   /// To be called with each heartbeat, by a program that stays; the first call looks at once, so that a program that
@@ -58,7 +60,7 @@ class Alerts {
 
   [[nodiscard]] bool SwitchedOn() const;
   [[nodiscard]] bool RoundHasEnded(const NetworkStatus& av_Status) const;
-  void LookAt(const NetworkStatus& av_Status);
+  void LookAt(const NetworkStatus& av_Status, bool ab_Known);
   void Take(AlertStep&& av_Step);
   void Tell(const std::vector<AlertEvent>& av_Events, const NetworkStatus& av_Status);
   void OnEnd(const CommandEnding& av_Ending);
@@ -69,6 +71,7 @@ class Alerts {
   bool read_ = false;                     ///< what stands in the history is known
   std::vector<AlertRecord> told_;         ///< by the command that runs
   std::optional<NetworkStatus> waiting_;  ///< what is to be looked at when the command has ended
+  bool waiting_is_known_ = false;         ///< whether it holds more than the time
   std::int64_t last_round_ = kNoRound;    ///< that was looked at
   std::int64_t next_look_ = 0;            ///< monotonic milliseconds
   bool held_ = false;                     ///< a command has failed: nothing before `next_look_` or a round's end

@@ -69,6 +69,7 @@ std::optional<DateTime> Schedule::DueTime() const {
 }
 
 void Schedule::HeartbeatTick() {
+  if (on_heartbeat) on_heartbeat();
   p_.form.Lbl_Now.SetText(FormatDate(p_.loop.Now(), TicksEverySecond() ? "d mmm yyyy HH:MM:SS" : kShownDatePattern));
   p_.form.Lbl_Now.Repaint();
   if (p_.form.Chk_Automatic.ticked() && !Held()) {

@@ -55,6 +55,8 @@ class Schedule {
 
   /// Runs the download of all units as an automatic run; set by the composition root. **Yields.**
   std::function<void()> start_download;
+  /// Called with each heartbeat, before the schedule is checked; set by the composition root.
+  std::function<void()> on_heartbeat;
 
  private:
   /// The next download time; none when its label holds no date.

@@ -68,7 +68,7 @@ std::string Summary(const std::vector<AlertEvent>& events) {
 struct Step {
   std::int64_t minutes;     ///< since the last
   std::string letters;      ///< of the units; behind a blank: "n" nobody collects, "e" ended early, "." no round ended,
-                            ///< "!" the command fails, "w" the history cannot be written
+                            ///< "!" the command fails, "w" the history cannot be written, "u" nor read
   const char* events = "";  ///< that are told
 };
 struct Story {
@@ -137,7 +137,8 @@ const Story kStories[] = {
       {60, "fff ."},
       {60, "fff"},
       {60, "fff", "cleared nobody collects"}}},
-    {"the history", {{0, "fff w", "raised history"}, {60, "fff"}, {60, "fff", "cleared history"}}},
+    {"the history",
+     {{0, "ffs", "raised silent C"}, {60, "fff wu.", "raised history"}, {60, "ffs"}, {60, "ffs", "cleared history"}}},
     {"a digest a day, whatever is wrong; late when nobody looked in time",
      {{0, "fff ."},
       {60, "fff .", "digest"},
@@ -165,7 +166,7 @@ TEST(AlertBook, TellsOnceWhatIsWrong) {
       NetworkStatus status = StatusAt(now, step.letters, has('.') ? round : ++round);
       if (has('n')) status.nobody_collects = "no program";
       if (has('e')) status.last.ending = "no port";
-      const AlertView view{status, has('w') ? "disk" : "", story.digest_at, !has('.')};
+      const AlertView view{status, has('w') ? "disk" : "", story.digest_at, !has('u'), !has('.')};
       AlertStep look = LookAtAlerts(standing, view);
       standing = look.standing;
       const auto& events = look.events;
