@@ -136,12 +136,21 @@ void ReadRounds(Database& database, std::int64_t count, HistoryContents& content
   }
 }
 
+void ReadLists(Database& database, HistoryContents& contents) {
+  ReadAll(database, "FROM unit ORDER BY key", contents.units);
+  ReadAll(database, "FROM delivery ORDER BY unit, target", contents.deliveries);
+  ReadAll(database, "FROM alert WHERE cleared = 0 ORDER BY cause, unit, subject", contents.alerts);
+  ReadAll(database, "FROM note ORDER BY unit", contents.notes);
+  std::vector<NetworkRecord> networks;
+  ReadAll(database, "FROM network", networks);
+  if (!networks.empty()) contents.network = std::move(networks.front());
+}
+
 void ReadContents(Database& database, const HistoryQuery& query, HistoryContents& contents) {
   const Snapshot snapshot(database);
-  ReadAll(database, "FROM unit ORDER BY key", contents.units);
+  if (query.lists) ReadLists(database, contents);
   ReadContacts(database, query, contents.contacts);
-  ReadRounds(database, query.rounds, contents);
-  ReadAll(database, "FROM delivery ORDER BY unit, target", contents.deliveries);
+  if (query.lists) ReadRounds(database, query.rounds, contents);
   if (query.days_since) {
     ReadOf(database, query.unit, kDaysOfAll, kDaysOfUnit, {query.days_since->seconds()}, contents.days);
   }
@@ -149,11 +158,6 @@ void ReadContents(Database& database, const HistoryQuery& query, HistoryContents
   if (query.scans) {
     ReadOf(database, query.unit, "FROM scan ORDER BY unit", "FROM scan WHERE unit = ?", {}, contents.scans);
   }
-  ReadAll(database, "FROM alert WHERE cleared = 0 ORDER BY cause, unit, subject", contents.alerts);
-  ReadAll(database, "FROM note ORDER BY unit", contents.notes);
-  std::vector<NetworkRecord> networks;
-  ReadAll(database, "FROM network", networks);
-  if (!networks.empty()) contents.network = std::move(networks.front());
 }
 
 void RunWith(Database& database, const std::string& sql, std::initializer_list<std::int64_t> values) {

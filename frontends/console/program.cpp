@@ -20,6 +20,7 @@
 #include "desktop/terminal.h"
 #include "posix/posix_loop.h"
 #include "serial/termios_port.h"
+#include "sqlite/sqlite_history_store.h"
 #include "status_command.h"
 #include "zip/libzip_component.h"
 
@@ -101,7 +102,16 @@ class Program {
         dialogs_(output_, loop_, kStandardInput, WhoAnswers(options)),
         internet_(loop_),
         zip_(loop_),
-        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}, PosixShell::ProgramDate()}, folder_),
+        app_(Platform{loop_,
+                      port_,
+                      shell_,
+                      dialogs_,
+                      internet_,
+                      zip_,
+                      {},
+                      PosixShell::ProgramDate(),
+                      OnlyReads(options.command) ? nullptr : &history_},
+             folder_),
         view_(app_.form(), loop_, output_, options.verbose) {}
 
   int Run() {
@@ -180,6 +190,7 @@ class Program {
   ConsoleDialogs dialogs_;
   CurlInternetClient internet_;
   LibzipComponent zip_;
+  SqliteHistoryStore history_;
   Application app_;
   ConsoleView view_;
   int signal_ = 0;  ///< the first that asked the program to end

@@ -29,6 +29,7 @@
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
+#include "sqlite/sqlite_history_store.h"
 #include "window/main_window.h"
 #include "window/toolkit_messages.h"
 #include "zip/libzip_component.h"
@@ -85,9 +86,10 @@ class Program {
       return Refuse(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running" : locked.text());
     }
     ProvideLanguageFile(folder_);
-    app_ = std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, internet_, zip_,
-                                                  FindHelp(shell_.ProgramFolder()), PosixShell::ProgramDate()},
-                                         folder_);
+    app_ =
+        std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, internet_, zip_,
+                                               FindHelp(shell_.ProgramFolder()), PosixShell::ProgramDate(), &history_},
+                                      folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {
@@ -205,6 +207,7 @@ class Program {
   QtDialogs dialogs_;
   CurlInternetClient internet_;
   LibzipComponent zip_;
+  SqliteHistoryStore history_;
   SignalWatch signals_{loop_};
   std::unique_ptr<Application> app_;
   std::unique_ptr<MainWindow> window_;

@@ -6,6 +6,7 @@
 
 #include "app/commands_assembly.h"
 #include "app/data_assembly.h"
+#include "app/history_assembly.h"
 #include "app/life_cycle.h"
 #include "app/link_assembly.h"
 #include "app/platform.h"
@@ -46,6 +47,8 @@ class Application {
   [[nodiscard]] const std::vector<TransferResult>& transfer_results() const { return transfer_rounds_.results.All(); }
   /// What became of the gaps that the present or last operation has asked for, in order.
   [[nodiscard]] const std::vector<RepairResult>& repair_results() const { return rounds_.repair.Results(); }
+  /// What happened, as far as it is kept.
+  [[nodiscard]] History& history() { return history_.history; }
   [[nodiscard]] FileTransfer& file_transfer() { return transfer_rounds_.file_transfer; }
   /// What became of the recovery copy of the settings.
   [[nodiscard]] RecoveryState recovery() const { return settings_.store.recovery(); }
@@ -70,6 +73,7 @@ class Application {
   LinkAssembly link_;
   TransferAssembly transfer_;
   TransferRoundsAssembly transfer_rounds_;
+  HistoryAssembly history_;
   RoundsAssembly rounds_;
   SettingsAssembly settings_;
   CommandsAssembly commands_;

@@ -7,7 +7,7 @@ CommandsAssembly::CommandsAssembly(const Parts& av_Parts)
                   av_Parts.report.trace}),
       units({av_Parts.state.form, av_Parts.state.registry, av_Parts.state.flags, av_Parts.editors.units, operations,
              av_Parts.rounds.sessions, av_Parts.rounds.round, av_Parts.rounds.repair, av_Parts.rounds.finder,
-             av_Parts.link.terminal, av_Parts.machine.dialogs}),
+             av_Parts.history.journal, av_Parts.link.terminal, av_Parts.machine.dialogs}),
       conversion({av_Parts.state.flags, av_Parts.state.names, operations, av_Parts.rounds.units_conversion,
                   av_Parts.rounds.selected_conversion, av_Parts.data.hex, av_Parts.machine.dialogs,
                   av_Parts.report.trace}),

@@ -5,6 +5,7 @@
 #include "app/conversion_commands.h"
 #include "app/field_bindings.h"
 #include "app/file_commands.h"
+#include "app/history_assembly.h"
 #include "app/operations.h"
 #include "app/registry_commands.h"
 #include "app/remote_commands.h"
@@ -28,6 +29,7 @@ struct CommandsAssembly {
     LinkAssembly& link;
     TransferAssembly& transfer;
     TransferRoundsAssembly& transfer_rounds;
+    HistoryAssembly& history;
     RoundsAssembly& rounds;
     SettingsAssembly& settings;
   };

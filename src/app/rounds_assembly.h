@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/data_assembly.h"
+#include "app/history_assembly.h"
 #include "app/link_assembly.h"
 #include "app/platform.h"
 #include "app/report_assembly.h"
@@ -33,6 +34,7 @@ struct RoundsAssembly {
     DataAssembly& data;
     LinkAssembly& link;
     TransferRoundsAssembly& transfers;
+    HistoryAssembly& history;
   };
   explicit RoundsAssembly(const Parts& av_Parts);
 
@@ -44,7 +46,6 @@ struct RoundsAssembly {
   CommandQuestions questions;
   Sessions sessions;
   DownloadRound round;
-  History history;
   GapExchange gap_exchange;
   UnitGaps gaps;
   GapRepair repair;

@@ -12,15 +12,17 @@ bool UnitCommands::DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automa
 }
 
 bool UnitCommands::DownloadOnly(std::int32_t al_ConnectionType) {
-  return p_.operations.RunOperation("Download",
-                                    [&] { p_.sessions.ProcessAllUnits(true, al_ConnectionType, kDownload); });
+  return p_.operations.RunOperation("Download", [&] {
+    p_.journal.Run(RoundKind::Download, true, [&] { p_.sessions.ProcessAllUnits(true, al_ConnectionType, kDownload); });
+  });
 }
 
 bool UnitCommands::Process(bool ab_All, std::int16_t ai_Command) {
   return p_.operations.RunOperation(CommandOf(ai_Command).name, [&] {
     const std::int64_t selected = p_.units.Selected();
     const bool by_radio = ab_All || !p_.registry.Units.Has(selected);
-    p_.sessions.ProcessAllUnits(ab_All, by_radio ? kFromRadio : p_.registry.Units[selected].GetFrom, ai_Command);
+    const std::int32_t from = by_radio ? kFromRadio : p_.registry.Units[selected].GetFrom;
+    p_.journal.Run(RoundKind::Command, ab_All, [&] { p_.sessions.ProcessAllUnits(ab_All, from, ai_Command); });
   });
 }
 

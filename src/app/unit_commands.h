@@ -11,6 +11,7 @@
 #include "rounds/download_round.h"
 #include "rounds/gap_repair.h"
 #include "rounds/port_finder.h"
+#include "rounds/round_journal.h"
 #include "rounds/sessions.h"
 
 namespace corvane {
@@ -31,6 +32,7 @@ class UnitCommands {
     DownloadRound& round;
     GapRepair& repair;
     PortFinder& finder;
+    RoundJournal& journal;
     DirectTerminal& terminal;
     Dialogs& dialogs;
   };

@@ -26,6 +26,7 @@ bool WindowCreation::Run() {
   p_.files.RefreshFileListBox();
   p_.form.Chk_RunAtStartup.SetTicked(p_.run_at_startup.LookAtEntry());
   p_.states.UpdateCommandStates();
+  p_.watch.Open();
   return true;
 }
 

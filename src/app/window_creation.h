@@ -11,6 +11,7 @@
 #include "lang/captioned_window.h"
 #include "lang/language.h"
 #include "registry/editors.h"
+#include "rounds/network_watch.h"
 #include "state/command_states.h"
 #include "state/run_flags.h"
 #include "ui/progress_bar.h"
@@ -32,6 +33,7 @@ class WindowCreation {
     LocalFiles& files;
     CLanguage& language;
     RunAtStartup& run_at_startup;
+    NetworkWatch& watch;
     ProgressBars& bars;
   };
   explicit WindowCreation(const Parts& av_Parts) : p_(av_Parts) {}

@@ -15,6 +15,7 @@ bool WindowRelease::Run() {
     p_.summary.WriteSummary();
   }
   p_.port.ClosePort();
+  p_.watch.Close();
   p_.trace.CloseLog();
   return saved;
 }

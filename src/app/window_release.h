@@ -7,6 +7,7 @@
 #include "link/port_link.h"
 #include "link/schedule.h"
 #include "registry/editors.h"
+#include "rounds/network_watch.h"
 #include "state/run_flags.h"
 #include "trace/summary.h"
 #include "trace/trace.h"
@@ -27,6 +28,7 @@ class WindowRelease {
     LinkWriter& writer;
     DownloadCapture& capture;
     Schedule& schedule;
+    NetworkWatch& watch;
     DownloadSummary& summary;
     Trace& trace;
   };

@@ -19,6 +19,7 @@ void RawConversion::Convert(std::int64_t al_Unit, const std::string& as_RawFile)
   const std::int64_t errors_before = flags_.error_counter;
   const bool finished = converter_.ConvertToCalibrated(as_RawFile);
   results_.push_back({al_Unit, converter_.Readings(), flags_.error_counter - errors_before});
+  if (on_converted) on_converted(results_.back(), as_RawFile);
   if (!finished || flags_.error_counter > errors_before) ++flags_.problems;
 }
 

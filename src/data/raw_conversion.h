@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,6 +38,9 @@ class RawConversion {
   [[nodiscard]] const std::vector<ConversionResult>& Results() const { return results_; }
   /// Forgets them: an operation begins.
   void ClearResults() { results_.clear(); }
+
+  /// A raw file was converted, or could not be; set by the composition root.
+  std::function<void(const ConversionResult& av_Result, const std::string& as_RawFile)> on_converted;
 
  private:
   RunFlags& flags_;

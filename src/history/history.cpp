@@ -12,8 +12,8 @@ namespace {
 constexpr std::string_view kFileName = "history.db";
 constexpr std::int64_t kHoldOff = 30'000;  ///< milliseconds without another try: each may take a tenth of a second
 constexpr std::int64_t kSecondsPerYear = 31'557'600;
-constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
 constexpr Moment kEver{1, 0};
+constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
 
 template <class Record>
 void Append(std::vector<Record>& av_To, const std::vector<Record>& av_From) {
@@ -47,6 +47,7 @@ void History::Close() {
   Flush();
   p_.store->Close();
   file_.clear();
+  problem_.clear();
 }
 
 bool History::TryAgainNow() const {
@@ -132,6 +133,7 @@ void History::Flush() {
   }
   waiting_ = {};
   dropped_ = false;
+  problem_.clear();
 }
 
 void History::Write(const HistoryContents& av_Changes) {
@@ -210,6 +212,7 @@ UnitMemory& History::WithClock(std::int64_t al_Key) {
   HistoryQuery query;
   query.unit = al_Key;
   query.contacts_since = kEver;
+  query.lists = false;
   HistoryContents former;
   if (!Read(query, former).ok()) return unit;
   unit.clock = {};
@@ -230,18 +233,20 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
   if (asked) unit->last_asked = av_Contact.at;
   if (av_Contact.outcome == Outcome::Answered) unit->last_answered = av_Contact.at;
   if (asked) change.units.push_back(*unit);
-  if (UnitMemory& memory = memory_[unit->key]; memory.clock_read) memory.clock.Take(av_Contact);
+  UnitMemory& memory = memory_[unit->key];
+  if (memory.clock_read) memory.clock.Take(av_Contact);
+  memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered;
   change.contacts.push_back(std::move(av_Contact));
   Write(change);
 }
 
-void History::NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery) {
+void History::NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery, bool ab_Arrived) {
   const std::int64_t key = KeyOf(al_Position);
   if (!Kept() || key == 0) return;
   DeliveryRecord& known = deliveries_[{key, av_Delivery.target}];
   av_Delivery.unit = key;
   av_Delivery.tried = p_.loop.NowUtc();
-  if (av_Delivery.problem.empty()) {
+  if (ab_Arrived) {
     av_Delivery.done = av_Delivery.tried;
   } else {
     av_Delivery.done = known.done;
@@ -319,8 +324,24 @@ void History::ForgetBefore(std::int64_t al_Years) {
 }
 
 Status History::Read(const HistoryQuery& av_Query, HistoryContents& av_Result) {
-  if (!IsReady()) return {HistoryStore::kBusy, "the history is not open"};
+  if (!IsReady()) return {HistoryStore::kBusy, problem_.empty() ? "no history is kept" : problem_};
   return p_.store->Read(av_Query, av_Result);
+}
+
+std::optional<NetworkStatus> History::StatusNow() {
+  const Moment now = p_.loop.NowUtc();
+  HistoryContents contents;
+  if (!IsReady()) return std::nullopt;
+  if (const Status read = Read(StatusQuery(now), contents); !read.ok()) {
+    Report(read);
+    return std::nullopt;
+  }
+  return WorkOutStatus(contents, now, Holder::Somebody);
+}
+
+void History::TellStatus() {
+  if (!after_round) return;
+  if (const auto status = StatusNow()) after_round(*status);
 }
 
 }  // namespace corvane

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/completeness.h"
@@ -26,6 +28,7 @@ struct UnitMemory {
   std::vector<GapRecord>
       gaps;  ///< that are neither filled nor a matter of the clock, and those settled since the start
   ClockBook clock;
+  bool contacted = false;   ///< the unit has answered since its raw file was scanned
   bool clock_read = false;  ///< the contacts of former times are in the clock book
 };
 
@@ -56,6 +59,9 @@ class History {
   /// True between `Open` and `Close`, also while the file cannot be used.
   [[nodiscard]] bool Kept() const { return !file_.empty(); }
 
+  /// True when the file is open, or could be opened now; behind a failure it is left alone for half a minute.
+  [[nodiscard]] bool IsReady();
+
   /// A round begins; units are followed first. One that never ended is left as it is.
   void BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All);
   /// The round ends as `av_Counts` says: asked, answered, stored, problems, ending.
@@ -64,20 +70,26 @@ class History {
   [[nodiscard]] const RoundRecord& Round() const { return round_; }
   /// Works out how the network stands and hands it to `after_round`.
   void TellStatus();
+  /// How the network stands now; none when the history cannot be read.
+  [[nodiscard]] std::optional<NetworkStatus> StatusNow();
+  /// Why the history cannot be written; empty when it can, or when none is kept.
+  [[nodiscard]] const std::string& Problem() const { return problem_; }
 
   /// Follows the list of units: names, clients, new and deleted ones.
   void FollowUnits();
   /// The key of a unit, 0 when it has none.
   [[nodiscard]] std::int64_t KeyOf(std::int64_t al_Position) const { return units_.KeyOf(al_Position); }
+  /// So many units are in the list.
+  [[nodiscard]] std::int64_t Positions() const { return p_.registry.Units.count(); }
   /// What is known of the unit of a key.
   [[nodiscard]] UnitMemory& Of(std::int64_t al_Key) { return memory_[al_Key]; }
-  /// The same, its contacts of former times included.
+  /// The same, with its contacts of former times in the clock book.
   [[nodiscard]] UnitMemory& WithClock(std::int64_t al_Key);
 
   /// What the round that runs had to do with a unit; replaces what it has noted of it before. `at` is now.
   void NoteContact(std::int64_t al_Position, ContactRecord av_Contact);
-  /// What became of a unit's file; `tried` is now, and so is `done` when there was no problem.
-  void NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery);
+  /// What became of a unit's file; `tried` is now, and so is `done` when it got there.
+  void NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery, bool ab_Arrived);
   /// New states, tries or parts of gaps of a unit, as a repair has found them; `changed` is now.
   void NoteGaps(std::int64_t al_Position, const std::vector<GapRecord>& av_Gaps);
   /// What a scan has found of the unit of a key, and what its gaps are now; false when it could not be written: then
@@ -101,7 +113,6 @@ class History {
   std::function<void(const NetworkStatus&)> after_round;
 
  private:
-  [[nodiscard]] bool IsReady();
   Status OpenStore();
   void Adopt(const HistoryContents& av_Stored);
   /// Begins a file anew that turned out to be damaged, with all that is known.
@@ -122,8 +133,9 @@ class History {
   std::int64_t last_round_ = 0;                                           ///< key
   bool keys_are_known_ = false;                                           ///< the file was open once: keys are its own
   HistoryContents waiting_;                                               ///< to be written
-  bool reported_ = false;                                                 ///< a failure, in this round
-  bool dropped_ = false;                                                  ///< records were lost, which was told
+  std::string problem_;
+  bool reported_ = false;      ///< a failure, in this round
+  bool dropped_ = false;       ///< records were lost, which was told
   std::int64_t next_try_ = 0;  ///< monotonic milliseconds: not before, behind a failure
   Moment forgotten_;           ///< when something was forgotten last
 };

@@ -54,6 +54,7 @@ void DownloadCapture::AcceptHeader() {
   TraceItems("HEADER> ");
   if (RefuseOtherUnit()) return;
   p_.download.HeaderLine = line_.items_text;
+  p_.download.HeaderTime = p_.loop.Now();
   p_.download.FramedHeader = p_.link.ReplyLine;
   p_.form.Lbl_HeaderLine.SetText(p_.download.HeaderLine);
   const std::int64_t fixed = LeadingInteger(line_.items[2]);
@@ -231,6 +232,7 @@ bool DownloadCapture::TakeFutureReading(DateTime av_When) {
   if (!held && (p_.download.ClockDoubtful || av_When - p_.loop.Now() <= kFarAhead)) return false;
   if (held || KeepBadLine(BadLines::kFutureDate, line_.items_text)) {
     ++p_.download.Tally.arrived;
+    ++p_.download.Tally.kept_aside;
   } else {
     Abort("The reading is in the future and cannot be kept aside>" + std::string(line_.items_text));
   }

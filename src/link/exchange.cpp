@@ -101,6 +101,7 @@ void Exchange::SendLine(std::string_view as_Line) {
 }
 
 void Exchange::SendCommand(std::string_view as_Line) {
+  p_.link.SendTime = p_.loop.MonotonicMilliseconds();
   SendLine(as_Line);
   p_.timer.RestartReplyTimer();
 }

@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// What to read of a history. Units, deliveries, alerts that stand, notes and the network are always read whole.
+/// What to read of a history.
 struct HistoryQuery {
   std::int64_t unit = 0;               ///< only this one; 0 all
   Moment contacts_since;               ///< contacts from then on, and the rounds that they belong to
@@ -18,6 +18,7 @@ struct HistoryQuery {
   std::optional<DateTime> days_since;  ///< days from then on; none: no days
   bool gaps = false;                   ///< all that are neither filled nor a matter of the clock
   bool scans = false;
+  bool lists = true;  ///< units, deliveries, alerts that stand, notes and the network, all of each, and the rounds
 };
 
 /// The file that holds the history. Calls return at once but for the disk, and wait at most 100 ms for another program.

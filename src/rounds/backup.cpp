@@ -39,7 +39,7 @@ std::string Backup::FolderFor(std::int64_t al_Unit) const {
 bool Backup::BackUpUnit(std::int64_t al_Unit) {
   const std::string folder = FolderFor(al_Unit);
   if (!EnsureFolder(folder, p_.messages)) {
-    p_.results.Keep(al_Unit, folder, "the folder cannot be created");
+    p_.results.Keep({al_Unit, Target::Backup, "", folder, "the folder cannot be created"});
     return false;
   }
   const auto unit = static_cast<std::int32_t>(al_Unit);
@@ -47,11 +47,10 @@ bool Backup::BackUpUnit(std::int64_t al_Unit) {
   const std::string archive =
       folder + WithExtension(p_.names.DataFileShortName(unit, calibrated), Archiver::kExtension);
   const std::int16_t result = p_.archiver.Zip(p_.names.DataFileName(unit, calibrated), archive, "Zip: " + archive);
-  if (result == kZipFilesSkipped) {
-    p_.results.KeepNothing(al_Unit, archive);
-  } else {
-    p_.results.Keep(al_Unit, archive, p_.archiver.WhyNotPacked(result));
-  }
+  // A unit that has no file yet is nobody's fault.
+  const bool nothing = result == kZipFilesSkipped;
+  const std::string problem = nothing ? "" : p_.archiver.WhyNotPacked(result);
+  p_.results.Keep({al_Unit, Target::Backup, archive, archive, problem, nothing});
   return true;
 }
 

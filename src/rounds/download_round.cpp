@@ -3,7 +3,12 @@
 #include "base/format.h"
 
 namespace corvane {
+
 void DownloadRound::DownloadAllUnits(bool ab_All, std::int16_t ai_Mode) {
+  p_.journal.Run(RoundKind::Download, ab_All, [&] { RunMode(ab_All, ai_Mode); });
+}
+
+void DownloadRound::RunMode(bool ab_All, std::int16_t ai_Mode) {
   p_.conversion.ResetCounters();
   if (ab_All) {
     for (const std::string& sentence : p_.names.SharedRawFiles(true)) p_.trace.Status(sentence);
@@ -67,7 +72,9 @@ void DownloadRound::FetchEverything(bool ab_All) {
 }
 
 void DownloadRound::FetchAndConvert(bool ab_All, std::int32_t al_Source) {
-  if (p_.transfers.FetchAllUnits(ab_All, al_Source)) ConvertFetched(ab_All, al_Source);
+  p_.journal.Run(RoundKind::Fetch, ab_All, [&] {
+    if (p_.transfers.FetchAllUnits(ab_All, al_Source)) ConvertFetched(ab_All, al_Source);
+  });
 }
 
 void DownloadRound::ConvertFetched(bool ab_All, std::int32_t al_Source) {

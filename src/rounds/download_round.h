@@ -6,6 +6,7 @@
 
 #include "rounds/backup.h"
 #include "rounds/batch_conversion.h"
+#include "rounds/round_journal.h"
 #include "rounds/sessions.h"
 #include "rounds/transfer_round.h"
 
@@ -27,6 +28,7 @@ class DownloadRound {
     Backup& backup;
     Schedule& schedule;
     const FileNames& names;
+    RoundJournal& journal;
     Trace& trace;
   };
   explicit DownloadRound(const Parts& av_Parts) : p_(av_Parts) {}
@@ -39,6 +41,7 @@ class DownloadRound {
   void AfterRepair(const std::vector<std::int64_t>& av_Units, const std::function<void(std::int64_t)>& av_Select);
 
  private:
+  void RunMode(bool ab_All, std::int16_t ai_Mode);
   void RadioRound(bool ab_All);
   void HandHeldRound(bool ab_All);
   void CurrentUnitRound();

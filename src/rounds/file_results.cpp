@@ -4,22 +4,21 @@
 
 namespace corvane {
 
-void FileResults::Keep(std::int64_t al_Unit, const std::string& as_File, const std::string& as_Problem) {
-  results_.push_back({al_Unit, as_File, as_Problem});
-  if (as_Problem.empty()) {
+void FileResults::Keep(const TransferResult& av_Result) {
+  results_.push_back(av_Result);
+  if (on_kept) on_kept(av_Result);
+  if (av_Result.nothing) return;
+  const std::int64_t unit = av_Result.unit;
+  if (av_Result.problem.empty()) {
     // The sign of a radio exchange stays; one that a transfer has set is over with the next that goes well.
-    if (marked_.erase(al_Unit) > 0) form_.Lst_Units.SetMark(al_Unit - 1, RowMark::Well);
+    if (marked_.erase(unit) > 0) form_.Lst_Units.SetMark(unit - 1, RowMark::Well);
     return;
   }
   ++flags_.problems;
-  trace_.LogWrite("Not done: " + as_File + ": " + as_Problem);
+  trace_.LogWrite("Not done: " + av_Result.file + ": " + av_Result.problem);
   if (Cancelled(link_, flags_)) return;
-  form_.Lst_Units.SetMark(al_Unit - 1, RowMark::Problem);
-  marked_.insert(al_Unit);
-}
-
-void FileResults::KeepNothing(std::int64_t al_Unit, const std::string& as_File) {
-  results_.push_back({al_Unit, as_File, "", true});
+  form_.Lst_Units.SetMark(unit - 1, RowMark::Problem);
+  marked_.insert(unit);
 }
 
 void FileResults::LogMoved(std::string_view as_What, std::size_t al_First) const {

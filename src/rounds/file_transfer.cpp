@@ -32,10 +32,10 @@ bool FileTransfer::ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination)
   const FilePair files = NamesOf(al_Unit);
   const FilePair sent = ArchivesOf(files);
   if (ai_Destination != kToFtp) {
-    p_.results.Keep(al_Unit, sent.remote, "web data takes no files");
+    p_.results.Keep({al_Unit, Target::Server, sent.local, sent.remote, "web data takes no files"});
     return false;
   }
-  if (!MayTry(al_Unit, sent.remote)) return false;
+  if (!MayTry({al_Unit, Target::Server, sent.local, sent.remote, ""})) return false;
   std::int16_t zipped = kZipOk;
   if (p_.form.Chk_ZIPFiles.ticked()) zipped = p_.archiver.Zip(files.local, sent.local, "Zip: " + files.local);
   bool well = false;
@@ -47,16 +47,17 @@ bool FileTransfer::ZipAndSend(std::int64_t al_Unit, std::int16_t ai_Destination)
   const std::string missing_file = ExamineFile(files.local) ? sent.local : files.local;
   if (missing) p_.trace.Status("Not sent, there is no file " + missing_file);
   // An archive that could not be made anew goes out as it was; that is no success either.
-  p_.results.Keep(al_Unit, sent.remote,
-                  well      ? p_.archiver.WhyNotPacked(zipped)
-                  : missing ? "there is no file " + missing_file
-                            : WhyFailed());
+  p_.results.Keep({al_Unit, Target::Server, sent.local, sent.remote,
+                   well      ? p_.archiver.WhyNotPacked(zipped)
+                   : missing ? "there is no file " + missing_file
+                             : WhyFailed()});
   return well;
 }
 
-bool FileTransfer::MayTry(std::int64_t al_Unit, const std::string& as_File) {
+bool FileTransfer::MayTry(TransferResult av_File) {
   if (!p_.tries.Ended()) return true;
-  p_.results.Keep(al_Unit, as_File, "not tried, the server was given up");
+  av_File.problem = "not tried, the server was given up";
+  p_.results.Keep(av_File);
   return false;
 }
 
@@ -66,9 +67,14 @@ std::string FileTransfer::WhyFailed() const {
   return text.substr(0, text.find(kLineBreak));
 }
 
+void FileTransfer::KeepFetched(std::int64_t al_Unit, const std::string& as_Problem) {
+  const std::string local = NamesOf(al_Unit).local;
+  p_.results.Keep({al_Unit, Target::Fetched, local, local, as_Problem});
+}
+
 bool FileTransfer::ReachServer(std::int64_t al_Unit) {
   if (p_.ftp.ConnectIfNotConnected()) return true;
-  p_.results.Keep(al_Unit, NamesOf(al_Unit).local, WhyFailed());
+  KeepFetched(al_Unit, WhyFailed());
   return false;
 }
 
@@ -78,7 +84,7 @@ bool FileTransfer::MayFetch(std::int64_t al_Unit) {
     const std::int32_t from = p_.registry.Units[i].GetFrom;
     if (from != kFromRadio && from != kFromHandHeld) continue;
     if (p_.names.DataFileName(i, false) != file) continue;
-    p_.results.Keep(al_Unit, NamesOf(al_Unit).local, "not fetched, another unit keeps its own readings in this file");
+    KeepFetched(al_Unit, "not fetched, another unit keeps its own readings in this file");
     return false;
   }
   return true;
@@ -88,7 +94,7 @@ bool FileTransfer::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
   if (al_Source != kFromFtp) return false;
   const FilePair files = NamesOf(al_Unit);
   const FilePair fetched = ArchivesOf(files);
-  if (!MayTry(al_Unit, files.local)) return false;
+  if (!MayTry({al_Unit, Target::Fetched, files.local, files.local, ""})) return false;
   p_.trace.Status("Receive: " + p_.ftp.Server() + ":" + fetched.remote + "->" + fetched.local);
   bool arrived = false;
   std::string problem;
@@ -98,7 +104,7 @@ bool FileTransfer::GetAndUnZip(std::int64_t al_Unit, std::int32_t al_Source) {
     problem = error.what();
   }
   if (problem.empty()) p_.form.Lst_Units.SetMark(al_Unit - 1, RowMark::Well);
-  p_.results.Keep(al_Unit, files.local, problem);
+  KeepFetched(al_Unit, problem);
   return arrived;
 }
 

@@ -72,7 +72,8 @@ class FileTransfer {
 
   [[nodiscard]] FilePair NamesOf(std::int64_t al_Unit) const;
   /// False, which is the file's result, where the step has given the server up.
-  [[nodiscard]] bool MayTry(std::int64_t al_Unit, const std::string& as_File);
+  [[nodiscard]] bool MayTry(TransferResult av_File);
+  void KeepFetched(std::int64_t al_Unit, const std::string& as_Problem);
   [[nodiscard]] FilePair ArchivesOf(const FilePair& av_Files) const;
   /// Why a transfer that just failed did.
   [[nodiscard]] std::string WhyFailed() const;

@@ -87,10 +87,11 @@ void GapRepair::Run() {
   if (std::none_of(results_.begin(), results_.end(), IsGap)) return;
   const std::int64_t selected = p_.units.Selected();
   const bool all = results_.front().unit != results_.back().unit;
-  p_.history.BeginRound(RoundKind::Repair, p_.flags.automatic_run, all);
-  AskOverPort();
-  WriteRound();
-  ConvertAndSend();
+  p_.journal.Run(RoundKind::Repair, all, [this] {
+    AskOverPort();
+    CountRound();
+    ConvertAndSend();
+  });
   p_.units.ReselectUnit(selected);
 }
 
@@ -144,7 +145,7 @@ void GapRepair::ConvertAndSend() {
   p_.round.AfterRepair(units, [this](std::int64_t unit) { p_.units.ReselectUnit(unit); });
 }
 
-void GapRepair::WriteRound() const {
+void GapRepair::CountRound() const {
   RoundRecord counts;
   std::int64_t unit = 0;
   for (const RepairResult& row : results_) {
@@ -153,7 +154,7 @@ void GapRepair::WriteRound() const {
     counts.problems += row.problem ? 1 : 0;
     unit = row.unit;
   }
-  p_.history.EndRound(counts);
+  p_.journal.Count(counts);
 }
 
 void GapRepair::Summarise() const {

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "form/form.h"
-#include "history/history.h"
 #include "link/port_link.h"
 #include "registry/unit_editor.h"
 #include "rounds/download_round.h"
 #include "rounds/gap_exchange.h"
+#include "rounds/round_journal.h"
 #include "rounds/unit_gaps.h"
 #include "state/file_names.h"
 #include "state/link_state.h"
@@ -47,7 +47,7 @@ class GapRepair {
     GapExchange& exchange;
     UnitGaps& gaps;
     DownloadRound& round;
-    History& history;
+    RoundJournal& journal;
     Trace& trace;
   };
   explicit GapRepair(const Parts& av_Parts) : p_(av_Parts) {}
@@ -79,7 +79,7 @@ class GapRepair {
   [[nodiscard]] bool AskUnit(Row av_First, Row av_End);
   void Take(RepairResult& av_Row, const GapAnswer& av_Answer);
   void ConvertAndSend();
-  void WriteRound() const;
+  void CountRound() const;
   void Summarise() const;
   void RemoveLeftOvers() const;
 

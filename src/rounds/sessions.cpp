@@ -19,7 +19,9 @@ bool Sessions::ProcessAllUnits(bool ab_All, std::int32_t al_ConnectionType, std:
   } else {
     const std::string unit = ab_All ? "" : p_.registry.Units[selected].Name;
     if (!p_.questions.ConfirmCommand(ai_Command, result, unit)) return false;
+    if (on_marked) on_marked(run.units, ai_Command);
     RunOverPort(run, al_ConnectionType, ai_Command);
+    if (on_asked) on_asked();
     result = "Finished";
   }
   p_.flags.problems += run.marked - run.attempts.well;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "form/form.h"
@@ -41,6 +42,10 @@ class Sessions {
   ///
   /// True when no unit needed more than one try, or when none ended with cancel, time-out or an error.
   bool ProcessAllUnits(bool ab_All, std::int32_t al_ConnectionType, std::int16_t ai_Command);
+
+  /// The units that are to be asked are marked, and no more of them will be asked; set by the composition root.
+  std::function<void(UnitSpan av_Units, std::int16_t ai_Command)> on_marked;
+  std::function<void()> on_asked;
 
  private:
   /// What one run counts.

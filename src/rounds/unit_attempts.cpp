@@ -26,20 +26,27 @@ std::int64_t UnitAttempts::UnitWait() const {
 }
 
 bool UnitAttempts::RunUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command, bool ab_Once) {
+  const bool goes_on = TryUnit(av_Counts, al_Index, ai_Command, ab_Once);
+  if (on_turn_over) on_turn_over(al_Index);
+  return goes_on;
+}
+
+bool UnitAttempts::TryUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command, bool ab_Once) {
   p_.form.Lbl_Try.SetText("1");
   for (std::int64_t attempt = 1;;) {
     if (!PortIsThere(av_Counts)) return false;
-    const Outcome outcome = Attempt(av_Counts, al_Index, ai_Command);
-    ShowHowItEnded(al_Index, outcome != Outcome::Well);
+    const TryEnd outcome = Attempt(av_Counts, al_Index, ai_Command);
+    if (on_try) on_try(al_Index, outcome);
+    ShowHowItEnded(al_Index, outcome != TryEnd::Well);
     if (EndsSession(av_Counts)) return false;
     const DownloadTally& brought = p_.registry.Units[al_Index].Brought;
-    if (outcome == Outcome::Well && brought.problem.empty()) ++av_Counts.well;
-    const bool last_try = outcome == Outcome::Well || ab_Once || brought.one_try_only;
+    if (outcome == TryEnd::Well && brought.problem.empty()) ++av_Counts.well;
+    const bool last_try = outcome == TryEnd::Well || ab_Once || brought.one_try_only;
     LetUnitRest();
     p_.bars.Unit.Increment();
     p_.files.RefreshFileListBox();
     if (EndsSession(av_Counts)) return false;
-    if (outcome == Outcome::Silent) return BaseStationIsThere(av_Counts, al_Index);
+    if (outcome == TryEnd::Silent) return BaseStationIsThere(av_Counts, al_Index);
     if (last_try) return true;
     p_.form.Lbl_Try.SetText(std::to_string(++attempt));
     if (static_cast<double>(attempt) > LeadingNumber(p_.form.Txt_MaxRetries.text())) return true;
@@ -51,7 +58,7 @@ void UnitAttempts::LetUnitRest() {
   p_.pauser.Pause(UnitWait());
 }
 
-UnitAttempts::Outcome UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command) {
+TryEnd UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command) {
   p_.units.ReselectUnit(al_Index);
   Unit& unit = p_.registry.Units[al_Index];
   if (unit.Tries < INT16_MAX) ++unit.Tries;
@@ -60,12 +67,12 @@ UnitAttempts::Outcome UnitAttempts::Attempt(AttemptCounts& av_Counts, std::int64
   p_.registry.Units[al_Index].Problem = goes_on && p_.link.UserCancel;
   p_.registry.Units[al_Index].Stored += p_.session.Tally().stored;
   KeepTally(p_.registry.Units[al_Index].Brought);
-  if (p_.link.UserCancel) return Outcome::Well;
+  if (p_.link.UserCancel) return TryEnd::Well;
   if (goes_on) TakeBrokenOffReply();
-  if (p_.link.Timeout) return goes_on ? PassOver(av_Counts, al_Index) : Outcome::Well;
+  if (p_.link.Timeout) return goes_on ? PassOver(av_Counts, al_Index) : TryEnd::Well;
   if (p_.link.HalvexError) return TakeError(av_Counts, al_Index);
   av_Counts.silent_in_a_row = 0;
-  return Outcome::Well;
+  return TryEnd::Well;
 }
 
 void UnitAttempts::KeepTally(DownloadTally& av_Brought) const {
@@ -84,7 +91,7 @@ void UnitAttempts::TakeBrokenOffReply() {
   p_.trace.Status(p_.link.ResultTextOf(kCancelledResult), StatusKind::Error);
 }
 
-UnitAttempts::Outcome UnitAttempts::PassOver(AttemptCounts& av_Counts, std::int64_t al_Index) {
+TryEnd UnitAttempts::PassOver(AttemptCounts& av_Counts, std::int64_t al_Index) {
   ++av_Counts.failed;
   p_.trace.TraceDecision("Timeout, so next unit");
   p_.registry.Units[al_Index].Problem = true;
@@ -92,10 +99,10 @@ UnitAttempts::Outcome UnitAttempts::PassOver(AttemptCounts& av_Counts, std::int6
   p_.link.HalvexError = false;
   av_Counts.silent_in_a_row = p_.link.DataPhase ? 0 : av_Counts.silent_in_a_row + 1;
   av_Counts.silent.push_back(al_Index);
-  return Outcome::Silent;
+  return TryEnd::Silent;
 }
 
-UnitAttempts::Outcome UnitAttempts::TakeError(AttemptCounts& av_Counts, std::int64_t al_Index) {
+TryEnd UnitAttempts::TakeError(AttemptCounts& av_Counts, std::int64_t al_Index) {
   ++av_Counts.failed;
   p_.trace.TraceDecision("HVError: " + p_.link.ResultTextOf(p_.link.ResultCode));
   p_.registry.Units[al_Index].Problem = true;
@@ -103,7 +110,7 @@ UnitAttempts::Outcome UnitAttempts::TakeError(AttemptCounts& av_Counts, std::int
   p_.link.HalvexError = false;
   // A failure on this side of the line is no answer, but one may have come before it.
   if (p_.link.ResultCode != kCommsErrorResult || p_.link.DataPhase) av_Counts.silent_in_a_row = 0;
-  return Outcome::Failed;
+  return TryEnd::Failed;
 }
 
 bool UnitAttempts::PortIsThere(AttemptCounts& av_Counts) {

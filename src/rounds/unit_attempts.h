@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "data/local_files.h"
@@ -25,6 +26,9 @@ struct AttemptCounts {
   std::vector<std::int64_t> silent;  ///< units (from 1) that were passed over because no answer came in time
   std::int64_t silent_in_a_row = 0;  ///< units since the last answer
 };
+
+/// How one try with a unit ended; a cancel, and a time-out that ends the session, count as `Well`.
+enum class TryEnd : std::uint8_t { Well, Failed, Silent };
 
 /// One command with one unit, tried again until it goes well, with the waits between.
 class UnitAttempts {
@@ -60,11 +64,15 @@ class UnitAttempts {
   /// Traces that the last unit has used up its tries, where it has.
   void TraceTries();
 
+  /// A try with a unit has ended, and the last one of its turn; set by the composition root.
+  std::function<void(std::int64_t al_Index, TryEnd ae_End)> on_try;
+  std::function<void(std::int64_t al_Index)> on_turn_over;
+
  private:
-  enum class Outcome { Well, Failed, Silent };
-  [[nodiscard]] Outcome Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command);
-  [[nodiscard]] Outcome PassOver(AttemptCounts& av_Counts, std::int64_t al_Index);
-  [[nodiscard]] Outcome TakeError(AttemptCounts& av_Counts, std::int64_t al_Index);
+  [[nodiscard]] bool TryUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command, bool ab_Once);
+  [[nodiscard]] TryEnd Attempt(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command);
+  [[nodiscard]] TryEnd PassOver(AttemptCounts& av_Counts, std::int64_t al_Index);
+  [[nodiscard]] TryEnd TakeError(AttemptCounts& av_Counts, std::int64_t al_Index);
   void TakeBrokenOffReply();
   /// True when the port is open or could be opened again.
   [[nodiscard]] bool PortIsThere(AttemptCounts& av_Counts);

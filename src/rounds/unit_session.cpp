@@ -14,6 +14,7 @@ constexpr std::string_view kStampPattern = "yymmddHHNNSS";
 
 void UnitSession::ProcessUnit(std::int16_t ai_Command) {
   p_.download.Tally = {};
+  p_.link.SendTime.reset();
   try {
     Run(ai_Command);
   } catch (const NoRawFile& error) {

@@ -13,6 +13,7 @@ struct DownloadTally {
   std::int64_t stored = 0;       ///< readings added to the raw file
   std::int64_t rejected = 0;     ///< data lines that were dropped behind an overrun
   std::int64_t passed_over = 0;  ///< lines that stand in the file of bad lines
+  std::int64_t kept_aside = 0;   ///< readings that are kept beside the raw file because their date is to come
   std::string problem;           ///< what is wrong, whichever way the command ended; empty when nothing is
   bool one_try_only = false;     ///< another try would end the same way
 

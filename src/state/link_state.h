@@ -56,11 +56,12 @@ struct LinkState {
   bool DirectListening = false;  ///< the direct terminal has the line: nothing that arrives is an answer
   std::int64_t LineCount = 0;    ///< reply lines counted for the current command
   std::int64_t LinesExpected = 0;
-  bool DataPhase = false;         ///< a reply line other than the echo has arrived since the last send
-  double CountDown = 0;           ///< seconds the reply may take
-  bool Aborted = false;           ///< an escape was sent while an answer was awaited
-  bool AbortTimedOut = false;     ///< the last time-out came behind such an escape
-  std::int64_t LastLineTime = 0;  ///< monotonic milliseconds of the last send or complete line
+  bool DataPhase = false;                ///< a reply line other than the echo has arrived since the last send
+  double CountDown = 0;                  ///< seconds the reply may take
+  bool Aborted = false;                  ///< an escape was sent while an answer was awaited
+  bool AbortTimedOut = false;            ///< the last time-out came behind such an escape
+  std::optional<std::int64_t> SendTime;  ///< monotonic milliseconds at which the present command was sent, if it was
+  std::int64_t LastLineTime = 0;         ///< monotonic milliseconds of the last send or complete line
 
   /// True when neither the user nor the count-down ended the exchange.
   // Intended: an error reply does not count here, the session tries that unit again and goes on.
@@ -91,6 +92,7 @@ struct GapDownload {
 /// The state of one download, beside the link's.
 struct DownloadState {
   std::string HeaderLine;    ///< items text of the header as last received
+  DateTime HeaderTime;       ///< when it came
   std::string FramedHeader;  ///< the same as it came, framing and checksum included
   std::int64_t ItemsPerLine = 0;
   bool SavingData = false;

@@ -16,7 +16,9 @@
 
 #include "console/control_text.h"
 #include "console/script_runner.h"
+#include "scenarios/history_texts.h"
 #include "scenarios/scenario_texts.h"
+#include "sqlite/sqlite_history_store.h"
 #include "support/small_disk.h"
 #include "support/sync_faults.h"
 #include "support/world.h"
@@ -362,6 +364,7 @@ class Scenarios : public testing::TestWithParam<ScenarioCase> {
   }
 
   const ScenarioCase& case_ = GetParam();
+  FailingStore history_;
   World world_;
   std::map<std::string, Word> words_;
   std::map<std::string, std::map<std::string, std::string>> settings_;  ///< lines by section and key
@@ -427,6 +430,11 @@ void Scenarios::AddGivens() {
     read_error = error == "EMFILE" ? EMFILE : EIO;
     failing_reads = std::stoi(count);
   });
+  add("keep-history", [this](const Line&) { world_.history = &history_; });
+  add("history-error", [this](const Line& line) {
+    const auto [code, text] = Cut(line.rest, " ");
+    history_.failure = {std::stoi(code), text};
+  });
   add("unattended", [this](const Line&) { world_.dialogs.answer_plain_boxes = false; });
 }
 
@@ -439,6 +447,10 @@ void Scenarios::AddChecks() {
   add("calls", [this](const Line& line) {
     const auto [operations, calls] = Cut(line.rest, " =");
     CompareAll(line, Calls(operations), calls.substr(std::min<std::size_t>(calls.size(), 1)));
+  });
+  add("history", [this](const Line& line) {
+    const auto [part, texts] = Cut(line.rest, " ");
+    CompareAll(line, HistoryTexts(world_.home.Name("history.db"), part), texts);
   });
   add("shows", [this](const Line& line) {
     const auto [name, text] = Cut(line.rest, " ");

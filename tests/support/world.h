@@ -41,7 +41,8 @@ class World {
 
   /// Creates the application and runs the window-creation steps.
   Application& Start(const std::string& switches = "") {
-    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip, help}, home.path());
+    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip, help, {}, history},
+                                         home.path());
     app_->life().OnWindowCreate(switches);
     return *app_;
   }
@@ -66,6 +67,7 @@ class World {
   FakeInternet internet;
   FakeZip zip;
   HelpFiles help;
+  HistoryStore* history = nullptr;  ///< none: no history is kept
   std::vector<std::string> readings = {"2010/3/12 8:00,12500,29310,1,1500,900,29300",
                                        "2010/3/12 9:00,12490,29320,2,1510,910,29310"};
 

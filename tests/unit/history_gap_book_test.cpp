@@ -1,0 +1,127 @@
+// What becomes of known gaps when a raw file was scanned again.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "history/clock_book.h"
+#include "history/gap_book.h"
+#include "state/link_state.h"
+
+namespace corvane::test {
+namespace {
+
+DateTime At(std::int64_t hour) {
+  return DateTime::FromCivil(2010, 3, 12) + hour * 3600;
+}
+
+GapRecord Gap(std::int64_t from, std::int64_t to, GapState state = GapState::Found, std::int64_t tries = 0) {
+  GapRecord gap;
+  gap.from = At(from);
+  gap.to = At(to);
+  gap.state = state;
+  gap.tries = tries;
+  gap.found = Moment{100, 0};
+  gap.changed = Moment{100, 0};
+  return gap;
+}
+
+/// "FROM-TO STATE TRIES FOUND", in hours; found "then" or "now".
+std::string TextOf(const GapRecord& gap) {
+  const std::vector<std::string> states = {"found", "asked", "filled", "lost", "clock", "dropped"};
+  return std::to_string((gap.from - At(0)) / 3600) + "-" + std::to_string((gap.to - At(0)) / 3600) + " " +
+         states.at(static_cast<std::size_t>(gap.state)) + " " + std::to_string(gap.tries) +
+         (gap.found.utc == 100 ? " then" : " now") + (gap.changed.utc == 100 ? "" : " changed");
+}
+
+TEST(GapBook, MergesWhatWasFoundWithWhatIsKnown) {
+  struct Row {
+    const char* name;
+    std::vector<GapRecord> known;
+    std::vector<GapRecord> found;
+    bool whole;
+    std::vector<std::string> wanted;
+    std::int64_t changed_from = 0;
+  };
+  const std::vector<Row> rows = {
+      {"a new one", {}, {Gap(2, 6)}, false, {"2-6 found 0 now changed"}},
+      {"the same keeps state and tries", {Gap(2, 6, GapState::Asked, 2)}, {Gap(2, 6)}, true, {"2-6 asked 2 then"}},
+      {"parts inherit, the whole goes",
+       {Gap(2, 9, GapState::Asked, 2)},
+       {Gap(3, 5), Gap(6, 9)},
+       true,
+       {"3-5 asked 2 then changed", "6-9 asked 2 then changed", "2-9 dropped 2 then changed"}},
+      {"a part that begins where the whole did replaces it",
+       {Gap(2, 9, GapState::Lost, 1)},
+       {Gap(2, 5)},
+       true,
+       {"2-5 lost 1 then changed"}},
+      {"gone from a file that was read whole", {Gap(2, 6)}, {}, true, {"2-6 filled 0 then changed"}},
+      {"gone from a file that has only grown", {Gap(2, 6)}, {}, false, {"2-6 dropped 0 then changed"}},
+      {"before what was scanned", {Gap(2, 6)}, {}, true, {}, 6},
+      {"across where the scan began", {Gap(2, 7)}, {}, false, {"2-7 dropped 0 then changed"}, 6},
+      {"turns out to be the clock", {Gap(2, 6)}, {Gap(2, 6, GapState::Clock)}, true, {"2-6 clock 0 then changed"}},
+      {"opens again behind a restored file",
+       {Gap(2, 6, GapState::Filled, 1)},
+       {Gap(2, 6)},
+       true,
+       {"2-6 found 0 now changed"}},
+      {"what was filled stays so", {Gap(2, 6, GapState::Filled, 1)}, {}, true, {"2-6 filled 1 then"}},
+      {"grows as a reading inside it is taken out",
+       {Gap(2, 4), Gap(4, 6)},
+       {Gap(2, 6)},
+       true,
+       {"2-6 found 0 now changed", "4-6 dropped 0 then changed"}},
+  };
+  for (const Row& row : rows) {
+    RawScan scan;
+    scan.gaps = row.found;
+    scan.whole = row.whole;
+    scan.changed_from = At(row.changed_from);
+    std::vector<std::string> texts;
+    for (const GapRecord& gap : MergeGaps(row.known, scan, Moment{200, 0})) texts.push_back(TextOf(gap));
+    EXPECT_EQ(texts, row.wanted) << row.name;
+  }
+}
+
+/// A contact `hour` hours behind midnight, where the unit's clock is `offset` seconds ahead.
+ContactRecord Contact(std::int64_t hour, std::int64_t offset, std::int16_t command = kDownload,
+                      std::int32_t ahead = 3600) {
+  ContactRecord contact;
+  contact.outcome = Outcome::Answered;
+  contact.command = command;
+  contact.at = Moment::At(At(hour).seconds() - 25569 * kSecondsPerDay - 3600, At(hour) + (ahead - 3600));
+  contact.clock_offset = offset;
+  return contact;
+}
+
+TEST(ClockBook, TellsStepsOfTheUnitsClockFromThoseOfThisComputers) {
+  struct Row {
+    const char* name;
+    std::vector<ContactRecord> contacts;
+    std::string wanted;  ///< "from-to by" in minutes behind midnight
+  };
+  const std::vector<Row> rows = {
+      {"a clock that drifts", {Contact(1, 0), Contact(25, 4), Contact(49, 100)}, ""},
+      {"summer time begins here", {Contact(1, 0), Contact(25, -3600, kDownload, 7200)}, ""},
+      {"found an hour ahead", {Contact(1, 0), Contact(3, 3600)}, "60-240 3600 "},
+      {"found behind", {Contact(1, 600), Contact(3, 0)}, "70-180 -600 "},
+      {"set by command", {Contact(1, 600), Contact(3, 0, kSetDate), Contact(5, 20)}, "180-190 -600 "},
+      {"set by command, never seen before", {Contact(3, 0, kSetDate)}, "180-180 ? "},
+      {"summer time, and set to it", {Contact(1, 0), Contact(3, 0, kSetDate, 7200)}, "180-240 3600 "},
+  };
+  for (const Row& row : rows) {
+    ClockBook book;
+    for (const ContactRecord& contact : row.contacts) book.Take(contact);
+    std::string text;
+    for (const ClockStep& step : book.hints().steps) {
+      text += std::to_string((step.from - At(0)) / 60) + "-" + std::to_string((step.to - At(0)) / 60) + " " +
+              (step.seconds ? std::to_string(*step.seconds) : "?") + " ";
+    }
+    EXPECT_EQ(text, row.wanted) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace corvane::test
