@@ -16,6 +16,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kLongestRun = 30'000;  ///< milliseconds
+constexpr std::int64_t kPollStep = 20;        ///< milliseconds
 constexpr std::int16_t kMoistureTable = 0;    ///< places among the files of the settings
 constexpr std::int16_t kSalinityTable = 1;
 constexpr std::int64_t kSmallPart = 1'000'000;  ///< bytes that are read without a thread of their own
@@ -51,12 +52,17 @@ void FileScans::Run() {
   const std::int64_t end = p_.loop.MonotonicMilliseconds() + kLongestRun;
   const std::int64_t count = p_.history.Positions();
   std::set<std::int64_t> scanned;
+  std::int64_t polled = p_.loop.MonotonicMilliseconds();
   for (std::int64_t turn = 0; turn < count && !Stopped(); ++turn) {
     if (next_ > count) next_ = 1;
     const std::int64_t key = p_.history.KeyOf(next_);
     if (key != 0 && scanned.insert(key).second) ScanUnit(next_, key);
     ++next_;
-    if (p_.loop.MonotonicMilliseconds() >= end) return;
+    const std::int64_t now = p_.loop.MonotonicMilliseconds();
+    if (now >= end) return;
+    if (now - polled < kPollStep) continue;
+    p_.loop.Poll();
+    polled = now;
   }
 }
 
