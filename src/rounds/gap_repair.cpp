@@ -128,6 +128,7 @@ bool GapRepair::AskUnit(Row av_First, Row av_End) {
 void GapRepair::Take(RepairResult& av_Row, const GapAnswer& av_Answer) {
   av_Row.added = av_Answer.added;
   av_Row.result = av_Answer.result;
+  av_Row.heard = av_Answer.heard;
   av_Row.problem = av_Answer.state != GapState::Filled && av_Answer.state != GapState::Lost;
   p_.trace.LogWrite(LineOf(av_Row));
   if (av_Answer.state == GapState::Found) return;
@@ -149,7 +150,9 @@ void GapRepair::CountRound() const {
   RoundRecord counts;
   std::int64_t unit = 0;
   for (const RepairResult& row : results_) {
-    counts.asked += IsGap(row) && row.unit != unit ? 1 : 0;
+    const bool first = IsGap(row) && row.unit != unit;
+    counts.asked += first ? 1 : 0;
+    counts.answered += first && row.heard ? 1 : 0;
     counts.stored += row.added;
     counts.problems += row.problem ? 1 : 0;
     unit = row.unit;

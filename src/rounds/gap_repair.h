@@ -26,6 +26,7 @@ struct RepairResult {
   GapRecord gap;           ///< as it was found; without dates: the unit was left out
   std::int64_t added = 0;  ///< readings
   std::string result = "not asked";
+  bool heard = false;   ///< somebody has answered when it was asked for
   bool problem = true;  ///< the unit may still hold readings that are missing
 };
 
