@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "history/alert_book.h"
 #include "history/alert_message.h"
 #include "history/alerts.h"
@@ -16,9 +19,7 @@ constexpr std::int64_t kHour = 3600;
 const DateTime kStart = DateTime::FromCivil(2026, 6, 30, 6);
 
 /// A network of three units in virtual time: A and B behind the relay "Hill", C by the direct path.
-///
-/// A letter a unit: fine, silent, late, battery, missing readings, lost 5 readings, Lost 9, delivery fails, off, quiet
-/// (silent with a note), hand-held and late.
+/// The letters: tests/data/alert_stories.txt.
 NetworkStatus StatusAt(DateTime local, const std::string& letters, std::int64_t round) {
   NetworkStatus status;
   status.now = Moment::At((local.seconds() - 25569 * kSecondsPerDay) - 2 * kHour, local);
@@ -65,115 +66,47 @@ std::string Summary(const std::vector<AlertEvent>& events) {
   return text;
 }
 
-struct Step {
-  std::int64_t minutes;     ///< since the last
-  std::string letters;      ///< of the units; behind a blank: "n" nobody collects, "e" ended early, "." no round ended,
-                            ///< "!" the command fails, "w" the history cannot be written, "u" nor read
-  const char* events = "";  ///< that are told
-};
-struct Story {
-  const char* name;
-  std::vector<Step> steps;
-  std::optional<std::int64_t> digest_at = {};
-};
-
-const Story kStories[] = {
-    {"all is well", {{0, "fff"}, {60, "fff"}}},
-    {"raised once, cleared behind two good rounds",
-     {{0, "ffs", "raised silent C"}, {60, "ffs"}, {60, "fff"}, {60, "fff", "cleared silent C"}, {60, "fff"}}},
-    {"one good round ends nothing",
-     {{0, "ffs", "raised silent C"}, {60, "fff"}, {60, "ffs"}, {60, "fff"}, {60, "fff", "cleared silent C"}}},
-    {"repeated a day after it was told, behind a round that is early too",
-     {{0, "ffl", "raised late C"},
-      {720, "ffl"},
-      {715, "ffl", "repeated late C"},
-      {1435, "ffl ."},
-      {5, "ffl .", "repeated late C"}}},
-    {"a command that fails has told nothing",
-     {{0, "ffs !", "raised silent C"},
-      {60, "ffs", "raised silent C"},
-      {60, "fff"},
-      {60, "fff !", "cleared silent C"},
-      {60, "fff", "cleared silent C"}}},
-    {"what nobody was told of ends without a word", {{0, "ffs !", "raised silent C"}, {60, "fff"}, {60, "fff"}}},
-    {"all behind a relay are one event",
-     {{0, "ssf", "raised silent Hill (12) AB"}, {60, "ssf"}, {60, "fff"}, {60, "fff", "cleared silent Hill (12) AB"}}},
-    {"who stays silent behind a relay that is back is told of",
-     {{0, "ssf", "raised silent Hill (12) AB"},
-      {60, "sff"},
-      {60, "sff", "raised silent A; cleared silent Hill (12) AB"}}},
-    {"a relay takes over from its units", {{0, "sff", "raised silent A"}, {60, "ssf", "raised silent Hill (12) AB"}}},
-    {"one unit behind a relay is no relay", {{0, "osf", "raised silent B"}}},
-    {"a unit with a note is silent in peace",
-     {{0, "ffq"}, {60, "ffs", "raised silent C"}, {60, "ffq"}, {60, "fff"}, {60, "fff"}}},
-    {"a unit that is switched off ends without a word", {{0, "ffs", "raised silent C"}, {60, "ffo"}, {60, "fff"}}},
-    {"several causes, the gravest first",
-     {{0, "mbs n", "raised nobody collects; raised silent C; raised missing A; raised battery B"}}},
-    {"a silent unit's other causes wait",
-     {{0, "ffb", "raised battery C"}, {60, "ffs", "raised silent C"}, {60, "ffs"}}},
-    {"late and then silent are two things",
-     {{0, "ffl", "raised late C"},
-      {60, "ffs", "raised silent C"},
-      {60, "fff"},
-      {60, "fff", "cleared silent C; cleared late C"}}},
-    {"a unit that nobody asks is good when it is good",
-     {{0, "ffh", "raised late C"}, {60, "fff"}, {60, "fff", "cleared late C"}}},
-    {"lost readings are news once, and more of them again",
-     {{0, "ffx", "raised lost C"},
-      {1500, "ffx"},
-      {60, "ffX", "raised lost C"},
-      {60, "ffx"},
-      {60, "ffX", "raised lost C"},
-      {60, "fff"},
-      {60, "fff"}}},
-    {"a round that ended early, and files that do not arrive",
-     {{0, "ffd e", "raised round; raised delivery C"},
-      {60, "fff ."},
-      {60, "fff"},
-      {60, "fff", "cleared round; cleared delivery C"}}},
-    {"nobody collects, seen without a round; cleared by rounds only",
-     {{0, "fff .n", "raised nobody collects"},
-      {60, "fff ."},
-      {60, "fff ."},
-      {60, "fff"},
-      {60, "fff", "cleared nobody collects"}}},
-    {"the history",
-     {{0, "ffs", "raised silent C"}, {60, "fff wu.", "raised history"}, {60, "ffs"}, {60, "ffs", "cleared history"}}},
-    {"a digest a day, whatever is wrong; late when nobody looked in time",
-     {{0, "fff ."},
-      {60, "fff .", "digest"},
-      {60, "fff ."},
-      {1320, "fff ."},
-      {60, "fff .!", "digest"},
-      {10, "fff .", "digest"},
-      {1430, "ffs !", "raised silent C; digest C"},
-      {10, "ffq .", "digest C"},
-      {4320, "fff", "digest"}},
-     7 * kHour},
-    {"a clock that was ahead holds nothing back",
-     {{5'256'000, "ffs", "raised silent C"}, {-5'256'000, "ffs"}, {1500, "ffs", "repeated silent C"}}},
-};
+/// The stories of the data file: their lines, by name.
+std::vector<std::pair<std::string, std::vector<std::string>>> Stories() {
+  std::vector<std::pair<std::string, std::vector<std::string>>> stories;
+  std::ifstream file(TEST_DATA_DIR "/alert_stories.txt");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("== ")) {
+      stories.push_back({line, {}});
+    } else if (!line.empty() && line[0] != '#') {
+      stories.back().second.push_back(line);
+    }
+  }
+  return stories;
+}
 
 TEST(AlertBook, TellsOnceWhatIsWrong) {
-  for (const Story& story : kStories) {
-    SCOPED_TRACE(story.name);
+  const auto stories = Stories();
+  EXPECT_GT(stories.size(), 20U);
+  for (const auto& [name, lines] : stories) {
     std::vector<AlertRecord> standing;
     DateTime now = kStart;
     std::int64_t round = 0;
-    for (const Step& step : story.steps) {
-      const auto has = [&step](char flag) { return step.letters.find(flag, 4) != std::string::npos; };
-      now = now + step.minutes * 60;
-      NetworkStatus status = StatusAt(now, step.letters, has('.') ? round : ++round);
+    for (const std::string& line : lines) {
+      SCOPED_TRACE(name + "\n" + line);
+      std::istringstream words(line.substr(0, line.find(':')));
+      std::int64_t minutes = 0;
+      std::string letters;
+      std::string flags;
+      words >> minutes >> letters >> flags;
+      const auto has = [&flags](char flag) { return flags.find(flag) != std::string::npos; };
+      now = now + minutes * 60;
+      NetworkStatus status = StatusAt(now, letters, has('.') ? round : ++round);
       if (has('n')) status.nobody_collects = "no program";
       if (has('e')) status.last.ending = "no port";
-      const AlertView view{status, has('w') ? "disk" : "", story.digest_at, !has('u'), !has('.')};
-      AlertStep look = LookAtAlerts(standing, view);
+      const AlertView view{status, has('w') ? "disk" : "",
+                           name.ends_with("(digest)") ? std::optional(7 * kHour) : std::nullopt, !has('u'), !has('.')};
+      const AlertStep look = LookAtAlerts(standing, view);
       standing = look.standing;
-      const auto& events = look.events;
-      EXPECT_EQ(Summary(events), step.events) << GeneralDate(now) << " " << step.letters;
-      EXPECT_EQ(!events.empty() && events.back().kind == AlertKind::Round, view.round_ended);
+      EXPECT_EQ(Summary(look.events), Trim(line.substr(line.find(':') + 1)));
+      EXPECT_EQ(!look.events.empty() && look.events.back().kind == AlertKind::Round, view.round_ended);
       std::vector<AlertRecord> told;
-      for (const AlertEvent& event : events) told.insert(told.end(), event.records.begin(), event.records.end());
+      for (const AlertEvent& event : look.events) told.insert(told.end(), event.records.begin(), event.records.end());
       if (!has('!')) standing = AfterTelling(standing, told, status.now).standing;
     }
   }
