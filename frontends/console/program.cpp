@@ -18,6 +18,7 @@
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
+#include "posix/posix_command_runner.h"
 #include "posix/posix_loop.h"
 #include "serial/termios_port.h"
 #include "sqlite/sqlite_history_store.h"
@@ -110,7 +111,8 @@ class Program {
                       zip_,
                       {},
                       PosixShell::ProgramDate(),
-                      OnlyReads(options.command) ? nullptr : &history_},
+                      OnlyReads(options.command) ? nullptr : &history_,
+                      OnlyReads(options.command) ? nullptr : &runner_},
              folder_),
         view_(app_.form(), loop_, output_, options.verbose) {}
 
@@ -163,6 +165,8 @@ class Program {
 
   int RunAndSave() {
     int status = RunOnDesk();
+    // People are told before the program goes; a signal waits for nothing.
+    while (runner_.Running() && signal_ == 0) loop_.Yield();
     if (OnlyReads(options_.command) || status == kUsage) return status;
     if (!app_.life().OnWindowClose() && status == kAllWell) status = kProblems;
     return status;
@@ -191,6 +195,7 @@ class Program {
   CurlInternetClient internet_;
   LibzipComponent zip_;
   SqliteHistoryStore history_;
+  PosixCommandRunner runner_{loop_, loop_};
   Application app_;
   ConsoleView view_;
   int signal_ = 0;  ///< the first that asked the program to end

@@ -25,6 +25,7 @@
 #include "curl/curl_internet_client.h"
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
+#include "posix/posix_command_runner.h"
 #include "posix/signal_watch.h"
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
@@ -86,10 +87,10 @@ class Program {
       return Refuse(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running" : locked.text());
     }
     ProvideLanguageFile(folder_);
-    app_ =
-        std::make_unique<Application>(Platform{loop_, port_, shell_, dialogs_, internet_, zip_,
-                                               FindHelp(shell_.ProgramFolder()), PosixShell::ProgramDate(), &history_},
-                                      folder_);
+    app_ = std::make_unique<Application>(
+        Platform{loop_, port_, shell_, dialogs_, internet_, zip_, FindHelp(shell_.ProgramFolder()),
+                 PosixShell::ProgramDate(), &history_, &runner_},
+        folder_);
     window_ = std::make_unique<MainWindow>(*app_, loop_);
     app_->commands().on_close = [this] { EndMainLoop(); };
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, window_.get(), [this](QSessionManager& session) {
@@ -208,6 +209,7 @@ class Program {
   CurlInternetClient internet_;
   LibzipComponent zip_;
   SqliteHistoryStore history_;
+  PosixCommandRunner runner_{loop_, loop_};
   SignalWatch signals_{loop_};
   std::unique_ptr<Application> app_;
   std::unique_ptr<MainWindow> window_;

@@ -40,6 +40,9 @@ void Application::NameFiles() {
 void Application::Wire() {
   report_.trace.show_message = [this](const std::string& text) { report_.messages.Show(text); };
   link_.schedule.start_download = [this] { commands_.commands.DownloadAll(true, kRadioUnits, true); };
+  link_.schedule.on_heartbeat = [this] {
+    if (!state_.slot.Taken() && !state_.flags.closing) history_.alerts.OnHeartbeat();
+  };
   state_.slot.on_taken = [this] {
     state_.flags.problems = 0;
     report_.messages.StartRound();

@@ -1,5 +1,11 @@
 #include "app/history_assembly.h"
 
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
 namespace corvane {
 
 HistoryAssembly::HistoryAssembly(const Parts& av_Parts)
@@ -9,11 +15,37 @@ HistoryAssembly::HistoryAssembly(const Parts& av_Parts)
              av_Parts.machine.loop, av_Parts.report.trace}),
       watch({av_Parts.state.form, av_Parts.state.flags, av_Parts.state.app, history, av_Parts.machine.loop}),
       journal({av_Parts.state.form, av_Parts.state.registry, av_Parts.state.link, av_Parts.state.download,
-               av_Parts.state.flags, av_Parts.state.names, history, scans, watch, av_Parts.machine.loop}) {
+               av_Parts.state.flags, av_Parts.state.names, history, scans, watch, av_Parts.machine.loop}),
+      alerts({av_Parts.machine.runner, av_Parts.state.form, av_Parts.machine.loop, av_Parts.report.trace}) {
   av_Parts.data.conversion.on_converted = [this](const ConversionResult& result, const std::string& raw_file) {
     journal.NoteConversion(result, raw_file);
   };
   av_Parts.transfers.results.on_kept = [this](const TransferResult& result) { journal.NoteTransfer(result); };
+  WireAlerts(av_Parts.state.flags);
+}
+
+void HistoryAssembly::WireAlerts(const RunFlags& av_Flags) {
+  alerts.read_records = [this] {
+    HistoryQuery query;
+    query.contacts_since = {std::numeric_limits<std::int64_t>::max(), 0};
+    HistoryContents stored;
+    // A history that cannot be read has told nobody: every cause is told once more.
+    return history.Read(query, stored).ok() ? stored.alerts : std::vector<AlertRecord>();
+  };
+  alerts.write_records = [this](const std::vector<AlertRecord>& records) {
+    HistoryContents changes;
+    changes.alerts = records;
+    history.Write(changes);
+  };
+  alerts.work_out_status = [this] { return history.StatusNow(); };
+  alerts.history_problem = [this] { return history.Problem(); };
+  history.wants_status = [this] { return alerts.SwitchedOn(); };
+  history.after_round = [this, &av_Flags](const NetworkStatus& status) {
+    if (!av_Flags.closing) alerts.AfterRound(status);
+  };
+  history.in_the_dark = [this, &av_Flags] {
+    if (!av_Flags.closing) alerts.AfterRoundInTheDark();
+  };
 }
 
 }  // namespace corvane

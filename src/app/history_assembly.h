@@ -5,6 +5,7 @@
 #include "app/report_assembly.h"
 #include "app/shared_state.h"
 #include "app/transfer_rounds_assembly.h"
+#include "history/alerts.h"
 #include "history/file_scans.h"
 #include "history/history.h"
 #include "rounds/network_watch.h"
@@ -28,6 +29,10 @@ struct HistoryAssembly {
   FileScans scans;
   NetworkWatch watch;
   RoundJournal journal;
+  Alerts alerts;
+
+ private:
+  void WireAlerts(const RunFlags& av_Flags);
 };
 
 }  // namespace corvane

@@ -35,6 +35,8 @@ class Alerts {
   Alerts(const Alerts&) = delete;
   Alerts& operator=(const Alerts&) = delete;
 
+  /// Whether there is a command.
+  [[nodiscard]] bool SwitchedOn() const;
   /// Tells what a round has changed.
   void AfterRound(const NetworkStatus& av_Status);
   /// The same, where the history cannot be read: tells that.
@@ -58,7 +60,6 @@ class Alerts {
  private:
   static constexpr std::int64_t kNoRound = -1;
 
-  [[nodiscard]] bool SwitchedOn() const;
   [[nodiscard]] bool RoundHasEnded(const NetworkStatus& av_Status) const;
   void LookAt(const NetworkStatus& av_Status, bool ab_Known);
   void Take(AlertStep&& av_Step);

@@ -340,8 +340,12 @@ std::optional<NetworkStatus> History::StatusNow() {
 }
 
 void History::TellStatus() {
-  if (!after_round) return;
-  if (const auto status = StatusNow()) after_round(*status);
+  if (!Kept() || (wants_status && !wants_status())) return;
+  if (const auto status = StatusNow()) {
+    if (after_round) after_round(*status);
+  } else if (in_the_dark) {
+    in_the_dark();
+  }
 }
 
 }  // namespace corvane

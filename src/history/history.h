@@ -68,7 +68,7 @@ class History {
   void EndRound(const RoundRecord& av_Counts);
   /// The round that runs; key 0: none does.
   [[nodiscard]] const RoundRecord& Round() const { return round_; }
-  /// Works out how the network stands and hands it to `after_round`.
+  /// Works out how the network stands and hands it to `after_round`; where that cannot be known calls `in_the_dark`.
   void TellStatus();
   /// How the network stands now; none when the history cannot be read.
   [[nodiscard]] std::optional<NetworkStatus> StatusNow();
@@ -109,8 +109,13 @@ class History {
   /// Reads from the file, what still waits to be written left out.
   Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result);
 
-  /// How the network stands behind a round; set by the composition root.
+  // Set by the composition root.
+  /// Gets how the network stands behind a round.
   std::function<void(const NetworkStatus&)> after_round;
+  /// Called instead when the history cannot be read.
+  std::function<void()> in_the_dark;
+  /// Whether anybody wants either; empty: somebody does.
+  std::function<bool()> wants_status;
 
  private:
   Status OpenStore();

@@ -127,21 +127,18 @@ TEST_F(CorvanectlTest, RunDownloadsWhenDueOutlivesAMissingPortAndEndsWithinASeco
 
 TEST_F(CorvanectlTest, AlertCommandIsToldAndHoldsNothingUp) {
   StartStation({"--readings", "4"});
-  const auto told = [this](const std::string& text) {
-    return Until([&] { return home_.Read("told").find(text) != std::string::npos; });
-  };
-  WriteSettings("AlertCommand=cat >" + home_.Name("told") + "; echo done\n");
-  EXPECT_EQ(Run({"download"}), 0) << output_;
-  EXPECT_NE(home_.Read("told").find("\"event\": \"round\""), std::string::npos) << "the program waits for its end";
-  EXPECT_NE(home_.Read("corvane.log").find("Alert> done"), std::string::npos);
-  EXPECT_EQ(Run({"convert"}), 0);
-  const std::string late = "Automatic=1\nNextDownload=1 Jan 2020 00:00\nAlertCommand=cat >>" + home_.Name("told");
-  WriteSettings(late + "; sleep 60\n");
+  const std::string command = "AlertCommand=cat >>" + home_.Name("told");
+  WriteSettings("Automatic=1\nNextDownload=1 Jan 2020 00:00\n" + command + "; sleep 60\n");
   Child run(Command({"run"}));
-  EXPECT_TRUE(told("The round of 1 Jan 2020 00:00 has not begun"));
+  EXPECT_TRUE(Until([this] { return home_.Read("told").ends_with("}\n"); })) << run.output();
+  EXPECT_NE(home_.Read("told").find("The round of 1 Jan 2020 00:00 has not begun"), std::string::npos);
   EXPECT_TRUE(run.Shows("Convert: " + home_.Name("00003.epd"))) << run.output();
   run.Signal(SIGTERM);
   EXPECT_EQ(run.Wait(1s), 0) << run.output();
+  WriteSettings(command + "; echo done\n");
+  EXPECT_EQ(Run({"download"}), 0) << output_;
+  EXPECT_NE(home_.Read("told").find("\"event\": \"round\""), std::string::npos) << "the program waits for its end";
+  EXPECT_NE(home_.Read("corvane.log").find("Alert> done"), std::string::npos);
 }
 
 TEST_F(CorvanectlTest, SignalEndsWhatRunsWithinASecond) {
