@@ -252,7 +252,10 @@ void Scan::AddGap(std::vector<GapRecord>& av_Gaps, const Verdict& av_Verdict) {
   gap.missing = av_Verdict.missing;
   gap.state = av_Verdict.kind == Verdict::Clock ? GapState::Clock : GapState::Found;
   av_Gaps.push_back(gap);
-  book_.Miss(av_Verdict.from, av_Verdict.period, av_Verdict.missing);
+  book_.Miss(av_Verdict.from, av_Verdict.period, av_Verdict.missing - av_Verdict.behind);
+  if (av_Verdict.behind == 0) return;
+  const DateTime begin = av_Verdict.to - (av_Verdict.behind + 1) * av_Verdict.period_behind;
+  book_.Miss(begin, av_Verdict.period_behind, av_Verdict.behind);
 }
 
 RawScan Scan::Result() {

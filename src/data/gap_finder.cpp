@@ -30,6 +30,8 @@ class Tally {
   std::size_t size_ = 0;
 };
 
+constexpr std::int64_t kInexact = 600;  ///< seconds that a jump may be known wrongly: a header tells whole minutes
+
 /// Above one and a half times that period.
 bool IsLong(std::int64_t al_Seconds, std::int64_t al_Period) {
   return 2 * al_Seconds > 3 * al_Period;
@@ -95,7 +97,25 @@ std::int64_t GapFinder::PeriodBehind(std::size_t al_At) const {
 }
 
 Verdict GapFinder::Judge(std::size_t al_At) const {
-  return JudgeBy(At(al_At), PeriodBefore(al_At), PeriodBehind(al_At));
+  Verdict verdict = JudgeBy(At(al_At), PeriodBefore(al_At), PeriodBehind(al_At));
+  const bool as_long = verdict.missing == Missing(At(al_At).length(), std::max<std::int64_t>(verdict.period, 1));
+  if (verdict.kind == Verdict::Gap && At(al_At).told > 0 && as_long) CountByStretches(verdict);
+  return verdict;
+}
+
+void GapFinder::CountByStretches(Verdict& av_Gap) const {
+  DateTime begin = av_Gap.from;
+  av_Gap.missing = 0;
+  av_Gap.period_behind = av_Gap.period;
+  for (const PeriodChange& change : hints_.periods) {
+    if (change.at < begin || change.at >= av_Gap.to || change.seconds <= 0) continue;
+    av_Gap.missing += (change.at - begin) / av_Gap.period_behind;
+    begin = change.at;
+    av_Gap.period_behind = change.seconds;
+  }
+  av_Gap.behind = (av_Gap.to - begin - 1) / av_Gap.period_behind;
+  av_Gap.missing += av_Gap.behind;
+  if (av_Gap.missing == 0) av_Gap.kind = Verdict::Nothing;
 }
 
 Verdict GapFinder::JudgeBy(const Distance& av_Distance, std::int64_t al_Before, std::int64_t al_After) const {
@@ -111,6 +131,8 @@ Verdict GapFinder::JudgeBy(const Distance& av_Distance, std::int64_t al_Before, 
   for (const ClockStep& step : hints_.steps) {
     if (step.from > av_Distance.to || step.to < av_Distance.from) continue;
     if (!step.seconds) return verdict;
+    // A jump longer than the distance was not in it: the clock that was wrong was this computer's.
+    if (*step.seconds > av_Distance.length() + kInexact) continue;
     seconds -= std::max<std::int64_t>(*step.seconds, 0);
   }
   if (!IsLong(seconds, longest)) return verdict;

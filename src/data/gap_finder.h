@@ -27,6 +27,8 @@ struct Verdict {
   DateTime to;
   std::int64_t missing = 0;  ///< readings
   std::int64_t period = 0;   ///< seconds between them
+  std::int64_t behind = 0;   ///< the last of these readings, of the period that was set within
+  std::int64_t period_behind = 0;
 };
 
 /// Finds gaps in the dates of readings, one after the other. The rule: docs/completeness.md.
@@ -85,6 +87,8 @@ class GapFinder {
   [[nodiscard]] const Distance& At(std::size_t al_At) const { return ring_[al_At % kRing]; }
   [[nodiscard]] Verdict Judge(std::size_t al_At) const;
   [[nodiscard]] Verdict JudgeBy(const Distance& av_Distance, std::int64_t al_Before, std::int64_t al_After) const;
+  /// Counts what is missing where a period was set within the gap: each stretch by its own.
+  void CountByStretches(Verdict& av_Gap) const;
   /// The first distance of the window before that one.
   [[nodiscard]] static std::size_t WindowBegin(std::size_t al_At) { return al_At > kWindow ? al_At - kWindow : 0; }
   [[nodiscard]] bool IsShort(std::size_t al_At) const;

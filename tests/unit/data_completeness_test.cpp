@@ -99,11 +99,13 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
       {"set forward in a longer gap", "0 +15*5 +120 +15*5", step(75, 195, 3600), "75-195:3"},
       {"set back in a gap", "0 +15*5 +75 +15*5", step(75, 150, -3600), "75-150:4"},
       {"set by command", "0 +15*5 +1000 +15*5", step(100, 1075, {}), "75-1075:clock"},
+      {"set by more than the distance", "0 +15*5 +75 +15*5", step(75, 150, 36000), "75-150:4"},
       {"set elsewhere", "0 +15*5 +75 +15*5", step(160, 170, {}), "75-150:4"},
       {"set where nothing is missing", "0 +15*9", step(30, 30, {}), ""},
       {"ten years are the clock", "0 +15*5 +6000000 +15*5", {}, "75-6000075:clock"},
       {"a told period forbids the gap", "0 +15*5 +60 +15*2", period(80, 3600), ""},
       {"a told period begins anew", "0 +60*30 +15 +60 +15*2", period(1800, 900), "1815-1875:3"},
+      {"a gap across a told period counts by both", "0 +15*30 +150 +60*5", period(480, 3600), "450-600:3"},
       {"a told period that was not taken", "0 +15*30 +75 +15*9", period(100, 3600), "450-525:4"},
   };
   for (const auto& [name, dates, hints, expected] : rows) {
