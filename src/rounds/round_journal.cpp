@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "data/raw_file.h"
 #include "data/raw_line.h"
+#include "data/raw_repair.h"
 #include "link/exchange.h"
 
 namespace corvane {
@@ -147,6 +148,11 @@ void RoundJournal::TakeDownload(Turn& av_Turn, const Unit& av_Unit) const {
 
 void RoundJournal::TakeHeader(ContactRecord& av_Contact) const {
   const std::vector<std::string_view> items = Split(p_.download.HeaderLine, ',');
+  // What another unit says of its clock and battery is nothing of this one.
+  const auto& own = p_.download.OwnSiteID;
+  const std::string asked = std::to_string(p_.download.AskedID);
+  const bool is_its = items.size() > 1 && (IsSameSiteID(items[1], asked) || (own && IsSameSiteID(items[1], *own)));
+  if (!is_its) return;
   TakeValues(items, kHeaderBattery, kHeaderAmbient, av_Contact);
   const auto clock = items.size() > kHeaderDate ? ParseReadingDate(items[kHeaderDate]) : std::nullopt;
   if (clock) av_Contact.clock_offset = *clock + kHalfMinute - p_.download.HeaderTime;
