@@ -13,7 +13,11 @@ void UnitBook::Log(bool is_future) {
     for (std::int64_t at = first; at < stretch.count; ++at) {
       // What was logged and overwritten since the last look was never anyone's.
       readings.resize(static_cast<std::size_t>(stretch.first_number + at));
-      LoggedReading reading{stretch.first + at * stretch.period, {}, false, false, false, is_future};
+      LoggedReading reading;
+      reading.date = stretch.first + at * stretch.period;
+      reading.is_future = is_future;
+      reading.clock_set = std::exchange(clock_set, 0);
+      reading.period_set = std::exchange(period, stretch.period) != stretch.period;
       unit.soil().AppendReading(reading.text, stretch.first_number + at, reading.date);
       reading.is_not_later = !is_future && reading.date <= latest;
       if (!is_future) latest = std::max(latest, reading.date);
@@ -21,6 +25,14 @@ void UnitBook::Log(bool is_future) {
       readings.push_back(std::move(reading));
     }
   }
+}
+
+void UnitBook::PassTime(basestation::Seconds seconds) {
+  clock_set += unit.clock() - clock;
+  is_clock_known &= unit.clock() == clock;
+  unit.PassTime(seconds);
+  clock = unit.clock();
+  Log(false);
 }
 
 std::int64_t UnitBook::NumberOf(const std::string& text) const {
@@ -98,6 +110,34 @@ std::string RawBook::Judge(bool goes_on) {
            (is_promised ? "the unit has sent whole: " : "is never asked for again: ") + text;
   }
   return {};
+}
+
+std::optional<basestation::Seconds> RawBook::LastDate() const {
+  if (last_ < 0) return std::nullopt;
+  return book.readings[static_cast<std::size_t>(last_)].date;
+}
+
+std::vector<BookGap> RawBook::Gaps() const {
+  std::vector<BookGap> gaps;
+  BookGap gap;
+  bool began = false;
+  for (std::size_t number = 0; number < standing_.size(); ++number) {
+    const LoggedReading& reading = book.readings[number];
+    gap.clock_set |= reading.clock_set > 0;
+    gap.period_set |= reading.period_set;
+    if (standing_[number].stored) {
+      gap.to = reading.date;
+      if (std::exchange(began, true)) gaps.push_back(gap);
+      gap = {reading.date, 0, 0, 0, false, false, true};
+    } else if (reading.is_not_later) {
+      ++gap.not_later;
+    } else if (!reading.is_future) {
+      ++gap.missing;
+      gap.held &= book.IsHeld(static_cast<std::int64_t>(number));
+    }
+  }
+  gaps.resize(gaps.size() - std::min<std::size_t>(gaps.size(), 2));
+  return gaps;
 }
 
 Heading RawBook::Find(std::int64_t number, bool goes_on, const std::string& bad_lines) const {

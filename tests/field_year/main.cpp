@@ -103,8 +103,10 @@ bool RunSeed(const Options& options, std::uint64_t seed, Counts& all) {
   const auto began = std::chrono::steady_clock::now();
   YearOutcome outcome = Year(year).Run();
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-  if (options.runs_twice && outcome.broken.empty() && Year(year).Run().digest != outcome.digest) {
-    outcome.broken = "the same seed has left other files";
+  if (options.runs_twice && outcome.broken.empty()) {
+    const YearOutcome again = Year(year).Run();
+    if (again.digest != outcome.digest) outcome.broken = "the same seed has left other files";
+    if (again.history != outcome.history) outcome.broken = "the same seed has left another history";
   }
   for (const auto& [name, count] : outcome.counts) all[name] += count;
   std::cout << "seed " << seed << ": " << outcome.day << " days, " << Readings(outcome.counts) << ", digest "
@@ -121,6 +123,10 @@ bool RunSeed(const Options& options, std::uint64_t seed, Counts& all) {
 bool PrintTables(const Options& options, Counts& all) {
   std::cout << "\n| Where a reading is | Readings |\n|---|---|\n";
   for (const char* heading : kHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
+  std::cout << "\n| What a raw file lacks | Readings |\n|---|---|\n";
+  for (const char* heading : Year::kGapHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
+  std::cout << "\n| What had to be told, by evening | How often |\n|---|---|\n";
+  for (const char* heading : Year::kAlertHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
   std::cout << "\n| What struck | How often |\n|---|---|\n";
   bool all_struck = true;
   for (const std::string& kind : Year::Kinds()) {

@@ -42,10 +42,16 @@ std::string HomeFolder() {
 
 void Year::StartProgram() {
   Note("the program starts");
+  started_at_ = Now();
+  told_since_start_ = nobody_collects_;
+  has_missed_a_round_ =
+      ended_at_ > alerts_known_from_ && Now() - ended_at_ > (24 / settings_.rounds_a_day + 2) * kHour * kMilliseconds;
   dialogs_ = std::make_unique<RecordingDialogs>();
   dialogs_->answer_plain_boxes = false;
   zip_ = std::make_unique<LibzipComponent>(loop_);
-  program_ = std::make_unique<Application>(Platform{loop_, *line_, shell_, *dialogs_, ftp_, *zip_}, home_);
+  history_ = std::make_unique<YearStore>(disk_);
+  const Platform machine{loop_, *line_, shell_, *dialogs_, ftp_, *zip_, {}, {}, history_.get(), &runner_};
+  program_ = std::make_unique<Application>(machine, home_);
   const std::string switches = std::exchange(starts_with_download_, false) ? "/D" : "";
   program_->life().OnWindowCreate(switches);
   program_->life().OnWindowActivate(switches);
@@ -63,6 +69,8 @@ void Year::EndProgram() {
   if (!saved && disk_is_well) Break("the settings were not saved");
   const std::size_t held = mallinfo2().uordblks;
   program_.reset();
+  history_.reset();
+  ForgetAlerts();
   const std::size_t freed = held - std::min(held, mallinfo2().uordblks);
   if (freed > kMostMemory) Break("the program held " + std::to_string(freed) + " bytes of memory");
   line_->Close();
@@ -76,6 +84,8 @@ void Year::OnKilled() {
   Note(lost_pages ? "the power is off" : "the program is killed");
   Disturb();
   program_.reset();
+  history_.reset();
+  ForgetAlerts();
   line_->Close();
   loop_.DropPosted();
   disk_.Restore(lost_pages);
@@ -137,8 +147,7 @@ void Year::PassUnits() {
     book.owed += static_cast<double>(elapsed) * book.drift;
     const auto more = static_cast<std::int64_t>(std::trunc(book.owed));
     book.owed -= static_cast<double>(more);
-    book.unit.PassTime(std::max<std::int64_t>(elapsed + more, 0));
-    book.Log(false);
+    book.PassTime(std::max<std::int64_t>(elapsed + more, 0));
   }
 }
 
@@ -148,7 +157,9 @@ bool Year::IsSummer(basestation::Seconds when) {
 }
 
 void Year::SetComputerClock() {
-  loop_.SetNow(DateTime(TrueTime() + kTo1970 + (IsSummer(TrueTime()) ? kHour : 0) + clock_error_));
+  const std::int64_t ahead = IsSummer(TrueTime()) ? kHour : 0;
+  loop_.SetNow(DateTime(TrueTime() + kTo1970 + ahead + clock_error_));
+  loop_.SetAhead(static_cast<std::int32_t>(ahead));
 }
 
 YearOutcome Year::Run() {
@@ -178,6 +189,8 @@ Year::Year(const YearSettings& settings)
   if (zips_) settings_.days = std::min(settings_.days, 6);
   if (zips_) settings_.rounds_a_day = 8;
   sends_calibrated_ = random_.Chance(0.3);
+  repairs_gaps_ = random_.Chance(0.5);
+  late_after_ = static_cast<int>(Some(2, 3));
   start_ = *basestation::TimeOf(2027, 1, 1, 0, 0, 0) + Some(0, 365) * kDay;
   calm_from_ = std::max(settings_.days - kCalmDays, 0) * kDay * kMilliseconds;
   for (const std::string& kind : Kinds()) {
@@ -212,7 +225,8 @@ void Year::MakeRows(std::int64_t period) {
   line_->spoil = [this](std::string& bytes) { SpoilArriving(bytes); };
   for (int id = 1; id < settings_.units; ++id) {
     UnitBook& book = books_.emplace(id, *station_->Find(id)).first->second;
-    book.unit.SetClock(start_);
+    book.clock = start_ - 1;  // the readings go on without a gap
+    book.unit.SetClock(book.clock);
     book.unit.SetCapacity(Some(96, 600));
     book.drift = static_cast<double>(Some(-100, 200)) * 1e-6;
     book.loss = static_cast<double>(Some(0, 300)) / 100;
@@ -232,6 +246,7 @@ void Year::WriteHome() {
   text += flag("ShowReply", random_.Chance(0.5)) + flag("GoOnPastFailures", settings_.goes_on);
   text += flag("WebFileType", sends_calibrated_) + flag("ZIPFiles", zips_) + flag("Kelvin", random_.Chance(0.5));
   text += flag("WhichReadings", random_.Chance(0.5)) + flag("Average", random_.Chance(0.5));
+  text += flag("RepairGaps", repairs_gaps_) + "AlertCommand=tell\r\nLateAfter=" + std::to_string(late_after_) + "\r\n";
   text += "BackupDestination=backup\r\n[Ports]\r\nCOM1=/dev/radio\r\n[Relays]\r\nNumRelays=3\r\nID1=0\r\nID2=101\r\n";
   text += "ID3=102\r\n[Clients]\r\nNumClients=2\r\nFolder1=c1\r\nFolder2=c2\r\n[Units]\r\n";
   text += "NumUnits=" + std::to_string(rows_.size()) + "\r\n";

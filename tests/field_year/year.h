@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "app/application.h"
@@ -19,6 +20,7 @@
 #include "field_year/ftp_site.h"
 #include "field_year/radio_line.h"
 #include "field_year/year_loop.h"
+#include "field_year/year_store.h"
 #include "station.h"
 #include "support/recorders.h"
 #include "zip/libzip_component.h"
@@ -43,7 +45,8 @@ struct YearOutcome {
   int day = 0;                     ///< the last one
   std::deque<std::string> events;  ///< the last ones
   Counts counts;
-  std::string digest;  ///< of all files at the end
+  std::string digest;       ///< of all files at the end but the history
+  HistoryContents history;  ///< at the end
 };
 
 class Year {
@@ -56,6 +59,18 @@ class Year {
   [[nodiscard]] YearOutcome Run();
   /// The names of all kinds of faults and deeds.
   [[nodiscard]] static std::vector<std::string> Kinds();
+
+  /// What becomes of readings that are missing between those of a raw file. There is nothing else.
+  static constexpr const char* kNamed = "named as missing";
+  static constexpr const char* kClockForward = "clock set forward";
+  static constexpr const char* kSkipped = "skipped, dated not later than the last";
+  static constexpr std::array<const char*, 3> kGapHeadings = {kNamed, kClockForward, kSkipped};
+  /// Evenings on which something had to be told, or nothing.
+  static constexpr const char* kSilent = "silent";
+  static constexpr const char* kLate = "late";
+  static constexpr const char* kNobody = "nobody collects";
+  static constexpr const char* kWell = "neither silent nor late";
+  static constexpr std::array<const char*, 4> kAlertHeadings = {kSilent, kLate, kNobody, kWell};
 
  private:
   /// What comes to pass at some time of a day, to one unit or to all: how often in a day, and within how many seconds
@@ -121,6 +136,14 @@ class Year {
   void JudgeWholeFiles();
   void JudgeEnd();
   void JudgeServer();
+  void TakeAlerts();
+  void TakeAlert(const std::string& event, const std::string& cause, const std::string& relay, std::size_t row);
+  void JudgeAlerts();
+  void JudgeAlertsOf(std::size_t row);
+  void ForgetAlerts();
+  void JudgeGaps(const HistoryContents& history);
+  void JudgeGapsOf(std::size_t row, std::vector<GapRecord> named);
+  [[nodiscard]] HistoryContents ReadHistory() const;
   void JudgeUnit();
   void JudgeSent(const RawBook& row);
   void JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apart);
@@ -144,6 +167,8 @@ class Year {
   std::int64_t calm_from_ = 0;  ///< milliseconds; from then on nothing strikes
   bool zips_ = false;
   bool sends_calibrated_ = false;
+  bool repairs_gaps_ = false;
+  int late_after_ = 2;            ///< intervals
   std::set<std::string> active_;  ///< kinds of this seed
   YearLoop loop_;
   Disk disk_;
@@ -157,6 +182,8 @@ class Year {
   std::unique_ptr<RecordingDialogs> dialogs_;
   FakeShell shell_;
   std::unique_ptr<LibzipComponent> zip_;
+  std::unique_ptr<YearStore> history_;
+  YearRunner runner_{loop_};
   std::unique_ptr<Application> program_;
   bool killed_ = false;
   std::optional<std::int64_t> closed_days_;  ///< the person wants to end it, for so long
@@ -168,8 +195,18 @@ class Year {
   std::size_t timers_ = 0;
   std::size_t log_size_ = 0;
 
+  // What people were told.
+  std::set<std::tuple<std::string, std::size_t, bool>> standing_;  ///< cause, row, and whether of a relay
+  bool nobody_collects_ = false;                                   ///< was told, and stands
+  bool told_since_start_ = false;                                  ///< that nobody collects
+  std::int64_t alerts_known_from_ = 0;  ///< milliseconds; before it is not known what the program remembers
+  std::int64_t ended_at_ = 0;           ///< milliseconds
+  std::int64_t started_at_ = 0;         ///< milliseconds
+  bool has_missed_a_round_ = false;     ///< while no program ran
+
   // The state of the world.
   int day_ = 0;
+  int regular_days_ = 0;         ///< in a row
   bool day_is_regular_ = false;  ///< no clock was set, and the program ran on
   std::int64_t opens_before_ = 0;
   Round round_;

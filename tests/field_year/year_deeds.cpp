@@ -156,7 +156,9 @@ void Year::Do(const Deed& deed) {
 /// Something strikes that may end the round under way, or change what it has brought.
 void Year::Disturb() {
   last_deed_ = Now();
-  if (!IsRoundOver()) round_.was_disturbed = true;
+  if (IsRoundOver()) return;
+  round_.was_disturbed = true;
+  for (const std::size_t row : round_.asked) rows_[row].heard.back().sign = RawBook::Sign::Unsure;
 }
 
 bool Year::HasTrouble() const {
@@ -165,12 +167,14 @@ bool Year::HasTrouble() const {
 
 void Year::SetClockError(std::int64_t seconds) {
   clock_error_ = seconds;
+  alerts_known_from_ = Now() + 2 * kDay * kMilliseconds;
   day_is_regular_ = false;
   SetComputerClock();
 }
 
 void Year::SetTrouble(bool& trouble, bool on) {
   trouble = on;
+  alerts_known_from_ = Now() + 2 * kDay * kMilliseconds;
   day_is_regular_ = false;
 }
 
@@ -232,10 +236,17 @@ Year::Faults Year::FaultsOf(const basestation::Request& request, const basestati
     damaged_.push_back(NumberAt(readings, fault.line));
     round_.was_disturbed |= fault.kind == FaultKind::HangUp && fault.amount > kLongHangUp;
   }
-  if (!is_probe) round_.asked.insert(asked_);
-  round_.may_end = !settings_.goes_on && (!faults.empty() || HasTrouble());
+  // What fills a gap is no part of the round. Of it nothing is promised: it is stopped, the rest comes another time.
+  const bool is_repair = program_->history().Round().kind == RoundKind::Repair;
+  if (!is_probe && !is_repair) {
+    const bool is_mute = is_relay_down_[request.relay] && faults.size() == 1;
+    auto& heard = rows_[asked_].heard;
+    if (round_.asked.insert(asked_).second) heard.push_back({RawBook::Sign::Mute, Now()});
+    if (!is_mute) heard.back().sign = RawBook::Sign::Unsure;
+  }
+  if (!is_repair) round_.may_end = !settings_.goes_on && (!faults.empty() || HasTrouble());
   const bool is_silenced = book.future >= 0 && !settings_.goes_on;
-  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !HasTrouble();
+  exchange_is_clean_ = is_download && faults.empty() && !is_silenced && !is_repair && !HasTrouble();
   return faults;
 }
 

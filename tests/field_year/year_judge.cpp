@@ -68,6 +68,8 @@ void Year::PromoteWholeContact() {
   if (!row) return;
   rows_[*row].TakeWholeContact(logged_when_asked_);
   rows_[*row].is_complete |= IsCalm();
+  rows_[*row].heard.back().sign = RawBook::Sign::Whole;
+  rows_[*row].book.is_clock_known = true;
 }
 
 void Year::TakeCommand() {
@@ -97,6 +99,8 @@ void Year::JudgeDay() {
   const std::string strange = ftp_.StrangeFile();
   if (!strange.empty()) Break("the server holds what was not sent as " + strange);
   if (program_) JudgeProgram();
+  regular_days_ = day_is_regular_ ? regular_days_ + 1 : 0;
+  JudgeAlerts();
   if (program_ && IsRoundOver() && !IsBusy()) JudgeUnit();
 }
 
@@ -158,6 +162,8 @@ void Year::JudgeEnd() {
   std::vector<std::size_t> all(rows_.size());
   std::iota(all.begin(), all.end(), 0);
   if (outcome_.broken.empty()) JudgeCalibrated(all, kConvertedApart);
+  outcome_.history = ReadHistory();
+  if (outcome_.broken.empty()) JudgeGaps(outcome_.history);
   outcome_.digest = Digest();
 }
 
@@ -215,6 +221,8 @@ std::string Year::Digest() const {
     for (const char c : text) digest = basestation::Mix(digest ^ static_cast<unsigned char>(c));
   };
   for (const fs::path& file : FilesOf(home_)) {
+    // The history is compared by what it holds.
+    if (file.filename().string().starts_with("history.db")) continue;
     // A copy of settings holds a hash of them, and with it of this folder's name.
     if (file.extension() == ".recovery") continue;
     // Archives hold the time of day; what counts is what is in them.

@@ -1,0 +1,170 @@
+// The history of a simulated year, held against the books.
+#include <algorithm>
+#include <map>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/format.h"
+#include "field_year/year.h"
+
+namespace corvane::test {
+namespace {
+
+/// A date of a unit as the program has it.
+DateTime DateOf(basestation::Seconds seconds) {
+  return Moment{seconds, 0}.Local();
+}
+
+std::string TextOf(const GapRecord& gap) {
+  return "\n    " + GeneralDate(gap.from) + " to " + GeneralDate(gap.to) + ": " + std::to_string(gap.missing);
+}
+
+/// Name and value of a line of a JSON document, texts without their quotes.
+std::pair<std::string, std::string> MemberOf(const std::string& line) {
+  const std::size_t begin = line.find('"');
+  const std::size_t end = line.find("\": ");
+  if (begin == std::string::npos || end == std::string::npos) return {};
+  std::string value = line.substr(end + 3);
+  std::erase_if(value, [](char c) { return c == '"' || c == ','; });
+  return {line.substr(begin + 1, end - begin - 1), value};
+}
+
+}  // namespace
+
+// What people are told.
+
+/// Which of it the program remembers, is known again when it has told it once more.
+void Year::ForgetAlerts() {
+  ended_at_ = Now();
+  TakeAlerts();
+  if (!HasTrouble()) return;
+  standing_.clear();
+  alerts_known_from_ = Now() + 2 * kDay * kMilliseconds;
+}
+
+void Year::TakeAlerts() {
+  for (const std::string& document : std::exchange(runner_.told, {})) {
+    std::istringstream lines(document);
+    std::map<std::string, std::string> members;
+    for (std::string line; std::getline(lines, line);) {
+      const auto [name, value] = MemberOf(line);
+      if (name == "units") members["behind"] = members["relay"];
+      if (name == "event") members.clear();
+      members[name] = value;
+      if (name == "cause" && value == kNobody) {
+        nobody_collects_ = members["event"] != "cleared";
+        told_since_start_ |= nobody_collects_;
+      }
+      if (name != "client_id" || members["cause"].empty()) continue;
+      const auto row = value == "2" ? rows_.size() - 1 : std::stoul(members["id"]) - 1;
+      TakeAlert(members["event"], members["cause"], members["behind"], row);
+    }
+  }
+}
+
+void Year::TakeAlert(const std::string& event, const std::string& cause, const std::string& relay, std::size_t row) {
+  // Where a relay is told of, what was told of its units stands no more.
+  standing_.erase({cause, row, false});
+  standing_.erase({cause, row, !relay.empty()});
+  if (event != "cleared") standing_.insert({cause, row, !relay.empty()});
+}
+
+void Year::JudgeAlerts() {
+  TakeAlerts();
+  if (!program_ || IsBusy() || !IsRoundOver() || Now() - started_at_ < kHour * kMilliseconds || HasTrouble()) return;
+  if (Now() < alerts_known_from_) return;
+  if (std::exchange(has_missed_a_round_, false)) {
+    ++outcome_.counts[kNobody];
+    if (!told_since_start_) Break("the program started late and did not tell that nobody has collected");
+  } else if (nobody_collects_ && day_is_regular_ && regular_days_ > 2) {
+    Break("it stands that nobody collects");
+  }
+  for (std::size_t row = 0; row < rows_.size(); ++row) JudgeAlertsOf(row);
+}
+
+/// Two rounds without a sound have to be told, and so have old readings; behind three good rounds nothing stands. What
+/// lies between may be either.
+void Year::JudgeAlertsOf(std::size_t row) {
+  const RawBook& book = rows_[row];
+  const auto stands = [&](const char* cause) {
+    return standing_.contains({cause, row, false}) || standing_.contains({cause, row, true});
+  };
+  const auto last = book.LastDate();
+  const std::int64_t age = last ? book.book.unit.clock() - *last : 0;
+  const std::int64_t interval = 24 / settings_.rounds_a_day * kHour;
+  const bool is_old = age > std::max(late_after_ * interval, 12 * kHour) + 2 * kHour;
+  if (book.Shows(RawBook::Sign::Mute, 2, 0)) {
+    ++outcome_.counts[kSilent];
+    if (!stands(kSilent)) Break(book.path + ": two rounds without an answer, and nobody was told");
+  } else if (is_old && book.book.is_clock_known) {
+    ++outcome_.counts[kLate];
+    if (!stands(kLate) && !stands(kSilent)) Break(book.path + ": the last reading is old, and nobody was told");
+  } else if (book.Shows(RawBook::Sign::Whole, 3, Now() - 3 * interval * kMilliseconds) && last &&
+             age < (late_after_ - 1) * interval) {
+    ++outcome_.counts[kWell];
+    if (stands(kSilent) || stands(kLate))
+      Break(book.path + ": three good rounds, and it still stands as silent or late");
+  }
+}
+
+// What is missing.
+
+HistoryContents Year::ReadHistory() const {
+  SqliteHistoryStore store;
+  HistoryQuery query;
+  query.contacts_since = Moment{1, 0};
+  query.days_since = DateTime(1);
+  query.gaps = query.scans = true;
+  HistoryContents history;
+  if (!store.OpenToRead(home_ + "/history.db").ok()) return history;
+  static_cast<void>(store.Read(query, history));
+  // Which file it was, another run does not know.
+  for (ScanRecord& scan : history.scans) scan.inode = 0, scan.modified = 0;
+  return history;
+}
+
+void Year::JudgeGaps(const HistoryContents& history) {
+  if (history.units.size() != rows_.size())
+    return Break("the history holds " + std::to_string(history.units.size()) + " units");
+  for (const UnitRecord& unit : history.units) {
+    if (unit.position < 1 || unit.position > std::ssize(rows_))
+      return Break("the history does not know a unit's place");
+    std::vector<GapRecord> named;
+    for (const GapRecord& gap : history.gaps) {
+      if (gap.unit == unit.key && gap.missing > 0) named.push_back(gap);
+    }
+    JudgeGapsOf(static_cast<std::size_t>(unit.position - 1), std::move(named));
+  }
+}
+
+/// What is named, and what the unit's own book says, between each two readings of the raw file.
+void Year::JudgeGapsOf(std::size_t row, std::vector<GapRecord> named) {
+  std::string lists;
+  bool agree = true;
+  for (const BookGap& gap : rows_[row].Gaps()) {
+    outcome_.counts[kSkipped] += gap.not_later;
+    const auto found = std::ranges::find_if(
+        named, [&gap](const GapRecord& each) { return each.from == DateOf(gap.from) && each.to == DateOf(gap.to); });
+    const GapRecord none{0, DateOf(gap.from), DateOf(gap.to)};
+    const GapRecord told = found == named.end() ? none : *found;
+    if (found != named.end()) named.erase(found);
+    if (told.missing > 0 || gap.missing > 0) {
+      lists += TextOf(told) + " named, " + std::to_string(gap.missing) + " by the book" +
+               (gap.clock_set ? ", clock set forward" : "") + (gap.period_set ? ", period set" : "");
+    }
+    if (told.missing == gap.missing) {
+      outcome_.counts[kNamed] += gap.missing;
+    } else if (gap.clock_set) {
+      outcome_.counts[kClockForward] += std::abs(told.missing - gap.missing);
+    } else {
+      agree = false;
+      lists += " !";
+    }
+  }
+  for (const GapRecord& each : named) lists += TextOf(each) + " named between readings that are no neighbours !";
+  if (!agree || !named.empty()) Break(rows_[row].path + " lacks other readings than the history names:" + lists);
+}
+
+}  // namespace corvane::test
