@@ -24,7 +24,7 @@ struct FailureText {
 
 constexpr std::array kFailures = {
     FailureText{HistoryStore::kMissing,
-                " is not there yet: the window and corvanectl run write it. --home names another folder"},
+                " is not there yet: the first download makes it. --home names another folder"},
     FailureText{HistoryStore::kNewer, " was written by a newer version: use the corvanectl of that version"},
     FailureText{HistoryStore::kDamaged,
                 " is damaged: the next start of the window or of corvanectl run sets it aside and begins anew"},
