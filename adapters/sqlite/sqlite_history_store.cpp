@@ -113,13 +113,6 @@ std::int64_t FirstRound(Database& database, Moment since) {
 void ReadContacts(Database& database, const HistoryQuery& query, std::vector<ContactRecord>& contacts) {
   const std::int64_t first = FirstRound(database, query.contacts_since);
   ReadOf(database, query.unit, kContactsOfAll, kContactsOfUnit, {first, query.contacts_since.utc}, contacts);
-  // A clock of this computer that was set back leaves later rounds with earlier times.
-  const auto earlier = [](const ContactRecord& a, const ContactRecord& b) {
-    return a.unit != b.unit ? a.unit < b.unit : a.at < b.at;
-  };
-  if (!std::is_sorted(contacts.begin(), contacts.end(), earlier)) {
-    std::stable_sort(contacts.begin(), contacts.end(), earlier);
-  }
 }
 
 /// The rounds of the contacts that were read, and the last `count`.
@@ -352,7 +345,8 @@ Status SqliteHistoryStore::Write(const HistoryContents& av_Changes) {
 Status SqliteHistoryStore::Replace(std::int64_t al_Unit, DateTime av_From, const HistoryContents& av_Changes) {
   return Change([&] {
     RunWith(database_, "DELETE FROM day WHERE unit = ? AND day >= ?", {al_Unit, av_From.Midnight().seconds()});
-    RunWith(database_, "DELETE FROM gap WHERE unit = ? AND to_reading > ?", {al_Unit, av_From.seconds()});
+    RunWith(database_, "DELETE FROM gap WHERE unit = ? AND to_reading > ? AND state <> 2",
+            {al_Unit, av_From.seconds()});
     WriteContents(database_, av_Changes);
   });
 }

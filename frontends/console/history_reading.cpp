@@ -27,7 +27,9 @@ constexpr std::array kFailures = {
                 " is not there yet: the first download makes it. --home names another folder"},
     FailureText{HistoryStore::kNewer, " was written by a newer version: use the corvanectl of that version"},
     FailureText{HistoryStore::kDamaged,
-                " is damaged: the next start of the window or of corvanectl run sets it aside and begins anew"},
+                " is damaged: the window or corvanectl run sets it aside and begins anew when it comes upon the "
+                "damage; to do so "
+                "now, move it away while neither runs"},
     FailureText{HistoryStore::kBusy, " is held by another program: try again in a moment"},
 };
 

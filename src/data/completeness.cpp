@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
+#include <map>
 
 #include "base/checksum.h"
 #include "base/files.h"
@@ -58,7 +60,9 @@ std::int64_t HintSum(const ScanHints& av_Hints, DateTime av_Settled, DateTime av
 class Scan {
  public:
   Scan(const InputFile& av_File, const ScanRecord& av_Former, const ScanHints& av_Hints)
-      : file_(av_File), former_(av_Former), hints_(av_Hints), finder_(av_Hints), watch_(av_Hints) {}
+      : file_(av_File), former_(av_Former), hints_(av_Hints), finder_(av_Hints), watch_(av_Hints) {
+    for (const GapRecord& gap : av_Hints.known) known_[gap.from] = {gap.to, false};
+  }
 
   /// Puts back what the former scan knew; false when the file is another one by now.
   [[nodiscard]] bool Resume();
@@ -77,7 +81,13 @@ class Scan {
   void TakeReading(std::size_t al_Items, DateTime av_When);
   void AddGap(std::vector<GapRecord>& av_Gaps, const Verdict& av_Verdict);
   void FinishDay();
+  /// A reading stands between the ends of a known gap.
+  void Fill(DateTime av_When);
 
+  struct KnownGap {
+    DateTime to;
+    bool filled = false;
+  };
   const InputFile& file_;
   const ScanRecord& former_;
   const ScanHints& hints_;
@@ -85,8 +95,9 @@ class Scan {
   ChannelWatch watch_;
   DayBook book_;
   ReadingDateReader dates_;
-  std::vector<GapRecord> gaps_;  ///< that no more readings change
-  DateTime known_from_;          ///< days and gaps before are not known here
+  std::vector<GapRecord> gaps_;         ///< that no more readings change
+  std::map<DateTime, KnownGap> known_;  ///< by begin
+  DateTime known_from_;                 ///< days and gaps before are not known here
   std::int64_t offset_ = 0;
   std::int64_t readings_ = 0;
   DateTime first_;
@@ -231,6 +242,7 @@ bool Scan::TakeLine(std::string_view as_Line) {
 
 void Scan::TakeReading(std::size_t al_Items, DateTime av_When) {
   if (finder_.Push(av_When)) AddGap(gaps_, finder_.settled());
+  if (!known_.empty()) Fill(av_When);
   DayCount& day = book_.Store(av_When);
   if (&day != day_) FinishDay();
   day_ = &day;
@@ -238,6 +250,13 @@ void Scan::TakeReading(std::size_t al_Items, DateTime av_When) {
   watch_.Watch(al_Items, av_When, day);
   if (readings_++ == 0) first_ = av_When;
   last_ = av_When;
+}
+
+void Scan::Fill(DateTime av_When) {
+  const auto behind = known_.lower_bound(av_When);
+  if (behind == known_.begin()) return;
+  KnownGap& gap = std::prev(behind)->second;
+  gap.filled = gap.filled || av_When < gap.to;
 }
 
 void Scan::FinishDay() {
@@ -278,6 +297,9 @@ RawScan Scan::Result() {
   const Verdict overdue = finder_.Behind(hints_.last_contact);
   book_.Miss(overdue.from, overdue.period, overdue.missing);
   result.gaps = std::move(gaps_);
+  for (const auto& [from, gap] : known_) {
+    if (gap.filled) result.filled.push_back(from);
+  }
   result.days = book_.Records(known_from_, former_.unit);
   return result;
 }
@@ -291,7 +313,8 @@ RawScan ScanRawFile(const std::string& as_File, const ScanRecord& av_Former, con
   result.whole = true;
   InputFile file;
   const Status opened = file.Open(as_File);
-  if (opened.code() == ENOENT) return result;
+  result.missing = opened.code() == ENOENT;
+  if (result.missing) return result;
   Require(opened);
   for (const bool resume : {true, false}) {
     Scan scan(file, av_Former, av_Hints);

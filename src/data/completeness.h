@@ -38,16 +38,19 @@ struct ScanHints {
   DateTime last_contact;  ///< the unit's time at its last answer: readings are expected until then; none: not known
   std::optional<TableRange> moisture;  ///< of raw items; none: not looked at
   std::optional<TableRange> salinity;
+  std::vector<GapRecord> known;  ///< gaps of former scans, to be told whether readings stand there now
 };
 
 /// What a scan has found. `unit` of the records is that of the former scan.
 struct RawScan {
   ScanRecord scan;
-  DateTime changed_from;        ///< days and gaps from then on are all in here, replacing what was known of them
-  std::vector<DayRecord> days;  ///< from the midnight of `changed_from` on, days without a reading included
-  std::vector<GapRecord> gaps;  ///< `Found` or `Clock`, whose later reading is later than `changed_from`
-  bool whole = false;           ///< the file was read from its begin
-  bool cancelled = false;       ///< nothing is found, and `scan` is the former one
+  DateTime changed_from;         ///< days and gaps from then on are all in here, replacing what was known of them
+  std::vector<DayRecord> days;   ///< from the midnight of `changed_from` on, days without a reading included
+  std::vector<GapRecord> gaps;   ///< `Found` or `Clock`, whose later reading is later than `changed_from`
+  std::vector<DateTime> filled;  ///< begins of known gaps between whose ends readings came
+  bool whole = false;            ///< the file was read from its begin
+  bool missing = false;          ///< there is no such file
+  bool cancelled = false;        ///< nothing is found, and `scan` is the former one
   bool has_header = false;
   std::int64_t out_of_order = 0;  ///< readings not later than the one before, in what was read
 };

@@ -45,7 +45,6 @@ bool FileScans::Stopped() const {
 
 void FileScans::Run() {
   if (!p_.history.IsReady()) return;
-  // A failed transfer cancels what follows it, which says nothing about the raw files.
   was_cancelled_ = p_.link.UserCancel;
   moisture_ = RangeOf(p_.files.SettingsFile(kMoistureTable));
   salinity_ = RangeOf(p_.files.SettingsFile(kSalinityTable));
@@ -53,7 +52,7 @@ void FileScans::Run() {
   const std::int64_t count = p_.history.Positions();
   std::set<std::int64_t> scanned;
   std::int64_t polled = p_.loop.MonotonicMilliseconds();
-  for (std::int64_t turn = 0; turn < count && !Stopped(); ++turn) {
+  for (std::int64_t turn = 0; turn < count && !Stopped() && p_.history.IsReady(); ++turn) {
     if (next_ > count) next_ = 1;
     const std::int64_t key = p_.history.KeyOf(next_);
     if (key != 0 && scanned.insert(key).second) ScanUnit(next_, key);
@@ -71,9 +70,12 @@ void FileScans::ScanUnit(std::int64_t al_Position, std::int64_t al_Key) {
   ScanRecord former = p_.history.Of(al_Key).scan;
   former.unit = al_Key;
   const bool contacted = p_.history.Of(al_Key).contacted;
+  // Without what is known of the unit's clock, what the clock has passed over would be told as missing.
+  if (!p_.history.WithClock(al_Key).clock_read) return;
   try {
     const RawScan scan = Scan(file, former, HintsFor(al_Key));
-    if (scan.cancelled) return;
+    // A file that is out of reach for now says nothing of its gaps.
+    if (scan.cancelled || (scan.missing && former.inode != 0)) return;
     const bool same = scan.scan.size == former.size && scan.scan.modified == former.modified &&
                       scan.scan.inode == former.inode && scan.scan.tail_crc == former.tail_crc;
     if (same && !contacted) return;
@@ -100,6 +102,7 @@ ScanHints FileScans::HintsFor(std::int64_t al_Key) const {
   ScanHints hints = p_.history.WithClock(al_Key).clock.hints();
   hints.moisture = moisture_;
   hints.salinity = salinity_;
+  hints.known = p_.history.Of(al_Key).gaps;
   return hints;
 }
 

@@ -32,8 +32,8 @@ class FileScans {
 
   /// Scans the raw files of all units in the list. **Yields.**
   ///
-  /// A file that cannot be read is logged. A cancel or the program's end stops it; what is left, also where the files
-  /// take longer than half a minute, has its turn behind the next round.
+  /// A file that cannot be read is logged. A cancel that comes meanwhile or the program's end stops it; what is left,
+  /// also where the files take longer than half a minute, has its turn behind the next round.
   void Run();
 
  private:

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "state/records.h"
+
 namespace corvane {
 namespace {
 
@@ -34,6 +36,10 @@ GapRecord WithWhatIsKnown(GapRecord av_Found, const std::vector<GapRecord>& av_K
 
 }  // namespace
 
+bool IsAskedForByItself(const GapRecord& av_Gap, std::int32_t al_GetFrom) {
+  return al_GetFrom == kFromRadio && av_Gap.tries < kMostGapTries;
+}
+
 std::vector<GapRecord> MergeGaps(const std::vector<GapRecord>& av_Known, const RawScan& av_Scan, Moment av_Now) {
   std::vector<GapRecord> merged;
   for (const GapRecord& found : av_Scan.gaps) merged.push_back(WithWhatIsKnown(found, av_Known, av_Now));
@@ -41,12 +47,15 @@ std::vector<GapRecord> MergeGaps(const std::vector<GapRecord>& av_Known, const R
   const auto is_there = [&](const auto& av_Is) {
     return std::any_of(merged.begin(), merged.begin() + static_cast<std::ptrdiff_t>(found), av_Is);
   };
+  const auto was_filled = [&](const GapRecord& av_Gap) {
+    return std::find(av_Scan.filled.begin(), av_Scan.filled.end(), av_Gap.from) != av_Scan.filled.end();
+  };
   for (GapRecord known : av_Known) {
     if (known.to <= av_Scan.changed_from) continue;
     if (is_there([&](const GapRecord& each) { return each.from == known.from; })) continue;
     if (IsOpen(known.state)) {
       const bool split = is_there([&](const GapRecord& each) { return Holds(known, each) || Holds(each, known); });
-      known.state = av_Scan.whole && !split ? GapState::Filled : GapState::Dropped;
+      known.state = was_filled(known) && !split ? GapState::Filled : GapState::Dropped;
       known.changed = av_Now;
     } else if (known.state == GapState::Clock) {
       known.state = GapState::Dropped;

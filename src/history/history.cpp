@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/paths.h"
+#include "history/waiting_records.h"
 
 namespace corvane {
 namespace {
@@ -12,26 +13,13 @@ namespace {
 constexpr std::string_view kFileName = "history.db";
 constexpr std::int64_t kHoldOff = 30'000;  ///< milliseconds without another try: each may take a tenth of a second
 constexpr std::int64_t kSecondsPerYear = 31'557'600;
+/// A clock that is ahead for a while is not to make the history old: it is believed as far ahead of the earliest of
+/// some last rounds, and a few days a day from then on.
+constexpr std::int64_t kRoundsOfTheClock = 8;
+constexpr std::int64_t kAheadOfRounds = 30 * kSecondsPerDay;
+constexpr std::int64_t kAheadADay = 3 * kSecondsPerDay;
 constexpr Moment kEver{1, 0};
 constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
-
-template <class Record>
-void Append(std::vector<Record>& av_To, const std::vector<Record>& av_From) {
-  av_To.insert(av_To.end(), av_From.begin(), av_From.end());
-}
-
-void Append(HistoryContents& av_To, const HistoryContents& av_From) {
-  Append(av_To.units, av_From.units);
-  Append(av_To.rounds, av_From.rounds);
-  Append(av_To.contacts, av_From.contacts);
-  Append(av_To.deliveries, av_From.deliveries);
-  Append(av_To.days, av_From.days);
-  Append(av_To.gaps, av_From.gaps);
-  Append(av_To.scans, av_From.scans);
-  Append(av_To.alerts, av_From.alerts);
-  Append(av_To.notes, av_From.notes);
-  if (av_From.network) av_To.network = av_From.network;
-}
 
 }  // namespace
 
@@ -58,7 +46,7 @@ bool History::IsReady() {
   if (!Kept() || !TryAgainNow()) return false;
   if (p_.store->IsOpen()) return true;
   const Status opened = OpenStore();
-  if (!opened.ok()) Report(opened);
+  if (!opened.ok()) Report("written", opened);
   return opened.ok();
 }
 
@@ -68,7 +56,7 @@ Status History::OpenStore() {
   if (!set_aside.empty()) p_.trace.Status(set_aside, StatusKind::Error);
   HistoryQuery query;
   query.contacts_since = kNever;
-  query.rounds = 1;
+  query.rounds = kRoundsOfTheClock;
   query.gaps = true;
   query.scans = true;
   HistoryContents stored;
@@ -86,12 +74,41 @@ void History::Adopt(const HistoryContents& av_Stored) {
   Renumber(changed, keys_are_known_ ? 0 : stored_round);
   keys_are_known_ = true;
   last_round_ = std::max(last_round_, stored_round);
+  if (believed_.IsNone() && !av_Stored.rounds.empty()) {
+    const auto first = std::min_element(av_Stored.rounds.begin(), av_Stored.rounds.end(),
+                                        [](const auto& one, const auto& other) { return one.began < other.began; });
+    believed_ = {first->began.utc + kAheadOfRounds, first->began.ahead};
+  }
   // What the file does not know of the units that are known here.
   if (!waiting_.units.empty() || !changed.empty() || av_Stored.units.empty()) waiting_.units = units_.All();
-  memory_.clear();
+  RenumberMemory(changed);
   for (const ScanRecord& scan : av_Stored.scans) memory_[scan.unit].scan = scan;
   for (const GapRecord& gap : av_Stored.gaps) memory_[gap.unit].gaps.push_back(gap);
+  for (const GapRecord& gap : waiting_.gaps) Remember(gap);
   for (const DeliveryRecord& each : av_Stored.deliveries) deliveries_.try_emplace({each.unit, each.target}, each);
+}
+
+void History::RenumberMemory(const std::map<std::int64_t, std::int64_t>& av_Units) {
+  // The entries stay where they are: somebody may be at work with one.
+  auto former = std::exchange(memory_, {});
+  while (!former.empty()) {
+    auto unit = former.extract(former.begin());
+    unit.mapped().scan = {};
+    unit.mapped().gaps.clear();
+    if (const auto found = av_Units.find(unit.key()); found != av_Units.end()) unit.key() = found->second;
+    memory_.insert(std::move(unit));
+  }
+}
+
+void History::Remember(const GapRecord& av_Gap) {
+  std::vector<GapRecord>& known = memory_[av_Gap.unit].gaps;
+  const auto same =
+      std::find_if(known.begin(), known.end(), [&](const GapRecord& each) { return each.from == av_Gap.from; });
+  if (same == known.end()) {
+    known.push_back(av_Gap);
+  } else {
+    *same = av_Gap;
+  }
 }
 
 void History::Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds) {
@@ -103,6 +120,7 @@ void History::Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std
   renumber(waiting_.contacts);
   renumber(waiting_.deliveries);
   renumber(waiting_.gaps);
+  renumber(waiting_.alerts);
   for (ContactRecord& contact : waiting_.contacts) contact.round += al_Rounds;
   for (RoundRecord& round : waiting_.rounds) round.key += al_Rounds;
   if (round_.key != 0) round_.key += al_Rounds;
@@ -120,7 +138,9 @@ Status History::BeginAnew() {
   Status opened = OpenStore();
   if (!opened.ok()) return opened;
   if (round_.key != 0) waiting_.rounds.insert(waiting_.rounds.begin(), round_);
-  return p_.store->Write(waiting_);
+  Status written = p_.store->Write(waiting_);
+  if (written.ok()) waiting_ = {};
+  return written;
 }
 
 void History::Flush() {
@@ -128,7 +148,7 @@ void History::Flush() {
   Status written = p_.store->Write(waiting_);
   if (written.code() == HistoryStore::kDamaged) written = BeginAnew();
   if (!written.ok()) {
-    Report(written);
+    Report("written", written);
     return DropOldest();
   }
   waiting_ = {};
@@ -142,26 +162,17 @@ void History::Write(const HistoryContents& av_Changes) {
   Flush();
 }
 
-void History::Report(const Status& av_Failure) {
+void History::Report(const std::string& as_CannotBe, const Status& av_Failure) {
+  problem_ = av_Failure.text();
   next_try_ = p_.loop.MonotonicMilliseconds() + kHoldOff;
   if (std::exchange(reported_, true)) return;
-  p_.trace.Status(
-      "The history cannot be written: " + av_Failure.text() + ". Rounds go on; what happens meanwhile is written later",
-      StatusKind::Error);
-}
-
-std::size_t History::CountOf(const HistoryContents& av_Contents) {
-  return av_Contents.units.size() + av_Contents.rounds.size() + av_Contents.contacts.size() +
-         av_Contents.deliveries.size() + av_Contents.days.size() + av_Contents.gaps.size() + av_Contents.scans.size() +
-         av_Contents.alerts.size() + av_Contents.notes.size() + (av_Contents.network ? 1 : 0);
+  p_.trace.Status("The history cannot be " + as_CannotBe + ": " + av_Failure.text() +
+                      ". Rounds go on; what happens meanwhile is written later",
+                  StatusKind::Error);
 }
 
 void History::DropOldest() {
-  const std::size_t count = CountOf(waiting_);
-  if (count <= kMostWaiting) return;
-  const std::size_t most = std::min(count - kMostWaiting, waiting_.contacts.size());
-  waiting_.contacts.erase(waiting_.contacts.begin(), waiting_.contacts.begin() + static_cast<std::ptrdiff_t>(most));
-  if (std::exchange(dropped_, true)) return;
+  if (!KeepNewest(waiting_) || std::exchange(dropped_, true)) return;
   p_.trace.Status("The history could not be written for long: the oldest of what waits is lost", StatusKind::Error);
 }
 
@@ -207,14 +218,18 @@ void History::FollowUnits() {
 }
 
 UnitMemory& History::WithClock(std::int64_t al_Key) {
-  UnitMemory& unit = memory_[al_Key];
-  if (unit.clock_read) return unit;
+  if (UnitMemory& unit = memory_[al_Key]; unit.clock_read) return unit;
   HistoryQuery query;
   query.unit = al_Key;
   query.contacts_since = kEver;
   query.lists = false;
   HistoryContents former;
-  if (!Read(query, former).ok()) return unit;
+  const bool read = Read(query, former).ok();
+  UnitMemory& unit = memory_[al_Key];
+  if (!read) return unit;
+  for (const ContactRecord& contact : waiting_.contacts) {
+    if (contact.unit == al_Key) former.contacts.push_back(contact);
+  }
   unit.clock = {};
   for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact);
   unit.clock_read = true;
@@ -262,26 +277,21 @@ void History::NoteDelivery(std::int64_t al_Position, DeliveryRecord av_Delivery,
 void History::NoteGaps(std::int64_t al_Position, const std::vector<GapRecord>& av_Gaps) {
   const std::int64_t key = KeyOf(al_Position);
   if (!Kept() || key == 0) return;
-  std::vector<GapRecord>& known = memory_[key].gaps;
   HistoryContents change;
   for (GapRecord gap : av_Gaps) {
     gap.unit = key;
     gap.changed = p_.loop.NowUtc();
     if (gap.found.IsNone()) gap.found = gap.changed;
-    const auto same =
-        std::find_if(known.begin(), known.end(), [&](const GapRecord& each) { return each.from == gap.from; });
-    if (same == known.end()) {
-      known.push_back(gap);
-    } else {
-      *same = gap;
-    }
+    Remember(gap);
     change.gaps.push_back(gap);
   }
   Write(change);
 }
 
 bool History::NoteScan(std::int64_t al_Key, const RawScan& av_Scan, const std::vector<GapRecord>& av_Gaps) {
-  if (!IsReady()) return false;
+  // What waits is older than what the scan has found, and would replace it later.
+  Flush();
+  if (CountOf(waiting_) > 0 || !IsReady()) return false;
   HistoryContents change;
   change.scans.push_back(av_Scan.scan);
   change.scans.back().unit = al_Key;
@@ -291,7 +301,7 @@ bool History::NoteScan(std::int64_t al_Key, const RawScan& av_Scan, const std::v
   for (GapRecord& gap : change.gaps) gap.unit = al_Key;
   const Status written = p_.store->Replace(al_Key, av_Scan.changed_from, change);
   if (!written.ok()) {
-    Report(written);
+    Report("written", written);
     return false;
   }
   UnitMemory& unit = memory_[al_Key];
@@ -316,26 +326,32 @@ DateTime History::DeliveredTo(std::int64_t al_Position, Target ae_Target) const 
 
 void History::ForgetBefore(std::int64_t al_Years) {
   const Moment now = p_.loop.NowUtc();
+  // A clock that was ahead has been set right.
+  if (forgotten_ > now) forgotten_ = {};
   if (!Kept() || now - forgotten_ < kSecondsPerDay || !IsReady()) return;
   forgotten_ = now;
-  if (const Status forgot = p_.store->Forget({now.utc - al_Years * kSecondsPerYear, now.ahead}); !forgot.ok()) {
-    Report(forgot);
+  believed_ = believed_.IsNone() ? now : std::min(now, Moment{believed_.utc + kAheadADay, believed_.ahead});
+  const Moment before{believed_.utc - al_Years * kSecondsPerYear, believed_.ahead};
+  if (const Status forgot = p_.store->Forget(before); !forgot.ok()) {
+    Report("written", forgot);
   }
 }
 
 Status History::Read(const HistoryQuery& av_Query, HistoryContents& av_Result) {
   if (!IsReady()) return {HistoryStore::kBusy, problem_.empty() ? "no history is kept" : problem_};
-  return p_.store->Read(av_Query, av_Result);
+  const Status read = p_.store->Read(av_Query, av_Result);
+  if (read.ok()) return read;
+  // Set aside now: the next start would not come upon the damage when it opens the file. What has just been begun
+  // holds too little yet to be told as the history.
+  if (read.code() == HistoryStore::kDamaged) static_cast<void>(BeginAnew());
+  Report("read", read);
+  return read;
 }
 
 std::optional<NetworkStatus> History::StatusNow() {
   const Moment now = p_.loop.NowUtc();
   HistoryContents contents;
-  if (!IsReady()) return std::nullopt;
-  if (const Status read = Read(StatusQuery(now), contents); !read.ok()) {
-    Report(read);
-    return std::nullopt;
-  }
+  if (!Read(StatusQuery(now), contents).ok()) return std::nullopt;
   return WorkOutStatus(contents, now, Holder::Somebody);
 }
 

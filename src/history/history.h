@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -34,13 +33,11 @@ struct UnitMemory {
 
 /// Writes down what happens to each unit, in the file "history.db" of the application folder.
 ///
-/// Nothing of it stops or delays a round: what cannot be written is kept, up to 10,000 records, and written later; a
-/// failure is told once a round. Without a store nothing is kept and every call does nothing. Positions are those of
-/// the list of units, from 1.
+/// Nothing of it stops or delays a round: what cannot be written is kept, up to `kMostWaiting` records, and written
+/// later; a failure is told once a round. Without a store nothing is kept and every call does nothing. Positions are
+/// those of the list of units, from 1.
 class History {
  public:
-  static constexpr std::size_t kMostWaiting = 10'000;  ///< records
-
   /// All must outlive this object.
   struct Parts {
     HistoryStore* store;  ///< none: no history is kept
@@ -72,7 +69,7 @@ class History {
   void TellStatus();
   /// How the network stands now; none when the history cannot be read.
   [[nodiscard]] std::optional<NetworkStatus> StatusNow();
-  /// Why the history cannot be written; empty when it can, or when none is kept.
+  /// Why the history cannot be written or read; empty when it can, or when none is kept.
   [[nodiscard]] const std::string& Problem() const { return problem_; }
 
   /// Follows the list of units: names, clients, new and deleted ones.
@@ -83,7 +80,8 @@ class History {
   [[nodiscard]] std::int64_t Positions() const { return p_.registry.Units.count(); }
   /// What is known of the unit of a key.
   [[nodiscard]] UnitMemory& Of(std::int64_t al_Key) { return memory_[al_Key]; }
-  /// The same, with its contacts of former times in the clock book.
+  /// The same, with its contacts of former times in the clock book; without where they cannot be read now: see
+  /// `clock_read`. May give units other keys where `IsReady` was not asked before.
   [[nodiscard]] UnitMemory& WithClock(std::int64_t al_Key);
 
   /// What the round that runs had to do with a unit; replaces what it has noted of it before. `at` is now.
@@ -104,9 +102,10 @@ class History {
   void Write(const HistoryContents& av_Changes);
   /// Writes what waits, where the file can be used again.
   void Flush();
-  /// Forgets what is older than `al_Years`, once a day.
+  /// Forgets what is older than `al_Years`, once a day. A clock that is ahead by more than some days is not believed.
   void ForgetBefore(std::int64_t al_Years);
-  /// Reads from the file, what still waits to be written left out.
+  /// Reads from the file, what still waits to be written left out. One that turns out to be damaged is
+  /// begun anew, and the call fails.
   Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result);
 
   // Set by the composition root.
@@ -122,12 +121,15 @@ class History {
   void Adopt(const HistoryContents& av_Stored);
   /// Begins a file anew that turned out to be damaged, with all that is known.
   Status BeginAnew();
+  /// Gives what is known of units the keys that the file has, without scans and gaps.
+  void RenumberMemory(const std::map<std::int64_t, std::int64_t>& av_Units);
+  void Remember(const GapRecord& av_Gap);
   /// Gives what waits the keys that the file has.
   void Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds);
-  void Report(const Status& av_Failure);
+  /// `as_CannotBe`: "written" or "read".
+  void Report(const std::string& as_CannotBe, const Status& av_Failure);
   void DropOldest();
   [[nodiscard]] bool TryAgainNow() const;
-  [[nodiscard]] static std::size_t CountOf(const HistoryContents& av_Contents);
 
   Parts p_;
   std::string file_;
@@ -143,6 +145,7 @@ class History {
   bool dropped_ = false;       ///< records were lost, which was told
   std::int64_t next_try_ = 0;  ///< monotonic milliseconds: not before, behind a failure
   Moment forgotten_;           ///< when something was forgotten last
+  Moment believed_;            ///< how late it is at most, whatever the clock says; none: nothing is known of it
 };
 
 }  // namespace corvane

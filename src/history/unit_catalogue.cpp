@@ -88,7 +88,13 @@ std::vector<UnitRecord> UnitCatalogue::Follow(std::vector<UnitRecord> av_Present
     unit.added = known == nullptr ? av_Now : known->added;
     keys.push_back(unit.key);
     // Two units of the list that are one by its marks share the record, which is that of the first.
-    if (!there.insert(unit.key).second) continue;
+    if (!there.insert(unit.key).second) {
+      if (shared_.insert(unit.key).second) {
+        av_Sentences.push_back("The history keeps one record for several units of the list, \"" + unit.name +
+                               "\" the later of them: " + TextOfMarks(unit));
+      }
+      continue;
+    }
     const std::int64_t former = KeyOf(unit.position);
     if (known == nullptr && former != 0 && units_[former].name == unit.name) {
       av_Sentences.push_back("The history takes unit \"" + unit.name + "\" for another one from now on: it was " +

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -46,6 +47,7 @@ class UnitCatalogue {
   std::map<std::int64_t, UnitRecord> units_;  ///< by key
   std::map<Marks, std::int64_t> by_marks_;
   std::vector<std::int64_t> keys_;  ///< by position, the first at 0
+  std::set<std::int64_t> shared_;   ///< keys that were said to be those of several units
 };
 
 }  // namespace corvane

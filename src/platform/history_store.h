@@ -54,9 +54,11 @@ class HistoryStore {
   /// gap; unit; cause, unit and subject) replace it. A gap that is `Dropped` and a note without text are taken out.
   virtual Status Write(const HistoryContents& av_Changes) = 0;
   /// Replaces what is known of a unit from `av_From` on by what `av_Changes` holds of it, in the same transaction as
-  /// the rest of that: days from its midnight on, gaps whose later reading is later, whatever their state.
+  /// the rest of that: days from its midnight on, gaps whose later reading is later. A gap that was filled stays unless
+  /// `av_Changes` has one of the same begin.
   virtual Status Replace(std::int64_t al_Unit, DateTime av_From, const HistoryContents& av_Changes) = 0;
-  /// Reads into `av_Result`; contacts in the order of units and time, all else in the order of keys.
+  /// Reads into `av_Result`; contacts in the order of units and rounds, whatever the clock said, all else in the order
+  /// of keys.
   virtual Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result) = 0;
   /// Forgets contacts, rounds, days and settled gaps and alerts from before `av_Before`, and units that are in the list
   /// no more and of which nothing is left. At most 200,000 contacts and as many days at once: the next call goes on.

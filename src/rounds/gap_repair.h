@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "form/form.h"
+#include "history/gap_book.h"
 #include "link/port_link.h"
 #include "registry/unit_editor.h"
 #include "rounds/download_round.h"
@@ -34,7 +35,7 @@ struct RepairResult {
 class GapRepair {
  public:
   /// By itself a gap is asked for so often.
-  static constexpr std::int64_t kMostTries = 3;
+  static constexpr std::int64_t kMostTries = kMostGapTries;
 
   /// All must outlive this object.
   struct Parts {

@@ -64,6 +64,8 @@ void NetworkWatch::Close() {
   if (timer_ == nullptr) return;
   timer_.reset();
   p_.history.FollowUnits();
+  // Programs that run for a round only never look.
+  p_.history.ForgetBefore(ReadNetworkSettings(p_.form).history_years);
   written_ = Present();
   written_.open = false;
   p_.history.NoteNetwork(written_);

@@ -64,7 +64,8 @@ void RoundJournal::End(const std::string& as_Error) {
   counts_.problems += p_.flags.problems - problems_before_;
   counts_.ending = Ending(as_Error);
   p_.history.EndRound(counts_);
-  p_.scans.Run();
+  // A failed transfer cancels what follows it, which says nothing about the raw files; a person is not kept waiting.
+  if (!p_.link.UserCancel || TransferHasCancelled()) p_.scans.Run();
   p_.watch.Write();
   p_.history.TellStatus();
 }
@@ -80,7 +81,11 @@ std::string RoundJournal::Ending(const std::string& as_Error) const {
   if (!as_Error.empty()) return as_Error;
   if (p_.flags.closing) return "the program was closed";
   if (!p_.link.UserCancel) return ending_;
-  return not_sent_ && !GoesOn(p_.form, p_.flags) ? "a file could not be sent" : "cancelled";
+  return TransferHasCancelled() ? "a file could not be sent" : "cancelled";
+}
+
+bool RoundJournal::TransferHasCancelled() const {
+  return not_sent_ && !GoesOn(p_.form, p_.flags);
 }
 
 std::string RoundJournal::WhyNotAsked() const {

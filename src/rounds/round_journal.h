@@ -68,6 +68,7 @@ class RoundJournal {
   void End(const std::string& as_Error);
   [[nodiscard]] std::string Ending(const std::string& as_Error) const;
   [[nodiscard]] std::string WhyNotAsked() const;
+  [[nodiscard]] bool TransferHasCancelled() const;
   void TakeOutcome(Turn& av_Turn, TryEnd ae_End, const std::string& as_Problem) const;
   void TakeDownload(Turn& av_Turn, const Unit& av_Unit) const;
   void TakeHeader(ContactRecord& av_Contact) const;

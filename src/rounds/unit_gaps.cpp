@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/status.h"
 #include "history/gap_book.h"
 
 namespace corvane {
@@ -34,10 +35,17 @@ std::vector<GapRecord> UnitGaps::Find(std::int64_t al_Unit) {
 
 void UnitGaps::Scan(std::int64_t al_Unit, Known& av_Known) {
   const std::string file = names_.DataFileName(static_cast<std::int32_t>(al_Unit), false);
+  // What a clock has passed over would be asked for without the history, and be taken for lost.
+  const bool readable = !history_.Kept() || history_.IsReady();
   const std::int64_t key = history_.KeyOf(al_Unit);
-  const ScanHints hints = key == 0 ? ScanHints() : history_.WithClock(key).clock.hints();
+  if (!readable || (key != 0 && !history_.WithClock(key).clock_read)) {
+    throw RunTimeError("not asked: the history cannot be read now");
+  }
+  ScanHints hints = key == 0 ? ScanHints() : history_.Of(key).clock.hints();
+  hints.known = av_Known.gaps;
   RawScan scan;
   loop_.Aside([&] { scan = ScanRawFile(file, av_Known.scan, hints); });
+  if (scan.missing && av_Known.scan.inode != 0) throw RunTimeError("not asked: its raw file is not there");
   std::vector<GapRecord> gaps = MergeGaps(av_Known.gaps, scan, loop_.NowUtc());
   for (const GapRecord& gap : av_Known.gaps) {
     if (gap.to <= scan.changed_from) gaps.push_back(gap);

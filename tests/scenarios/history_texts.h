@@ -22,6 +22,9 @@ class FailingStore : public SqliteHistoryStore {
   Status Write(const HistoryContents& changes) override {
     return failure.ok() ? SqliteHistoryStore::Write(changes) : failure;
   }
+  Status Read(const HistoryQuery& query, HistoryContents& contents) override {
+    return failure.ok() ? SqliteHistoryStore::Read(query, contents) : failure;
+  }
   Status Replace(std::int64_t unit, DateTime from, const HistoryContents& changes) override {
     return failure.ok() ? SqliteHistoryStore::Replace(unit, from, changes) : failure;
   }

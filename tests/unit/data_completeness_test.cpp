@@ -159,6 +159,13 @@ TEST_F(CompletenessTest, AnotherFileIsReadWhole) {
   ScanHints told;
   told.periods.push_back({kStart, 900});
   EXPECT_TRUE(is_whole(grown, false, told)) << "other hints for what was read";
+  ScanHints known;
+  for (const int begin : {-900, 0, 900}) {
+    known.known.emplace_back().from = kStart + begin;
+    known.known.back().to = kStart + begin + (begin == 0 ? 1800 : 900);
+  }
+  EXPECT_EQ(Scan(grown, known).filled, std::vector{kStart}) << "a reading stands between, not at the ends";
+  EXPECT_TRUE(ScanRawFile(folder.Name("none.epd"), {}, {}).missing);
 }
 
 TEST_F(CompletenessTest, ChannelsAreWatched) {

@@ -7,6 +7,7 @@
 
 #include "history/clock_book.h"
 #include "history/gap_book.h"
+#include "history/waiting_records.h"
 #include "state/link_state.h"
 
 namespace corvane::test {
@@ -40,7 +41,7 @@ TEST(GapBook, MergesWhatWasFoundWithWhatIsKnown) {
     const char* name;
     std::vector<GapRecord> known;
     std::vector<GapRecord> found;
-    bool whole;
+    bool filled;  ///< readings stand where the known ones were
     std::vector<std::string> wanted;
     std::int64_t changed_from = 0;
   };
@@ -57,8 +58,8 @@ TEST(GapBook, MergesWhatWasFoundWithWhatIsKnown) {
        {Gap(2, 5)},
        true,
        {"2-5 lost 1 then changed"}},
-      {"gone from a file that was read whole", {Gap(2, 6)}, {}, true, {"2-6 filled 0 then changed"}},
-      {"gone from a file that has only grown", {Gap(2, 6)}, {}, false, {"2-6 dropped 0 then changed"}},
+      {"gone, readings stand there", {Gap(2, 6)}, {}, true, {"2-6 filled 0 then changed"}},
+      {"gone, and nothing stands there", {Gap(2, 6)}, {}, false, {"2-6 dropped 0 then changed"}},
       {"before what was scanned", {Gap(2, 6)}, {}, true, {}, 6},
       {"across where the scan began", {Gap(2, 7)}, {}, false, {"2-7 dropped 0 then changed"}, 6},
       {"turns out to be the clock", {Gap(2, 6)}, {Gap(2, 6, GapState::Clock)}, true, {"2-6 clock 0 then changed"}},
@@ -77,7 +78,10 @@ TEST(GapBook, MergesWhatWasFoundWithWhatIsKnown) {
   for (const Row& row : rows) {
     RawScan scan;
     scan.gaps = row.found;
-    scan.whole = row.whole;
+    scan.whole = true;
+    for (const GapRecord& gap : row.known) {
+      if (row.filled) scan.filled.push_back(gap.from);
+    }
     scan.changed_from = At(row.changed_from);
     std::vector<std::string> texts;
     for (const GapRecord& gap : MergeGaps(row.known, scan, Moment{200, 0})) texts.push_back(TextOf(gap));
@@ -121,6 +125,21 @@ TEST(ClockBook, TellsStepsOfTheUnitsClockFromThoseOfThisComputers) {
     }
     EXPECT_EQ(text, row.wanted) << row.name;
   }
+}
+
+TEST(WaitingRecords, KeepTheNewestOfAllKinds) {
+  HistoryContents waiting;
+  for (std::int64_t i = 1; i <= 6000; ++i) {
+    waiting.gaps.push_back(Gap(2, 6, GapState::Asked, i));
+    waiting.contacts.emplace_back().round = i;
+  }
+  EXPECT_FALSE(KeepNewest(waiting)) << "one gap, said again and again";
+  EXPECT_EQ(waiting.gaps.size(), 1U);
+  EXPECT_EQ(waiting.gaps[0].tries, 6000);
+  for (std::int64_t i = 6001; i <= 11'000; ++i) waiting.contacts.emplace_back().round = i;
+  EXPECT_TRUE(KeepNewest(waiting));
+  EXPECT_EQ(CountOf(waiting), kMostWaiting);
+  EXPECT_EQ(waiting.contacts.back().round, 11'000);
 }
 
 }  // namespace
