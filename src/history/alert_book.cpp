@@ -79,6 +79,11 @@ bool IsWatched(const UnitStatus& unit) {
   return unit.state != UnitState::Off && unit.state != UnitState::New;
 }
 
+/// Readings that are missing, and that the unit will be asked for by itself.
+std::int64_t ToBeAskedFor(const UnitStatus& unit) {
+  return unit.missing - unit.lost - unit.given_up;
+}
+
 bool IsRelayRecord(const AlertRecord& record) {
   return record.cause == kSilent && record.unit == 0;
 }
@@ -154,8 +159,15 @@ class Telling {
     if (wrong_.find(KeyOf(record)) == wrong_.end()) return std::nullopt;
     if (record.told.IsNone()) return AlertKind::Raised;
     const std::int64_t after = kRepeatAfter - (view_.round_ended ? kRoundsVary : 0);
-    const bool again = record.cause != kLost && status_.now - record.told >= after;
+    const bool again = !IsToldOnce(record) && status_.now - record.told >= after;
     return again ? std::optional(AlertKind::Repeated) : std::nullopt;
+  }
+
+  /// What is lost, and what nobody asks for by itself.
+  [[nodiscard]] bool IsToldOnce(const AlertRecord& record) const {
+    if (record.cause != kMissing) return record.cause == kLost;
+    const auto unit = units_.find(record.unit);
+    return unit != units_.end() && ToBeAskedFor(*unit->second) == 0;
   }
 
   /// The network's causes come first, then those of units as their table has them.
@@ -207,7 +219,7 @@ class Telling {
     if (event.cause == kRound) {
       return cleared ? "Rounds go to their end again" : "The last round ended early: " + status_.last.ending;
     }
-    return cleared ? "The history can be written again" : "The history cannot be written: " + view_.history_problem;
+    return cleared ? "The history can be used again" : "The history cannot be used: " + view_.history_problem;
   }
 
   [[nodiscard]] std::string SentenceOf(const AlertEvent& event) const {
@@ -371,7 +383,9 @@ class Look {
     for (const std::string_view cause : {kRejected, kClock, kBattery, kSensor}) {
       Settle(cause, unit.key, "", !TroublesOf(unit, cause).empty(), answered);
     }
-    Settle(kMissing, unit.key, "", unit.missing > unit.lost, view_.round_ended);
+    // What nobody asks for by itself is over without a word behind some days: it is not there again.
+    const std::int64_t told = ToBeAskedFor(unit) + unit.given_up_lately;
+    if (told > 0 || unit.given_up == 0) Settle(kMissing, unit.key, "", told > 0, view_.round_ended);
     Settle(kDelivery, unit.key, "", !unit.delivery_problem.empty(), view_.round_ended);
     SettleLost(unit);
   }

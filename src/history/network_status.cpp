@@ -73,15 +73,16 @@ class NetworkView {
     if (history_.rounds.empty()) return false;
     const RoundRecord& last = history_.rounds.back();
     // One that was killed never ends either, and another program may hold the folder by now.
-    return last.ended.IsNone() && status_.now - last.began <= kLongestRound &&
+    return last.ended.IsNone() && last.began <= status_.now && status_.now - last.began <= kLongestRound &&
            (holder_ == Holder::Somebody || (holder_ == Holder::Unknown && AliveLately()));
   }
 
   [[nodiscard]] bool RoundIsMissed() const {
     const DateTime planned = network_.next_download;
     if (planned.IsNone() || status_.now.Local() - planned <= kBeginsWithin || RoundIsUnderWay()) return false;
-    return std::none_of(history_.rounds.begin(), history_.rounds.end(), [planned](const RoundRecord& round) {
-      return Collects(round) && round.began.Local() >= planned;
+    return std::none_of(history_.rounds.begin(), history_.rounds.end(), [this, planned](const RoundRecord& round) {
+      // One of a clock that was ahead stands in the future.
+      return Collects(round) && round.began <= status_.now && round.began.Local() >= planned;
     });
   }
 

@@ -55,6 +55,8 @@ struct UnitStatus {
   std::int64_t gaps = 0;                     ///< that are neither filled nor a matter of the clock
   std::int64_t missing = 0;                  ///< readings in them
   std::int64_t lost = 0;                     ///< of these for ever
+  std::int64_t given_up = 0;                 ///< of those missing and not lost: nobody asks for them by itself
+  std::int64_t given_up_lately = 0;          ///< of these in the last 30 days
   Moment delivered;                          ///< to the server; none: never, or it is not sent
   DateTime delivered_to;                     ///< the last reading that was delivered
   std::string delivery_problem;

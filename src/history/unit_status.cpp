@@ -10,6 +10,7 @@
 
 #include "history/battery_trend.h"
 #include "history/clock_view.h"
+#include "history/gap_book.h"
 #include "history/status_texts.h"
 #include "history/unit_troubles.h"
 #include "state/records.h"
@@ -91,7 +92,12 @@ void TakeCompleteness(const UnitHistory& av_History, const StatusRules& av_Rules
     if (gap.state != GapState::Found && gap.state != GapState::Asked && gap.state != GapState::Lost) continue;
     ++av_Status.gaps;
     av_Status.missing += gap.missing;
-    if (gap.state == GapState::Lost) av_Status.lost += gap.missing;
+    if (gap.state == GapState::Lost) {
+      av_Status.lost += gap.missing;
+    } else if (!IsAskedForByItself(gap, av_History.unit->get_from)) {
+      av_Status.given_up += gap.missing;
+      if (gap.to >= av_Rules.NewsFrom()) av_Status.given_up_lately += gap.missing;
+    }
   }
 }
 

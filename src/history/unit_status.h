@@ -29,6 +29,8 @@ struct StatusRules {
   double late_after = 2;                 ///< intervals
   double battery_limit = 11.5;           ///< volts
 
+  /// What is wrong for good is told of gaps that end from then on.
+  [[nodiscard]] DateTime NewsFrom() const { return now.Local() - 30 * kSecondsPerDay; }
   /// From how old a last reading on a unit of a log period is late; both in seconds, the period 0 where not known.
   [[nodiscard]] std::int64_t LateFrom(std::int64_t al_Period) const;
 };

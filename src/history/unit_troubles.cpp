@@ -7,6 +7,7 @@
 #include "base/format.h"
 #include "base/numbers.h"
 #include "history/clock_view.h"
+#include "history/gap_book.h"
 #include "history/status_texts.h"
 
 namespace corvane {
@@ -14,7 +15,6 @@ namespace {
 
 constexpr std::int64_t kClockOff = 600;
 constexpr std::int64_t kStill = 48 * 3600;
-constexpr std::int64_t kLostDays = 30;
 constexpr std::int64_t kOutsideShare = 10;  ///< of so many readings of a day one may lie outside
 
 struct Missing {
@@ -29,14 +29,16 @@ struct Missing {
   }
 };
 
-/// Readings that may still be got are missing until they are there; what is lost for ever is news for 30 days.
+/// Readings that will be asked for are missing until they are there; what is lost for ever, or nobody asks for by
+/// itself any more, is news for 30 days.
 std::string MissingText(const UnitHistory& av_History, const StatusRules& av_Rules) {
-  const DateTime lost_from = av_Rules.now.Local() - kLostDays * kSecondsPerDay;
   Missing missing;
   Missing lost;
   for (const GapRecord& gap : av_History.gaps) {
-    if (gap.state == GapState::Found || gap.state == GapState::Asked) missing.Take(gap);
-    if (gap.state == GapState::Lost && gap.to >= lost_from) lost.Take(gap);
+    const bool news = gap.to >= av_Rules.NewsFrom();
+    const bool open = gap.state == GapState::Found || gap.state == GapState::Asked;
+    if (open && (news || IsAskedForByItself(gap, av_History.unit->get_from))) missing.Take(gap);
+    if (gap.state == GapState::Lost && news) lost.Take(gap);
   }
   const auto text = [](const Missing& which, const char* one, const char* many) {
     return CountText(which.readings, one, many) + " in " + CountText(which.gaps, "gap", "gaps") + " since " +

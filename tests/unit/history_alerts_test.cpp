@@ -44,6 +44,8 @@ NetworkStatus StatusAt(DateTime local, const std::string& letters, std::int64_t 
     if (letter == 'b') unit.troubles = {{TroubleKind::Battery, "10 V"}};
     unit.missing = letter == 'm' || letter == 'x' ? 5 : letter == 'X' ? 9 : 0;
     unit.lost = letter == 'x' || letter == 'X' ? unit.missing : 0;
+    if (letter == 'g' || letter == 'G') unit.missing = unit.given_up = 5;
+    if (letter == 'g') unit.given_up_lately = 5;
     if (letter == 'd') unit.delivery_problem = "no server";
     unit.silenced = letter == 'q';
     unit.asked = letter == 'h' ? 0 : 20;
