@@ -23,8 +23,7 @@ struct FailureText {
 };
 
 constexpr std::array kFailures = {
-    FailureText{HistoryStore::kMissing,
-                " is not there yet: the first download makes it. --home names another folder"},
+    FailureText{HistoryStore::kMissing, " is not there yet: the first download makes it. --home names another folder"},
     FailureText{HistoryStore::kNewer, " was written by a newer version: use the corvanectl of that version"},
     FailureText{HistoryStore::kDamaged,
                 " is damaged: the window or corvanectl run sets it aside and begins anew when it comes upon the "
