@@ -63,6 +63,7 @@ Status ReplacementFile::Commit() {
   if (status.ok()) status = file_.Sync();
   if (!status.ok()) return status;
   if (rename(temporary_.c_str(), path_.c_str()) != 0) return Status::FromErrno(path_, errno);
+  in_place_ = true;
   file_.Close();
   return SyncFolderOf(path_);
 }

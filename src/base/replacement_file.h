@@ -35,6 +35,9 @@ class ReplacementFile {
   Status FlushWhenFull() { return buffer_.size() < kFlushSize ? Status::Ok() : Flush(); }
   /// Flushes, syncs and renames over the final name.
   Status Commit();
+  /// The new file bears its name, also where a power cut may still bring the former one back because `Commit` failed
+  /// behind the renaming.
+  [[nodiscard]] bool InPlace() const { return in_place_; }
 
   /// Takes away what every file not committed has so far: the process ends without destroying them.
   static void RemoveUnfinished();
@@ -52,7 +55,8 @@ class ReplacementFile {
   OutputFile file_;
   ReplacementFile* older_;                           ///< the one that was made before this one
   static inline ReplacementFile* newest_ = nullptr;  ///< needs no construction: the end of the process asks for it
-  Status failure_;                                   ///< the first write that failed; nothing is committed after it
+  bool in_place_ = false;
+  Status failure_;  ///< the first write that failed; nothing is committed after it
 };
 
 }  // namespace corvane

@@ -6,7 +6,6 @@
 
 #include "base/files.h"
 #include "base/replacement_file.h"
-#include "base/status.h"
 #include "base/text.h"
 #include "data/raw_line.h"
 
@@ -99,15 +98,16 @@ class SplicedFile {
     Require(file_.FlushWhenFull());
   }
   /// Puts the new file in place of the former; false when that has changed meanwhile or `al_Size` bytes were not
-  /// written.
-  [[nodiscard]] bool PutInPlace(std::int64_t al_Size) {
+  /// written. `av_Synced`: whether its name is on the disk.
+  [[nodiscard]] bool PutInPlace(std::int64_t al_Size, Status& av_Synced) {
     const auto now = ExamineFile(name_);
     if (!now || now->size != info_->size || now->modified != info_->modified || written_ != al_Size) return false;
     const std::string former = name_ + std::string(kFormerRawFile);
     Require(GiveSecondName(name_, former));
     const Status put = file_.Commit();
     static_cast<void>(RemoveFile(former));
-    Require(put);
+    if (!file_.InPlace()) Require(put);
+    av_Synced = put;
     return true;
   }
 
@@ -150,7 +150,7 @@ SpliceResult SpliceReadings(const std::string& as_File, const ReadingPair& av_Pa
   }
   if (result.added == 0) return {SpliceOutcome::NothingNew};
   if (!file.Copy(*search.place(), file.size(), av_Poll)) return {SpliceOutcome::Stopped};
-  result.outcome = file.PutInPlace(size) ? SpliceOutcome::Done : SpliceOutcome::Changed;
+  result.outcome = file.PutInPlace(size, result.synced) ? SpliceOutcome::Done : SpliceOutcome::Changed;
   return result.outcome == SpliceOutcome::Done ? result : SpliceResult{result.outcome};
 }
 

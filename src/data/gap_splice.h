@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/dates.h"
+#include "base/status.h"
 
 namespace corvane {
 
@@ -29,7 +30,8 @@ enum class SpliceOutcome : std::uint8_t {
 
 struct SpliceResult {
   SpliceOutcome outcome = SpliceOutcome::NothingNew;
-  std::int64_t added = 0;  ///< readings
+  std::int64_t added = 0;        ///< readings
+  Status synced = Status::Ok();  ///< behind `Done`: a failure when a power cut may bring the former file back
 };
 
 /// The former raw file while the new one takes its place: this behind its name. Another name than those that fetched

@@ -78,6 +78,11 @@ extern "C" int unlink(const char* path) {
 
 extern "C" int fsync(int descriptor) {
   BeforeChange();
+  if (corvane::test::failing_folder_syncs > 0) {
+    --corvane::test::failing_folder_syncs;
+    errno = EIO;
+    return -1;
+  }
   corvane::test::synced_folders.insert(PathOf(descriptor));
   return static_cast<int>(syscall(SYS_fsync, descriptor));
 }

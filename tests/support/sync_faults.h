@@ -7,6 +7,8 @@ namespace corvane::test {
 
 /// How many of the next calls of `fdatasync` fail and lose the last bytes of their file, as a failing disk does.
 inline int failing_syncs = 0;
+/// How many of the next calls of `fsync` fail, which is used for folders.
+inline int failing_folder_syncs = 0;
 /// How many of the next calls that read "corvane.ini" fail, and with which error; with EMFILE it cannot be opened.
 inline int failing_reads = 0;
 inline int read_error = 0;

@@ -114,6 +114,10 @@ TEST_F(GapSpliceTest, AFileThatGrowsMeanwhileACancelAndAFailingDiskLeaveItAsItIs
   EXPECT_EQ(splice([&] { return !folder_.Write("00001.epd", former + Lines({Reading(13)})).empty(); }),
             SpliceOutcome::Changed);
   EXPECT_EQ(folder_.Read("00001.epd"), former + Lines({Reading(13)}));
+  failing_folder_syncs = 1;
+  const SpliceResult unsynced = SpliceReadings(file_, kPair, {Reading(10)}, [] { return true; });
+  EXPECT_EQ(unsynced.added, 1) << "it stands in the file";
+  EXPECT_FALSE(unsynced.synced.ok());
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.path()), {}), 1);
 }
 
