@@ -82,14 +82,17 @@ void DownloadCapture::AcceptHeader() {
 bool DownloadCapture::RefuseOtherUnit() {
   const std::string& file = p_.download.OutputFileName;
   const auto& own = p_.download.OwnSiteID;
-  if (!own || IsSameSiteID(*own, line_.items[1])) return false;
   const std::string other(line_.items[1]);
-  const bool is_asked = IsSameSiteID(other, std::to_string(p_.download.AskedID));
+  const std::string asked = std::to_string(p_.download.AskedID);
+  const bool is_asked = IsSameSiteID(other, asked);
+  // Where no header tells whose file it is, only what the asked unit itself sends may come between its readings.
+  if (own ? IsSameSiteID(*own, other) : is_asked || !p_.download.Gap) return false;
   const bool refused = (GoesOn(p_.form, p_.flags) || p_.download.Gap) && !is_asked;
-  const std::string report = "The unit answers with SiteID \"" + other + "\", but line 1 of " + file + " has \"" +
-                             *own + "\"" + std::string(refused ? kRefused : kStoredAllTheSame);
-  p_.download.Tally.AddProblem("SiteID \"" + other + "\" instead of \"" + *own +
-                               "\": enter the unit's new ID or move away " + file);
+  const std::string report = "The unit answers with SiteID \"" + other + "\", but " +
+                             (own ? "line 1 of " + file + " has \"" + *own : "unit \"" + asked) + "\"" +
+                             (own ? "" : " was asked") + std::string(refused ? kRefused : kStoredAllTheSame);
+  p_.download.Tally.AddProblem("SiteID \"" + other + "\" instead of \"" + own.value_or(asked) +
+                               "\": enter the unit's new ID" + (p_.download.Gap ? "" : " or move away " + file));
   if (std::exchange(other_unit_named_[file], p_.download.Round) == p_.download.Round) {
     p_.trace.TraceDecision(report);
   } else {
