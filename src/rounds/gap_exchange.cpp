@@ -40,7 +40,7 @@ GapAnswer GapExchange::Ask(std::int64_t al_Unit, const GapRecord& av_Gap) {
   p_.session.ProcessUnit(kDownload);
   GapAnswer answer;
   if (!Cancelled(p_.link, p_.flags)) answer = Judge(raw_file, Gather(sent.name()), av_Gap);
-  if (Cancelled(p_.link, p_.flags) && answer.added == 0) answer = {GapState::Found, 0, "cancelled", true};
+  if (Cancelled(p_.link, p_.flags) && answer.added == 0) answer = {GapState::Found, 0, "cancelled", p_.link.DataPhase};
   EndExchange();
   return answer;
 }
@@ -66,22 +66,38 @@ GapExchange::Gathered GapExchange::Gather(const std::string& as_File) const {
   return gathered;
 }
 
-GapAnswer GapExchange::Judge(const std::string& as_RawFile, const Gathered& av_Gathered, const GapRecord& av_Gap) {
+GapAnswer GapExchange::Heard() const {
+  const bool failed_here = p_.link.HalvexError && p_.link.ResultCode == kCommsErrorResult;
+  const bool replied = p_.link.HalvexError && !failed_here;
+  const bool too_many = p_.download.Gap->too_many;
   GapAnswer answer;
-  answer.heard = p_.link.DataPhase || (p_.link.HalvexError && p_.link.ResultCode != kCommsErrorResult);
+  answer.heard = p_.link.DataPhase || (replied && p_.link.ResultCode != kNoResponseResult);
+  answer.silent = !answer.heard && !replied;
+  if (!answer.heard || failed_here || too_many) answer.state = GapState::Found;
+  if (too_many) answer.announced = p_.session.Tally().announced;
+  return answer;
+}
+
+GapAnswer GapExchange::Judge(const std::string& as_RawFile, const Gathered& av_Gathered, const GapRecord& av_Gap) {
+  GapAnswer answer = Heard();
+  SpliceResult put;
   const auto go_on = [this] {
     p_.loop.Poll();
     return !Cancelled(p_.link, p_.flags);
   };
   try {
-    const SpliceResult put = SpliceReadings(as_RawFile, {av_Gap.from, av_Gap.to}, av_Gathered.readings, go_on);
+    put = SpliceReadings(as_RawFile, {av_Gap.from, av_Gap.to}, av_Gathered.readings, go_on);
     answer.added = put.added;
+    if (!put.synced.ok())
+      p_.trace.AErrorReport(as_RawFile + " may be as before after a power cut: " + put.synced.text());
     if (put.outcome == SpliceOutcome::NotTogether || put.outcome == SpliceOutcome::Changed) {
+      answer.state = GapState::Found;
       answer.result = "the file has changed meanwhile: nothing was put in";
       return answer;
     }
   } catch (const RunTimeError& error) {
     p_.trace.AErrorReport(error.what());
+    answer.state = GapState::Found;
     answer.result = std::string("nothing was put in: ") + error.what();
     return answer;
   }
@@ -92,9 +108,10 @@ GapAnswer GapExchange::Judge(const std::string& as_RawFile, const Gathered& av_G
     answer.result = WhyNotReached();
   } else if (!av_Gathered.whole) {
     answer.result = kDamaged;
-  } else if (av_Gathered.readings.empty()) {
+  } else if (put.outcome == SpliceOutcome::NothingNew) {
     answer.state = GapState::Lost;
-    answer.result = "lost: the unit does not hold them";
+    answer.result = av_Gathered.readings.empty() ? "lost: the unit does not hold them"
+                                                 : "lost: the file has elsewhere what the unit holds";
   } else {
     answer.result = "the unit sent no more";
   }

@@ -20,10 +20,12 @@ namespace corvane {
 
 /// What became of a gap when its unit was asked for it.
 struct GapAnswer {
-  GapState state = GapState::Asked;
-  std::int64_t added = 0;  ///< readings that stand in the raw file now
-  std::string result;      ///< in words
-  bool heard = false;      ///< somebody has answered
+  GapState state = GapState::Asked;  ///< `Found`: that was no try, it stays as it was
+  std::int64_t added = 0;            ///< readings that stand in the raw file now
+  std::string result;                ///< in words
+  bool heard = false;                ///< the unit has answered
+  bool silent = false;               ///< nobody has, the base station neither
+  std::int64_t announced = 0;        ///< lines, where they are more than the limit
 };
 
 /// Asks a unit once for the readings of one gap and puts what it sends into its raw file.
@@ -51,7 +53,10 @@ class GapExchange {
   void Begin() { p_.attempts.AwaitQuiet(); }
   /// Closes the port; nothing is awaited any more.
   void End() { p_.session.ReleasePort(); }
-  /// Asks unit `al_Unit` (from 1) over the open port. A cancel leaves the state `Found`. **Yields.**
+  /// This computer's time, which the units' clocks follow.
+  [[nodiscard]] DateTime Now() const { return p_.loop.Now(); }
+  /// Asks unit `al_Unit` (from 1) over the open port. A try is only what the unit has answered while nothing
+  /// failed on this side. **Yields.**
   [[nodiscard]] GapAnswer Ask(std::int64_t al_Unit, const GapRecord& av_Gap);
 
  private:
@@ -61,6 +66,8 @@ class GapExchange {
     bool whole = false;                 ///< nothing that came was turned down
   };
   [[nodiscard]] Gathered Gather(const std::string& as_File) const;
+  /// Who has answered, and whether that was a try.
+  [[nodiscard]] GapAnswer Heard() const;
   [[nodiscard]] GapAnswer Judge(const std::string& as_RawFile, const Gathered& av_Gathered, const GapRecord& av_Gap);
   /// Why nothing that the unit holds is known to be missing for ever.
   [[nodiscard]] std::string WhyNotReached() const;

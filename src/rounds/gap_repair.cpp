@@ -7,12 +7,14 @@
 #include "base/format.h"
 #include "base/status.h"
 #include "data/gap_splice.h"
+#include "history/network_settings.h"
 #include "ui/mouse_pointer.h"
 
 namespace corvane {
 namespace {
 
 constexpr std::int64_t kSilentUnits = 3;  ///< in a row: then the base station may be silent
+constexpr std::string_view kUnfinishedFile = ".part";
 
 bool IsGap(const RepairResult& av_Row) {
   return !av_Row.gap.to.IsNone();
@@ -45,6 +47,7 @@ std::vector<std::int64_t> GapRepair::RadioUnits() const {
 
 void GapRepair::RepairUnits(const std::vector<std::int64_t>& av_Units, DateTime av_Since) {
   results_.clear();
+  RemoveLeftOvers();
   Collect(av_Units, av_Since);
   Run();
   p_.flags.problems += std::count_if(results_.begin(), results_.end(), [](const auto& row) { return row.problem; });
@@ -52,16 +55,51 @@ void GapRepair::RepairUnits(const std::vector<std::int64_t>& av_Units, DateTime 
 }
 
 void GapRepair::AfterRound() {
-  if (!p_.form.Chk_RepairGaps.ticked() || Cancelled(p_.link, p_.flags) || p_.link.PortFailed) return;
+  if (!p_.form.Chk_RepairGaps.ticked() || Cancelled(p_.link, p_.flags) || !p_.link.ContinueOk() || p_.link.PortFailed) {
+    return;
+  }
   results_.clear();
-  Collect(RadioUnits(), DateTime());
-  std::erase_if(results_, [](const RepairResult& row) { return !IsGap(row) || row.gap.tries >= kMostTries; });
+  for (const std::int64_t unit : Candidates()) {
+    results_.clear();
+    Collect({unit}, DateTime());
+    std::erase_if(results_, [&](const auto& row) { return !IsGap(row) || !IsAskedByItself(unit, row.gap); });
+    if (!results_.empty()) break;
+  }
   if (results_.empty()) return;
-  const auto newest = std::max_element(results_.begin(), results_.end(),
-                                       [](const auto& one, const auto& other) { return one.gap.to < other.gap.to; });
-  std::erase_if(results_, [unit = newest->unit](const RepairResult& row) { return row.unit != unit; });
+  if (results_.size() > kMostInRound) results_.resize(kMostInRound);
   Run();
   Summarise();
+}
+
+std::vector<std::int64_t> GapRepair::Candidates() {
+  std::vector<std::pair<DateTime, std::int64_t>> newest;
+  for (const std::int64_t unit : RadioUnits()) {
+    if (!p_.registry.Units[unit].Marked || p_.registry.Units[unit].Problem || !p_.gaps.WhyNone(unit).empty()) continue;
+    DateTime to;
+    try {
+      for (const GapRecord& gap : p_.gaps.Remembered(unit, [this] { return Cancelled(p_.link, p_.flags); })) {
+        if (IsAskedByItself(unit, gap)) to = std::max(to, gap.to);
+      }
+    } catch (const RunTimeError& error) {
+      p_.trace.TraceDecision("Repair: " + p_.registry.Units[unit].Name + ": " + error.what());
+    }
+    if (!to.IsNone()) newest.emplace_back(to, unit);
+  }
+  std::stable_sort(newest.begin(), newest.end(),
+                   [](const auto& one, const auto& other) { return one.first > other.first; });
+  std::vector<std::int64_t> units;
+  for (const auto& [to, unit] : newest) units.push_back(unit);
+  return units;
+}
+
+bool GapRepair::IsAskedByItself(std::int64_t al_Unit, const GapRecord& av_Gap) const {
+  if (av_Gap.tries >= kMostTries) return false;
+  const std::int64_t most = ReadNetworkSettings(p_.form).repair_limit;
+  // From an earlier date on the unit sends more, never less.
+  const auto announced = announced_.lower_bound({al_Unit, av_Gap.from});
+  if (announced != announced_.end() && announced->first.first == al_Unit && announced->second > most) return false;
+  const std::int64_t period = (av_Gap.to - av_Gap.from) / (av_Gap.missing + 1);
+  return p_.exchange.Now() - av_Gap.from <= std::max<std::int64_t>(period, 1) * most;
 }
 
 void GapRepair::Collect(const std::vector<std::int64_t>& av_Units, DateTime av_Since) {
@@ -73,7 +111,7 @@ void GapRepair::Collect(const std::vector<std::int64_t>& av_Units, DateTime av_S
     row.result = p_.gaps.WhyNone(unit);
     try {
       if (!row.result.empty()) throw RunTimeError(row.result);
-      for (const GapRecord& gap : p_.gaps.Find(unit)) {
+      for (const GapRecord& gap : p_.gaps.Find(unit, [this] { return Cancelled(p_.link, p_.flags); })) {
         if (gap.to > av_Since) results_.push_back({unit, row.name, gap});
       }
     } catch (const RunTimeError& error) {
@@ -116,19 +154,21 @@ void GapRepair::AskOverPort() {
 }
 
 bool GapRepair::AskUnit(Row av_First, Row av_End) {
-  bool heard = true;
-  for (auto row = av_First; row != av_End && heard && !Cancelled(p_.link, p_.flags); ++row) {
-    const GapAnswer answer = p_.exchange.Ask(row->unit, row->gap);
-    heard = answer.heard;
+  GapAnswer answer;
+  answer.heard = true;
+  for (auto row = av_First; row != av_End && answer.heard && !Cancelled(p_.link, p_.flags); ++row) {
+    answer = p_.exchange.Ask(row->unit, row->gap);
     Take(*row, answer);
   }
-  return heard;
+  return !answer.silent;
 }
 
 void GapRepair::Take(RepairResult& av_Row, const GapAnswer& av_Answer) {
   av_Row.added = av_Answer.added;
   av_Row.result = av_Answer.result;
+  av_Row.asked = true;
   av_Row.heard = av_Answer.heard;
+  if (av_Answer.announced > 0) announced_[{av_Row.unit, av_Row.gap.from}] = av_Answer.announced;
   av_Row.problem = av_Answer.state != GapState::Filled && av_Answer.state != GapState::Lost;
   p_.trace.LogWrite(LineOf(av_Row));
   if (av_Answer.state == GapState::Found) return;
@@ -150,7 +190,7 @@ void GapRepair::CountRound() const {
   RoundRecord counts;
   std::int64_t unit = 0;
   for (const RepairResult& row : results_) {
-    const bool first = IsGap(row) && row.unit != unit;
+    const bool first = row.asked && row.unit != unit;
     counts.asked += first ? 1 : 0;
     counts.answered += first && row.heard ? 1 : 0;
     counts.stored += row.added;
@@ -172,14 +212,19 @@ void GapRepair::Summarise() const {
 
 void GapRepair::BeginOperation() {
   results_.clear();
-  if (!std::exchange(tidied_, true)) RemoveLeftOvers();
+  if (p_.form.Chk_RepairGaps.ticked()) RemoveLeftOvers();
 }
 
-void GapRepair::RemoveLeftOvers() const {
+void GapRepair::RemoveLeftOvers() {
+  if (std::exchange(tidied_, true)) return;
   for (std::int32_t unit = 1; unit <= p_.registry.Units.count(); ++unit) {
     const std::string raw_file = p_.names.DataFileName(unit, false);
-    for (const std::string_view behind : {RawKeeper::kRepairFile, kFormerRawFile}) {
-      static_cast<void>(RemoveFile(raw_file + std::string(behind)));
+    static_cast<void>(RemoveFile(raw_file + std::string(RawKeeper::kRepairFile)));
+    std::string target;
+    // A file that a link leads to is written anew beside itself.
+    if (!FollowLink(raw_file, target).ok()) continue;
+    for (const std::string_view behind : {kFormerRawFile, kUnfinishedFile}) {
+      static_cast<void>(RemoveFile(target + std::string(behind)));
     }
   }
 }

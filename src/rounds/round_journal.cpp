@@ -24,7 +24,6 @@ constexpr std::size_t kHeaderAmbient = 7;
 constexpr std::size_t kReadingBattery = 1;
 constexpr std::size_t kReadingAmbient = 2;
 constexpr std::int64_t kHalfMinute = 30;  ///< a header tells whole minutes: this far they are wrong on average
-constexpr std::int16_t kNoResponse = 2;   ///< the base station's word that the unit did not answer it
 // Intended: 273 and not 273.15; so the units report their temperatures.
 constexpr double kKelvinOffset = 273;
 
@@ -132,7 +131,7 @@ void RoundJournal::TakeOutcome(Turn& av_Turn, TryEnd ae_End, const std::string& 
     contact.outcome = av_Turn.heard ? Outcome::Failed : Outcome::Silent;
     contact.error = p_.link.DataPhase ? "the answer broke off" : "no answer";
   } else if (ae_End == TryEnd::Failed) {
-    const bool silent = p_.link.ResultCode == kNoResponse && !av_Turn.heard;
+    const bool silent = p_.link.ResultCode == kNoResponseResult && !av_Turn.heard;
     contact.outcome = !av_Turn.sent ? Outcome::NotAsked : silent ? Outcome::Silent : Outcome::Failed;
     contact.error = p_.link.ResultTextOf(p_.link.ResultCode);
   } else {

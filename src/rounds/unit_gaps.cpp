@@ -1,11 +1,19 @@
 #include "rounds/unit_gaps.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "base/status.h"
 #include "history/gap_book.h"
 
 namespace corvane {
+namespace {
+
+bool IsWorthAsking(const GapRecord& av_Gap) {
+  return av_Gap.state == GapState::Found || av_Gap.state == GapState::Asked;
+}
+
+}  // namespace
 
 std::string UnitGaps::WhyNone(std::int64_t al_Unit) const {
   const Unit& unit = registry_.Units[al_Unit];
@@ -21,30 +29,46 @@ UnitGaps::Known& UnitGaps::Of(std::int64_t al_Unit) {
   return known_[names_.DataFileName(static_cast<std::int32_t>(al_Unit), false)];
 }
 
-std::vector<GapRecord> UnitGaps::Find(std::int64_t al_Unit) {
+std::vector<GapRecord> UnitGaps::Find(std::int64_t al_Unit, const std::function<bool()>& av_Stopped) {
   Known& known = Of(al_Unit);
-  Scan(al_Unit, known);
+  Scan(al_Unit, known, av_Stopped);
   std::vector<GapRecord> found;
   for (GapRecord gap : known.gaps) {
     TakeState(al_Unit, gap);
-    if (gap.state == GapState::Found || gap.state == GapState::Asked) found.push_back(gap);
+    if (IsWorthAsking(gap)) found.push_back(gap);
   }
   std::sort(found.begin(), found.end(), [](const auto& one, const auto& other) { return one.to > other.to; });
   return found;
 }
 
-void UnitGaps::Scan(std::int64_t al_Unit, Known& av_Known) {
-  const std::string file = names_.DataFileName(static_cast<std::int32_t>(al_Unit), false);
+std::vector<GapRecord> UnitGaps::Remembered(std::int64_t al_Unit, const std::function<bool()>& av_Stopped) {
+  if (!history_.Kept()) return Find(al_Unit, av_Stopped);
+  const std::int64_t key = history_.KeyOf(al_Unit);
+  if (key == 0) return {};
+  std::vector<GapRecord> gaps = history_.Of(key).gaps;
+  std::erase_if(gaps, [](const GapRecord& gap) { return !IsWorthAsking(gap); });
+  return gaps;
+}
+
+ScanHints UnitGaps::HintsFor(std::int64_t al_Unit) {
   // What a clock has passed over would be asked for without the history, and be taken for lost.
   const bool readable = !history_.Kept() || history_.IsReady();
   const std::int64_t key = history_.KeyOf(al_Unit);
   if (!readable || (key != 0 && !history_.WithClock(key).clock_read)) {
     throw RunTimeError("not asked: the history cannot be read now");
   }
-  ScanHints hints = key == 0 ? ScanHints() : history_.Of(key).clock.hints();
+  return key == 0 ? ScanHints() : history_.Of(key).clock.hints();
+}
+
+void UnitGaps::Scan(std::int64_t al_Unit, Known& av_Known, const std::function<bool()>& av_Stopped) {
+  const std::string file = names_.DataFileName(static_cast<std::int32_t>(al_Unit), false);
+  ScanHints hints = HintsFor(al_Unit);
   hints.known = av_Known.gaps;
   RawScan scan;
-  loop_.Aside([&] { scan = ScanRawFile(file, av_Known.scan, hints); });
+  std::atomic<bool> stopped = false;
+  loop_.Aside([&] { scan = ScanRawFile(file, av_Known.scan, hints, [&stopped] { return !stopped; }); },
+              [&] { stopped = av_Stopped(); });
+  if (scan.cancelled) throw RunTimeError("not asked: cancelled");
   if (scan.missing && av_Known.scan.inode != 0) throw RunTimeError("not asked: its raw file is not there");
   std::vector<GapRecord> gaps = MergeGaps(av_Known.gaps, scan, loop_.NowUtc());
   for (const GapRecord& gap : av_Known.gaps) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -27,8 +28,11 @@ class UnitGaps {
   /// The gaps of a unit's raw file that are neither known to be lost nor a matter of its clock, the newest first.
   /// **Yields.**
   ///
-  /// Reads what the file has grown by since it was last asked for. Throws `RunTimeError` when it cannot be read.
-  [[nodiscard]] std::vector<GapRecord> Find(std::int64_t al_Unit);
+  /// Reads what the file has grown by since it was last asked for; `av_Stopped` ends that. Throws `RunTimeError` then,
+  /// and when the file cannot be read, or the history, without which a matter of the clock cannot be told from a gap.
+  [[nodiscard]] std::vector<GapRecord> Find(std::int64_t al_Unit, const std::function<bool()>& av_Stopped);
+  /// The same as the history knows them, without a look at the file; where none is kept, what `Find` finds. **Yields.**
+  [[nodiscard]] std::vector<GapRecord> Remembered(std::int64_t al_Unit, const std::function<bool()>& av_Stopped);
   /// Remembers what became of a gap.
   void Note(std::int64_t al_Unit, const GapRecord& av_Gap);
 
@@ -39,7 +43,8 @@ class UnitGaps {
     std::vector<GapRecord> gaps;
   };
   [[nodiscard]] Known& Of(std::int64_t al_Unit);
-  void Scan(std::int64_t al_Unit, Known& av_Known);
+  void Scan(std::int64_t al_Unit, Known& av_Known, const std::function<bool()>& av_Stopped);
+  [[nodiscard]] ScanHints HintsFor(std::int64_t al_Unit);
   /// Takes over what the history knows of a gap or of one that it was a part of.
   void TakeState(std::int64_t al_Unit, GapRecord& av_Gap);
 

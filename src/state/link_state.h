@@ -28,6 +28,8 @@ enum Command : std::int16_t {
   kTestBaseStation = 8,
 };
 inline constexpr std::int16_t kLastState = 10;
+/// The base station's word that the unit did not answer it.
+inline constexpr std::int16_t kNoResponseResult = 2;
 /// The result code of an error on this side of the line; its text is entered when it happens.
 inline constexpr std::int16_t kCommsErrorResult = 9;
 /// The result code of a download that this side has broken off.
