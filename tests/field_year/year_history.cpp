@@ -147,8 +147,10 @@ void Year::JudgeGapsOf(std::size_t row, std::vector<GapRecord> named) {
     outcome_.counts[kSkipped] += gap.not_later;
     const auto found = std::ranges::find_if(
         named, [&gap](const GapRecord& each) { return each.from == DateOf(gap.from) && each.to == DateOf(gap.to); });
-    const GapRecord none{0, DateOf(gap.from), DateOf(gap.to)};
-    const GapRecord told = found == named.end() ? none : *found;
+    GapRecord told;
+    told.from = DateOf(gap.from);
+    told.to = DateOf(gap.to);
+    if (found != named.end()) told = *found;
     if (found != named.end()) named.erase(found);
     if (told.missing > 0 || gap.missing > 0) {
       lists += TextOf(told) + " named, " + std::to_string(gap.missing) + " by the book" +
