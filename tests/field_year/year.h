@@ -64,7 +64,8 @@ class Year {
   static constexpr const char* kNamed = "named as missing";
   static constexpr const char* kClockForward = "clock set forward";
   static constexpr const char* kSkipped = "skipped, dated not later than the last";
-  static constexpr std::array<const char*, 3> kGapHeadings = {kNamed, kClockForward, kSkipped};
+  static constexpr const char* kByHand = "asked for by the person on the last evening, and filled";
+  static constexpr std::array<const char*, 4> kGapHeadings = {kNamed, kClockForward, kSkipped, kByHand};
   /// Evenings on which something had to be told, or nothing.
   static constexpr const char* kSilent = "silent";
   static constexpr const char* kLate = "late";
@@ -141,6 +142,7 @@ class Year {
   void JudgeAlerts();
   void JudgeAlertsOf(std::size_t row);
   void ForgetAlerts();
+  void RepairByHand();
   void JudgeGaps(const HistoryContents& history);
   void JudgeGapsOf(std::size_t row, std::vector<GapRecord> named);
   [[nodiscard]] HistoryContents ReadHistory() const;

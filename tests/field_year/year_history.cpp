@@ -1,6 +1,7 @@
 // The history of a simulated year, held against the books.
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -139,6 +140,20 @@ void Year::JudgeGaps(const HistoryContents& history) {
   }
 }
 
+/// By itself the program asks for a gap three times at most, which may all have been in bad days.
+void Year::RepairByHand() {
+  while (IsBusy()) PassTo(Now() + kMilliseconds);
+  PassUnits();
+  JudgeRawFiles();
+  for (const RawBook& row : rows_) {
+    for (const BookGap& gap : row.Gaps()) outcome_.counts[kByHand] += gap.held && !gap.clock_set ? gap.missing : 0;
+  }
+  std::vector<std::int64_t> units(rows_.size());
+  std::iota(units.begin(), units.end(), 1);
+  program_->commands().RepairUnits(units, DateTime());
+  JudgeRawFiles();
+}
+
 /// What is named, and what the unit's own book says, between each two readings of the raw file.
 void Year::JudgeGapsOf(std::size_t row, std::vector<GapRecord> named) {
   std::string lists;
@@ -150,13 +165,18 @@ void Year::JudgeGapsOf(std::size_t row, std::vector<GapRecord> named) {
     GapRecord told;
     told.from = DateOf(gap.from);
     told.to = DateOf(gap.to);
-    if (found != named.end()) told = *found;
-    if (found != named.end()) named.erase(found);
+    if (found != named.end()) {
+      told = *found;
+      named.erase(found);
+    }
     if (told.missing > 0 || gap.missing > 0) {
       lists += TextOf(told) + " named, " + std::to_string(gap.missing) + " by the book" +
                (gap.clock_set ? ", clock set forward" : "") + (gap.period_set ? ", period set" : "");
     }
-    if (told.missing == gap.missing) {
+    if (repairs_gaps_ && gap.held && gap.missing > 0 && !gap.clock_set) {
+      agree = false;
+      lists += " in the unit's memory !";
+    } else if (told.missing == gap.missing) {
       outcome_.counts[kNamed] += gap.missing;
     } else if (gap.clock_set) {
       outcome_.counts[kClockForward] += std::abs(told.missing - gap.missing);

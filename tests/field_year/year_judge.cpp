@@ -149,6 +149,7 @@ void Year::JudgeEnd() {
   for (const RawBook& row : rows_) {
     if (!row.is_complete) Break(row.path + ": the unit was not asked in the last days");
   }
+  if (repairs_gaps_) RepairByHand();
   JudgeServer();
   EndProgram();
   const std::string settings = ReadAll(home_ + "/corvane.ini");
