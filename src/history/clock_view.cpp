@@ -45,6 +45,8 @@ ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_C
   std::int64_t ahead_of_utc = 0;
   for (const ContactRecord& contact : av_Contacts) {
     if (!contact.clock_offset && !SetsClock(contact)) continue;
+    // This computer's clock was ahead then: what it was held against is worth nothing now.
+    if (contact.at > av_Now) continue;
     // A clock that was just set shows this computer's time, unless it is known better.
     ahead_of_utc = contact.clock_offset ? AheadOfUtc(contact) : contact.at.ahead;
     view.offset = ahead_of_utc - av_Now.ahead;

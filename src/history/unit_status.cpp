@@ -57,9 +57,16 @@ void TakeAnswers(std::span<const ContactRecord> av_Contacts, UnitStatus& av_Stat
 }
 
 void TakeReadings(const UnitHistory& av_History, const StatusRules& av_Rules, UnitStatus& av_Status) {
-  if (av_History.scan != nullptr) av_Status.last_reading = av_History.scan->last;
-  for (const ContactRecord& contact : av_History.contacts) {
-    av_Status.last_reading = std::max(av_Status.last_reading, contact.last_reading);
+  const auto& contacts = av_History.contacts;
+  if (av_History.scan != nullptr && !av_History.scan->last.IsNone()) {
+    // What was taken out of the file by hand is in it no more; a scan may be behind by what came last.
+    av_Status.last_reading = av_History.scan->last;
+    const bool brought = !contacts.empty() && contacts.back().stored > 0;
+    if (brought) av_Status.last_reading = std::max(av_Status.last_reading, contacts.back().last_reading);
+  } else {
+    for (const ContactRecord& contact : contacts) {
+      av_Status.last_reading = std::max(av_Status.last_reading, contact.last_reading);
+    }
   }
   if (av_Status.last_reading.IsNone()) return;
   // The unit dates its readings by its own clock: one that runs behind makes no reading old.
