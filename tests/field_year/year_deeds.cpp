@@ -195,6 +195,7 @@ void Year::EndFuture(UnitBook& book) {
   if (future < 0) return;
   Disturb();
   book.unit.Forget(future);
+  book.is_clock_known = false;  // nor is the end of the file, until the next round
   const std::string line = book.readings[static_cast<std::size_t>(future)].text + "\r\n";
   for (const RawBook& row : rows_) {
     std::string contents = ReadAll(row.path);

@@ -42,6 +42,7 @@ void Year::ForgetAlerts() {
   TakeAlerts();
   if (!HasTrouble()) return;
   standing_.clear();
+  nobody_collects_ = false;
   alerts_known_from_ = Now() + 2 * kDay * kMilliseconds;
 }
 
@@ -83,6 +84,10 @@ void Year::JudgeAlerts() {
     Break("it stands that nobody collects");
   }
   for (std::size_t row = 0; row < rows_.size(); ++row) JudgeAlertsOf(row);
+  if (outcome_.broken.empty()) return;
+  for (const UnitStatus& unit : program_->history().StatusNow().value_or(NetworkStatus()).units) {
+    Note(unit.file + " is " + std::string(NameOf(unit.state)) + " by the status: " + unit.why);
+  }
 }
 
 /// Two rounds without a sound have to be told, and so have old readings; behind three good rounds nothing stands. What
@@ -99,7 +104,7 @@ void Year::JudgeAlertsOf(std::size_t row) {
   if (book.Shows(RawBook::Sign::Mute, 2, 0)) {
     ++outcome_.counts[kSilent];
     if (!stands(kSilent)) Break(book.path + ": two rounds without an answer, and nobody was told");
-  } else if (is_old && book.book.is_clock_known) {
+  } else if (is_old && book.book.is_clock_known && day_ > 2) {
     ++outcome_.counts[kLate];
     if (!stands(kLate) && !stands(kSilent)) Break(book.path + ": the last reading is old, and nobody was told");
   } else if (book.Shows(RawBook::Sign::Whole, 3, Now() - 3 * interval * kMilliseconds) && last &&
