@@ -13,9 +13,9 @@
 namespace corvane::test {
 namespace {
 
-/// A date of a unit as the program has it.
+/// A date of a unit as its line tells it, in whole minutes.
 DateTime DateOf(basestation::Seconds seconds) {
-  return Moment{seconds, 0}.Local();
+  return Moment{seconds / 60 * 60, 0}.Local();
 }
 
 std::string TextOf(const GapRecord& gap) {

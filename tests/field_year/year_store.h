@@ -60,6 +60,7 @@ class YearRunner : public CommandRunner {
   [[nodiscard]] bool Running() const override { return on_end_ != nullptr; }
   void Start(const std::string& /*command*/, const std::string& input, std::int64_t /*seconds*/,
              std::function<void(const CommandEnding&)> on_end) override {
+    loop_.Check();
     told.push_back(input);
     on_end_ = std::move(on_end);
     loop_.After(1000, [this] {

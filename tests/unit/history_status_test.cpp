@@ -137,6 +137,13 @@ TEST(UnitStatus, HasTheFirstLetterThatApplies) {
        [](Fixture& f) { f.scan().last = kLocal - 6 * kHour - 300, f.last().clock_offset = -300; }, Fine, ""},
       {"older, clock ahead", [](Fixture& f) { f.scan().last = kLocal - 6 * kHour + 300, f.last().clock_offset = 301; },
        Late, ""},
+      {"older, clock behind by a contact from the future",
+       [](Fixture& f) {
+         f.scan().last = kLocal - 6 * kHour - 1, f.last().clock_offset = -300, f.last().at = Ago(-kHour);
+       },
+       Late, ""},
+      {"a later reading was taken out of the file",
+       [](Fixture& f) { f.scan().last = kLocal - 9 * kHour, f.before().last_reading = kLocal + kHour; }, Late, ""},
       {"a setting of four intervals",
        [](Fixture& f) { f.scan().last = kLocal - 12 * kHour, f.network().late_after = 4; }, Fine, ""},
       {"a reading a day", [](Fixture& f) { f.scan().last = kLocal - 48 * kHour, f.scan().period = 86400; }, Fine, ""},
