@@ -21,7 +21,7 @@ constexpr std::int64_t kLongestSilence = 75000;  ///< milliseconds
 constexpr std::size_t kEventsKept = 50;
 constexpr std::size_t kConvertedApart = 3;
 constexpr std::size_t kLargestLog = 1'100'000;
-constexpr std::size_t kMoreHeld = 2;  ///< a log that was closed is opened again
+constexpr std::size_t kMoreHeld = 5;  ///< a log and the three files of the history that were closed are opened again
 
 std::string Replaced(std::string text, const std::string& what, const std::string& with) {
   for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
