@@ -22,6 +22,21 @@ double NumberIn(std::string_view as_Field, std::int64_t al_Line) {
 
 }  // namespace
 
+void ReadLookupPoints(const std::string& as_File, const std::function<void(double x, double y)>& av_Take) {
+  LineReader reader;
+  Require(reader.Open(as_File));
+  std::string_view line;
+  std::vector<std::string_view> fields;
+  for (std::int64_t number = 1; reader.Next(line); ++number) {
+    if (number == 1 && line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
+    SplitInto(line, ',', fields);
+    if (fields.size() < 2) continue;
+    const double x = NumberIn(fields[0], number);
+    av_Take(x, NumberIn(fields[1], number));
+  }
+  Require(reader.status());
+}
+
 void CLookup::SetFile(std::string_view as_File) {
   file_name_ = as_File;
   loaded_ = false;
@@ -51,20 +66,12 @@ bool CLookup::Load() {
 void CLookup::ReadPoints() {
   points_.assign(1, Point{});
   points_[0].X = -std::numeric_limits<double>::infinity();
-  LineReader reader;
-  Require(reader.Open(file_name_));
-  std::string_view line;
-  std::vector<std::string_view> fields;
-  for (std::int64_t number = 1; reader.Next(line); ++number) {
-    if (number == 1 && line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
-    SplitInto(line, ',', fields);
-    if (fields.size() < 2) continue;
+  ReadLookupPoints(file_name_, [this](double ad_X, double ad_Y) {
     Point point;
-    point.X = NumberIn(fields[0], number);
-    point.Y = NumberIn(fields[1], number);
+    point.X = ad_X;
+    point.Y = ad_Y;
     points_.push_back(point);
-  }
-  Require(reader.status());
+  });
 }
 
 void CLookup::ComputeSegments() {

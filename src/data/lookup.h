@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,9 @@
 #include "ui/messages.h"
 
 namespace corvane {
+
+/// Hands on the points of a lookup file in their order; throws `RunTimeError` when it cannot be read.
+void ReadLookupPoints(const std::string& as_File, const std::function<void(double x, double y)>& av_Take);
 
 /// A piecewise-linear lookup table, clamped outside its range. Format: docs/formats/lookup-file.md.
 class CLookup {

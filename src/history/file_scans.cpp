@@ -5,11 +5,10 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 
 #include "base/files.h"
-#include "base/numbers.h"
 #include "base/status.h"
+#include "data/lookup.h"
 #include "history/gap_book.h"
 
 namespace corvane {
@@ -23,16 +22,13 @@ constexpr std::int64_t kSmallPart = 1'000'000;  ///< bytes that are read without
 
 /// The values that a lookup table covers; none where there is no such table. What is wrong with one, a conversion says.
 std::optional<TableRange> RangeOf(const std::string& as_Table) {
-  LineReader reader;
-  if (!reader.Open(as_Table).ok()) return std::nullopt;
   std::optional<TableRange> range;
-  std::string_view line;
-  while (reader.Next(line)) {
-    const auto value = ParseNumber(line.substr(0, line.find(',')));
-    if (!value || line.find(',') == std::string_view::npos) continue;
-    if (!range) range = TableRange{*value, *value};
-    range->least = std::min(range->least, *value);
-    range->most = std::max(range->most, *value);
+  try {
+    ReadLookupPoints(as_Table, [&range](double x, double /*y*/) {
+      range = range ? TableRange{std::min(range->least, x), std::max(range->most, x)} : TableRange{x, x};
+    });
+  } catch (const RunTimeError&) {
+    return std::nullopt;
   }
   return range;
 }
