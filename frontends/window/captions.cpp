@@ -18,6 +18,7 @@
 namespace corvane::window {
 namespace {
 
+constexpr const char* kPageNumber = "pageNumber";
 constexpr const char* kTitleLine = "Corvane captions: ID~original~text~tool tip";
 
 /// A text as it can stand in one field of one line.
@@ -27,7 +28,21 @@ std::string FieldText(const QString& text) {
   return field.toStdString();
 }
 
+/// Where the tab of that number stands.
+int PlaceOf(const QTabWidget& tabs, int number) {
+  for (int place = 0; place < tabs.count(); ++place) {
+    if (const QVariant page = tabs.widget(place)->property(kPageNumber); page.isValid() && page.toInt() == number) {
+      return place;
+    }
+  }
+  return number;
+}
+
 }  // namespace
+
+void Captions::NumberPages(QTabWidget& tabs) {
+  for (int tab = 0; tab < tabs.count(); ++tab) tabs.widget(tab)->setProperty(kPageNumber, tab);
+}
 
 std::int64_t Captions::CaptionCount() const {
   return static_cast<std::int64_t>(Items().size());
@@ -66,8 +81,8 @@ void Captions::AddWidget(QWidget& widget) const {
   item.set_tool_tip = [&widget](const QString& text) { widget.setToolTip(text); };
   if (auto* tabs = qobject_cast<QTabWidget*>(&widget)) {
     item.tabs = tabs->count();
-    item.caption = [tabs](int tab) { return tabs->tabText(tab); };
-    item.set_caption = [tabs](int tab, const QString& text) { tabs->setTabText(tab, text); };
+    item.caption = [tabs](int tab) { return tabs->tabText(PlaceOf(*tabs, tab)); };
+    item.set_caption = [tabs](int tab, const QString& text) { tabs->setTabText(PlaceOf(*tabs, tab), text); };
   } else if (auto* table = qobject_cast<QTreeView*>(&widget)) {
     item.tabs = table->model()->columnCount();
     item.caption = [table](int tab) { return table->model()->headerData(tab, Qt::Horizontal).toString(); };

@@ -12,6 +12,7 @@
 
 class QAction;
 class QMenu;
+class QTabWidget;
 class QWidget;
 
 namespace corvane::window {
@@ -23,6 +24,9 @@ class Captions : public CaptionedWindow {
  public:
   /// Both must outlive this object; the menus must have their entries at the first use.
   Captions(Form& form, QWidget& window) : form_(form), window_(window) {}
+
+  /// Gives the tabs their numbers, by which their texts are found wherever they are moved later.
+  static void NumberPages(QTabWidget& tabs);
 
   [[nodiscard]] std::int64_t CaptionCount() const override;
   [[nodiscard]] Caption CaptionAt(std::int64_t position) const override;

@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
+#include <QTabBar>
 
 #include "ui_main_window.h"
 #include "window/access_keys.h"
@@ -40,9 +41,9 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   ui_->splitter->setStretchFactor(1, 1);
   resize(size().boundedTo(screen()->availableSize() * kShareOfScreen));
   setWindowIcon(QIcon(kIconResource));
+  AddPages();
   ApplyListColours();
   NameForScreenReaders();
-  AddTabShortcuts();
   const auto areas = findChildren<QScrollArea*>();
   for (QScrollArea* area : areas) area->setFocusPolicy(Qt::NoFocus);
   ui_->Cmd_Cancel->installEventFilter(this);
@@ -92,10 +93,29 @@ void MainWindow::NameForScreenReaders() {
   }
 }
 
+void MainWindow::AddPages() {
+  network_ = new NetworkPage(app_, loop_);
+  plot_ = new PlotPage(app_, loop_);
+  ui_->tabs->addTab(network_, "Network");
+  ui_->tabs->addTab(plot_, "Plot");
+  network_->show_plot = [this](std::int64_t position) {
+    ui_->tabs->setCurrentWidget(plot_);
+    plot_->ShowUnit(position);
+  };
+  AddTabShortcuts();
+  Captions::NumberPages(*ui_->tabs);
+  // Intended: the pages keep their numbers for language files and keys; these two only stand first.
+  ui_->tabs->tabBar()->moveTab(ui_->tabs->indexOf(network_), 0);
+  ui_->tabs->tabBar()->moveTab(ui_->tabs->indexOf(plot_), 1);
+  ui_->tabs->setCurrentWidget(network_);
+}
+
 void MainWindow::AddTabShortcuts() {
   for (int tab = 0; tab < ui_->tabs->count(); ++tab) {
-    auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(Qt::Key_1 + tab)), this);
-    connect(shortcut, &QShortcut::activated, this, [this, tab] { ui_->tabs->setCurrentIndex(tab); });
+    const auto digit = static_cast<Qt::Key>(Qt::Key_0 + (tab + 1) % 10);
+    auto* shortcut = new QShortcut(QKeySequence(Qt::ALT | digit), this);
+    QWidget* const page = ui_->tabs->widget(tab);
+    connect(shortcut, &QShortcut::activated, this, [this, page] { ui_->tabs->setCurrentWidget(page); });
   }
 }
 

@@ -8,6 +8,8 @@
 #include "app/application.h"
 #include "window/binder.h"
 #include "window/captions.h"
+#include "window/network/network_page.h"
+#include "window/plot/plot_page.h"
 #include "window/port_dialog.h"
 
 namespace Ui {
@@ -40,6 +42,7 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] BindingContext Context();
   void ApplyListColours();
   void NameForScreenReaders();
+  void AddPages();
   void AddTabShortcuts();
   void AddPortDialog();
   void ShowPorts();
@@ -52,6 +55,8 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<Ui::MainWindow> ui_;
   Captions captions_;
   std::unique_ptr<Binder> binder_;
+  NetworkPage* network_ = nullptr;
+  PlotPage* plot_ = nullptr;
   PortDialog* ports_ = nullptr;
 };
 

@@ -63,7 +63,8 @@ TEST_F(Captions, ReplaceEveryKindOfText) {
     captions.SetCaption(position, tab, "T" + std::to_string(id));
     captions.SetToolTip(position, "tip");
   });
-  EXPECT_EQ(Widget<QTabWidget>("tabs").tabText(2), "T302");
+  EXPECT_EQ(Widget<QTabWidget>("tabs").tabText(0), "T308") << "a moved tab keeps its ID";
+  EXPECT_EQ(Widget<QTabWidget>("tabs").tabText(2), "T300");
   EXPECT_EQ(Entry("mnu_Clients", 0).text(), "T1213");
   EXPECT_EQ(Widget<QMenu>("mnu_Clients").title(), "T1212");
   EXPECT_TRUE(Button("Cmd_Cancel").text().startsWith("T"));

@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
+#include <QTabWidget>
 #include <QTest>
 
 #include "support/world.h"
@@ -23,9 +24,10 @@ class WindowWorld : public World {
     window_ = std::make_unique<window::MainWindow>(*app_, loop);
   }
 
-  /// Runs the creation steps, shows the window and activates it.
+  /// Runs the creation steps, shows the window on the page of a unit and activates it.
   void Open(const std::string& switches = "") {
     app_->life().OnWindowCreate();
+    ShowPage("tabUnit");
     window_->show();
     app_->life().OnWindowActivate(switches);
   }
@@ -72,6 +74,7 @@ class WindowWorld : public World {
     QTest::keyClick(&widget, key);
     Settle();
   }
+  void ShowPage(const char* page) { Widget<QTabWidget>("tabs").setCurrentWidget(&Widget<QWidget>(page)); }
   void Type(const char* field, const QString& text) {
     Field(field).selectAll();
     QTest::keyClicks(&Field(field), text);

@@ -24,7 +24,6 @@ namespace corvane::window {
 namespace {
 
 constexpr QSize kWindowSize(1120, 680);
-constexpr int kSettingsTab = 5;
 constexpr int kPortsGroup = 3;
 constexpr int kFilesCommand = 2;
 constexpr std::int32_t kNumberOfAbsentDevice = 9;
@@ -80,6 +79,7 @@ class Photographer {
     form.Cmd_DownloadAll[1].Click();
     form.Lst_Units.SetCurrent(2);
     ShowRemoteFolder("orchard");
+    ShowPage("tabUnit");
     Take("unit");
     TakeTabs();
     TakePortDialog();
@@ -99,13 +99,14 @@ class Photographer {
   }
 
   void TakeTabs() {
-    const std::vector<std::pair<int, const char*>> tabs = {{1, "relays"}, {2, "clients"}, {3, "files"},
-                                                           {4, "ftp"},    {6, "log"},     {7, "terminal"}};
-    for (const auto& [tab, name] : tabs) {
-      ShowTab("tabs", tab);
+    const std::vector<std::pair<const char*, const char*>> pages = {
+        {"tabRelays", "relays"}, {"tabClients", "clients"}, {"tabFiles", "files"},
+        {"tabFTP", "ftp"},       {"tabLog", "log"},         {"tabTerminal", "terminal"}};
+    for (const auto& [page, name] : pages) {
+      ShowPage(page);
       Take(name);
     }
-    ShowTab("tabs", kSettingsTab);
+    ShowPage("tabSettings");
     const std::vector<const char*> groups = {"settings-folders", "settings-readings", "settings-lookups",
                                              "settings-ports",   "settings-schedule", "settings-network"};
     for (std::size_t group = 0; group < groups.size(); ++group) {
@@ -132,6 +133,9 @@ class Photographer {
     window_.CloseDialogs();
   }
 
+  void ShowPage(const char* page) {
+    window_.findChild<QTabWidget*>("tabs")->setCurrentWidget(window_.findChild<QWidget*>(page));
+  }
   void ShowTab(const char* tabs, int tab) { window_.findChild<QTabWidget*>(tabs)->setCurrentIndex(tab); }
 
   void Take(const QString& name) { Take(name, window_); }
@@ -145,7 +149,7 @@ class Photographer {
   /// The main picture is taken in the middle of a round, once in each colour scheme.
   void TakeWhileDownloading() {
     const Form& form = app_.form();
-    ShowTab("tabs", 0);
+    ShowPage("tabUnit");
     bool taken = false;
     const auto watch = loop_.MakeTimer([this, &form, &taken] {
       if (taken || form.Bar_Unit.value() < 40 || form.Bar_Download.value() < 40) return;
