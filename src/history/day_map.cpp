@@ -1,0 +1,161 @@
+#include "history/day_map.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <utility>
+
+#include "base/format.h"
+#include "history/gap_book.h"
+#include "history/status_texts.h"
+#include "history/unit_status.h"
+#include "state/records.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::array<std::string_view, 5> kGrades = {"no readings due", "whole", "most", "part", "nothing"};
+constexpr std::int64_t kMostTenths = 9;
+
+std::int32_t Small(std::int64_t al_Count) {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(al_Count, 0, std::numeric_limits<std::int32_t>::max()));
+}
+
+DateTime FirstDay(Moment av_Now, std::int64_t al_Days) {
+  return av_Now.Local().Midnight() - (al_Days - 1) * kSecondsPerDay;
+}
+
+/// One unit's row, from what is known of its days and gaps.
+class RowMaker {
+ public:
+  RowMaker(const UnitHistory& av_History, DateTime av_First, std::int64_t al_Days, bool ab_RepairsGaps)
+      : history_(av_History), first_(av_First), repairs_gaps_(ab_RepairsGaps) {
+    row_.unit = av_History.unit->key;
+    row_.cells.resize(static_cast<std::size_t>(al_Days));
+  }
+
+  DayRow Make() {
+    for (const DayRecord& day : history_.days) {
+      DayCell* const cell = CellOf(day.day);
+      if (cell == nullptr) continue;
+      cell->expected = Small(day.expected);
+      cell->stored = Small(day.stored);
+      cell->by_itself = true;
+    }
+    for (const GapRecord& gap : history_.gaps) Take(gap);
+    for (DayCell& cell : row_.cells) Settle(cell);
+    return std::move(row_);
+  }
+
+ private:
+  [[nodiscard]] DayCell* CellOf(DateTime av_When) {
+    const std::int64_t place = (av_When.Midnight() - first_) / kSecondsPerDay;
+    return av_When < first_ || place >= std::ssize(row_.cells) ? nullptr : &row_.cells[static_cast<std::size_t>(place)];
+  }
+
+  /// Spreads the readings of a gap over its days, as evenly as they were due.
+  void Take(const GapRecord& av_Gap) {
+    const bool lost = av_Gap.state == GapState::Lost;
+    const bool open = av_Gap.state == GapState::Found || av_Gap.state == GapState::Asked;
+    if ((!lost && !open) || av_Gap.missing <= 0 || av_Gap.to <= first_) return;
+    const double step = static_cast<double>(av_Gap.to - av_Gap.from) / static_cast<double>(av_Gap.missing + 1);
+    // How many of them were due before a time.
+    const auto before = [&av_Gap, step](DateTime when) {
+      const double due = static_cast<double>(when - av_Gap.from) / step;
+      return std::clamp(static_cast<std::int64_t>(std::ceil(due - 1e-9)), std::int64_t{1}, av_Gap.missing + 1) - 1;
+    };
+    for (DateTime day = std::max(first_, av_Gap.from.Midnight()); day < av_Gap.to; day = day + kSecondsPerDay) {
+      DayCell* const cell = CellOf(day);
+      if (cell == nullptr) return;
+      const std::int64_t due = before(day + kSecondsPerDay) - before(day);
+      std::int32_t& count = lost ? cell->lost : cell->open;
+      count = Small(count + due);
+      if (open && due > 0 && !WillBeAsked(av_Gap)) cell->by_itself = false;
+    }
+  }
+
+  [[nodiscard]] bool CanBeAsked() const {
+    const UnitRecord& unit = *history_.unit;
+    return unit.active && unit.get_from == kFromRadio;
+  }
+
+  [[nodiscard]] bool WillBeAsked(const GapRecord& av_Gap) const {
+    return repairs_gaps_ && CanBeAsked() && IsAskedForByItself(av_Gap, history_.unit->get_from);
+  }
+
+  /// The day's own numbers count: a gap's places within a day follow from its ends alone.
+  void Settle(DayCell& av_Cell) const {
+    av_Cell.lost = std::min(av_Cell.lost, av_Cell.missing());
+    av_Cell.open = CanBeAsked() ? std::min(av_Cell.open, av_Cell.missing() - av_Cell.lost) : 0;
+    av_Cell.by_itself = av_Cell.by_itself && av_Cell.open > 0;
+  }
+
+  const UnitHistory& history_;
+  DateTime first_;
+  bool repairs_gaps_;
+  DayRow row_;
+};
+
+/// "lost for ever", or "3 of them lost for ever" where others are not.
+std::string PartText(std::int32_t ai_Part, std::int32_t ai_Missing, std::string_view as_What) {
+  if (ai_Part == 0) return "";
+  return ", " + (ai_Part == ai_Missing ? "" : std::to_string(ai_Part) + " of them ") + std::string(as_What);
+}
+
+}  // namespace
+
+std::string_view NameOf(DayGrade ae_Grade) {
+  return kGrades[static_cast<std::size_t>(ae_Grade)];
+}
+
+DayGrade GradeOf(const DayCell& av_Cell) {
+  if (av_Cell.expected <= 0) return DayGrade::NotDue;
+  if (av_Cell.missing() == 0) return DayGrade::Whole;
+  if (av_Cell.stored <= 0) return DayGrade::Nothing;
+  return std::int64_t{10} * av_Cell.stored >= kMostTenths * av_Cell.expected ? DayGrade::Most : DayGrade::Part;
+}
+
+const DayRow* DayMap::Find(std::int64_t al_Key) const {
+  const auto found = std::lower_bound(rows.begin(), rows.end(), al_Key,
+                                      [](const DayRow& row, std::int64_t key) { return row.unit < key; });
+  return found != rows.end() && found->unit == al_Key ? &*found : nullptr;
+}
+
+HistoryQuery DayMapQuery(Moment av_Now, std::int64_t al_Days) {
+  HistoryQuery query;
+  query.contacts_since = {std::numeric_limits<std::int64_t>::max(), 0};
+  query.days_since = FirstDay(av_Now, al_Days);
+  query.gaps = true;
+  return query;
+}
+
+DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t al_Days) {
+  DayMap map;
+  map.first = FirstDay(av_Now, al_Days);
+  const bool repairs_gaps = av_History.network && av_History.network->repairs_gaps;
+  for (const UnitRecord& unit : av_History.units) {
+    if (unit.position <= 0) continue;
+    const UnitHistory history = HistoryOf(av_History, unit);
+    map.rows.push_back(RowMaker(history, map.first, al_Days, repairs_gaps).Make());
+  }
+  return map;
+}
+
+std::string DayText(DateTime av_Day, const DayCell& av_Cell) {
+  const std::string day = FormatDate(av_Day, "d mmmm") + ": ";
+  if (av_Cell.expected <= 0) return day + "no readings were due";
+  const std::int32_t missing = av_Cell.missing();
+  if (missing == 0)
+    return day + (av_Cell.stored == 1 ? "its one reading" : "all " + CountText(av_Cell.stored, "", "readings"));
+  std::string text = day + std::to_string(av_Cell.stored) + " of " +
+                     CountText(av_Cell.expected, "reading", "readings") + ", " + std::to_string(missing) + " missing";
+  text += PartText(av_Cell.lost, missing, "lost for ever");
+  text += PartText(av_Cell.open, missing,
+                   av_Cell.by_itself ? "asked for by the next repair" : "asked for by a repair when you start one");
+  const std::int32_t unsettled = missing - av_Cell.lost - av_Cell.open;
+  return text + PartText(unsettled, missing, "not to be asked for now");
+}
+
+}  // namespace corvane
