@@ -4,6 +4,7 @@
 #include <chrono>
 #include <exception>
 #include <initializer_list>
+#include <limits>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -34,6 +35,8 @@ constexpr std::string_view kContactsOfAll =
     "ORDER BY unit.key, contact.round";
 constexpr std::string_view kContactsOfUnit =
     "FROM contact WHERE contact.round >= ? AND contact.at >= ? AND contact.unit = ? ORDER BY contact.round";
+constexpr std::string_view kContactsOfRound =
+    "FROM unit CROSS JOIN contact ON contact.unit = unit.key AND contact.round = ? ORDER BY unit.key";
 constexpr std::string_view kDaysOfAll =
     "FROM unit CROSS JOIN day ON day.unit = unit.key AND day.day >= ? ORDER BY unit.key, day.day";
 constexpr std::string_view kDaysOfUnit = "FROM day WHERE day.day >= ? AND day.unit = ? ORDER BY day.day";
@@ -115,6 +118,18 @@ void ReadContacts(Database& database, const HistoryQuery& query, std::vector<Con
   ReadOf(database, query.unit, kContactsOfAll, kContactsOfUnit, {first, query.contacts_since.utc}, contacts);
 }
 
+/// The last round whose key is at most `key`, its contacts, and where wanted the gaps that changed while it ran.
+void ReadRound(Database& database, const HistoryQuery& query, HistoryContents& contents) {
+  ReadOf(database, 0, "FROM round WHERE key <= ? ORDER BY key DESC LIMIT 1", "", {query.round}, contents.rounds);
+  if (contents.rounds.empty()) return;
+  const RoundRecord& round = contents.rounds.front();
+  ReadOf(database, 0, kContactsOfRound, "", {round.key}, contents.contacts);
+  if (!query.gaps) return;
+  const std::int64_t until = round.ended.IsNone() ? std::numeric_limits<std::int64_t>::max() : round.ended.utc;
+  ReadOf(database, 0, "FROM gap WHERE changed >= ? AND changed <= ? ORDER BY unit, from_reading", "",
+         {round.began.utc, until}, contents.gaps);
+}
+
 /// The rounds of the contacts that were read, and the last `count`.
 void ReadRounds(Database& database, std::int64_t count, HistoryContents& contents) {
   std::set<std::int64_t> keys;
@@ -142,6 +157,7 @@ void ReadLists(Database& database, HistoryContents& contents) {
 void ReadContents(Database& database, const HistoryQuery& query, HistoryContents& contents) {
   const Snapshot snapshot(database);
   if (query.lists) ReadLists(database, contents);
+  if (query.round != 0) return ReadRound(database, query, contents);
   ReadContacts(database, query, contents.contacts);
   if (query.lists) ReadRounds(database, query.rounds, contents);
   if (query.days_since) {

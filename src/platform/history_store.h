@@ -19,6 +19,9 @@ struct HistoryQuery {
   bool gaps = false;                   ///< all that are neither filled nor a matter of the clock
   bool scans = false;
   bool lists = true;  ///< units, deliveries, alerts that stand, notes and the network, all of each, and the rounds
+  /// Instead of contacts and rounds by time: the last round whose key is at most this, its contacts, and as gaps those
+  /// that changed while it ran, whatever became of them; no days and scans. 0: by time.
+  std::int64_t round = 0;
 };
 
 /// The file that holds the history. Calls return at once but for the disk, and wait at most 100 ms for another program.

@@ -156,7 +156,10 @@ TEST_F(HistoryInAFile, ReadsWhatIsAskedFor) {
               {"from a time on", {0, At(350), 0, kDay + 4 * kSecondsPerDay, true, false}, {1, 1, 2, 2}, {3, 4}, 2, 3},
               {"last rounds", {0, At(451), 2, {}, false, false}, {}, {3, 4}, 0, 0},
               {"one unit", {2, At(450), 2, kDay, true, false}, {2}, {3, 4}, 4, 3},
-              {"the other", {1, At(450), 0, kDay, true, false}, {1}, {4}, 4, 0}};
+              {"the other", {1, At(450), 0, kDay, true, false}, {1}, {4}, 4, 0},
+              {"a round", {0, {}, 0, {}, true, false, true, 1}, {1, 2}, {1}, 0, 5},
+              {"the last round", {0, {}, 2, kDay, true, true, true, kMost}, {1, 2}, {4}, 0, 0},
+              {"before the first", {0, At(1), 0, {}, true, false, true, -1}, {}, {}, 0, 0}};
   for (const auto& row : rows) {
     HistoryContents got;
     ASSERT_TRUE(store.Read(row.query, got).ok()) << row.name;
