@@ -106,6 +106,31 @@ std::optional<DateParts> TakeDate(std::vector<std::string_view>& words) {
   return MakeDate(fields[0], SmallNumber(fields[1], 1, 12), fields[2]);
 }
 
+/// Takes a number of that many digits at most, and at least, off the front of `text`; below 0 when there is none.
+int TakeDigits(std::string_view& text, std::size_t fewest, std::size_t most) {
+  std::size_t length = 0;
+  int number = 0;
+  for (; length < most && length < text.size() && text[length] >= '0' && text[length] <= '9'; ++length) {
+    number = number * 10 + (text[length] - '0');
+  }
+  if (length < fewest) return -1;
+  text.remove_prefix(length);
+  return number;
+}
+
+/// Takes one of these names, or its first three letters where `is_short`, off the front of `text`; its place from 0,
+/// below 0 when there is none.
+template <std::size_t kCount>
+int TakeName(std::string_view& text, const std::array<std::string_view, kCount>& names, bool is_short) {
+  for (std::size_t place = 0; place < kCount; ++place) {
+    const std::string_view name = is_short ? names[place].substr(0, 3) : names[place];
+    if (!StartsWithNoCase(text, name)) continue;
+    text.remove_prefix(name.size());
+    return static_cast<int>(place);
+  }
+  return -1;
+}
+
 }  // namespace
 
 DatePattern::DatePattern(std::string_view pattern) {
@@ -203,6 +228,71 @@ void DatePattern::AppendPiece(std::string& out, const Piece& piece, const CivilT
       out += civil.hour < 12 ? "AM" : "PM";
       break;
   }
+}
+
+bool DatePattern::TellsMinute() const {
+  const auto has = [this](Field wanted) {
+    return std::any_of(pieces_.begin(), pieces_.end(), [wanted](const Piece& piece) { return piece.field == wanted; });
+  };
+  const auto digits = [](const Piece& piece) {
+    return piece.field != Field::Literal && piece.field != Field::Weekday && piece.field != Field::AmPm &&
+           (piece.field != Field::Month || piece.width <= 2);
+  };
+  // Two numbers side by side are told apart by their width alone.
+  const bool blurred = std::adjacent_find(pieces_.begin(), pieces_.end(), [&](const Piece& a, const Piece& b) {
+                         return digits(a) && a.width == 1 && digits(b);
+                       }) != pieces_.end();
+  return !blurred && has(Field::Year) && has(Field::Month) && has(Field::Day) && has(Field::Hour) && has(Field::Minute);
+}
+
+bool DatePattern::TakePiece(std::string_view& text, const Piece& piece, CivilTime& civil, bool& afternoon) const {
+  const auto small = [&](int& part) {
+    part = TakeDigits(text, piece.width > 1 ? 2 : 1, 2);
+    return part >= 0;
+  };
+  switch (piece.field) {
+    case Field::Literal:
+      if (!text.starts_with(piece.literal)) return false;
+      text.remove_prefix(piece.literal.size());
+      return true;
+    case Field::Weekday:
+      return TakeName(text, kDays, piece.width == 3) >= 0;
+    case Field::Month:
+      if (piece.width <= 2) return small(civil.month);
+      civil.month = TakeName(text, kMonths, piece.width == 3) + 1;
+      return civil.month > 0;
+    case Field::Year:
+      civil.year = piece.width > 2 ? TakeDigits(text, 4, 4) : TakeDigits(text, 2, 2);
+      if (piece.width <= 2 && civil.year >= 0) civil.year += 2000;
+      return civil.year >= 0;
+    case Field::Day:
+      return small(civil.day);
+    case Field::Hour:
+      return small(civil.hour);
+    case Field::Minute:
+      return small(civil.minute);
+    case Field::Second:
+      return small(civil.second);
+    case Field::AmPm:
+      afternoon = StartsWithNoCase(text, "PM");
+      if (!afternoon && !StartsWithNoCase(text, "AM")) return false;
+      text.remove_prefix(2);
+      return true;
+  }
+  return false;
+}
+
+std::optional<DateTime> DatePattern::TakeFrom(std::string_view& text) const {
+  CivilTime civil;
+  bool afternoon = false;
+  for (const Piece& piece : pieces_) {
+    if (!TakePiece(text, piece, civil, afternoon)) return std::nullopt;
+  }
+  if (twelve_hours_) civil.hour = civil.hour % 12 + (afternoon ? 12 : 0);
+  const bool possible = civil.month >= 1 && civil.month <= 12 && civil.day >= 1 && civil.day <= 31 && civil.hour < 24 &&
+                        civil.minute < 60 && civil.second < 60;
+  if (!possible) return std::nullopt;
+  return DateTime::FromCivil(civil.year, civil.month, civil.day, civil.hour, civil.minute, civil.second);
 }
 
 DatePattern DatePattern::OfDay(const CivilTime& day) const {

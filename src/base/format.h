@@ -23,6 +23,12 @@ class DatePattern {
   /// Appends the text of `when` to `out`.
   void AppendTo(std::string& out, DateTime when) const;
   [[nodiscard]] std::string Text(DateTime when) const;
+  /// True when what this writes tells the minute that it was written of.
+  [[nodiscard]] bool TellsMinute() const;
+  /// Takes a date that this wrote off the front of `text`; none when it does not begin with one.
+  ///
+  /// A year of two digits is one from 2000 on.
+  [[nodiscard]] std::optional<DateTime> TakeFrom(std::string_view& text) const;
 
  private:
   friend class DateWriter;
@@ -34,6 +40,7 @@ class DatePattern {
     std::string literal;  ///< for Literal
   };
   void ResolveMinutes();
+  [[nodiscard]] bool TakePiece(std::string_view& text, const Piece& piece, CivilTime& civil, bool& afternoon) const;
   /// The literal at the end of the pieces, one more piece where there is none.
   std::string& Literal();
   /// This pattern with everything but the time of day written out.

@@ -18,12 +18,7 @@ namespace {
 
 enum WhichReadings : int { kAllReadings = 0, kLogAt = 1 };
 constexpr int kAverageBetweenLogs = 1;
-constexpr float kLargestCorrection = 50;
 constexpr double kBytesPerField = 5;  // about, for the progress bar
-
-float HeldCorrection(float ad_Factor) {
-  return ad_Factor >= 0 && ad_Factor <= kLargestCorrection ? ad_Factor : 0;
-}
 
 /// The calibrated file of a raw file; never the raw file itself.
 std::string CalibratedNameOf(const std::string& as_RawFile, const std::string& as_Extension) {
@@ -98,13 +93,13 @@ bool CalibratedConverter::ConvertFile(const std::string& as_RawFile, std::int64_
 CalibrationSettings CalibratedConverter::ReadSettings() const {
   CalibrationSettings settings;
   settings.Average = p_.form.Opt_Average.GetOptionIndex() == kAverageBetweenLogs;
-  settings.Kelvin = p_.form.Chk_Kelvin.ticked();
+  settings.Factors.kelvin = p_.form.Chk_Kelvin.ticked();
   settings.Uncorrected = p_.form.Chk_Uncorrected.ticked();
   settings.DateFormat = p_.form.Txt_DateFormat.text();
   const std::int64_t unit = p_.form.Lst_Units.current() + 1;
   if (p_.registry.Units.Has(unit)) {
-    settings.MoistureCorrection = HeldCorrection(p_.registry.Units[unit].MoistureCorrection);
-    settings.SalinityCorrection = HeldCorrection(p_.registry.Units[unit].SalinityCorrection);
+    settings.Factors.moisture = CalibrationFactors::Held(p_.registry.Units[unit].MoistureCorrection);
+    settings.Factors.salinity = CalibrationFactors::Held(p_.registry.Units[unit].SalinityCorrection);
   }
   return settings;
 }

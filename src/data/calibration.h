@@ -9,17 +9,16 @@
 
 #include "base/dates.h"
 #include "base/format.h"
+#include "data/calibration_rules.h"
 #include "data/lookup.h"
 
 namespace corvane {
 
 /// What settings and unit record say about a conversion, read once at its start.
 struct CalibrationSettings {
-  bool Average = false;          ///< average all readings since the last logging time
-  bool Kelvin = false;           ///< raw temperatures count from absolute zero
-  bool Uncorrected = false;      ///< also write the moisture before its salinity correction
-  float MoistureCorrection = 0;  ///< 0 to 50
-  float SalinityCorrection = 0;  ///< 0 to 50
+  bool Average = false;      ///< average all readings since the last logging time
+  bool Uncorrected = false;  ///< also write the moisture before its salinity correction
+  CalibrationFactors Factors;
   std::string DateFormat;
 };
 
@@ -28,15 +27,12 @@ struct CalibrationSettings {
 /// Formats: docs/formats/raw-file.md, docs/formats/calibrated-file.md.
 class Calibration {
  public:
-  /// Every field takes at least a comma of a line, whose length is limited.
-  static constexpr std::int64_t kMostFields = 65536;
-
   Calibration(const CalibrationSettings& av_Settings, Lookups& av_Lookups);
 
   /// Takes the numbers of fixed and sensor fields from a raw file's header; both are 0 when it does not hold them.
   void TakeHeader(const std::vector<std::string_view>& av_Fields);
   /// Fields that a data line must have.
-  [[nodiscard]] std::size_t Expected() const { return expected_; }
+  [[nodiscard]] std::size_t Expected() const { return layout_.expected; }
   /// Takes a data line apart and returns the number of its fields; only one that has those expected is a reading.
   [[nodiscard]] std::size_t TakeLine(std::string_view as_Line);
   /// The first field of the line last taken; points into it.
@@ -52,14 +48,11 @@ class Calibration {
   void Average();
   /// Writes the fields of one sensor; returns their end.
   [[nodiscard]] char* PutSensor(char* as_Out, const double* av_Values);
-  [[nodiscard]] double Temperature(double ad_Raw) const;
 
   CalibrationSettings settings_;
   DateWriter date_writer_;
   Lookups& lookups_;
-  std::size_t fixed_ = 0;
-  std::size_t sensors_ = 0;
-  std::size_t expected_ = 0;
+  ReadingLayout layout_;
   std::string_view date_text_;
   std::vector<double> values_;   ///< of the line last taken, by field from 0
   std::vector<double> sums_;     ///< by field from 0, while averaging

@@ -30,7 +30,7 @@ struct ReadingLayout {
   static constexpr std::int64_t kMostFields = 65536;
   static constexpr std::size_t kFieldsPerSensor = 3;
 
-  std::size_t fixed = 0;     ///< items before those of the sensors
+  std::size_t fixed = 0;  ///< items before those of the sensors
   std::size_t sensors = 0;
   std::size_t expected = 0;  ///< items of a reading, the date included; 0 when the line does not say so
 

@@ -4,7 +4,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "data/calibration.h"
+#include "data/calibration_rules.h"
 
 namespace corvane {
 namespace {
@@ -51,7 +51,7 @@ bool ChannelWatch::TakeHeader(std::string_view as_Line) {
   if (fields.size() <= kHeaderSensorItems) return false;
   const std::int64_t fixed = LeadingInteger(fields[kHeaderFixed]);
   const std::int64_t sensor_items = LeadingInteger(fields[kHeaderSensorItems]);
-  if (fixed < 2 || sensor_items < 0 || fixed + sensor_items > Calibration::kMostFields) return false;
+  if (fixed < 2 || sensor_items < 0 || fixed + sensor_items > ReadingLayout::kMostFields) return false;
   fixed_ = static_cast<std::size_t>(fixed);
   items_ = static_cast<std::size_t>(fixed + sensor_items);
   return true;
@@ -129,7 +129,7 @@ void ChannelWatch::Save(ScanStateWriter& av_State) const {
 }
 
 bool ChannelWatch::Restore(ScanStateReader& av_State) {
-  fixed_ = static_cast<std::size_t>(av_State.Take(0, Calibration::kMostFields));
+  fixed_ = static_cast<std::size_t>(av_State.Take(0, ReadingLayout::kMostFields));
   items_ = static_cast<std::size_t>(av_State.Take(0));
   channels_.resize(static_cast<std::size_t>(av_State.Take(0, kMostItems)));
   start_ = av_State.TakeDate();

@@ -108,7 +108,7 @@ void LocalFiles::GetBackupFolder() {
 }
 
 std::string LocalFiles::SettingsFile(std::int16_t ai_Index) const {
-  return p_.app.AppPath(WithSlashes(p_.form.Txt_File[ai_Index].text()));
+  return p_.names.SettingsFile(ai_Index);
 }
 
 void LocalFiles::OpenInEditor(const std::string& as_File) {

@@ -37,6 +37,35 @@ void ReadLookupPoints(const std::string& as_File, const std::function<void(doubl
   Require(reader.status());
 }
 
+void LookupTable::Read(const std::string& as_File) {
+  position_ = 0;
+  points_.assign(1, Point{});
+  points_[0].X = -std::numeric_limits<double>::infinity();
+  ReadLookupPoints(as_File, [this](double ad_X, double ad_Y) {
+    Point point;
+    point.X = ad_X;
+    point.Y = ad_Y;
+    points_.push_back(point);
+  });
+  ComputeSegments();
+}
+
+void LookupTable::ComputeSegments() {
+  if (Count() == 0) return;
+  for (std::size_t i = 1; i < Count(); ++i) {
+    Point& start = points_[i];
+    const Point& end = points_[i + 1];
+    // Intended: a repeated or descending X is no error, its segment would pass the input through unchanged.
+    const bool usable = end.X > start.X;
+    start.Slope = usable ? (end.Y - start.Y) / (end.X - start.X) : 1;
+    start.Intercept = usable ? start.Y - start.Slope * start.X : 0;
+  }
+  points_.front().Intercept = points_[1].Y;
+  points_.back().Slope = 0;
+  points_.back().Intercept = points_.back().Y;
+  position_ = 1;
+}
+
 void CLookup::SetFile(std::string_view as_File) {
   file_name_ = as_File;
   loaded_ = false;
@@ -53,42 +82,13 @@ bool CLookup::Initialise(std::string_view as_File) {
 bool CLookup::Load() {
   if (loaded_) return true;
   try {
-    ReadPoints();
-    ComputeSegments();
+    table_.Read(file_name_);
     loaded_ = true;
   } catch (const RunTimeError& error) {
     failed_ = true;
     ReportError(error.what(), "Load File: " + file_name_);
   }
   return loaded_;
-}
-
-void CLookup::ReadPoints() {
-  points_.assign(1, Point{});
-  points_[0].X = -std::numeric_limits<double>::infinity();
-  ReadLookupPoints(file_name_, [this](double ad_X, double ad_Y) {
-    Point point;
-    point.X = ad_X;
-    point.Y = ad_Y;
-    points_.push_back(point);
-  });
-}
-
-void CLookup::ComputeSegments() {
-  position_ = 0;
-  if (Count() == 0) return;
-  for (std::size_t i = 1; i < Count(); ++i) {
-    Point& start = points_[i];
-    const Point& end = points_[i + 1];
-    // Intended: a repeated or descending X is no error, its segment would pass the input through unchanged.
-    const bool usable = end.X > start.X;
-    start.Slope = usable ? (end.Y - start.Y) / (end.X - start.X) : 1;
-    start.Intercept = usable ? start.Y - start.Slope * start.X : 0;
-  }
-  points_.front().Intercept = points_[1].Y;
-  points_.back().Slope = 0;
-  points_.back().Intercept = points_.back().Y;
-  position_ = 1;
 }
 
 void CLookup::ReportError(std::string_view as_Description, std::string_view as_Operation) {

@@ -45,6 +45,10 @@ std::string FileNames::ClientFolder(std::int32_t al_UnitIndex) const {
   return AddBackslash(DataFolder()) + AddBackslash(WithSlashes(ClientFolderName(al_UnitIndex)));
 }
 
+std::string FileNames::SettingsFile(int ai_Index) const {
+  return app_.AppPath(WithSlashes(form_.Txt_File[ai_Index].text()));
+}
+
 std::string FileNames::ClientFolderName(std::int32_t al_UnitIndex) const {
   if (!registry_.Units.Has(al_UnitIndex)) return {};
   return FolderOfClient(registry_.Units[al_UnitIndex].ClientID);

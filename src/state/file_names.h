@@ -37,6 +37,8 @@ class FileNames {
   [[nodiscard]] std::string DataFolder() const;
   /// The local folder of a unit's client, with a separator at its end; the data folder when the client has none.
   [[nodiscard]] std::string ClientFolder(std::int32_t al_UnitIndex) const;
+  /// The full name of the file in `Txt_File[ai_Index]`.
+  [[nodiscard]] std::string SettingsFile(int ai_Index) const;
   /// The folder name of a unit's client as stored, empty when it has none.
   [[nodiscard]] std::string ClientFolderName(std::int32_t al_UnitIndex) const;
 

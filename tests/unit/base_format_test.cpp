@@ -31,6 +31,28 @@ TEST(DatePatterns, WriteEveryField) {
   EXPECT_EQ(FormatDate(when.Midnight() + kSecondsPerDay / 2, "h am/pm"), "12 PM");
 }
 
+TEST(DatePatterns, ReadWhatTheyWroteWhereItTellsTheMinute) {
+  constexpr std::pair<const char*, bool> kRows[] = {
+      {"d mmm yyyy HH:MM", true}, {"yymmddHHNN", true},    {"DDDD, d MMMM yy h:nn AM/PM", true},
+      {"d/m/yyyy", false},        {"dmyyyy HH:NN", false}, {"HH:MM", false},
+  };
+  for (const auto& [pattern, expected] : kRows) {
+    const DatePattern dates(pattern);
+    EXPECT_EQ(dates.TellsMinute(), expected) << pattern;
+    for (const int hour : {0, 12, 14}) {
+      const DateTime when = DateTime::FromCivil(2010, 5, 3, hour, 7);
+      const std::string text = dates.Text(when) + ", 12";
+      std::string_view rest = text;
+      const std::optional<DateTime> read = dates.TakeFrom(rest);
+      if (!expected) continue;
+      EXPECT_EQ(read ? GeneralDate(*read) : "refused", GeneralDate(when)) << text;
+      EXPECT_EQ(rest, ", 12") << text;
+    }
+    std::string_view other = "yesterday, 12";
+    EXPECT_FALSE(dates.TakeFrom(other));
+  }
+}
+
 TEST(Dates, AreReadInTheFormsTheyAreWritten) {
   constexpr std::pair<const char*, const char*> kRows[] = {
       {"  1 december  1999 ", "1999-12-01 00:00:00"},
