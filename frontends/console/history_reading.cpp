@@ -1,13 +1,12 @@
 #include "history_reading.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/numbers.h"
-#include "base/paths.h"
 #include "base/text.h"
 #include "desktop/folder_holder.h"
+#include "history/history_reading.h"
 #include "options.h"
 #include "posix/local_clock.h"
 #include "sqlite/sqlite_history_store.h"
@@ -17,21 +16,6 @@ namespace {
 
 constexpr Moment kEver{1, 0};
 
-struct FailureText {
-  int code;
-  const char* says;
-};
-
-constexpr std::array kFailures = {
-    FailureText{HistoryStore::kMissing, " is not there yet: the first download makes it. --home names another folder"},
-    FailureText{HistoryStore::kNewer, " was written by a newer version: use the corvanectl of that version"},
-    FailureText{HistoryStore::kDamaged,
-                " is damaged: the window or corvanectl run sets it aside and begins anew when it comes upon the "
-                "damage; to do so "
-                "now, move it away while neither runs"},
-    FailureText{HistoryStore::kBusy, " is held by another program: try again in a moment"},
-};
-
 Holder HolderOf(const std::string& folder) {
   const auto held = FolderIsHeld(folder);
   if (!held) return Holder::Unknown;
@@ -40,25 +24,11 @@ Holder HolderOf(const std::string& folder) {
 
 }  // namespace
 
-std::string HistoryFile(const std::string& folder) {
-  return AddBackslash(folder) + "history.db";
-}
-
-Status HistoryFailure(const Status& failure, const std::string& file) {
-  const auto* const found = std::find_if(kFailures.begin(), kFailures.end(),
-                                         [&failure](const FailureText& each) { return each.code == failure.code(); });
-  if (found == kFailures.end()) return {failure.code(), "the history cannot be used: " + failure.text()};
-  return {failure.code(), "the history " + file + found->says};
-}
-
 HistoryReading::HistoryReading(std::string folder) : folder_(std::move(folder)), now_(LocalClock().NowUtc()) {}
 
 Status HistoryReading::Read(const HistoryQuery& query, HistoryContents& contents) const {
-  const std::string file = HistoryFile(folder_);
   SqliteHistoryStore store;
-  Status status = store.OpenToRead(file);
-  if (status.ok()) status = store.Read(query, contents);
-  return status.ok() ? status : HistoryFailure(status, file);
+  return ReadHistory(store, folder_, query, contents);
 }
 
 Status HistoryReading::ReadForStatus() {

@@ -36,9 +36,4 @@ class HistoryReading {
   HistoryContents contents_;
 };
 
-/// Where the history of an application folder lies.
-[[nodiscard]] std::string HistoryFile(const std::string& folder);
-/// A failure of the store in words for the user.
-[[nodiscard]] Status HistoryFailure(const Status& failure, const std::string& file);
-
 }  // namespace corvane::console

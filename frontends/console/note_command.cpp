@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "history/history_reading.h"
 #include "history_reading.h"
 #include "sqlite/sqlite_history_store.h"
 

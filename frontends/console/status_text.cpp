@@ -10,6 +10,7 @@
 #include "base/outside_text.h"
 #include "base/text.h"
 #include "history/status_texts.h"
+#include "history/unit_texts.h"
 #include "text_table.h"
 
 namespace corvane::console {
@@ -24,11 +25,6 @@ std::string Volts(const UnitStatus& unit) {
 
 std::string DaysLeft(const UnitStatus& unit) {
   return unit.battery_days ? FixedText(std::floor(*unit.battery_days), 0) : "";
-}
-
-/// Rounded down: 100 % is said of nothing that lacks a reading.
-std::string Percent(const UnitStatus& unit) {
-  return unit.complete ? FixedText(std::floor(*unit.complete * 1000) / 10, 1) : "";
 }
 
 std::string CountOrNothing(std::int64_t count) {
@@ -48,7 +44,7 @@ std::vector<std::string> RowOf(const UnitStatus& unit) {
           unit.asked == 0 ? "" : std::to_string(unit.answered) + "/" + std::to_string(unit.asked),
           Volts(unit),
           DaysLeft(unit),
-          Percent(unit),
+          CompleteText(unit),
           CountOrNothing(unit.missing)};
 }
 

@@ -49,6 +49,8 @@ class Application {
   [[nodiscard]] const std::vector<RepairResult>& repair_results() const { return rounds_.repair.Results(); }
   /// What happened, as far as it is kept.
   [[nodiscard]] History& history() { return history_.history; }
+  /// Whom a round tells how far it is.
+  [[nodiscard]] RoundFollower& round_follower() { return history_.journal.follower; }
   [[nodiscard]] FileTransfer& file_transfer() { return transfer_rounds_.file_transfer; }
   /// What became of the recovery copy of the settings.
   [[nodiscard]] RecoveryState recovery() const { return settings_.store.recovery(); }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/conversion_commands.h"
+#include "app/registry_commands.h"
 #include "app/transfer_commands.h"
 #include "app/unit_commands.h"
 #include "link/link_writer.h"
@@ -25,6 +26,7 @@ class Commands {
     UnitCommands& units;
     ConversionCommands& conversion;
     TransferCommands& transfer;
+    RegistryCommands& registry;
     LinkState& link;
     RunFlags& flags;
     const OperationSlot& slot;
@@ -40,6 +42,7 @@ class Commands {
   bool DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic) {
     return p_.units.DownloadAll(ab_All, av_Mode, ab_Automatic);
   }
+  bool Collect(const std::vector<std::int64_t>& av_Units) { return p_.units.Collect(av_Units); }
   bool Process(bool ab_All, std::int16_t ai_Command) { return p_.units.Process(ab_All, ai_Command); }
   bool RepairUnits(const std::vector<std::int64_t>& av_Units, DateTime av_Since) {
     return p_.units.RepairUnits(av_Units, av_Since);
@@ -51,6 +54,11 @@ class Commands {
   /// Fetches the units' files from the FTP server and converts what came raw.
   bool Fetch(bool ab_All) { return p_.transfer.Fetch(ab_All, kFromFtp); }
   bool Backup() { return p_.transfer.BackUp(); }
+
+  /// Makes these units (positions from 1) active, or no longer so. **Yields.**
+  void SetActive(const std::vector<std::int64_t>& av_Units, bool ab_Active) {
+    p_.registry.SetActive(av_Units, ab_Active);
+  }
 
   /// Cancels what runs; while idle tells the base station to stop whatever it does.
   void Cancel();

@@ -4,6 +4,14 @@
 
 namespace corvane {
 
+void RegistryCommands::SetActive(const std::vector<std::int64_t>& av_Units, bool ab_Active) {
+  p_.operations.RunCommand("Units", [&] {
+    if (p_.slot.Taken()) return;
+    for (const std::int64_t unit : av_Units) p_.editors.units.SetActive(unit, ab_Active);
+    p_.history.FollowUnits();
+  });
+}
+
 void RegistryCommands::RunOnUnits(std::int16_t ai_Command) {
   p_.operations.RunCommand("Units", [&] { p_.editors.units.RunCommand(ai_Command); });
 }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "app/operations.h"
+#include "history/history.h"
 #include "registry/editors.h"
 #include "state/file_names.h"
+#include "state/operation_slot.h"
 #include "state/records.h"
 #include "ui/messages.h"
 
@@ -20,10 +23,14 @@ class RegistryCommands {
     const FileNames& names;
     Operations& operations;
     Messages& messages;
+    History& history;
+    const OperationSlot& slot;
   };
   explicit RegistryCommands(const Parts& av_Parts) : p_(av_Parts) {}
 
   // `ai_Command` as `RegistryCommand`.
+  /// Makes these units (positions from 1) active, or no longer so; does nothing while an operation runs.
+  void SetActive(const std::vector<std::int64_t>& av_Units, bool ab_Active);
   void RunOnUnits(std::int16_t ai_Command);
   void RunOnRelays(std::int16_t ai_Command);
   void RunOnClients(std::int16_t ai_Command);

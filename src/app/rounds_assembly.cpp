@@ -37,6 +37,7 @@ RoundsAssembly::RoundsAssembly(const Parts& av_Parts)
   RoundJournal& journal = av_Parts.history.journal;
   sessions.on_marked = [&journal](UnitSpan units, std::int16_t command) { journal.BeginContacts(units, command); };
   sessions.on_asked = [&journal] { journal.EndContacts(); };
+  attempts.on_turn = [&journal](std::int64_t unit) { journal.BeginTurn(unit); };
   attempts.on_try = [&journal](std::int64_t unit, TryEnd end) { journal.NoteTry(unit, end); };
   attempts.on_turn_over = [&journal](std::int64_t unit) { journal.EndTurn(unit); };
 }

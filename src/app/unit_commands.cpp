@@ -17,6 +17,19 @@ bool UnitCommands::DownloadOnly(std::int32_t al_ConnectionType) {
   });
 }
 
+bool UnitCommands::Collect(const std::vector<std::int64_t>& av_Units) {
+  return p_.operations.RunOperation("Download", [&] {
+    const std::int64_t selected = p_.units.Selected();
+    std::vector<std::int64_t> units;
+    for (const std::int64_t unit : av_Units) {
+      if (!p_.registry.Units.Has(unit)) continue;
+      if (p_.registry.Units[unit].Active != 0 && p_.registry.Units[unit].GetFrom == kFromRadio) units.push_back(unit);
+    }
+    p_.round.CollectUnits(units, [this](std::int64_t unit) { p_.units.ReselectUnit(unit); });
+    p_.units.ReselectUnit(selected);
+  });
+}
+
 bool UnitCommands::Process(bool ab_All, std::int16_t ai_Command) {
   return p_.operations.RunOperation(CommandOf(ai_Command).name, [&] {
     const std::int64_t selected = p_.units.Selected();

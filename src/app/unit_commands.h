@@ -42,6 +42,9 @@ class UnitCommands {
   bool DownloadAll(bool ab_All, DownloadMode av_Mode, bool ab_Automatic);
   /// Downloads every active unit of a connection type, without what follows a download.
   bool DownloadOnly(std::int32_t al_ConnectionType);
+  /// Downloads those of these units (positions from 1) that are active and read by radio, with what follows a download.
+  /// No tick and neither the last nor the next download changes.
+  bool Collect(const std::vector<std::int64_t>& av_Units);
   /// One command with the selected unit by its own connection, or with all units by radio.
   bool Process(bool ab_All, std::int16_t ai_Command);
   /// Asks the selected unit, or all active ones that are read by radio, for readings that their raw files lack.

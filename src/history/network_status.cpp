@@ -26,10 +26,6 @@ constexpr std::array<std::string_view, 5> kLetters = {"empty", "nobody collects"
 constexpr std::array kOrder = {UnitState::Silent, UnitState::Late, UnitState::Trouble,
                                UnitState::New,    UnitState::Fine, UnitState::Off};
 
-std::ptrdiff_t Place(UnitState ae_State) {
-  return std::find(kOrder.begin(), kOrder.end(), ae_State) - kOrder.begin();
-}
-
 bool Collects(const RoundRecord& av_Round) {
   return av_Round.kind == RoundKind::Download || av_Round.kind == RoundKind::Fetch;
 }
@@ -176,6 +172,10 @@ std::string_view NameOf(UnitState ae_State) {
   return kStates[static_cast<std::size_t>(ae_State)];
 }
 
+int PlaceOf(UnitState ae_State) {
+  return static_cast<int>(std::find(kOrder.begin(), kOrder.end(), ae_State) - kOrder.begin());
+}
+
 std::string_view NameOf(NetworkLetter ae_Letter) {
   return kLetters[static_cast<std::size_t>(ae_Letter)];
 }
@@ -204,8 +204,8 @@ NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Ho
     if (unit.position > 0) status.units.push_back(StatusOf(HistoryOf(av_History, unit), rules));
   }
   std::sort(status.units.begin(), status.units.end(), [](const UnitStatus& a, const UnitStatus& b) {
-    const auto place_a = Place(a.state);
-    const auto place_b = Place(b.state);
+    const int place_a = PlaceOf(a.state);
+    const int place_b = PlaceOf(b.state);
     return place_a != place_b ? place_a < place_b : a.position < b.position;
   });
   NetworkView(av_History, status, ae_Holder).Fill();

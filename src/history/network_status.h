@@ -18,6 +18,9 @@ enum class UnitState : std::uint8_t { Off, New, Silent, Late, Trouble, Fine };
 /// "off", "new", "silent", "late", "trouble", "fine".
 [[nodiscard]] std::string_view NameOf(UnitState ae_State);
 
+/// Where a state stands when the worst comes first, from 0.
+[[nodiscard]] int PlaceOf(UnitState ae_State);
+
 /// What a trouble is about; alerts tell each kind of a unit once.
 enum class TroubleKind : std::uint8_t { Missing, Rejected, Clock, Future, Battery, Sensor };
 
@@ -43,6 +46,8 @@ struct UnitStatus {
   std::optional<std::int64_t> reading_age;  ///< seconds by this computer's clock, below 0 for one in the future
   Moment last_asked;
   Moment last_answered;
+  Moment last_contact;                       ///< when a round had to do with it last, also where it was not asked
+  std::string contact;                       ///< what came of that, in a few words
   std::int64_t asked = 0;                    ///< of the last 20 rounds
   std::int64_t answered = 0;                 ///< of those
   std::vector<bool> answers;                 ///< of those, the oldest first

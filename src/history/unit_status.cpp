@@ -12,6 +12,7 @@
 #include "history/clock_view.h"
 #include "history/gap_book.h"
 #include "history/status_texts.h"
+#include "history/unit_health.h"
 #include "history/unit_troubles.h"
 #include "state/records.h"
 
@@ -54,6 +55,15 @@ void TakeAnswers(std::span<const ContactRecord> av_Contacts, UnitStatus& av_Stat
   std::reverse(av_Status.answers.begin(), av_Status.answers.end());
   av_Status.asked = std::ssize(av_Status.answers);
   av_Status.answered = std::count(av_Status.answers.begin(), av_Status.answers.end(), true);
+}
+
+void TakeLastContact(std::span<const ContactRecord> av_Contacts, UnitStatus& av_Status) {
+  if (av_Contacts.empty()) return;
+  const ContactRecord& last = av_Contacts.back();
+  av_Status.last_contact = last.at;
+  av_Status.contact = NameOf(last.outcome);
+  if (!last.error.empty() && last.error != av_Status.contact) av_Status.contact += ": " + last.error;
+  if (last.stored > 0) av_Status.contact += ", " + CountText(last.stored, "reading", "readings");
 }
 
 void TakeReadings(const UnitHistory& av_History, const StatusRules& av_Rules, UnitStatus& av_Status) {
@@ -210,6 +220,7 @@ UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules) 
   UnitStatus status;
   TakeRecord(*av_History.unit, status);
   TakeAnswers(av_History.contacts, status);
+  TakeLastContact(av_History.contacts, status);
   const ClockView clock = ClockOf(*av_History.unit, av_History.contacts, av_Rules.now);
   status.clock_offset = clock.offset;
   status.clock_drift = clock.drift;

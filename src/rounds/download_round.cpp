@@ -38,6 +38,14 @@ void DownloadRound::RadioRound(bool ab_All) {
   p_.backup.DoBackup();
 }
 
+void DownloadRound::CollectUnits(const std::vector<std::int64_t>& av_Units,
+                                 const std::function<void(std::int64_t)>& av_Select) {
+  p_.journal.Run(RoundKind::Download, false, [&] {
+    p_.sessions.ProcessUnits(av_Units, kFromRadio, kDownload);
+    AfterRepair(av_Units, av_Select);
+  });
+}
+
 void DownloadRound::AfterRepair(const std::vector<std::int64_t>& av_Units,
                                 const std::function<void(std::int64_t)>& av_Select) {
   p_.conversion.ResetCounters();

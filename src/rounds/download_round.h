@@ -35,6 +35,9 @@ class DownloadRound {
 
   /// Runs the chain of a mode; every step after the first runs only while nothing was cancelled. **Yields.**
   void DownloadAllUnits(bool ab_All, std::int16_t ai_Mode);
+  /// Downloads those of these units (positions from 1) that are active and read by radio, then converts and sends their
+  /// files; `av_Select` selects one. Serves no schedule: last and next download stay what they were. **Yields.**
+  void CollectUnits(const std::vector<std::int64_t>& av_Units, const std::function<void(std::int64_t)>& av_Select);
   /// Fetches from one source (3 FTP, 4 web data) and converts what came when it is raw. **Yields.**
   void FetchAndConvert(bool ab_All, std::int32_t al_Source);
   /// Converts and sends the files of units in which a repair has filled gaps; `av_Select` selects one. **Yields.**

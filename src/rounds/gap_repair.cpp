@@ -154,12 +154,14 @@ void GapRepair::AskOverPort() {
 }
 
 bool GapRepair::AskUnit(Row av_First, Row av_End) {
+  p_.journal.BeginTurn(av_First->unit);
   GapAnswer answer;
   answer.heard = true;
   for (auto row = av_First; row != av_End && answer.heard && !Cancelled(p_.link, p_.flags); ++row) {
     answer = p_.exchange.Ask(row->unit, row->gap);
     Take(*row, answer);
   }
+  p_.journal.EndTurn(av_First->unit);
   return !answer.silent;
 }
 

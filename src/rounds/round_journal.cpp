@@ -67,6 +67,7 @@ void RoundJournal::End(const std::string& as_Error) {
   if (!p_.link.UserCancel || TransferHasCancelled()) p_.scans.Run();
   p_.watch.Write();
   p_.history.TellStatus();
+  if (follower.on_round_end) follower.on_round_end();
 }
 
 void RoundJournal::Count(const RoundRecord& av_Counts) {
@@ -186,7 +187,17 @@ void RoundJournal::TakeLastReading(Turn& av_Turn, std::int64_t al_Index) {
   last_readings_[al_Index] = contact.last_reading;
 }
 
+void RoundJournal::BeginTurn(std::int64_t al_Index) const {
+  if (follower.on_asking) follower.on_asking(al_Index);
+}
+
 void RoundJournal::EndTurn(std::int64_t al_Index) {
+  NoteTurn(al_Index);
+  BeginTurn(0);
+  if (follower.on_contact) follower.on_contact(al_Index);
+}
+
+void RoundJournal::NoteTurn(std::int64_t al_Index) {
   const auto found = turns_.find(al_Index);
   if (found == turns_.end() || found->second.noted) return;
   Turn& turn = found->second;

@@ -21,6 +21,13 @@
 
 namespace corvane {
 
+/// Whoever watches a round while it runs. Calls come in the middle of it: they have to return at once.
+struct RoundFollower {
+  std::function<void(std::int64_t al_Position)> on_asking;   ///< this unit has its turn; 0: none has
+  std::function<void(std::int64_t al_Position)> on_contact;  ///< what became of it can be read in the history
+  std::function<void()> on_round_end;                        ///< all of it can
+};
+
 /// Tells the history what happens in a round: who was asked, what came, where the files went.
 class RoundJournal {
  public:
@@ -47,6 +54,8 @@ class RoundJournal {
   void Count(const RoundRecord& av_Counts);
   /// The marked ones of these units are to be asked.
   void BeginContacts(UnitSpan av_Units, std::int16_t ai_Command);
+  /// Unit `al_Index` (from 1) has its turn.
+  void BeginTurn(std::int64_t al_Index) const;
   /// A try with unit `al_Index` (from 1) has ended.
   void NoteTry(std::int64_t al_Index, TryEnd ae_End);
   /// No more tries with that unit for now.
@@ -55,6 +64,8 @@ class RoundJournal {
   void EndContacts();
   void NoteTransfer(const TransferResult& av_Result);
   void NoteConversion(const ConversionResult& av_Result, const std::string& as_RawFile);
+
+  RoundFollower follower;  ///< set by a front end
 
  private:
   /// One unit in a run over units.
@@ -75,7 +86,7 @@ class RoundJournal {
   void TakeAnswer(ContactRecord& av_Contact) const;
   /// The last reading and, where some came, its battery and ambient value.
   void TakeLastReading(Turn& av_Turn, std::int64_t al_Index);
-  void Note(std::int64_t al_Index, const Turn& av_Turn);
+  void NoteTurn(std::int64_t al_Index);
   /// The last reading in the unit's raw file.
   [[nodiscard]] DateTime LastReadingOf(std::int64_t al_Index);
 

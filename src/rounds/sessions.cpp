@@ -9,23 +9,36 @@
 namespace corvane {
 
 bool Sessions::ProcessAllUnits(bool ab_All, std::int32_t al_ConnectionType, std::int16_t ai_Command) {
-  std::string result = ab_All ? "all selected units" : "current unit";
   const std::int64_t selected = p_.units.Selected();
   Run run;
   run.units = p_.registry.UnitRange(ab_All, selected);
-  MarkUnits(run, al_ConnectionType);
-  if (run.marked == 0) {
-    result = "No units to download by radio";
-  } else {
-    const std::string unit = ab_All ? "" : p_.registry.Units[selected].Name;
-    if (!p_.questions.ConfirmCommand(ai_Command, result, unit)) return false;
-    if (on_marked) on_marked(run.units, ai_Command);
-    RunOverPort(run, al_ConnectionType, ai_Command);
+  run.what = ab_All ? "all selected units" : "current unit";
+  if (!ab_All && p_.registry.Units.Has(selected)) run.name = p_.registry.Units[selected].Name;
+  return Process(run, al_ConnectionType, ai_Command);
+}
+
+bool Sessions::ProcessUnits(const std::vector<std::int64_t>& av_Units, std::int32_t al_ConnectionType,
+                            std::int16_t ai_Command) {
+  Run run;
+  run.units = {1, p_.registry.Units.count()};
+  run.chosen.emplace(av_Units.begin(), av_Units.end());
+  run.what = "chosen units";
+  return Process(run, al_ConnectionType, ai_Command);
+}
+
+bool Sessions::Process(Run& av_Run, std::int32_t al_ConnectionType, std::int16_t ai_Command) {
+  const std::int64_t selected = p_.units.Selected();
+  std::string result = "No units to download by radio";
+  MarkUnits(av_Run, al_ConnectionType);
+  if (av_Run.marked > 0) {
+    if (!p_.questions.ConfirmCommand(ai_Command, av_Run.what, av_Run.name)) return false;
+    if (on_marked) on_marked(av_Run.units, ai_Command);
+    RunOverPort(av_Run, al_ConnectionType, ai_Command);
     if (on_asked) on_asked();
     result = "Finished";
   }
-  p_.flags.problems += run.marked - run.attempts.well;
-  const bool ok = Summarise(run, ai_Command, result);
+  p_.flags.problems += av_Run.marked - av_Run.attempts.well;
+  const bool ok = Summarise(av_Run, ai_Command, result);
   if (!p_.link.UserCancel) p_.trace.Status(result + "...");
   p_.units.ReselectUnit(selected);
   p_.session.ReleasePort();
@@ -40,7 +53,8 @@ void Sessions::MarkUnits(Run& av_Run, std::int32_t al_ConnectionType) {
     unit.Stored = 0;
     unit.Brought = {};
     unit.Problem = true;
-    unit.Marked = has_port && unit.Active != 0 && unit.GetFrom == al_ConnectionType;
+    const bool chosen = !av_Run.chosen || av_Run.chosen->contains(index);
+    unit.Marked = chosen && has_port && unit.Active != 0 && unit.GetFrom == al_ConnectionType;
     if (!unit.Marked) continue;
     ++av_Run.marked;
     p_.form.Lst_Units.SetMark(index - 1, RowMark::None);
@@ -99,7 +113,7 @@ bool Sessions::Summarise(const Run& av_Run, std::int16_t ai_Command, std::string
     p_.trace.TraceDecision(text);
     as_Result = "Finished (" + text + ")";
   }
-  if (ai_Command == kDownload) p_.schedule.RecordDownload();
+  if (ai_Command == kDownload && !av_Run.chosen) p_.schedule.RecordDownload();
   return with_problems == 0 || av_Run.attempts.failed == 0;
 }
 

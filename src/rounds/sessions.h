@@ -2,7 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "form/form.h"
 #include "link/port_link.h"
@@ -42,6 +45,8 @@ class Sessions {
   ///
   /// True when no unit needed more than one try, or when none ended with cancel, time-out or an error.
   bool ProcessAllUnits(bool ab_All, std::int32_t al_ConnectionType, std::int16_t ai_Command);
+  /// The same with those of these units (positions from 1). Serves no schedule: the last download stays what it was.
+  bool ProcessUnits(const std::vector<std::int64_t>& av_Units, std::int32_t al_ConnectionType, std::int16_t ai_Command);
 
   /// The units that are to be asked are marked, and no more of them will be asked; set by the composition root.
   std::function<void(UnitSpan av_Units, std::int16_t ai_Command)> on_marked;
@@ -51,10 +56,14 @@ class Sessions {
   /// What one run counts.
   struct Run {
     UnitSpan units;
+    std::optional<std::set<std::int64_t>> chosen;  ///< only these of them, where that is wanted
+    std::string what;                              ///< which these are, for the questions
+    std::string name;                              ///< of the one unit, where it is only one
     std::int64_t marked = 0;
     std::int64_t done = 0;  ///< marked units that were finished
     AttemptCounts attempts;
   };
+  bool Process(Run& av_Run, std::int32_t al_ConnectionType, std::int16_t ai_Command);
   void MarkUnits(Run& av_Run, std::int32_t al_ConnectionType);
   /// Opens the port and runs the command with the marked units.
   void RunOverPort(Run& av_Run, std::int32_t al_ConnectionType, std::int16_t ai_Command);

@@ -26,6 +26,7 @@ std::int64_t UnitAttempts::UnitWait() const {
 }
 
 bool UnitAttempts::RunUnit(AttemptCounts& av_Counts, std::int64_t al_Index, std::int16_t ai_Command, bool ab_Once) {
+  if (on_turn) on_turn(al_Index);
   const bool goes_on = TryUnit(av_Counts, al_Index, ai_Command, ab_Once);
   if (on_turn_over) on_turn_over(al_Index);
   return goes_on;

@@ -64,7 +64,8 @@ class UnitAttempts {
   /// Traces that the last unit has used up its tries, where it has.
   void TraceTries();
 
-  /// A try with a unit has ended, and the last one of its turn; set by the composition root.
+  /// A unit has its turn, a try with it has ended, and the last one of its turn; set by the composition root.
+  std::function<void(std::int64_t al_Index)> on_turn;
   std::function<void(std::int64_t al_Index, TryEnd ae_End)> on_try;
   std::function<void(std::int64_t al_Index)> on_turn_over;
 

@@ -110,6 +110,11 @@ class Scenarios : public testing::TestWithParam<ScenarioCase> {
                        Require(line, world_.form().Frm_Main.Key(std::stoi(line.rest), true), "is not taken");
                      }};
     words_["close"] = {kAction, [this](const Line& line) { App().commands().Close(line.rest == "silently"); }};
+    words_["collect"] = {kAction, [this](const Line& line) {
+                           std::vector<std::int64_t> units;
+                           for (const std::string& unit : Pieces(line.rest, " ")) units.push_back(std::stoll(unit));
+                           App().commands().Collect(units);
+                         }};
     words_["quit"] = {kAction, [this](const Line&) { App().life().OnWindowClose(); }};
   }
   void AddGivens();

@@ -8,8 +8,10 @@
 
 #include "base/format.h"
 #include "history/network_status.h"
+#include "history/status_headline.h"
 #include "history/trend.h"
 #include "history/unit_health.h"
+#include "history/unit_texts.h"
 #include "state/link_state.h"
 #include "state/records.h"
 
@@ -326,9 +328,65 @@ TEST(NetworkStatus, PutsTheWorstFirstAndNamesTheirRelay) {
   const NetworkStatus status = f.Status();
   EXPECT_EQ(status.worst_relay, "Hill");
   EXPECT_EQ(status.sentence, "8 units: 6 silent, 1 late, 1 fine; 2 of the silent ones behind relay Hill");
+  EXPECT_EQ(
+      HeadlineOf(status),
+      "1 of 8 units is fine, 6 are silent, 1 is late; most of the silent ones are behind relay Hill; next round at "
+      "13:00");
   EXPECT_EQ(status.counts, (std::vector<std::int64_t>{0, 0, 6, 1, 0, 1}));
   EXPECT_EQ(status.units.at(0).name, "U3");
   EXPECT_EQ(status.units.back().name, "North");
+}
+
+TEST(NetworkStatus, IsToldInOneSentence) {
+  const auto add = [](Fixture& f, const char* name, bool fine) {
+    UnitRecord& unit = f.Add(name);
+    unit.last_answered = Ago(3 * kSecondsPerDay);
+    const Outcome outcome = fine ? Outcome::Answered : Outcome::Silent;
+    for (std::int64_t back = 2; back > 0; --back) f.Contact(unit.key, back, outcome);
+  };
+  const std::pair<std::function<void(Fixture&)>, const char*> rows[] = {
+      {[](Fixture&) {}, "The unit is fine; next round at 13:00"},
+      {[&](Fixture& f) { add(f, "South", true), f.network().next_download = kLocal + kSecondsPerDay; },
+       "All 2 units are fine; next round 1 Jul 2026 12:00"},
+      {[](Fixture& f) { f.history.units.clear(); }, "There are no units"},
+      {[](Fixture& f) { f.unit().active = false, f.network().automatic = false; },
+       "No unit is active; no round is planned"},
+      {[&](Fixture& f) {
+         f.scan().last = kLocal - 11 * kHour;
+         add(f, "River", false);
+         add(f, "Hill", true);
+         f.network().next_download = kLocal - 60;
+       },
+       "1 of 3 units is fine, River is silent for 3 days, North is late (11 hours); the next round is due"},
+      {[](Fixture& f) { f.network().interval.reset(); },
+       "Nobody collects. Automatic download is on, and its interval in the settings is none"},
+  };
+  for (const auto& [change, says] : rows) {
+    Fixture fixture;
+    change(fixture);
+    EXPECT_EQ(HeadlineOf(fixture.Status()), says);
+  }
+}
+
+TEST(UnitTexts, SayWhatAColumnHolds) {
+  Fixture f;
+  f.last().stored = 4;
+  f.Gap(GapState::Found, 3, 12);
+  f.Gap(GapState::Lost, 2, 4);
+  f.history.deliveries.push_back({1, Target::Server, "", {}, Ago(7200), "12007", 0, {}});
+  UnitStatus unit = f.Status().units.at(0);
+  EXPECT_EQ(LastReadingText(unit), "30 Jun 2026 11:00, 60 minutes");
+  EXPECT_EQ(LastContactText(unit, kNow), "3 hours ago: answered, 4 readings");
+  EXPECT_EQ(GapsText(unit), "2: 16 readings, 4 lost");
+  EXPECT_EQ(DeliveredText(unit, kNow), "2 hours ago, then: 12007");
+  unit.complete = 0.99999;
+  EXPECT_EQ(CompleteText(unit), "99.9") << "100 is said of nothing that lacks a reading";
+  EXPECT_EQ(BatteryText(unit), "12.50 V");
+  unit.battery_slope = -0.02;
+  EXPECT_EQ(BatteryText(unit), "12.50 V, -0.02 V a day");
+  unit.battery_days = 45.9;
+  EXPECT_EQ(BatteryText(unit), "12.50 V, 45 days left");
+  EXPECT_EQ(LastContactText(UnitStatus(), kNow) + GapsText(UnitStatus()) + BatteryText(UnitStatus()), "");
 }
 
 TEST(UnitHealth, SaysWhatToTakeAlong) {

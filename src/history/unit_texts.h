@@ -1,0 +1,24 @@
+// One unit in the words of a table's columns, the same in every view. What there is nothing to say of is empty.
+#pragma once
+
+#include <string>
+
+#include "base/dates.h"
+#include "history/network_status.h"
+
+namespace corvane {
+
+/// "12 Mar 2010 14:05, 2 hours".
+[[nodiscard]] std::string LastReadingText(const UnitStatus& av_Unit);
+/// "2 hours ago: answered, 4 readings".
+[[nodiscard]] std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now);
+/// "12.41 V, 45 days left", "12.41 V, -0.02 V a day", "12.41 V".
+[[nodiscard]] std::string BatteryText(const UnitStatus& av_Unit);
+/// Percent without the sign, rounded down: 100 is said of nothing that lacks a reading.
+[[nodiscard]] std::string CompleteText(const UnitStatus& av_Unit);
+/// "3: 12 readings, 4 lost".
+[[nodiscard]] std::string GapsText(const UnitStatus& av_Unit);
+/// "2 hours ago"; with what went wrong where the file did not get there.
+[[nodiscard]] std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now);
+
+}  // namespace corvane
