@@ -104,7 +104,8 @@ class Look {
     } else if (counts) {
       good_rounds = std::min(good_rounds + 1, kGoodRounds);
     }
-    if (!wrong && found->second.told.IsNone()) records_.erase(found);
+    const bool was_told = !found->second.told.IsNone() || view_.perhaps_told.contains(key);
+    if (!wrong && !was_told) records_.erase(found);
   }
 
   void SettleNetwork() {

@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "base/dates.h"
@@ -31,6 +33,10 @@ inline constexpr std::string_view kSensor = "sensor";
 inline constexpr std::string_view kDelivery = "delivery";
 inline constexpr std::string_view kDigest = "digest";  ///< no cause: `told` is when the last one was told
 }  // namespace alert_cause
+
+/// Cause, unit and subject of a record.
+using AlertKey = std::tuple<std::string, std::int64_t, std::string>;
+[[nodiscard]] AlertKey KeyOf(const AlertRecord& av_Record);
 
 /// A unit in an event.
 struct AlertUnit {
@@ -61,6 +67,7 @@ struct AlertView {
   std::optional<std::int64_t> digest_at = {};  ///< seconds behind local midnight; none: no digest
   bool known = true;         ///< false: the history cannot be read, and `status` holds no more than the time
   bool round_ended = false;  ///< `status.last` has ended since the last look
+  std::set<AlertKey> perhaps_told = {};  ///< records that may have been told before a kill
 };
 
 /// The alerts behind a step: those that stand, and the records that have to be written. `cleared` is set in those that

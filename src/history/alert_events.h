@@ -17,9 +17,6 @@ namespace corvane {
 /// A cause is over behind so many rounds that have shown it to be.
 inline constexpr std::int64_t kGoodRounds = 2;
 
-using AlertKey = std::tuple<std::string, std::int64_t, std::string>;
-[[nodiscard]] AlertKey KeyOf(const AlertRecord& av_Record);
-
 /// The sentences of a unit's troubles that are told as `as_Cause`.
 [[nodiscard]] std::string TroublesOf(const UnitStatus& av_Unit, std::string_view as_Cause);
 /// Relays are told apart by number; names may be the same.

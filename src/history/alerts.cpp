@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kSeconds = 60;                  ///< that a command may take
-constexpr std::int64_t kLookMilliseconds = 600'000;    ///< between two looks without a round
+constexpr std::int64_t kLookMilliseconds = 1'800'000;  ///< between two looks without a round
 constexpr std::int64_t kHoldMilliseconds = 3'600'000;  ///< behind a command that failed, without a round
 constexpr std::int64_t kJustNow = 600;                 ///< seconds behind a round's end
 constexpr std::size_t kLinesInLog = 50;
@@ -74,14 +74,21 @@ void Alerts::LookAt(const NetworkStatus& av_Status, bool ab_Known) {
     waiting_is_known_ = ab_Known;
     return;
   }
-  if (ab_Known && !std::exchange(read_, true)) standing_ = read_records();
-  const AlertView view{av_Status, history_problem(), ReadNetworkSettings(p_.form).digest_at, ab_Known,
-                       RoundHasEnded(av_Status)};
+  if (ab_Known && !std::exchange(read_, true)) ReadStanding();
+  const AlertView view{av_Status, history_problem(),        ReadNetworkSettings(p_.form).digest_at,
+                       ab_Known,  RoundHasEnded(av_Status), perhaps_told_};
   if (ab_Known) last_round_ = av_Status.last.key;
   AlertStep step = LookAtAlerts(standing_, view);
   const std::vector<AlertEvent> events = std::move(step.events);
   Take(std::move(step));
   if (!events.empty()) Tell(events, av_Status);
+}
+
+void Alerts::ReadStanding() {
+  standing_ = read_records();
+  for (const AlertRecord& record : standing_) {
+    if (record.told.IsNone()) perhaps_told_.insert(KeyOf(record));
+  }
 }
 
 void Alerts::Take(AlertStep&& av_Step) {
@@ -102,6 +109,7 @@ void Alerts::OnEnd(const CommandEnding& av_Ending) {
   if (const std::string why = WhyFailed(av_Ending); why.empty()) {
     p_.trace.LogWrite("Alert: told");
     Take(AfterTelling(standing_, told, p_.loop.NowUtc()));
+    for (const AlertRecord& record : told) perhaps_told_.erase(KeyOf(record));
   } else {
     held_ = true;
     next_look_ = p_.loop.MonotonicMilliseconds() + kHoldMilliseconds;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,7 @@ class Alerts {
 
   [[nodiscard]] bool RoundHasEnded(const NetworkStatus& av_Status) const;
   void LookAt(const NetworkStatus& av_Status, bool ab_Known);
+  void ReadStanding();
   void Take(AlertStep&& av_Step);
   void Tell(const std::vector<AlertEvent>& av_Events, const NetworkStatus& av_Status);
   void OnEnd(const CommandEnding& av_Ending);
@@ -69,6 +71,7 @@ class Alerts {
 
   Parts p_;
   std::vector<AlertRecord> standing_;
+  std::set<AlertKey> perhaps_told_;       ///< by a command whose end a kill has hidden
   bool read_ = false;                     ///< what stands in the history is known
   std::vector<AlertRecord> told_;         ///< by the command that runs
   std::optional<NetworkStatus> waiting_;  ///< what is to be looked at when the command has ended

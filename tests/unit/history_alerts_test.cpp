@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
+#include <iterator>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -89,6 +92,7 @@ TEST(AlertBook, TellsOnceWhatIsWrong) {
     std::vector<AlertRecord> standing;
     DateTime now = kStart;
     std::int64_t round = 0;
+    std::set<AlertKey> doubtful;
     for (const std::string& line : lines) {
       SCOPED_TRACE(name + "\n" + line);
       std::istringstream words(line.substr(0, line.find(':')));
@@ -101,15 +105,20 @@ TEST(AlertBook, TellsOnceWhatIsWrong) {
       NetworkStatus status = StatusAt(now, letters, has('.') ? round : ++round);
       if (has('n')) status.nobody_collects = "no program";
       if (has('e')) status.last.ending = "no port";
-      const AlertView view{status, has('w') ? "disk" : "",
-                           name.ends_with("(digest)") ? std::optional(7 * kHour) : std::nullopt, !has('u'), !has('.')};
+      const AlertView view{status,
+                           has('w') ? "disk" : "",
+                           name.ends_with("(digest)") ? std::optional(7 * kHour) : std::nullopt,
+                           !has('u'),
+                           !has('.'),
+                           doubtful};
       const AlertStep look = LookAtAlerts(standing, view);
       standing = look.standing;
       EXPECT_EQ(Summary(look.events), Trim(line.substr(line.find(':') + 1)));
       EXPECT_EQ(!look.events.empty() && look.events.back().kind == AlertKind::Round, view.round_ended);
       std::vector<AlertRecord> told;
       for (const AlertEvent& event : look.events) told.insert(told.end(), event.records.begin(), event.records.end());
-      if (!has('!')) standing = AfterTelling(standing, told, status.now).standing;
+      if (has('k')) std::ranges::transform(told, std::inserter(doubtful, doubtful.end()), KeyOf);
+      if (!has('!') && !has('k')) standing = AfterTelling(standing, told, status.now).standing;
     }
   }
 }
