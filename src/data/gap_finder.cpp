@@ -18,10 +18,13 @@ class Tally {
     }
     ++counts_[i];
   }
-  /// The commonest; of several the one that came first; 0 when none came.
+  /// The commonest; of several the one that came first, but where none came twice the shortest, since readings that are
+  /// missing make distances longer; 0 when none came.
   [[nodiscard]] std::int64_t Commonest() const {
+    if (size_ == 0) return 0;
     const auto* const most = std::max_element(counts_.data(), counts_.data() + size_);
-    return size_ == 0 ? 0 : values_[static_cast<std::size_t>(most - counts_.data())];
+    if (*most == 1) return *std::min_element(values_.data(), values_.data() + size_);
+    return values_[static_cast<std::size_t>(most - counts_.data())];
   }
 
  private:
