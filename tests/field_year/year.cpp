@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 constexpr std::int64_t kTo1970 = 25569 * kSecondsPerDay;  ///< from the day that dates of the program count from
 constexpr int kCalmDays = 3;
 constexpr std::size_t kMostMemory = 1'000'000;  ///< bytes, after however many days
+constexpr std::size_t kMemoryOfUnit = 40'000;   ///< besides
 constexpr int kSensors = 3;
 constexpr std::size_t kHomeLength = 60;
 
@@ -72,7 +73,8 @@ void Year::EndProgram() {
   history_.reset();
   ForgetAlerts();
   const std::size_t freed = held - std::min(held, mallinfo2().uordblks);
-  if (freed > kMostMemory) Break("the program held " + std::to_string(freed) + " bytes of memory");
+  if (freed > kMostMemory + kMemoryOfUnit * rows_.size())
+    Break("the program held " + std::to_string(freed) + " bytes of memory");
   line_->Close();
   loop_.DropPosted();
   starts_at_ = std::min(Now() + std::exchange(closed_days_, {}).value_or(0) * kDay * kMilliseconds, calm_from_);

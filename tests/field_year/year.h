@@ -127,6 +127,7 @@ class Year {
   void Break(const std::string& promise);
   void PromoteWholeContact();
   void TakeCommand();
+  void BeginRound();
   void Disturb();
   [[nodiscard]] bool HasTrouble() const;
   [[nodiscard]] bool IsRoundOver() const { return Now() - round_.last_command > kRoundPause; }

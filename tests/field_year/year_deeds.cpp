@@ -156,7 +156,10 @@ void Year::Do(const Deed& deed) {
 /// Something strikes that may end the round under way, or change what it has brought.
 void Year::Disturb() {
   last_deed_ = Now();
-  if (IsRoundOver()) return;
+  if (IsRoundOver()) {
+    if (!IsBusy()) return;
+    BeginRound();  // no unit has been asked yet
+  }
   round_.was_disturbed = true;
   for (const std::size_t row : round_.asked) rows_[row].heard.back().sign = RawBook::Sign::Unsure;
 }

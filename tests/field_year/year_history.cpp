@@ -107,7 +107,7 @@ void Year::JudgeAlertsOf(std::size_t row) {
   } else if (is_old && book.book.is_clock_known && day_ > 2) {
     ++outcome_.counts[kLate];
     if (!stands(kLate) && !stands(kSilent)) Break(book.path + ": the last reading is old, and nobody was told");
-  } else if (book.Shows(RawBook::Sign::Whole, 3, Now() - 3 * interval * kMilliseconds) && last &&
+  } else if (book.Shows(RawBook::Sign::Whole, 3, Now() - (3 * interval - 2 * kHour) * kMilliseconds) && last &&
              age < (late_after_ - 1) * interval) {
     ++outcome_.counts[kWell];
     if (stands(kSilent) || stands(kLate))

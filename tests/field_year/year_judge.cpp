@@ -75,12 +75,14 @@ void Year::PromoteWholeContact() {
 void Year::TakeCommand() {
   PassUnits();
   PromoteWholeContact();
-  if (IsRoundOver()) {
-    JudgeRound();
-    round_ = {};
-    round_.began = Now();
-  }
+  if (IsRoundOver()) BeginRound();
   round_.last_command = Now();
+}
+
+void Year::BeginRound() {
+  JudgeRound();
+  round_ = {};
+  round_.began = round_.last_command = Now();
 }
 
 /// With the option off a round may end at the first unit that fails, else all are asked.
