@@ -53,8 +53,10 @@ CREATE TABLE network (
   alive_ahead INTEGER, open INTEGER) STRICT;
 )sql";
 
+constexpr const char* kSecondVersion = "ALTER TABLE round ADD COLUMN clock_step INTEGER NOT NULL DEFAULT 0";
+
 /// What brings a file from the version of its place to the next one. A row that was released is not changed any more.
-constexpr std::array<const char*, kHistoryVersion> kSteps = {kFirstVersion};
+constexpr std::array<const char*, kHistoryVersion> kSteps = {kFirstVersion, kSecondVersion};
 
 template <class... Records>
 void Compile(Database& database) {

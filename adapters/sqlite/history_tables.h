@@ -57,6 +57,7 @@ struct Table<RoundRecord> {
     field("stored", r.stored);
     field("problems", r.problems);
     field("ending", r.ending);
+    field("clock_step", r.clock_step);
   }
 };
 

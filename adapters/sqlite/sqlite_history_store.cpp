@@ -130,13 +130,15 @@ void ReadRound(Database& database, const HistoryQuery& query, HistoryContents& c
          {round.began.utc, until}, contents.gaps);
 }
 
-/// The rounds of the contacts that were read, and the last `count`.
+/// The rounds of the contacts that were read, the last `count`, and those of clock steps.
 void ReadRounds(Database& database, std::int64_t count, HistoryContents& contents) {
   std::set<std::int64_t> keys;
   for (const ContactRecord& contact : contents.contacts) keys.insert(contact.round);
   Statement& last = database.Prepared("SELECT key FROM round ORDER BY key DESC LIMIT ?");
   last.PutInteger(count < 0 ? 0 : count);
   while (last.Step()) keys.insert(last.Integer(0));
+  Statement& steps = database.Prepared("SELECT key FROM round WHERE clock_step <> 0");
+  while (steps.Step()) keys.insert(steps.Integer(0));
   Statement& statement = database.Prepared(SqlToRead<RoundRecord>("FROM round WHERE key = ?"));
   for (const std::int64_t key : keys) {
     statement.PutInteger(key);

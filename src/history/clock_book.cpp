@@ -8,17 +8,26 @@
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kJump = 120;  ///< seconds; a header tells no seconds, and a clock drifts by a few a day
 constexpr std::int64_t kMinute = 60;
 
 }  // namespace
 
-void ClockBook::Take(const ContactRecord& av_Contact) {
+std::optional<std::int64_t> ClockBook::JumpTo(const ContactRecord& av_Contact, const OwnClock& av_Here) const {
+  if (!last_ || !av_Contact.clock_offset || av_Contact.command == kSetDate) return std::nullopt;
+  const std::int64_t set_back = av_Here.SetBackSince(last_->round) - av_Here.SetBackSince(av_Contact.round);
+  return av_Contact.at.ahead + *av_Contact.clock_offset - last_->ahead - set_back;
+}
+
+void ClockBook::Take(const ContactRecord& av_Contact, const OwnClock& av_Here) {
   const bool answered = av_Contact.outcome == Outcome::Answered;
   if (!answered && !av_Contact.clock_offset) return;
+  if (last_) {
+    last_->ahead += av_Here.SetBackSince(last_->round) - av_Here.SetBackSince(av_Contact.round);
+    last_->round = av_Contact.round;
+  }
   const DateTime here = av_Contact.at.Local();
   const std::int64_t offset = av_Contact.clock_offset.value_or(last_ ? last_->ahead - av_Contact.at.ahead : 0);
-  const Look now{here + offset, av_Contact.at.ahead + offset};
+  const Look now{here + offset, av_Contact.at.ahead + offset, av_Contact.round};
   hints_.last_contact = now.unit_time;
   if (answered && av_Contact.period_minutes)
     hints_.periods.push_back({now.unit_time, *av_Contact.period_minutes * kMinute});
@@ -41,7 +50,7 @@ void ClockBook::TakeSetDate(const Look& av_Now) {
 }
 
 void ClockBook::TakeLook(const Look& av_Now) {
-  if (last_ && std::abs(av_Now.ahead - last_->ahead) > kJump) {
+  if (last_ && std::abs(av_Now.ahead - last_->ahead) > kClockJump) {
     hints_.steps.push_back({std::min(last_->unit_time, av_Now.unit_time), std::max(last_->unit_time, av_Now.unit_time),
                             av_Now.ahead - last_->ahead});
   }

@@ -10,7 +10,6 @@
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kJump = 120;  ///< seconds between two contacts: the clock was set, it has not drifted
 constexpr std::int64_t kNearSeason = 600;
 constexpr std::size_t kFewestDays = 5;
 
@@ -19,19 +18,19 @@ bool SetsClock(const ContactRecord& av_Contact) {
 }
 
 /// Seconds that the unit was ahead of UTC, which nobody moves.
-std::int64_t AheadOfUtc(const ContactRecord& av_Contact) {
-  return *av_Contact.clock_offset + av_Contact.at.ahead;
+std::int64_t AheadOfUtc(const ContactRecord& av_Contact, const OwnClock& av_Here) {
+  return *av_Here.OffsetAt(av_Contact) + av_Contact.at.ahead;
 }
 
 /// One point a day since the clock was last set, the last of each.
-std::vector<TrendPoint> PointsSinceSet(std::span<const ContactRecord> av_Contacts) {
+std::vector<TrendPoint> PointsSinceSet(std::span<const ContactRecord> av_Contacts, const OwnClock& av_Here) {
   std::vector<TrendPoint> points;
   for (const ContactRecord& contact : av_Contacts) {
     if (SetsClock(contact)) points.clear();
     if (SetsClock(contact) || !contact.clock_offset) continue;
-    const auto offset = static_cast<double>(AheadOfUtc(contact));
-    if (!points.empty() && std::abs(points.back().value - offset) > kJump) points.clear();
-    const double day = static_cast<double>(contact.at.utc) / static_cast<double>(kSecondsPerDay);
+    const auto offset = static_cast<double>(AheadOfUtc(contact, av_Here));
+    if (!points.empty() && std::abs(points.back().value - offset) > kClockJump) points.clear();
+    const double day = static_cast<double>(av_Here.TimeOf(contact).utc) / static_cast<double>(kSecondsPerDay);
     if (!points.empty() && std::int64_t(points.back().days) == std::int64_t(day)) points.pop_back();
     points.push_back({day, offset});
   }
@@ -40,15 +39,17 @@ std::vector<TrendPoint> PointsSinceSet(std::span<const ContactRecord> av_Contact
 
 }  // namespace
 
-ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_Contacts, Moment av_Now) {
+ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_Contacts, Moment av_Now,
+                  const OwnClock& av_Here) {
   ClockView view;
   std::int64_t ahead_of_utc = 0;
   for (const ContactRecord& contact : av_Contacts) {
     if (!contact.clock_offset && !SetsClock(contact)) continue;
-    // This computer's clock was ahead then: what it was held against is worth nothing now.
-    if (contact.at > av_Now) continue;
+    // This computer's clock was ahead then, by what is not known: what it was held against is worth nothing now.
+    if (av_Here.TimeOf(contact) > av_Now) continue;
     // A clock that was just set shows this computer's time, unless it is known better.
-    ahead_of_utc = contact.clock_offset ? AheadOfUtc(contact) : contact.at.ahead;
+    ahead_of_utc =
+        contact.clock_offset ? AheadOfUtc(contact, av_Here) : contact.at.ahead + av_Here.SetBackSince(contact.round);
     view.offset = ahead_of_utc - av_Now.ahead;
   }
   if (!view.offset) return view;
@@ -58,7 +59,7 @@ ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_C
   view.of_another_season =
       !fits(av_Now) && (fits(av_Unit.added) || std::any_of(av_Contacts.begin(), av_Contacts.end(),
                                                            [&fits](const auto& each) { return fits(each.at); }));
-  if (const auto trend = RobustTrend(PointsSinceSet(av_Contacts), kFewestDays)) view.drift = trend->slope;
+  if (const auto trend = RobustTrend(PointsSinceSet(av_Contacts, av_Here), kFewestDays)) view.drift = trend->slope;
   return view;
 }
 

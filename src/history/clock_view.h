@@ -5,6 +5,7 @@
 #include <span>
 
 #include "base/dates.h"
+#include "history/own_clock.h"
 #include "platform/history_records.h"
 
 namespace corvane {
@@ -19,6 +20,7 @@ struct ClockView {
 /// Works it out from contacts in the order of time.
 ///
 /// An offset was taken against the local time of its moment; summer time moves that clock, not the unit's.
-[[nodiscard]] ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_Contacts, Moment av_Now);
+[[nodiscard]] ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_Contacts, Moment av_Now,
+                                const OwnClock& av_Here);
 
 }  // namespace corvane

@@ -75,10 +75,14 @@ void History::Adopt(const HistoryContents& av_Stored) {
   keys_are_known_ = true;
   last_round_ = std::max(last_round_, stored_round);
   if (believed_.IsNone() && !av_Stored.rounds.empty()) {
-    const auto first = std::min_element(av_Stored.rounds.begin(), av_Stored.rounds.end(),
+    const auto last = std::min<std::ptrdiff_t>(std::ssize(av_Stored.rounds), kRoundsOfTheClock);
+    const auto first = std::min_element(av_Stored.rounds.end() - last, av_Stored.rounds.end(),
                                         [](const auto& one, const auto& other) { return one.began < other.began; });
     believed_ = {first->began.utc + kAheadOfRounds, first->began.ahead};
   }
+  steps_.clear();
+  TakeSteps(av_Stored.rounds);
+  TakeSteps(waiting_.rounds);
   // What the file does not know of the units that are known here.
   if (!waiting_.units.empty() || !changed.empty() || av_Stored.units.empty()) waiting_.units = units_.All();
   RenumberMemory(changed);
@@ -186,6 +190,7 @@ void History::BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All) {
   round_.automatic = ab_Automatic;
   round_.all = ab_All;
   round_.began = p_.loop.NowUtc();
+  jumps_.clear();
   HistoryContents change;
   change.rounds.push_back(round_);
   Write(change);
@@ -200,10 +205,40 @@ void History::EndRound(const RoundRecord& av_Counts) {
   ended.all = round_.all;
   ended.began = round_.began;
   ended.ended = p_.loop.NowUtc();
+  ended.clock_step = ClockStep();
   round_ = {};
   HistoryContents change;
   change.rounds.push_back(ended);
   Write(change);
+  TakeSteps(change.rounds);
+}
+
+void History::TakeJump(std::int64_t al_Position, ContactRecord av_Contact) {
+  // Reading the file may give units and rounds other keys.
+  if (!av_Contact.clock_offset || !IsReady() || KeyOf(al_Position) == 0) return;
+  const UnitMemory& unit = WithClock(KeyOf(al_Position));
+  if (!unit.clock_read) return;
+  av_Contact.round = round_.key;
+  if (const auto jump = unit.clock.JumpTo(av_Contact, own_clock_)) jumps_.try_emplace(al_Position, *jump);
+}
+
+std::int64_t History::ClockStep() {
+  if (jumps_.empty()) return 0;
+  const std::int64_t base = p_.loop.NowUtc().utc - p_.loop.MonotonicMilliseconds() / 1000;
+  const auto before = std::exchange(clock_base_, base);
+  std::vector<std::int64_t> jumps;
+  for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
+  return StepOf(std::move(jumps), before ? std::optional(base - *before) : std::nullopt);
+}
+
+void History::TakeSteps(const std::vector<RoundRecord>& av_Rounds) {
+  const std::size_t known = steps_.size();
+  for (const RoundRecord& round : av_Rounds) {
+    if (round.clock_step != 0) steps_.push_back(round);
+  }
+  if (steps_.size() == known) return;
+  own_clock_ = OwnClock(steps_);
+  for (auto& [key, unit] : memory_) unit.clock_read = false;
 }
 
 void History::FollowUnits() {
@@ -231,17 +266,19 @@ UnitMemory& History::WithClock(std::int64_t al_Key) {
     if (contact.unit == al_Key) former.contacts.push_back(contact);
   }
   unit.clock = {};
-  for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact);
+  for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact, own_clock_);
   unit.clock_read = true;
   return unit;
 }
 
 void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
+  if (!Kept() || round_.key == 0) return;
+  av_Contact.at = p_.loop.NowUtc();
+  TakeJump(al_Position, av_Contact);
   UnitRecord* unit = units_.Find(KeyOf(al_Position));
-  if (!Kept() || round_.key == 0 || unit == nullptr) return;
+  if (unit == nullptr) return;
   av_Contact.round = round_.key;
   av_Contact.unit = unit->key;
-  av_Contact.at = p_.loop.NowUtc();
   av_Contact.get_from = unit->get_from;
   HistoryContents change;
   const bool asked = av_Contact.outcome != Outcome::NotAsked && av_Contact.outcome != Outcome::NoPort;
@@ -249,7 +286,7 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
   if (av_Contact.outcome == Outcome::Answered) unit->last_answered = av_Contact.at;
   if (asked) change.units.push_back(*unit);
   UnitMemory& memory = memory_[unit->key];
-  if (memory.clock_read) memory.clock.Take(av_Contact);
+  if (memory.clock_read) memory.clock.Take(av_Contact, own_clock_);
   memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered;
   change.contacts.push_back(std::move(av_Contact));
   Write(change);

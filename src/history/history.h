@@ -11,6 +11,7 @@
 #include "data/completeness.h"
 #include "history/clock_book.h"
 #include "history/network_status.h"
+#include "history/own_clock.h"
 #include "history/unit_catalogue.h"
 #include "platform/event_loop.h"
 #include "platform/history_records.h"
@@ -128,6 +129,12 @@ class History {
   void Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds);
   /// `as_CannotBe`: "written" or "read".
   void Report(const std::string& as_CannotBe, const Status& av_Failure);
+  /// Keeps how far a unit's clock has jumped to a contact of the round that runs.
+  void TakeJump(std::int64_t al_Position, ContactRecord av_Contact);
+  /// By how much this computer's clock was set back before the round that ends.
+  [[nodiscard]] std::int64_t ClockStep();
+  /// Takes the clock steps of rounds; what is known of units' clocks is read anew.
+  void TakeSteps(const std::vector<RoundRecord>& av_Rounds);
   void DropOldest();
   [[nodiscard]] bool TryAgainNow() const;
 
@@ -137,9 +144,13 @@ class History {
   std::map<std::int64_t, UnitMemory> memory_;                             ///< by key
   std::map<std::pair<std::int64_t, Target>, DeliveryRecord> deliveries_;  ///< by key and target
   RoundRecord round_;                                                     ///< that runs
-  std::int64_t last_round_ = 0;                                           ///< key
-  bool keys_are_known_ = false;                                           ///< the file was open once: keys are its own
-  HistoryContents waiting_;                                               ///< to be written
+  std::map<std::int64_t, std::int64_t> jumps_;  ///< of units' clocks in this round, by position
+  std::vector<RoundRecord> steps_;              ///< rounds of clock steps
+  OwnClock own_clock_;                          ///< that these make
+  std::optional<std::int64_t> clock_base_;      ///< seconds UTC less monotonic ones, when units' clocks were heard last
+  std::int64_t last_round_ = 0;                 ///< key
+  bool keys_are_known_ = false;                 ///< the file was open once: keys are its own
+  HistoryContents waiting_;                     ///< to be written
   std::string problem_;
   bool reported_ = false;      ///< a failure, in this round
   bool dropped_ = false;       ///< records were lost, which was told

@@ -195,6 +195,7 @@ NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Ho
   status.now = av_Now;
   StatusRules rules;
   rules.now = av_Now;
+  rules.own_clock = OwnClock(av_History.rounds);
   if (av_History.network) {
     rules.interval = av_History.network->interval;
     rules.late_after = av_History.network->late_after;

@@ -221,7 +221,7 @@ UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules) 
   TakeRecord(*av_History.unit, status);
   TakeAnswers(av_History.contacts, status);
   TakeLastContact(av_History.contacts, status);
-  const ClockView clock = ClockOf(*av_History.unit, av_History.contacts, av_Rules.now);
+  const ClockView clock = ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock);
   status.clock_offset = clock.offset;
   status.clock_drift = clock.drift;
   TakeReadings(av_History, av_Rules, status);

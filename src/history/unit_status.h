@@ -5,6 +5,7 @@
 #include <span>
 
 #include "history/network_status.h"
+#include "history/own_clock.h"
 
 namespace corvane {
 
@@ -28,6 +29,7 @@ struct StatusRules {
   std::optional<std::int64_t> interval;  ///< seconds between rounds
   double late_after = 2;                 ///< intervals
   double battery_limit = 11.5;           ///< volts
+  OwnClock own_clock;
 
   /// What is wrong for good is told of gaps that end from then on.
   [[nodiscard]] DateTime NewsFrom() const { return now.Local() - 30 * kSecondsPerDay; }

@@ -61,7 +61,7 @@ std::string RejectedText(const UnitHistory& av_History) {
 std::string ClockText(const UnitHistory& av_History, const StatusRules& av_Rules, const UnitStatus& av_Status) {
   if (!av_Status.clock_offset || std::llabs(*av_Status.clock_offset) <= kClockOff) return "";
   // Intended: a unit keeps the time it was given; where summer time moves this computer's clock, nobody sets all units.
-  if (ClockOf(*av_History.unit, av_History.contacts, av_Rules.now).of_another_season) return "";
+  if (ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock).of_another_season) return "";
   return "Its clock is " + SpanText(*av_Status.clock_offset) + (*av_Status.clock_offset > 0 ? " ahead" : " behind");
 }
 

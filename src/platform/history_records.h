@@ -46,9 +46,10 @@ struct RoundRecord {
   Moment ended;  ///< none while it runs, or when the program was killed in it
   std::int64_t asked = 0;
   std::int64_t answered = 0;
-  std::int64_t stored = 0;    ///< readings
-  std::int64_t problems = 0;  ///< units and files that ended untried or with a problem
-  std::string ending;         ///< why it ended early, empty when it did not
+  std::int64_t stored = 0;      ///< readings
+  std::int64_t problems = 0;    ///< units and files that ended untried or with a problem
+  std::string ending;           ///< why it ended early, empty when it did not
+  std::int64_t clock_step = 0;  ///< seconds by which this computer's clock was found set back since the rounds before
 
   bool operator==(const RoundRecord&) const = default;
 };

@@ -14,7 +14,7 @@ namespace corvane {
 struct HistoryQuery {
   std::int64_t unit = 0;               ///< only this one; 0 all
   Moment contacts_since;               ///< contacts from then on, and the rounds that they belong to
-  std::int64_t rounds = 0;             ///< besides, so many of the last rounds
+  std::int64_t rounds = 0;             ///< besides, so many of the last rounds; those of clock steps always come
   std::optional<DateTime> days_since;  ///< days from then on; none: no days
   bool gaps = false;                   ///< all that are neither filled nor a matter of the clock
   bool scans = false;

@@ -218,7 +218,9 @@ TEST_F(HistoryInAFile, SaysWhatIsWrongWithAFileAndLosesNothing) {
       {"a table is gone", [&] { Make({}), Sql("DROP TABLE day"); }, Store::kDamaged, 0, true},
       {"of another program", [&] { folder.Write("history.db", ""), Sql("CREATE TABLE t (a)"); }, Store::kDamaged, 0,
        true},
-      {"newer", [&] { Make({}), Sql("PRAGMA user_version = 2"); }, Store::kNewer, Store::kNewer, false},
+      {"older", [&] { Make({}), Sql("ALTER TABLE round DROP COLUMN clock_step; PRAGMA user_version = 1"); },
+       Store::kFailed, 0, false},
+      {"newer", [&] { Make({}), Sql("PRAGMA user_version = 3"); }, Store::kNewer, Store::kNewer, false},
       {"its log alone", [&] { folder.Write("history.db-wal", garbage); }, Store::kMissing, 0, true},
       {"a device", [&] { fs::create_symlink("/dev/null", file); }, Store::kFailed, Store::kFailed, false}};
   for (const auto& row : rows) {

@@ -104,7 +104,8 @@ TEST(ClockBook, TellsStepsOfTheUnitsClockFromThoseOfThisComputers) {
   struct Row {
     const char* name;
     std::vector<ContactRecord> contacts;
-    std::string wanted;  ///< "from-to by" in minutes behind midnight
+    std::string wanted;     ///< "from-to by" in minutes behind midnight
+    std::int64_t step = 0;  ///< of this computer's clock, before the last contact
   };
   const std::vector<Row> rows = {
       {"a clock that drifts", {Contact(1, 0), Contact(25, 4), Contact(49, 100)}, ""},
@@ -114,10 +115,20 @@ TEST(ClockBook, TellsStepsOfTheUnitsClockFromThoseOfThisComputers) {
       {"set by command", {Contact(1, 600), Contact(3, 0, kSetDate), Contact(5, 20)}, "180-190 -600 "},
       {"set by command, never seen before", {Contact(3, 0, kSetDate)}, "180-180 ? "},
       {"summer time, and set to it", {Contact(1, 0), Contact(3, 0, kSetDate, 7200)}, "180-240 3600 "},
+      {"this computer was two hours ahead", {Contact(3, -7200), Contact(3, 0)}, "", 7200},
+      {"and the unit was set besides", {Contact(3, -7200), Contact(3, 600)}, "60-190 600 ", 7200},
   };
   for (const Row& row : rows) {
     ClockBook book;
-    for (const ContactRecord& contact : row.contacts) book.Take(contact);
+    RoundRecord last;
+    last.key = std::ssize(row.contacts);
+    last.clock_step = row.step;
+    const OwnClock here(std::span(&last, 1));
+    std::int64_t round = 0;
+    for (ContactRecord contact : row.contacts) {
+      contact.round = ++round;
+      book.Take(contact, here);
+    }
     std::string text;
     for (const ClockStep& step : book.hints().steps) {
       text += std::to_string((step.from - At(0)) / 60) + "-" + std::to_string((step.to - At(0)) / 60) + " " +
@@ -125,6 +136,27 @@ TEST(ClockBook, TellsStepsOfTheUnitsClockFromThoseOfThisComputers) {
     }
     EXPECT_EQ(text, row.wanted) << row.name;
   }
+}
+
+TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
+  struct Row {
+    const char* name;
+    std::vector<std::int64_t> jumps;
+    std::optional<std::int64_t> passed;
+    std::int64_t wanted;
+  };
+  const std::vector<Row> rows = {
+      {"all have jumped", {7200, 7190, 7260}, std::nullopt, 7200},
+      {"all but one that was set", {7200, 7190, 3}, std::nullopt, 7200},
+      {"one alone", {7200}, std::nullopt, 0},
+      {"half of them", {7200, 7200, 0, 1}, std::nullopt, 0},
+      {"they have drifted", {100, 110, 119}, std::nullopt, 0},
+      {"all were set by hand, this clock has not moved", {7200, 7200, 7200}, 1, 0},
+      {"one alone, and this clock was set back by as much", {7200}, -7201, 7200},
+      {"one alone, and this clock was set back by another time", {600}, -7201, 0},
+      {"this computer has slept", {1, 2}, 30000, 0},
+  };
+  for (const Row& row : rows) EXPECT_EQ(StepOf(row.jumps, row.passed), row.wanted) << row.name;
 }
 
 TEST(WaitingRecords, KeepTheNewestOfAllKinds) {

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/dates.h"
+#include "platform/history_records.h"
+
+namespace corvane {
+
+/// When this computer's clock was set, or was wrong for a while, as the clocks of the units tell: they do not jump
+/// together by themselves.
+///
+/// A step is by how much the units' clocks jumped forward against this computer's, so far as this computer's was set
+/// back. It belongs to the first round behind it.
+class OwnClock {
+ public:
+  OwnClock() = default;
+  /// The steps that rounds know of, whatever their order.
+  explicit OwnClock(std::span<const RoundRecord> av_Rounds);
+
+  /// Seconds by which the units have jumped against this computer in the rounds later than `al_Round`.
+  [[nodiscard]] std::int64_t SetBackSince(std::int64_t al_Round) const;
+  /// The clock's offset at a contact, as this computer's present clock sees it; none when the contact told none.
+  [[nodiscard]] std::optional<std::int64_t> OffsetAt(const ContactRecord& av_Contact) const;
+  /// When the contact was, by this computer's present clock.
+  [[nodiscard]] Moment TimeOf(const ContactRecord& av_Contact) const;
+  /// True when there are steps later than `al_Round`.
+  [[nodiscard]] bool IsSetSince(std::int64_t al_Round) const;
+
+ private:
+  struct Step {
+    std::int64_t round = 0;
+    std::int64_t set_back = 0;  ///< in this round and all later ones
+  };
+  std::vector<Step> steps_;  ///< by round
+};
+
+/// Seconds that a clock may have gone wrong between two contacts by itself, a header telling no seconds; more is a
+/// jump.
+inline constexpr std::int64_t kClockJump = 120;
+
+/// The step of a round from the jumps of the units that told their clocks in it; 0 when it was not this computer's.
+///
+/// `av_Passed`: by how much this computer's clock has gone forward more than time has passed, where that is known.
+/// Where it is, one unit that has jumped back by as much will do; else more than half of at least two have to agree.
+[[nodiscard]] std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed);
+
+}  // namespace corvane
