@@ -6,6 +6,7 @@
 #include "conversion_commands.h"
 #include "link_commands.h"
 #include "list_commands.h"
+#include "page_command.h"
 #include "port_commands.h"
 #include "repair_command.h"
 #include "script_command.h"
@@ -29,6 +30,7 @@ constexpr std::array kEntries = {
     CommandEntry{CommandId::FindPort, FindPort},      CommandEntry{CommandId::Run, KeepSchedule},
     CommandEntry{CommandId::Units, ListUnits},        CommandEntry{CommandId::Script, RunScript},
     CommandEntry{CommandId::Recover, Recover},        CommandEntry{CommandId::Repair, Repair},
+    CommandEntry{CommandId::Page, MakePage},
 };
 
 }  // namespace

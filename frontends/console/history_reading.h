@@ -28,9 +28,10 @@ class HistoryReading {
   /// The unit of a name or ID. Throws `UsageError`.
   [[nodiscard]] const UnitRecord& FindUnit(const std::string& name) const;
 
- private:
+  /// Reads what `query` asks for.
   Status Read(const HistoryQuery& query, HistoryContents& contents) const;
 
+ private:
   std::string folder_;
   Moment now_;
   HistoryContents contents_;

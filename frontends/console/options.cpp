@@ -102,6 +102,10 @@ constexpr CommandRow kCommands[] = {
      "The note shows in status and holds back alerts of the unit until it is taken away by an empty TEXT,\n"
      "or until the end of DATE. Works while another program runs.",
      kNoteOption, 2, 2},
+    {CommandId::Page, "page", "FOLDER", "write how the network stands as a page for a browser",
+     "Writes index.html into FOLDER, which must be there: one file that is whole in itself. Reads only the\n"
+     "application folder; works while another program runs.",
+     kEverywhere, 1, 1},
     {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
      "FILE (- is the standard input, read to its end) holds one statement a line:\n"
      "  set NAME VALUE            enter a value and leave the field\n"

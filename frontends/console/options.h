@@ -38,6 +38,7 @@ enum class CommandId {
   Status,
   Health,
   Note,
+  Page,
   Script,
 };
 
@@ -74,7 +75,7 @@ struct Options {
 [[nodiscard]] std::string CommandName(CommandId command);
 /// True for commands that only read the application folder: they take no lock and save nothing.
 [[nodiscard]] constexpr bool OnlyReads(CommandId command) {
-  return command == CommandId::Units;
+  return command == CommandId::Units || command == CommandId::Page;
 }
 
 /// True for commands that work on the history alone, beside whatever program runs: they need no settings either.
