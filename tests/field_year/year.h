@@ -21,6 +21,7 @@
 #include "field_year/radio_line.h"
 #include "field_year/year_loop.h"
 #include "field_year/year_store.h"
+#include "history/unit_health.h"
 #include "station.h"
 #include "support/recorders.h"
 #include "zip/libzip_component.h"
@@ -144,6 +145,8 @@ class Year {
   void JudgeAlertsOf(std::size_t row);
   void ForgetAlerts();
   void RepairByHand();
+  void JudgeHealth();
+  void JudgeHealthOf(const RawBook& book, const UnitStatus& unit, const UnitHealth& health);
   void JudgeGaps(const HistoryContents& history);
   void JudgeGapsOf(std::size_t row, std::vector<GapRecord> named);
   [[nodiscard]] HistoryContents ReadHistory() const;

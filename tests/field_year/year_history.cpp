@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/format.h"
+#include "base/text.h"
 #include "field_year/year.h"
 
 namespace corvane::test {
@@ -20,6 +21,13 @@ DateTime DateOf(basestation::Seconds seconds) {
 
 std::string TextOf(const GapRecord& gap) {
   return "\n    " + GeneralDate(gap.from) + " to " + GeneralDate(gap.to) + ": " + std::to_string(gap.missing);
+}
+
+std::string TextOf(const UnitHealth& health) {
+  std::string text;
+  for (const HealthLine& line : health.lines) text += "\n    " + line.about + ": " + line.text;
+  for (const HealthLine& line : health.take_along) text += "\n    Take along: " + line.about;
+  return text;
 }
 
 /// Name and value of a line of a JSON document, texts without their quotes.
@@ -113,6 +121,52 @@ void Year::JudgeAlertsOf(std::size_t row) {
     if (stands(kSilent) || stands(kLate))
       Break(book.path + ": three good rounds, and it still stands as silent or late");
   }
+}
+
+// What is told of a unit before somebody drives there.
+
+void Year::JudgeHealth() {
+  const auto status = program_->history().StatusNow();
+  if (!status || std::ssize(status->units) != std::ssize(rows_)) return Break("how the network stands is not known");
+  for (const UnitStatus& unit : status->units) {
+    HistoryQuery query;
+    query.unit = unit.key;
+    query.contacts_since = Moment{1, 0};
+    query.days_since = DateTime(1);
+    query.gaps = query.scans = true;
+    HistoryContents history;
+    if (!program_->history().Read(query, history).ok()) return Break("the history of a unit cannot be read");
+    JudgeHealthOf(rows_[static_cast<std::size_t>(unit.position - 1)], unit, HealthOf(unit, *status, history));
+  }
+}
+
+/// Behind the calm days every unit has just answered whole: what is known of it now is what is so.
+void Year::JudgeHealthOf(const RawBook& book, const UnitStatus& unit, const UnitHealth& health) {
+  const auto check = [&](bool holds, const char* what) {
+    if (!holds) Break(book.path + ": what is told of " + what + " is not so" + TextOf(health));
+  };
+  const auto says = [&health](const char* about, const std::string& text) {
+    return std::ranges::any_of(health.lines, [&](const HealthLine& line) {
+      return line.about == about && line.text.find(text) != std::string::npos;
+    });
+  };
+  const auto take = [&health](const char* what) {
+    return std::ranges::any_of(health.take_along, [&](const HealthLine& thing) { return thing.about == what; });
+  };
+  const basestation::Unit& device = book.book.unit;
+  check(health.contacts.size() == std::min<std::size_t>(10, book.heard.size()) &&
+            health.contacts.front().outcome == Outcome::Answered && unit.answers.back(),
+        "the last contacts");
+  check(says("Relay", device.relay() == 0 ? "reached directly" : "through relay"), "the relay");
+  const double volts = std::stod(Split(book.book.readings.back().text, ',')[1].data()) / 1000;
+  check(unit.battery && std::abs(*unit.battery - volts) < 0.1, "the battery");
+  check(take("a charged battery") == (unit.battery && *unit.battery < 11.5) || unit.battery_days, "what to take");
+  const DateTime clock = Moment{device.clock(), 0}.Local();
+  const std::int64_t ahead = clock - loop_.NowUtc().Local();
+  check(unit.clock_offset && std::abs(*unit.clock_offset - ahead) <= 120, "the clock");
+  check(std::abs(ahead) > 500 || !take("a clock to set it by"), "what to take for the clock");
+  // A header tells no seconds; five days of it are enough for a first figure.
+  check(!unit.clock_drift || std::abs(*unit.clock_drift - book.book.drift * kDay) < 6, "the drift of the clock");
 }
 
 // What is missing.

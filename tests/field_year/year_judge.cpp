@@ -152,6 +152,7 @@ void Year::JudgeEnd() {
     if (!row.is_complete) Break(row.path + ": the unit was not asked in the last days");
   }
   if (repairs_gaps_) RepairByHand();
+  JudgeHealth();
   JudgeServer();
   EndProgram();
   const std::string settings = ReadAll(home_ + "/corvane.ini");
