@@ -1,6 +1,8 @@
 #include "data/channel_watch.h"
 
 #include <algorithm>
+#include <cmath>
+#include <string>
 
 #include "base/numbers.h"
 #include "base/text.h"
@@ -44,7 +46,31 @@ inline double NumberOf(std::uint64_t al_Word) {
   return al_Word >> 56U != 0 ? std::bit_cast<double>(al_Word) : LeadingNumber(TextOf(al_Word));
 }
 
+/// An item of one to seven digits, the first no 0, as a number that orders such items by their values; else 0.
+inline std::uint64_t OrderOf(std::uint64_t al_Word) {
+  const int digits = std::countr_zero(NotDigits(al_Word)) / 8;
+  if (digits == 0 || digits > static_cast<int>(kShortItem) || al_Word >> (8 * digits) != 0) return 0;
+  if ((al_Word & 0xFFU) == '0' && digits > 1) return 0;
+  return __builtin_bswap64(al_Word) >> (64 - 8 * digits);
+}
+
+/// The same of a number that is 0 to 9999999; of others 0.
+std::uint64_t OrderOf(double ad_Value) {
+  constexpr double kMost = 9999999;
+  if (!(ad_Value >= 0 && ad_Value <= kMost)) return 0;
+  const std::string text = std::to_string(static_cast<std::int64_t>(ad_Value));
+  std::uint64_t word = 0;
+  std::memcpy(&word, text.data(), text.size());
+  return OrderOf(word);
+}
+
 }  // namespace
+
+ChannelWatch::Inside::Inside(const std::optional<TableRange>& av_Range) {
+  if (!av_Range) return;
+  least = OrderOf(std::ceil(std::max(av_Range->least, 0.0)));
+  most = least == 0 ? 0 : OrderOf(std::floor(av_Range->most));
+}
 
 bool ChannelWatch::TakeHeader(std::string_view as_Line) {
   const std::vector<std::string_view> fields = corvane::Split(as_Line, ',');
@@ -92,14 +118,20 @@ void ChannelWatch::Watch(std::size_t al_Items, DateTime av_When, DayCount& av_Da
 }
 
 void ChannelWatch::CheckTables(DayCount& av_Day) const {
-  for (const auto& [range, first] : {std::pair{hints_.moisture, fixed_}, std::pair{hints_.salinity, fixed_ + 1}}) {
-    if (!range) continue;
-    for (std::size_t i = first; i < channels_.size(); i += kItemsPerSensor) {
-      const double number = NumberOf(words_[i]);
-      if (number >= range->least && number <= range->most) continue;
-      if (av_Day.outside.size() <= i) av_Day.outside.resize(i + 1);
-      ++av_Day.outside[i];
-    }
+  CheckTable(hints_.moisture, moisture_, fixed_, av_Day);
+  CheckTable(hints_.salinity, salinity_, fixed_ + 1, av_Day);
+}
+
+void ChannelWatch::CheckTable(const std::optional<TableRange>& av_Range, Inside av_Inside, std::size_t al_First,
+                              DayCount& av_Day) const {
+  if (!av_Range) return;
+  for (std::size_t i = al_First; i < channels_.size(); i += kItemsPerSensor) {
+    const std::uint64_t order = OrderOf(words_[i]);
+    if (order != 0 && order >= av_Inside.least && order <= av_Inside.most) continue;
+    const double number = NumberOf(words_[i]);
+    if (number >= av_Range->least && number <= av_Range->most) continue;
+    if (av_Day.outside.size() <= i) av_Day.outside.resize(i + 1);
+    ++av_Day.outside[i];
   }
 }
 

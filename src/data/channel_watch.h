@@ -26,7 +26,8 @@ class ChannelWatch {
   static constexpr std::size_t kMostItems = 128;  ///< what stands behind them is not watched
   static constexpr std::ptrdiff_t kPart = 64;     ///< `Split` may read so many bytes behind the end of a line
 
-  explicit ChannelWatch(const ScanHints& av_Hints) : hints_(av_Hints) {}
+  explicit ChannelWatch(const ScanHints& av_Hints)
+      : hints_(av_Hints), moisture_(av_Hints.moisture), salinity_(av_Hints.salinity) {}
 
   /// Takes the number of fixed items and of sensor items from the first line of a file; false when it holds none.
   bool TakeHeader(std::string_view as_Line);
@@ -52,13 +53,23 @@ class ChannelWatch {
     std::uint64_t word = 0;  ///< of the reading before
     DateTime since;          ///< the first reading that had this
   };
+  /// Between which items plain numbers are inside a table for certain; none when `most` is 0.
+  struct Inside {
+    explicit Inside(const std::optional<TableRange>& av_Range);
+    std::uint64_t least = 0;
+    std::uint64_t most = 0;
+  };
   void CheckTables(DayCount& av_Day) const;
+  void CheckTable(const std::optional<TableRange>& av_Range, Inside av_Inside, std::size_t al_First,
+                  DayCount& av_Day) const;
   /// The first item that is a channel: battery, ambient temperature and count are none.
   [[nodiscard]] std::size_t First() const;
   [[nodiscard]] static std::uint64_t WordOf(std::string_view as_Item);
   [[nodiscard]] static std::uint64_t WordAt(const char* as_At);
 
   const ScanHints& hints_;
+  Inside moisture_;
+  Inside salinity_;
   std::size_t fixed_ = 0;  ///< items before those of the sensors, 0 when there is no header
   std::size_t items_ = 0;  ///< of a reading, 0 when it is not known
   DateTime start_;         ///< the first reading that was watched
