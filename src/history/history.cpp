@@ -361,6 +361,18 @@ DateTime History::DeliveredTo(std::int64_t al_Position, Target ae_Target) const 
   return found == deliveries_.end() ? DateTime() : found->second.last_reading;
 }
 
+std::optional<std::int64_t> History::LateByReadings() const {
+  std::vector<DateTime> lasts;
+  for (const auto& [key, unit] : memory_) {
+    if (!unit.scan.last.IsNone()) lasts.push_back(unit.scan.last);
+  }
+  if (lasts.empty()) return std::nullopt;
+  const auto middle = lasts.begin() + std::ssize(lasts) / 2;
+  std::nth_element(lasts.begin(), middle, lasts.end());
+  // In time zones of units; some hours do not matter here.
+  return (*middle - Moment{}.Local()) + kAheadOfRounds;
+}
+
 void History::ForgetBefore(std::int64_t al_Years) {
   const Moment now = p_.loop.NowUtc();
   // A clock that was ahead has been set right.
@@ -368,6 +380,7 @@ void History::ForgetBefore(std::int64_t al_Years) {
   if (!Kept() || now - forgotten_ < kSecondsPerDay || !IsReady()) return;
   forgotten_ = now;
   believed_ = believed_.IsNone() ? now : std::min(now, Moment{believed_.utc + kAheadADay, believed_.ahead});
+  if (const auto readings = LateByReadings()) believed_.utc = std::min(believed_.utc, *readings);
   const Moment before{believed_.utc - al_Years * kSecondsPerYear, believed_.ahead};
   if (const Status forgot = p_.store->Forget(before); !forgot.ok()) {
     Report("written", forgot);

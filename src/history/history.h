@@ -137,6 +137,8 @@ class History {
   void TakeSteps(const std::vector<RoundRecord>& av_Rounds);
   void DropOldest();
   [[nodiscard]] bool TryAgainNow() const;
+  /// How late it is at most by the last readings of the units, seconds since 1970; none where there are none.
+  [[nodiscard]] std::optional<std::int64_t> LateByReadings() const;
 
   Parts p_;
   std::string file_;

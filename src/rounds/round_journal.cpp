@@ -42,7 +42,10 @@ void TakeValues(const std::vector<std::string_view>& av_Items, std::size_t al_Ba
 
 void RoundJournal::Run(RoundKind ae_Kind, bool ab_All, const std::function<void()>& av_Round) {
   if (!p_.history.Kept() || p_.history.Round().key != 0) return av_Round();
-  p_.history.BeginRound(ae_Kind, p_.flags.automatic_run, ab_All);
+  // Before a command somebody is asked, who may say No.
+  waits_for_units_ = ae_Kind == RoundKind::Command;
+  all_ = ab_All;
+  if (!waits_for_units_) p_.history.BeginRound(ae_Kind, p_.flags.automatic_run, ab_All);
   counts_ = {};
   planned_ = 0;
   problems_before_ = p_.flags.problems;
@@ -59,6 +62,7 @@ void RoundJournal::Run(RoundKind ae_Kind, bool ab_All, const std::function<void(
 }
 
 void RoundJournal::End(const std::string& as_Error) {
+  if (std::exchange(waits_for_units_, false)) return;
   EndContacts();
   counts_.problems += p_.flags.problems - problems_before_;
   counts_.ending = Ending(as_Error);
@@ -95,6 +99,7 @@ std::string RoundJournal::WhyNotAsked() const {
 }
 
 void RoundJournal::BeginContacts(UnitSpan av_Units, std::int16_t ai_Command) {
+  if (std::exchange(waits_for_units_, false)) p_.history.BeginRound(RoundKind::Command, p_.flags.automatic_run, all_);
   if (p_.history.Round().key == 0) return;
   command_ = ai_Command;
   turns_.clear();

@@ -99,6 +99,8 @@ class RoundJournal {
   std::string ending_;                ///< why units were left out
   std::int64_t problems_before_ = 0;  ///< of the operation, when the round began
   bool not_sent_ = false;             ///< a file could not be sent
+  bool waits_for_units_ = false;      ///< a command: its round begins with the first unit
+  bool all_ = false;                  ///< it is for all units
 };
 
 }  // namespace corvane
