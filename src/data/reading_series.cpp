@@ -23,6 +23,8 @@ constexpr std::size_t kBattery = 1;
 constexpr std::size_t kAmbient = 2;
 constexpr std::size_t kFewestItems = 3;
 constexpr std::int64_t kMostReserved = 1 << 20;
+constexpr std::int64_t kStretch = 128 * 1024;             ///< bytes
+constexpr std::int64_t kBeforeSpan = 4 * kSecondsPerDay;  ///< for the log period to be known at its begin
 
 struct Tables {
   LookupTable Moisture;
@@ -110,17 +112,21 @@ class RawReading {
 
   void Read(const InputFile& av_File, const std::function<bool()>& av_Poll) {
     LoadTables();
-    LineBlocks blocks(av_File, 0);
+    std::optional<LineBlocks> blocks(std::in_place, av_File, 0);
     std::string_view line;
     bool first = true;
-    while (blocks.Read()) {
-      for (; blocks.Next(line); first = false) {
-        if (first) {
-          TakeFirst(line);
-          collector_.Expect(av_File.identity().size, line.size());
-        } else {
+    while (blocks->Read()) {
+      while (blocks->Next(line)) {
+        if (!std::exchange(first, false)) {
           TakeLine(line);
+          continue;
         }
+        TakeFirst(line);
+        const std::int64_t begin = BeginOfNewest(av_File);
+        collector_.Expect(av_File.identity().size - begin, line.size());
+        if (begin <= blocks->offset()) continue;
+        blocks.emplace(av_File, begin);
+        break;
       }
       series_.cancelled = av_Poll && !av_Poll();
       if (series_.cancelled) return;
@@ -129,6 +135,24 @@ class RawReading {
   }
 
  private:
+  /// Where the last stretch that begins days before the span begins; 0 where all is to be read.
+  [[nodiscard]] std::int64_t BeginOfNewest(const InputFile& av_File) {
+    if (!request_.newest_only) return 0;
+    for (std::int64_t at = av_File.identity().size - kStretch; at > 0; at -= kStretch) {
+      LineBlocks blocks(av_File, at);
+      std::string_view line;
+      // The first one is cut.
+      if (!blocks.Read() || !blocks.Next(line)) continue;
+      const std::int64_t begin = blocks.offset();
+      std::optional<DateTime> when;
+      for (const char* rest = nullptr; !when && blocks.Next(line);) {
+        when = dates_.Read(line.data(), line.data() + line.size(), rest);
+      }
+      if (when && *when < request_.from - kBeforeSpan) return begin;
+    }
+    return 0;
+  }
+
   struct Part {
     std::size_t column;
     std::size_t item;  ///< of the sensor the first of its three

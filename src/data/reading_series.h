@@ -42,6 +42,8 @@ struct SeriesRequest {
   std::vector<SeriesChannel> channels;
   DateTime from;  ///< none: from the first reading
   DateTime to;    ///< included; none: to the last reading
+  /// What stands in the raw file before readings from days before `from` is not looked at, whatever its dates.
+  bool newest_only = false;
 };
 
 /// What was read.

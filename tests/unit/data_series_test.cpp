@@ -157,5 +157,20 @@ TEST(ReadingSeries, GivesTheSpanAskedForAndSaysWhatCannotBeShown) {
   EXPECT_EQ(series.columns[2].size(), 3U);
 }
 
+TEST(ReadingSeries, OfTheNewestReadingsIsTheSameWithoutTheRestOfTheFile) {
+  std::string lines = kHeader + "before all, and long ago: " + std::string(1000, 'x') + "\r\n";
+  for (int i = 0; i < 9000; ++i) lines += i % 700 == 0 ? "" : Reading(15 * i);
+  for (const int days : {0, 2, 60, 93, 200}) {
+    SeriesWorld world(lines);
+    world.request.from = DateTime::FromCivil(2010, 3, 12) + days * kSecondsPerDay;
+    const ReadingSeries all = ReadSeries(world.request);
+    world.request.newest_only = true;
+    const ReadingSeries newest = ReadSeries(world.request);
+    EXPECT_EQ(newest.times, all.times) << days;
+    EXPECT_EQ(newest.columns, all.columns) << days;
+    EXPECT_EQ(newest.breaks, all.breaks) << days;
+  }
+}
+
 }  // namespace
 }  // namespace corvane::test
