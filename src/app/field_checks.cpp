@@ -62,6 +62,7 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_BatteryLimit, &Checks::Decimal, kBatteryLimitRule.lowest, kBatteryLimitRule.highest},
       {&form_.Txt_DigestAt, &Checks::TimeIfAny},
       {&form_.Txt_HistoryYears, &Checks::WholeNumber, kHistoryYearsRule.lowest, kHistoryYearsRule.highest},
+      {&form_.Txt_PageFolder, &Checks::FolderIfNamed},
       {&form_.Txt_UnitID, &Checks::UnitID, kLowest32, kHighest32, &form_.Lst_Units},
       {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
       {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
@@ -164,6 +165,12 @@ std::string FieldChecks::DataFolder(const Row& /*av_Row*/) const {
   if (ExamineFile(path)) return IsFolder(path) ? "" : "This is a file; choose a folder.";
   const std::string parent = ParentOf(path);
   return IsFolder(parent) ? "" : "There is no folder " + parent + " to create it in; choose a folder that exists.";
+}
+
+std::string FieldChecks::FolderIfNamed(const Row& av_Row) const {
+  if (Trim(av_Row.text()).empty()) return {};
+  const std::string path = app_.AppPath(Trim(av_Row.text()));
+  return IsFolder(path) ? "" : "There is no folder " + path + ".";
 }
 
 std::string FieldChecks::SerialSettings(const Row& av_Row) const {

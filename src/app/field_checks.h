@@ -43,6 +43,7 @@ class FieldChecks {
   [[nodiscard]] std::string FileIfNamed(const Row& av_Row) const;
   [[nodiscard]] std::string Server(const Row& av_Row) const;
   [[nodiscard]] std::string DataFolder(const Row& av_Row) const;
+  [[nodiscard]] std::string FolderIfNamed(const Row& av_Row) const;
   [[nodiscard]] std::string SerialSettings(const Row& av_Row) const;
   [[nodiscard]] std::string PartOfName(const Row& av_Row) const;
   [[nodiscard]] std::string Extension(const Row& av_Row) const;

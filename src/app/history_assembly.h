@@ -8,6 +8,7 @@
 #include "history/alerts.h"
 #include "history/file_scans.h"
 #include "history/history.h"
+#include "page/page_keeper.h"
 #include "rounds/network_watch.h"
 #include "rounds/round_journal.h"
 
@@ -30,9 +31,11 @@ struct HistoryAssembly {
   NetworkWatch watch;
   RoundJournal journal;
   Alerts alerts;
+  PageKeeper page;
 
  private:
-  void WireAlerts(const RunFlags& av_Flags);
+  void WireAlerts();
+  void WireStatus(const RunFlags& av_Flags, PageSender& av_Sender);
 };
 
 }  // namespace corvane

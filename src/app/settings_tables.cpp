@@ -99,6 +99,8 @@ std::vector<Setting> OtherSettings(Form& av_Form, const AppInfo& av_App) {
       {"AlertCommand", &av_Form.Txt_AlertCommand, ""},
       {"DigestAt", &av_Form.Txt_DigestAt, "", Setting::Meaning::TimeIfAny},
       NumberOf("HistoryYears", av_Form.Txt_HistoryYears, kHistoryYearsRule),
+      {"PageFolder", &av_Form.Txt_PageFolder, "", Setting::Meaning::Path},
+      {"PageSend", &av_Form.Chk_PageSend, "0"},
       {"LogSize", &av_Form.LogSize, "0", Setting::Meaning::Number},
   };
 }

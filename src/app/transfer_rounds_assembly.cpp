@@ -14,6 +14,8 @@ TransferRoundsAssembly::TransferRoundsAssembly(const Parts& av_Parts)
              av_Parts.machine.loop, av_Parts.report.bars, av_Parts.report.trace}),
       backup({av_Parts.state.form, av_Parts.state.registry, av_Parts.state.link, av_Parts.state.flags,
               av_Parts.state.app, av_Parts.state.names, av_Parts.transfer.archiver, results, av_Parts.machine.loop,
-              av_Parts.report.bars, av_Parts.report.messages, av_Parts.report.trace}) {}
+              av_Parts.report.bars, av_Parts.report.messages, av_Parts.report.trace}),
+      page_sender({av_Parts.state.form, av_Parts.state.link, av_Parts.state.flags, av_Parts.transfer.browser,
+                   av_Parts.transfer.ftp, results, av_Parts.report.messages, av_Parts.report.trace}) {}
 
 }  // namespace corvane

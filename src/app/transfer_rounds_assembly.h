@@ -10,6 +10,7 @@
 #include "rounds/backup.h"
 #include "rounds/file_results.h"
 #include "rounds/file_transfer.h"
+#include "rounds/page_sender.h"
 #include "rounds/server_tries.h"
 #include "rounds/transfer_round.h"
 
@@ -34,6 +35,7 @@ struct TransferRoundsAssembly {
   FileTransfer file_transfer;
   TransferRound round;
   Backup backup;
+  PageSender page_sender;
 };
 
 }  // namespace corvane

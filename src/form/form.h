@@ -123,6 +123,8 @@ struct Form : ControlRegistry {
   TextField Txt_AlertCommand{*this, "Txt_AlertCommand"};
   TextField Txt_DigestAt{*this, "Txt_DigestAt"};
   TextField Txt_HistoryYears{*this, "Txt_HistoryYears"};
+  TextField Txt_PageFolder{*this, "Txt_PageFolder"};
+  CheckBox Chk_PageSend{*this, "Chk_PageSend"};
 
   // Data files and conversion
   TextField Txt_Folder{*this, "Txt_Folder"};

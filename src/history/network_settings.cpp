@@ -35,6 +35,8 @@ NetworkSettings ReadNetworkSettings(const Form& av_Form) {
   settings.alert_command = Trim(av_Form.Txt_AlertCommand.text());
   settings.digest_at = ParseTimeOfDay(av_Form.Txt_DigestAt.text());
   settings.history_years = Whole(av_Form.Txt_HistoryYears, kHistoryYearsRule);
+  settings.page_folder = Trim(av_Form.Txt_PageFolder.text());
+  settings.page_send = av_Form.Chk_PageSend.ticked();
   return settings;
 }
 

@@ -35,6 +35,8 @@ struct NetworkSettings {
   std::string alert_command;              ///< empty: nobody is told
   std::optional<std::int64_t> digest_at;  ///< seconds behind midnight, local time; none: no digest
   std::int64_t history_years = 5;
+  std::string page_folder;  ///< empty: no page is written
+  bool page_send = false;
 };
 
 [[nodiscard]] NetworkSettings ReadNetworkSettings(const Form& av_Form);

@@ -78,6 +78,7 @@ std::vector<PageSeries> SeriesOf(const NetworkStatus& av_Status, const Form& av_
     request.channels = {{Quantity::Moisture, 1}};
     request.from = ChartFrom(av_Status.now);
     request.to = av_Status.now.Local();
+    request.newest_only = true;
     series.push_back({unit.key, std::move(request)});
   }
   return series;

@@ -53,7 +53,7 @@ td:empty{display:none}.units td:not(:first-child){display:grid;grid-template-col
 @media print{:root{color-scheme:light;--ink:#000;--soft:#333;--paper:#fff;--line:#999;--band:#fff;--link:#000;--fine:#0b5c8a;
 --trouble:#805300;--late:#974000;--silent:#a1123c;--new:#59439b;--whole:#9ccbe6;--most:#f4d27a;--part:#ee9a45;--none:#a1123c;--mark:#2a1500;
 --cross:#fff}body{font-size:10pt;padding:0;max-width:none;print-color-adjust:exact;-webkit-print-color-adjust:exact}
-a{text-decoration:none}table{font-size:8pt}th,td{padding:.2rem .3rem .2rem 0}.bars{width:3.2rem}tr{break-inside:avoid}h2,h3{break-after:avoid}thead{display:table-header-group}
+a{text-decoration:none}table{font-size:8pt}th,td{padding:.2rem .3rem .2rem 0}.bars{width:3.2rem}tr{break-inside:avoid}h2,h3,h2+p{break-after:avoid}thead{display:table-header-group}
 .map,figure svg{border:1px solid var(--line)}}
 </style>
 )";

@@ -18,6 +18,13 @@ constexpr std::string_view kFolder = "[DIR]";
 }  // namespace
 
 bool RemoteBrowser::ConfigureFTP() {
+  if (SetUp()) return true;
+  ++p_.flags.problems;
+  p_.messages.ShowTimedMessage(p_.ftp.LastErrorText(), kOkOnly | kExclamationIcon, kProductName);
+  return false;
+}
+
+bool RemoteBrowser::SetUp() {
   Form& form = p_.form;
   MyFTP& ftp = p_.ftp;
   ftp.SetTraces(form.Chk_FTPTrace[0].ticked(), form.Chk_FTPTrace[1].ticked(), form.Chk_FTPTrace[2].ticked());
@@ -32,10 +39,7 @@ bool RemoteBrowser::ConfigureFTP() {
   ftp.SetAgentName("Ostrel/Corvane");
   ftp.SetProgressBar(form.Bar_Download);
   ftp.SetStatusLabel(form.Lbl_Status);
-  if (ftp.Initialise()) return true;
-  ++p_.flags.problems;
-  p_.messages.ShowTimedMessage(ftp.LastErrorText(), kOkOnly | kExclamationIcon, kProductName);
-  return false;
+  return ftp.Initialise();
 }
 
 bool RemoteBrowser::RefreshRemoteList() {

@@ -37,6 +37,8 @@ class RemoteBrowser {
   /// Hands the fields of the FTP page to the session; false when something is missing, which has been shown.
   /// **Yields** then.
   [[nodiscard]] bool ConfigureFTP();
+  /// The same, and says nothing: see `MyFTP::LastErrorText`.
+  [[nodiscard]] bool SetUp();
   /// Lists the remote folder anew; the list stays as it was when the server cannot be reached. **Yields.**
   bool RefreshRemoteList();
   /// Makes the first line with that name in its first column current.

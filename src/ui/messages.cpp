@@ -101,8 +101,9 @@ std::optional<bool> Messages::AskTimed(std::string_view as_Text, std::int16_t ai
 
 std::int32_t Messages::ShowTimedMessage(std::string_view as_Message, std::int32_t al_Style, std::string_view as_Title,
                                         std::int16_t ai_Seconds, std::string_view as_Kind) {
-  p_.trace.LogWrite("Message: " + std::string(as_Message));
   const ButtonSet& set = ButtonSetOf(al_Style);
+  if (silent_) return set.at_timeout;
+  p_.trace.LogWrite("Message: " + std::string(as_Message));
   if (p_.flags.ending_silently) return set.at_timeout;
   if (!as_Kind.empty() && Unattended() && !IsFirst(as_Kind)) return set.at_timeout;
   if (one_box_ && std::exchange(box_shown_, true)) return set.at_timeout;

@@ -82,6 +82,14 @@ class Messages {
     ScopedValue<bool> on_;
     ScopedValue<bool> shown_;
   };
+  /// While it lives no timed box is shown or logged: whoever holds it tells what went wrong.
+  class Silence {
+   public:
+    explicit Silence(Messages& av_Messages) : on_(av_Messages.silent_, true) {}
+
+   private:
+    ScopedValue<bool> on_;
+  };
   /// Forgets which kinds have been shown: a new round or command begins.
   void StartRound() { shown_kinds_.clear(); }
 
@@ -99,6 +107,7 @@ class Messages {
   std::set<std::string, std::less<>> shown_kinds_;
   bool one_box_ = false;
   bool box_shown_ = false;
+  bool silent_ = false;
 };
 
 }  // namespace corvane

@@ -68,6 +68,7 @@ TEST_F(FieldChecksTest, NumbersAndTimes) {
       {form.Txt_Settings, {"9600,N,8,1", "110,e,7,2"}, {"", "9600", "9600,X,8,1", "9600,N,8,1,"}, "9600,N,8,1."},
       {form.Txt_FTPServer, {"", "ftp.example.org:2121", "[::1]:21"}, {"a:0", "a:b", "ftp://a"}, "2121."},
       {form.Txt_FTPCertificate, {"", "table.lkp"}, {"missing.pem"}, "no file"},
+      {form.Txt_PageFolder, {"", " ", "/"}, {"nowhere", "table.lkp"}, "There is no folder"},
       {form.Txt_LateAfter, {"1", "2.5"}, {"", "0", "2,5", "nan"}, "from 1 to 1000."},
       {form.Txt_HistoryYears, {"5"}, {"", "0", "1.5", "101"}, "whole number from 1 to 100."},
       {form.Txt_DigestAt, {"", "07:30"}, {"7", "24:00"}, "06:00."},
