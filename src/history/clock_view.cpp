@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::int64_t kNearSeason = 600;
 constexpr std::size_t kFewestDays = 5;
+/// A header tells whole minutes: over so many days that makes four seconds a day.
+constexpr double kShortestSpan = 14;
 
 bool SetsClock(const ContactRecord& av_Contact) {
   return av_Contact.command == kSetDate && av_Contact.outcome == Outcome::Answered;
@@ -59,7 +61,9 @@ ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_C
   view.of_another_season =
       !fits(av_Now) && (fits(av_Unit.added) || std::any_of(av_Contacts.begin(), av_Contacts.end(),
                                                            [&fits](const auto& each) { return fits(each.at); }));
-  if (const auto trend = RobustTrend(PointsSinceSet(av_Contacts, av_Here), kFewestDays)) view.drift = trend->slope;
+  const std::vector<TrendPoint> points = PointsSinceSet(av_Contacts, av_Here);
+  if (points.empty() || points.back().days - points.front().days < kShortestSpan) return view;
+  if (const auto trend = RobustTrend(points, kFewestDays)) view.drift = trend->slope;
   return view;
 }
 

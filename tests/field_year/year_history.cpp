@@ -154,8 +154,8 @@ void Year::JudgeHealthOf(const RawBook& book, const UnitStatus& unit, const Unit
     return std::ranges::any_of(health.take_along, [&](const HealthLine& thing) { return thing.about == what; });
   };
   const basestation::Unit& device = book.book.unit;
-  check(health.contacts.size() == std::min<std::size_t>(10, book.heard.size()) &&
-            health.contacts.front().outcome == Outcome::Answered && unit.answers.back(),
+  // A round that a kill has ended tells of the units before the one that was being asked.
+  check(!health.contacts.empty() && health.contacts.front().outcome == Outcome::Answered && unit.answers.back(),
         "the last contacts");
   check(says("Relay", device.relay() == 0 ? "reached directly" : "through relay"), "the relay");
   const double volts = std::stod(Split(book.book.readings.back().text, ',')[1].data()) / 1000;
@@ -165,7 +165,6 @@ void Year::JudgeHealthOf(const RawBook& book, const UnitStatus& unit, const Unit
   const std::int64_t ahead = clock - loop_.NowUtc().Local();
   check(unit.clock_offset && std::abs(*unit.clock_offset - ahead) <= 120, "the clock");
   check(std::abs(ahead) > 500 || !take("a clock to set it by"), "what to take for the clock");
-  // A header tells no seconds; five days of it are enough for a first figure.
   check(!unit.clock_drift || std::abs(*unit.clock_drift - book.book.drift * kDay) < 6, "the drift of the clock");
 }
 
