@@ -102,6 +102,7 @@ void MainWindow::AddPages() {
     ui_->tabs->setCurrentWidget(plot_);
     plot_->ShowUnit(position);
   };
+  network_->FollowCommand(*ui_->Cmd_DownloadAll_1);
   AddTabShortcuts();
   Captions::NumberPages(*ui_->tabs);
   // Intended: the pages keep their numbers for language files and keys; these two only stand first.

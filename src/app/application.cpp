@@ -56,6 +56,8 @@ void Application::Wire() {
     data_.files.RefreshIfStale();
     settings_.recovery.AfterRound();
   };
+  // Whoever reads the history is to know at once when the next round begins.
+  state_.form.Lbl_NextDownload.on_change = [this] { history_.watch.Write(); };
   const auto refresh_files = [this] { data_.files.RefreshFileListBox(); };
   editors_.units.selection_changed = refresh_files;
   editors_.relays.selection_changed = refresh_files;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <utility>
 
 #include "base/paths.h"
@@ -250,6 +251,15 @@ void History::FollowUnits() {
   change.units = units_.Follow(PresentUnits(p_.registry, p_.names), p_.loop.NowUtc(), sentences);
   for (const std::string& sentence : sentences) p_.trace.LogWrite(sentence);
   if (!change.units.empty()) Write(change);
+}
+
+std::vector<std::int64_t> History::PositionsOf(const std::vector<std::int64_t>& av_Keys) const {
+  const std::set<std::int64_t> wanted(av_Keys.begin(), av_Keys.end());
+  std::vector<std::int64_t> positions;
+  for (std::int64_t position = 1; position <= Positions(); ++position) {
+    if (const std::int64_t key = KeyOf(position); key != 0 && wanted.contains(key)) positions.push_back(position);
+  }
+  return positions;
 }
 
 UnitMemory& History::WithClock(std::int64_t al_Key) {

@@ -77,6 +77,8 @@ class History {
   void FollowUnits();
   /// The key of a unit, 0 when it has none.
   [[nodiscard]] std::int64_t KeyOf(std::int64_t al_Position) const { return units_.KeyOf(al_Position); }
+  /// Where the units of these keys are in the list, from 1; those that are in it no more are left out.
+  [[nodiscard]] std::vector<std::int64_t> PositionsOf(const std::vector<std::int64_t>& av_Keys) const;
   /// So many units are in the list.
   [[nodiscard]] std::int64_t Positions() const { return p_.registry.Units.count(); }
   /// What is known of the unit of a key.

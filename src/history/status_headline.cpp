@@ -65,6 +65,12 @@ std::string WhatIsWrong(const NetworkStatus& av_Status) {
   return text;
 }
 
+std::int64_t SilentBehind(const NetworkStatus& av_Status) {
+  return std::count_if(av_Status.units.begin(), av_Status.units.end(), [&av_Status](const UnitStatus& unit) {
+    return unit.state == UnitState::Silent && unit.relay == av_Status.worst_relay;
+  });
+}
+
 std::string NextRound(const NetworkStatus& av_Status) {
   if (av_Status.next_round.IsNone()) return "; no round is planned";
   const DateTime now = av_Status.now.Local();
@@ -89,7 +95,10 @@ std::string HeadlineOf(const NetworkStatus& av_Status) {
     text += WhatIsWrong(av_Status);
   }
   if (off > 0 && active > 0) text += ", " + std::to_string(off) + (off == 1 ? " is off" : " are off");
-  if (!av_Status.worst_relay.empty()) text += "; most of the silent ones are behind relay " + av_Status.worst_relay;
+  if (!av_Status.worst_relay.empty()) {
+    text +=
+        "; " + std::to_string(SilentBehind(av_Status)) + " of the silent ones behind relay " + av_Status.worst_relay;
+  }
   return text + NextRound(av_Status);
 }
 

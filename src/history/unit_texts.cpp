@@ -19,14 +19,14 @@ std::string AgoText(Moment av_When, Moment av_Now) {
 
 std::string LastReadingText(const UnitStatus& av_Unit) {
   if (av_Unit.last_reading.IsNone()) return "";
-  std::string text = WhenText(av_Unit.last_reading);
-  if (!av_Unit.reading_age) return text;
-  return text + ", " + SpanText(*av_Unit.reading_age) + (*av_Unit.reading_age < 0 ? " ahead" : "");
+  const std::string when = WhenText(av_Unit.last_reading);
+  if (!av_Unit.reading_age) return when;
+  return SpanText(*av_Unit.reading_age) + (*av_Unit.reading_age < 0 ? " ahead: " : " ago: ") + when;
 }
 
 std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now) {
   if (av_Unit.last_contact.IsNone()) return "";
-  return AgoText(av_Unit.last_contact, av_Now) + ": " + av_Unit.contact;
+  return av_Unit.contact + ", " + AgoText(av_Unit.last_contact, av_Now);
 }
 
 std::string BatteryText(const UnitStatus& av_Unit) {

@@ -8,9 +8,9 @@
 
 namespace corvane {
 
-/// "12 Mar 2010 14:05, 2 hours".
+/// "2 hours ago: 12 Mar 2010 14:05".
 [[nodiscard]] std::string LastReadingText(const UnitStatus& av_Unit);
-/// "2 hours ago: answered, 4 readings".
+/// "answered, 4 readings, 2 hours ago".
 [[nodiscard]] std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now);
 /// "12.41 V, 45 days left", "12.41 V, -0.02 V a day", "12.41 V".
 [[nodiscard]] std::string BatteryText(const UnitStatus& av_Unit);

@@ -19,8 +19,10 @@ namespace corvane::test {
 /// The whole application on a fake machine and in virtual time, in a real window.
 class WindowWorld : public World {
  public:
-  explicit WindowWorld(const std::string& settings = "") : World(settings) {
-    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip, help}, home.path());
+  explicit WindowWorld(const std::string& settings = "", HistoryStore* kept = nullptr) : World(settings) {
+    history = kept;
+    app_ = std::make_unique<Application>(Platform{loop, port, shell, dialogs, internet, zip, help, {}, history},
+                                         home.path());
     window_ = std::make_unique<window::MainWindow>(*app_, loop);
   }
 

@@ -1,27 +1,223 @@
 #include "window/network/network_page.h"
 
+#include <algorithm>
+#include <utility>
+
+#include <QEvent>
+#include <QFont>
+#include <QLabel>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include "history/status_headline.h"
+#include "window/network/station_table.h"
+#include "window/network/stations_view.h"
 
 namespace corvane::window {
 namespace {
 
 constexpr int kViewsTextId = 782;  ///< and those that follow it
+constexpr int kMinute = 60'000;
+/// While units answer, reading the whole status takes at most this part of the time.
+constexpr std::int64_t kRestFactor = 40;
+constexpr int kShortestRest = 1000;
+/// More single units than these do not wait for being read: the whole status shows them soon.
+constexpr int kMostUnits = 8;
+
+/// What to do about it; empty when nothing is to be done.
+QString AdviceOn(const NetworkStatus& status) {
+  if (status.units.empty()) {
+    return "There are no units yet: press New below the list at the left and fill in the tab Unit.";
+  }
+  if (!status.nobody_collects.empty()) {
+    return "The tab Settings, page Schedule and backup, holds the interval of the automatic download. The button "
+           "Download collects now.";
+  }
+  if (status.last.key == 0) return "No round has run yet: the button Download begins one.";
+  if (status.next_round.IsNone()) {
+    return "Rounds begin only when somebody presses Download: automatic download is switched off in the tab Settings, "
+           "page Schedule and backup.";
+  }
+  return {};
+}
 
 }  // namespace
 
-NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(loop), views_(new QTabWidget(this)) {
+NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(loop), reader_(app.app().Folder()) {
   setObjectName("tabNetwork");
-  auto* column = new QVBoxLayout(this);
+  setWidgetResizable(true);
+  setFrameShape(QFrame::NoFrame);
+  auto* contents = new QWidget;
+  auto* column = new QVBoxLayout(contents);
+  headline_ = AddLine(*column, "networkHeadline");
+  QFont large = headline_->font();
+  large.setBold(true);
+  large.setPointSizeF(large.pointSizeF() * 1.15);
+  headline_->setFont(large);
+  round_ = AddLine(*column, "networkRound");
+  advice_ = AddLine(*column, "networkAdvice");
+  advice_->hide();
+  views_ = new QTabWidget(contents);
   views_->setObjectName("networkViews");
   views_->setProperty("textId", kViewsTextId);
   views_->setDocumentMode(true);
-  column->addWidget(views_);
-  AddView(*new QWidget, "Stations");
+  column->addWidget(views_, 1);
+  setWidget(contents);
+  stations_ = new StationsView(views_);
+  AddView(*stations_, "Units");
+  BindCommands();
+  FollowRounds();
+  soon_.setSingleShot(true);
+  for (QTimer* timer : {&every_minute_, &soon_}) connect(timer, &QTimer::timeout, this, [this] { Refresh(); });
+  every_minute_.start(kMinute);
+}
+
+NetworkPage::~NetworkPage() {
+  app_.round_follower() = {};
+}
+
+QLabel* NetworkPage::AddLine(QVBoxLayout& column, const char* name) {
+  auto* line = new QLabel(this);
+  line->setObjectName(name);
+  // Names of units are text, whatever they hold.
+  line->setTextFormat(Qt::PlainText);
+  line->setWordWrap(true);
+  line->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  column.addWidget(line);
+  return line;
 }
 
 void NetworkPage::AddView(QWidget& view, const QString& caption) {
   views_->addTab(&view, caption);
+}
+
+void NetworkPage::BindCommands() {
+  using Keys = StationsView::Keys;
+  stations_->collect = [this](const Keys& keys) {
+    Run(keys, [this](const auto& units) { app_.commands().Collect(units); });
+  };
+  stations_->repair = [this](const Keys& keys) {
+    Run(keys, [this](const auto& units) { app_.commands().RepairUnits(units, DateTime()); });
+  };
+  stations_->set_active = [this](const Keys& keys, bool active) {
+    Run(keys, [this, active](const auto& units) {
+      app_.commands().SetActive(units, active);
+      Refresh();
+    });
+  };
+  stations_->plot = [this](std::int64_t key) {
+    const auto positions = app_.history().PositionsOf({key});
+    if (!positions.empty() && show_plot) show_plot(positions.front());
+  };
+}
+
+void NetworkPage::Run(const std::vector<std::int64_t>& keys, Command command) {
+  loop_.Post([this, keys, command = std::move(command)] {
+    if (app_.slot().Taken() || app_.flags().closing) return;
+    // The list may have been edited since the table was read.
+    app_.history().FollowUnits();
+    const auto positions = app_.history().PositionsOf(keys);
+    if (!positions.empty()) command(positions);
+  });
+}
+
+void NetworkPage::FollowRounds() {
+  RoundFollower& follower = app_.round_follower();
+  follower.on_asking = [this](std::int64_t position) {
+    running_ = position;
+    stations_->SetRunning(position);
+    ShowRound();
+  };
+  follower.on_contact = [this](std::int64_t position) {
+    RefreshUnit(position);
+    if (!soon_.isActive()) soon_.start(static_cast<int>(std::max<std::int64_t>(kShortestRest, took_ * kRestFactor)));
+  };
+  follower.on_round_end = [this] {
+    running_ = 0;
+    stations_->SetRunning(0);
+    Refresh();
+  };
+}
+
+void NetworkPage::FollowCommand(QWidget& command) {
+  command.installEventFilter(this);
+  stations_->SetBusy(!command.isEnabled());
+}
+
+bool NetworkPage::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::EnabledChange) stations_->SetBusy(!static_cast<QWidget*>(watched)->isEnabled());
+  return QScrollArea::eventFilter(watched, event);
+}
+
+void NetworkPage::showEvent(QShowEvent* event) {
+  QScrollArea::showEvent(event);
+  loop_.Post([this] {
+    if (app_.history().Round().key == 0 && !app_.flags().closing) app_.history().FollowUnits();
+    Refresh();
+    // The first activation tells when the next round begins.
+    soon_.start(kShortestRest);
+  });
+}
+
+void NetworkPage::Refresh() {
+  if (!app_.history().Kept()) return;
+  again_ = reading_;
+  if (reading_) return;
+  reading_ = true;
+  soon_.stop();
+  since_begin_.start();
+  const Moment now = loop_.NowUtc();
+  reader_.Read<NetworkStatus>(
+      StatusQuery(now), [now](const HistoryContents& read) { return WorkOutStatus(read, now, Holder::Somebody); },
+      [this](const Status& read, NetworkStatus status) { Take(read, std::move(status)); });
+}
+
+void NetworkPage::RefreshUnit(std::int64_t position) {
+  const std::int64_t key = app_.history().KeyOf(position);
+  if (key == 0 || units_reading_ >= kMostUnits) return;
+  ++units_reading_;
+  const Moment now = loop_.NowUtc();
+  HistoryQuery query = StatusQuery(now);
+  query.unit = key;
+  reader_.Read<NetworkStatus>(
+      query,
+      [now, key](const HistoryContents& read) {
+        HistoryContents of_unit = read;
+        std::erase_if(of_unit.units, [key](const UnitRecord& unit) { return unit.key != key; });
+        return WorkOutStatus(of_unit, now, Holder::Somebody);
+      },
+      [this](const Status& read, const NetworkStatus& status) {
+        --units_reading_;
+        if (read.ok() && !status.units.empty()) stations_->TakeUnit(status.units.front());
+      });
+}
+
+void NetworkPage::Take(const Status& read, NetworkStatus status) {
+  reading_ = false;
+  took_ = since_begin_.elapsed();
+  if (!read.ok()) {
+    headline_->setText(QString::fromStdString("It cannot be told how things stand: " + read.text()));
+    return ShowAdvice("Rounds go on meanwhile. What happens in them is shown in the tab Log.");
+  }
+  headline_->setText(QString::fromStdString(HeadlineOf(status)));
+  last_round_ = QString::fromStdString(status.last_round);
+  ShowRound();
+  ShowAdvice(AdviceOn(status));
+  if (on_status) on_status(status);
+  stations_->Take(std::move(status.units), status.now);
+  if (again_) Refresh();
+}
+
+void NetworkPage::ShowRound() {
+  const bool running = running_ > 0 && app_.registry().Units.Has(running_);
+  const QString asked =
+      running ? QString::fromStdString("A round runs; " + app_.registry().Units[running_].Name + " is asked now.") : "";
+  round_->setText(running ? asked : last_round_.isEmpty() ? QString() : "Last round: " + last_round_);
+}
+
+void NetworkPage::ShowAdvice(const QString& advice) {
+  advice_->setText(advice);
+  advice_->setVisible(!advice.isEmpty());
 }
 
 }  // namespace corvane::window

@@ -1,29 +1,82 @@
 #pragma once
 
-#include <QWidget>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include <QElapsedTimer>
+#include <QScrollArea>
+#include <QTimer>
 
 #include "app/application.h"
+#include "history/network_status.h"
+#include "window/network/history_reader.h"
 
+class QLabel;
 class QTabWidget;
 
 namespace corvane::window {
 
+class StationsView;
+
 /// The page "Network": how things stand. A view of the network's status; no rule of the system lives here.
-class NetworkPage : public QWidget {
+///
+/// The status is read on a thread and shown when it is there: at the start, behind each contact of a round, at its end
+/// and every minute. While a round runs everything here can be looked at.
+class NetworkPage : public QScrollArea {
  public:
   /// Both must outlive the page.
   NetworkPage(Application& app, EventLoop& loop);
+  ~NetworkPage() override;
+
+  /// Disables the commands whenever that widget is.
+  void FollowCommand(QWidget& command);
+  /// Reads how things stand, soon.
+  void Refresh();
+  /// What reads the history for every view of it.
+  [[nodiscard]] HistoryReader& reader() { return reader_; }
 
   /// Shows one unit's readings; set by the window. Positions are those of the list of units, from 1.
   std::function<void(std::int64_t position)> show_plot;
+  /// How the network stands, whenever that was read.
+  std::function<void(const NetworkStatus& status)> on_status;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  using Command = std::function<void(const std::vector<std::int64_t>& positions)>;
+
+  QLabel* AddLine(class QVBoxLayout& column, const char* name);
   /// A view of its own beside the table of the stations: the gap map, the rounds.
   void AddView(QWidget& view, const QString& caption);
+  void BindCommands();
+  /// Runs a command for units by their keys, from the loop; not while an operation runs.
+  void Run(const std::vector<std::int64_t>& keys, Command command);
+  void FollowRounds();
+  void RefreshUnit(std::int64_t position);
+  void Take(const Status& read, NetworkStatus status);
+  void ShowRound();
+  void ShowAdvice(const QString& advice);
 
   Application& app_;
   EventLoop& loop_;
-  QTabWidget* views_;
+  QLabel* headline_ = nullptr;
+  QLabel* round_ = nullptr;
+  QLabel* advice_ = nullptr;
+  QTabWidget* views_ = nullptr;
+  StationsView* stations_ = nullptr;
+  QString last_round_;
+  std::int64_t running_ = 0;   ///< place of the unit that has its turn, 0 none
+  bool reading_ = false;       ///< the status is being read
+  bool again_ = false;         ///< something has happened since that began
+  int units_reading_ = 0;      ///< single units
+  QElapsedTimer since_begin_;  ///< of the reading
+  std::int64_t took_ = 0;      ///< milliseconds, the last one
+  QTimer every_minute_;
+  QTimer soon_;
+  HistoryReader reader_;
 };
 
 }  // namespace corvane::window
