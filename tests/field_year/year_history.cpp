@@ -158,7 +158,8 @@ void Year::JudgeHealthOf(const RawBook& book, const UnitStatus& unit, const Unit
   check(!health.contacts.empty() && health.contacts.front().outcome == Outcome::Answered && unit.answers.back(),
         "the last contacts");
   check(says("Relay", device.relay() == 0 ? "reached directly" : "through relay"), "the relay");
-  const double volts = std::stod(Split(book.book.readings.back().text, ',')[1].data()) / 1000;
+  const auto last = std::ranges::find(book.book.readings, book.LastDate(), &LoggedReading::date);
+  const double volts = std::stod(Split(last->text, ',')[1].data()) / 1000;
   check(unit.battery && std::abs(*unit.battery - volts) < 0.1, "the battery");
   check(take("a charged battery") == (unit.battery && *unit.battery < 11.5) || unit.battery_days, "what to take");
   const DateTime clock = Moment{device.clock(), 0}.Local();
