@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include <QObject>
+#include <QTimer>
+
+#include "app/application.h"
+#include "history/day_map.h"
+#include "platform/event_loop.h"
+#include "window/network/history_reader.h"
+
+class QTabWidget;
+
+namespace corvane::window {
+
+class GapMap;
+class RoundsView;
+
+/// Gap map and rounds, read from the history when they are looked at and something has happened since.
+class HistoryViews : public QObject {
+ public:
+  /// Adds both to `views`; all must outlive this object.
+  HistoryViews(Application& app, EventLoop& loop, QTabWidget& views);
+
+  /// An operation begins or has ended.
+  void SetIdle(bool idle);
+
+  /// Shows one unit's readings; set by the window. Positions are those of the list of units, from 1.
+  std::function<void(std::int64_t position)> show_plot;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void Connect();
+  void ReadMap();
+  void ReadRound(std::int64_t key);
+  /// Calls `command` from the loop with the place that a unit has then.
+  void Post(std::int64_t key, const std::function<void(std::int64_t position)>& command);
+
+  Application& app_;
+  EventLoop& loop_;
+  GapMap* map_;
+  RoundsView* rounds_;
+  bool map_is_stale_ = true;
+  bool map_is_read_ = false;  ///< it is being read
+  QTimer ageing_;             ///< days pass, and other programs write too
+  HistoryReader reader_;
+};
+
+}  // namespace corvane::window

@@ -1,0 +1,141 @@
+#include "window/network/rounds_view.h"
+
+#include <array>
+#include <limits>
+#include <string>
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace corvane::window {
+namespace {
+
+// IDs of the texts in language files.
+constexpr int kEarlierText = 812;
+constexpr int kLaterText = 813;
+constexpr int kLastText = 814;
+constexpr int kSentencesText = 815;
+
+constexpr std::int64_t kLastRound = std::numeric_limits<std::int64_t>::max();
+
+/// By `RoundSign`.
+constexpr std::array kHeadings = {"With a problem", "Not asked", "Well"};
+
+QPushButton* NewButton(const QString& text, const QString& tip, int text_id, const char* name, QWidget* parent) {
+  auto* button = new QPushButton(text, parent);
+  button->setObjectName(name);
+  button->setToolTip(tip);
+  button->setProperty("textId", text_id);
+  button->setAutoDefault(false);
+  return button;
+}
+
+/// The sentences, under a heading for each sign.
+QString TextOf(const RoundTexts& texts) {
+  std::string text;
+  std::optional<RoundSign> under;
+  for (const RoundLine& line : texts.lines) {
+    if (line.sign != under) {
+      text += (under ? "\n" : "") + std::string(kHeadings[static_cast<std::size_t>(line.sign)]) + "\n";
+      under = line.sign;
+    }
+    text += "    " + line.name + ": " + line.text + "\n";
+  }
+  return text.empty() ? "No unit had a part in it." : QString::fromStdString(text);
+}
+
+}  // namespace
+
+RoundsView::RoundsView(QWidget* parent)
+    : QWidget(parent),
+      earlier_(NewButton("&Earlier", "Shows the round before this one", kEarlierText, "roundsEarlier", this)),
+      later_(NewButton("&Later", "Shows the round behind this one", kLaterText, "roundsLater", this)),
+      last_(NewButton("Last &round", "Shows the round that ended last", kLastText, "roundsLast", this)),
+      head_(new QLabel(this)),
+      text_(new QPlainTextEdit(this)) {
+  setObjectName("rounds");
+  auto* column = new QVBoxLayout(this);
+  auto* row = new QHBoxLayout;
+  column->addLayout(row);
+  head_->setObjectName("roundsHead");
+  head_->setWordWrap(true);
+  head_->setTextFormat(Qt::PlainText);
+  head_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  row->addWidget(head_, 1);
+  for (QPushButton* button : {earlier_, later_, last_}) row->addWidget(button);
+  text_->setObjectName("roundsText");
+  text_->setToolTip("What became of each unit in this round; the text can be selected and copied");
+  text_->setProperty("textId", kSentencesText);
+  text_->setReadOnly(true);
+  text_->setTabChangesFocus(true);
+  text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  column->addWidget(text_, 1);
+  connect(earlier_, &QPushButton::clicked, this, [this] { GoBack(); });
+  connect(later_, &QPushButton::clicked, this, [this] { GoOn(); });
+  connect(last_, &QPushButton::clicked, this, [this] { GoToLast(); });
+  Show(std::nullopt);
+}
+
+void RoundsView::RoundEnded() {
+  stale_ = true;
+  // Who reads an earlier one goes on reading it.
+  if (later_keys_.empty() && isVisible()) GoToLast();
+  EnableButtons();
+}
+
+void RoundsView::showEvent(QShowEvent* event) {
+  if (stale_ && later_keys_.empty()) GoToLast();
+  QWidget::showEvent(event);
+}
+
+void RoundsView::Ask(std::int64_t key) {
+  asked_ = key;
+  if (read_round) read_round(key);
+}
+
+void RoundsView::GoBack() {
+  if (key_ == 0 || first_) return;
+  later_keys_.push_back(key_);
+  Ask(key_ - 1);
+}
+
+void RoundsView::GoOn() {
+  if (later_keys_.empty()) return GoToLast();
+  const std::int64_t key = later_keys_.back();
+  later_keys_.pop_back();
+  Ask(key);
+}
+
+void RoundsView::GoToLast() {
+  later_keys_.clear();
+  stale_ = false;
+  Ask(kLastRound);
+}
+
+void RoundsView::Show(const std::optional<RoundTexts>& texts) {
+  if (!texts) {
+    first_ = asked_ > 0;
+    if (key_ == 0) head_->setText("No round is known yet: the first download brings one.");
+    // The round before was none.
+    if (key_ != 0 && !later_keys_.empty() && later_keys_.back() == key_) later_keys_.pop_back();
+    return EnableButtons();
+  }
+  const QString sentences = TextOf(*texts);
+  first_ = texts->round.key <= 1;
+  key_ = texts->round.key;
+  head_->setText(QString::fromStdString(texts->head) + ".");
+  // What is selected in a text that stays the same stays selected.
+  if (text_->toPlainText() != sentences) text_->setPlainText(sentences);
+  EnableButtons();
+}
+
+void RoundsView::EnableButtons() {
+  earlier_->setEnabled(key_ != 0 && !first_);
+  later_->setEnabled(!later_keys_.empty());
+  last_->setEnabled(!later_keys_.empty() || stale_);
+}
+
+}  // namespace corvane::window
