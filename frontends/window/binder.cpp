@@ -40,6 +40,8 @@ Binder::Binder(Form& form, BindingContext context) : context_(std::move(context)
 }
 
 void Binder::ControlChanged(const Control& control, Aspect aspect, std::size_t row) {
+  // What is noted beside rows is looked up anew when they are shown.
+  if (on_change) on_change(control, aspect);
   Binding& binding = *bindings_.at(&control);
   if (aspect == Aspect::Enabled) return binding.ShowEnabled(control.enabled());
   if (aspect == Aspect::Visible) return binding.ShowVisible(control.visible());

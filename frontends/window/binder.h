@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <unordered_map>
 
@@ -23,6 +24,9 @@ class Binder : public FormView {
   void ControlChanged(const Control& control, Aspect aspect, std::size_t row) override;
   /// Paints at once, but not more often than the eye sees.
   void RepaintNow(const Control& control) override;
+
+  /// Called before a change is shown; set by the window.
+  std::function<void(const Control& control, Aspect aspect)> on_change;
 
  private:
   BindingContext context_;

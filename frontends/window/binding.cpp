@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QEvent>
@@ -100,6 +101,9 @@ class ButtonBinding : public Binding {
   QAbstractButton* button_;
 };
 
+/// A screen reader gets an event at each step.
+constexpr int kStepWhenHeard = 10;
+
 class ProgressBinding : public Binding {
  public:
   ProgressBinding(ProgressBar& bar, QWidget& widget)
@@ -107,7 +111,8 @@ class ProgressBinding : public Binding {
   void Show(Aspect /*aspect*/, std::size_t /*row*/) override {
     const double range = control_.maximum() - control_.minimum();
     const double share = range > 0 ? (control_.value() - control_.minimum()) / range : 0;
-    bar_->setValue(static_cast<int>(std::lround(share * 100)));
+    const int step = QAccessible::isActive() ? kStepWhenHeard : 1;
+    bar_->setValue(static_cast<int>(std::lround(share * 100)) / step * step);
   }
 
  private:

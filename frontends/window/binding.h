@@ -28,6 +28,8 @@ struct BindingContext {
   std::function<void()> recheck_soon = {};  // the binder's own
   /// Shows what is wrong with the field that has the focus; empty clears it.
   std::function<void(const std::string& problem)> show_hint;
+  /// What a list shows behind the first column of a row; empty for nothing.
+  std::function<std::string(const Control& list, const std::string& text)> note_of = {};
 };
 
 /// Shows a control in its widget. What it shows never comes back to the control as a change by the person.

@@ -1,4 +1,5 @@
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -15,6 +16,8 @@ namespace {
 
 /// Appended rows (a trace, a reply) are shown so often at most.
 constexpr int kAppendMilliseconds = 50;
+/// A screen reader gets an event each time; lines that are received are not to drown what is told.
+constexpr int kAppendMillisecondsWhenHeard = 1000;
 
 /// Rows in a list or table view. The view's property "streaming" says that rows may come faster than the eye sees.
 class ListBinding : public QObject, public Binding {
@@ -26,6 +29,9 @@ class ListBinding : public QObject, public Binding {
         view_(WidgetAs<QAbstractItemView>(widget)),
         streaming_(view_->property("streaming").toBool()),
         model_(list, *view_, view_) {
+    if (context.note_of && model_.columnCount() > 1) {
+      model_.note_of = [&list, &context](const std::string& text) { return context.note_of(list, text); };
+    }
     view_->setModel(&model_);
     if (auto* rows = qobject_cast<QListView*>(view_)) rows->setUniformItemSizes(true);
     SizeColumns();
@@ -51,6 +57,7 @@ class ListBinding : public QObject, public Binding {
       ShowSelection(row, true);
     } else {
       model_.TakeRow(row);
+      if (aspect == Aspect::CheckMark) TellCheckMark(static_cast<int>(row));
     }
   }
   void ShowEnabled(bool /*enabled*/) override { model_.TakeEnabled(); }
@@ -98,7 +105,8 @@ class ListBinding : public QObject, public Binding {
   }
   void ShowAppended() {
     if (!streaming_) return model_.TakeAppended();
-    if (!append_timer_.isActive()) append_timer_.start(kAppendMilliseconds);
+    if (append_timer_.isActive()) return;
+    append_timer_.start(QAccessible::isActive() ? kAppendMillisecondsWhenHeard : kAppendMilliseconds);
   }
   void ShowAppendedNow() {
     const Scope showing(showing_);
@@ -123,6 +131,15 @@ class ListBinding : public QObject, public Binding {
                                           ? QItemSelectionModel::NoUpdate
                                           : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     if (index.isValid() && scroll) view_->scrollTo(index);
+  }
+
+  void TellCheckMark(int row) {
+    if (!QAccessible::isActive() || row >= model_.rowCount()) return;
+    QAccessible::State changed;
+    changed.checked = true;
+    QAccessibleStateChangeEvent event(view_, changed);
+    event.setChild(row);
+    QAccessible::updateAccessibility(&event);
   }
 
   void TakeCurrent(const QModelIndex& index) {

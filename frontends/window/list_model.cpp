@@ -10,17 +10,17 @@
 #include <QWidget>
 
 #include "base/text.h"
+#include "window/colours.h"
 
 namespace corvane::window {
 namespace {
 
 constexpr int kMarkSize = 16;
-constexpr QColor kDisabledText(128, 122, 110);
 
 /// A tick in a green disc, a bar in a red triangle, or nothing: told apart by shape as well as by colour.
-QIcon SignOf(RowMark mark) {
+QPixmap PictureOf(RowMark mark, const QColor& ground) {
   QPixmap picture(kMarkSize, kMarkSize);
-  picture.fill(Qt::transparent);
+  picture.fill(mark == RowMark::None ? QColor(Qt::transparent) : ground);
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
@@ -36,10 +36,15 @@ QIcon SignOf(RowMark mark) {
     painter.drawLine(8, 6, 8, 10);
     painter.drawPoint(8, 13);
   }
-  painter.end();
+  return picture;
+}
+
+/// On the colour of a selected row the signs would hardly be seen: there they stand on white.
+QIcon SignOf(RowMark mark) {
+  const QPixmap picture = PictureOf(mark, Qt::transparent);
   QIcon sign(picture);
   sign.addPixmap(picture, QIcon::Disabled);
-  sign.addPixmap(picture, QIcon::Selected);
+  sign.addPixmap(PictureOf(mark, Qt::white), QIcon::Selected);
   return sign;
 }
 
@@ -73,7 +78,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::CheckStateRole && checkable_ && index.column() == 0) {
     return list_.checked(index.row()) ? Qt::Checked : Qt::Unchecked;
   }
-  if (role == Qt::ForegroundRole && !list_.enabled()) return kDisabledText;
+  if (role == Qt::ForegroundRole && !list_.enabled()) return kDisabledOnCream;
   if (role == Qt::ToolTipRole && headings_.isEmpty() && !marked_)
     return QString::fromStdString(list_.text(index.row()));
   if (marked_ && (role == Qt::DecorationRole || role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole))
@@ -85,7 +90,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
   const auto fields = Split(row, '\t');
   const auto column = static_cast<std::size_t>(index.column());
   if (column >= fields.size()) return {};
-  return QString::fromUtf8(fields[column].data(), static_cast<qsizetype>(fields[column].size()));
+  QString text = QString::fromUtf8(fields[column].data(), static_cast<qsizetype>(fields[column].size()));
+  if (column > 0 || !note_of) return text;
+  const std::string note = note_of(std::string(fields[0]));
+  return note.empty() ? text : text + "   (" + QString::fromStdString(note) + ")";
 }
 
 QVariant ListModel::MarkData(std::int64_t row, int role) const {

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <string>
 
 #include <QAbstractTableModel>
 #include <QIcon>
@@ -37,6 +39,9 @@ class ListModel : public QAbstractTableModel {
   void TakeRow(std::size_t row);
   /// The list was enabled or disabled.
   void TakeEnabled();
+
+  /// What to show behind the first column of a row, by its text; empty: no list has such notes.
+  std::function<std::string(const std::string& text)> note_of;
 
  private:
   [[nodiscard]] QVariant MarkData(std::int64_t row, int role) const;
