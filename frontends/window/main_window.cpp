@@ -1,10 +1,13 @@
 #include "window/main_window.h"
 
 #include <tuple>
+#include <utility>
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QScreen>
 #include <QScrollArea>
@@ -13,16 +16,17 @@
 
 #include "ui_main_window.h"
 #include "window/access_keys.h"
+#include "window/colours.h"
 #include "window/key_codes.h"
+#include "window/list_filter.h"
 
 namespace corvane::window {
 namespace {
 
 constexpr double kShareOfScreen = 0.9;
 constexpr const char* kIconResource = ":/corvane.png";
-constexpr QColor kListColour(255, 251, 240);
-constexpr QColor kListText(32, 30, 26);
-constexpr QColor kDisabledListText(128, 122, 110);
+constexpr int kFewestRows = 3;        ///< of the list of units
+constexpr int kUnitFilterText = 816;  ///< and its tool tip the next
 
 /// Hands a key to a control: the key that went down, then the character that it types. True when it is discarded.
 template <class Target>
@@ -35,7 +39,12 @@ bool HandKey(Target& target, const QKeyEvent& event) {
 }  // namespace
 
 MainWindow::MainWindow(Application& app, EventLoop& loop)
-    : app_(app), loop_(loop), ui_(std::make_unique<Ui::MainWindow>()), captions_(app.form(), *this) {
+    : app_(app),
+      loop_(loop),
+      ui_(std::make_unique<Ui::MainWindow>()),
+      captions_(app.form(), *this),
+      file_units_(app.names(), app.registry(), app.form().Lbl_Path) {
+  ReadValuesWithTheirCaptions();
   ui_->setupUi(this);
   ui_->splitter->setStretchFactor(0, 0);
   ui_->splitter->setStretchFactor(1, 1);
@@ -43,13 +52,17 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   setWindowIcon(QIcon(kIconResource));
   AddPages();
   ApplyListColours();
-  NameForScreenReaders();
   const auto areas = findChildren<QScrollArea*>();
   for (QScrollArea* area : areas) area->setFocusPolicy(Qt::NoFocus);
   ui_->Cmd_Cancel->installEventFilter(this);
   AddPortDialog();
   NameNewRecords();
+  AddUnitFilter();
+  announcer_ = new Announcer(app_.form(), ui_->bottomPane);
+  AddTray();
+  network_->on_status = [this](const NetworkStatus& status) { TakeStatus(status); };
   binder_ = std::make_unique<Binder>(app_.form(), Context());
+  binder_->on_change = [this](const Control& control, Aspect aspect) { TakeChange(control, aspect); };
   app_.form().SetView(binder_.get());
 }
 
@@ -64,6 +77,7 @@ BindingContext MainWindow::Context() {
       .port_text = [this](int number) { return app_.ports().Look(number).text; },
       .problem_of = [this](const Control& field) { return app_.checks().ProblemOf(field); },
       .show_hint = [this](const std::string& problem) { ui_->hintLabel->setText(QString::fromStdString(problem)); },
+      .note_of = [this](const Control& list, const std::string& row) { return NoteOf(list, row); },
   };
 }
 
@@ -73,23 +87,13 @@ void MainWindow::ApplyListColours() {
     if (!widget->property("cream").toBool()) continue;
     QPalette colours = widget->palette();
     for (const auto role : {QPalette::Base, QPalette::AlternateBase, QPalette::Button}) {
-      colours.setColor(role, kListColour);
+      colours.setColor(role, kCream);
     }
     for (const auto role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText}) {
-      colours.setColor(role, kListText);
-      colours.setColor(QPalette::Disabled, role, kDisabledListText);
+      colours.setColor(role, kTextOnCream);
+      colours.setColor(QPalette::Disabled, role, kDisabledOnCream);
     }
     widget->setPalette(colours);
-  }
-}
-
-void MainWindow::NameForScreenReaders() {
-  const auto widgets = findChildren<QWidget*>();
-  for (QWidget* widget : widgets) {
-    const auto* button = qobject_cast<QAbstractButton*>(widget);
-    const bool nameless = button != nullptr ? button->text() == "..."
-                                            : widget->inherits("QAbstractItemView") || widget->inherits("QProgressBar");
-    if (nameless || widget->objectName().startsWith("Cmd_Process")) widget->setAccessibleName(widget->toolTip());
   }
 }
 
@@ -103,12 +107,61 @@ void MainWindow::AddPages() {
     plot_->ShowUnit(position);
   };
   network_->FollowCommand(*ui_->Cmd_DownloadAll_1);
+  history_views_ = new HistoryViews(app_, loop_, *network_->findChild<QTabWidget*>("networkViews"));
+  history_views_->setParent(this);
+  history_views_->show_plot = network_->show_plot;
   AddTabShortcuts();
   Captions::NumberPages(*ui_->tabs);
   // Intended: the pages keep their numbers for language files and keys; these two only stand first.
   ui_->tabs->tabBar()->moveTab(ui_->tabs->indexOf(network_), 0);
   ui_->tabs->tabBar()->moveTab(ui_->tabs->indexOf(plot_), 1);
   ui_->tabs->setCurrentWidget(network_);
+}
+
+void MainWindow::AddUnitFilter() {
+  auto* filter = new ListFilter(*ui_->Lst_Units);
+  // The window has to fit a small screen at twice its size, the field above included.
+  ui_->Lst_Units->setMinimumHeight(kFewestRows * fontMetrics().lineSpacing());
+  auto* row = new QHBoxLayout;
+  auto* label = new QLabel("Find:");
+  label->setObjectName("unitFilterLabel");
+  label->setProperty("textId", kUnitFilterText);
+  label->setBuddy(filter);
+  row->addWidget(label);
+  row->addWidget(filter);
+  static_cast<QVBoxLayout*>(ui_->group_3->layout())->insertLayout(0, row);
+  filter->setObjectName("unitFilter");
+  filter->setToolTip("Shows the units whose name holds this text, and the selected one");
+  filter->setProperty("textId", kUnitFilterText + 1);
+}
+
+void MainWindow::AddTray() {
+  tray_ = new Tray(windowIcon(), "Corvane", this);
+  tray_->on_click = [this] {
+    if (isMinimized()) showNormal();
+    show();
+    raise();
+    activateWindow();
+  };
+}
+
+void MainWindow::TakeStatus(const NetworkStatus& status) {
+  tray_->Take(status);
+  const std::int64_t before = std::exchange(last_round_, status.last.ended.IsNone() ? last_round_ : status.last.key);
+  if (before >= 0 && before != last_round_) announcer_->Say(QString::fromStdString(status.last_round));
+}
+
+std::string MainWindow::NoteOf(const Control& list, const std::string& row) {
+  return &list == &app_.form().Lst_LocalFiles ? file_units_.NameOf(row) : "";
+}
+
+void MainWindow::TakeChange(const Control& control, Aspect aspect) {
+  const Form& form = app_.form();
+  const bool rows = aspect == Aspect::Rows || aspect == Aspect::Row;
+  if (rows && (&control == &form.Lst_Units || &control == &form.Lst_LocalFiles)) file_units_.Forget();
+  if (&control == &form.Cmd_Close && aspect == Aspect::Enabled) history_views_->SetIdle(control.enabled());
+  if (&control == &form.Chk_TrayIcon) tray_->SetOn(form.Chk_TrayIcon.ticked());
+  announcer_->Hear(control, aspect);
 }
 
 void MainWindow::AddTabShortcuts() {
@@ -164,6 +217,7 @@ void MainWindow::showEvent(QShowEvent* event) {
   // The devices behind the numbers were read behind the numbers themselves.
   ShowPorts();
   SpreadAccessKeys(*ui_->menuBar, *ui_->tabs, *this);
+  NameControls(*this);
   QMainWindow::showEvent(event);
 }
 

@@ -1,16 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include <QMainWindow>
 
 #include "app/application.h"
+#include "state/file_units.h"
+#include "window/accessible_names.h"
 #include "window/binder.h"
 #include "window/captions.h"
+#include "window/network/history_views.h"
 #include "window/network/network_page.h"
 #include "window/plot/plot_page.h"
 #include "window/port_dialog.h"
+#include "window/tray.h"
 
 namespace Ui {
 class MainWindow;
@@ -41,7 +47,14 @@ class MainWindow : public QMainWindow {
  private:
   [[nodiscard]] BindingContext Context();
   void ApplyListColours();
-  void NameForScreenReaders();
+  void AddUnitFilter();
+  void AddTray();
+  /// How the network stands was read.
+  void TakeStatus(const NetworkStatus& status);
+  /// What stands beside a row of a list.
+  [[nodiscard]] std::string NoteOf(const Control& list, const std::string& row);
+  /// A control has changed and is about to be shown.
+  void TakeChange(const Control& control, Aspect aspect);
   void AddPages();
   void AddTabShortcuts();
   void AddPortDialog();
@@ -54,6 +67,11 @@ class MainWindow : public QMainWindow {
   EventLoop& loop_;
   std::unique_ptr<Ui::MainWindow> ui_;
   Captions captions_;
+  FileUnits file_units_;
+  Announcer* announcer_ = nullptr;
+  HistoryViews* history_views_ = nullptr;
+  Tray* tray_ = nullptr;
+  std::int64_t last_round_ = -1;  ///< key of the last one that has ended; -1 until that is known
   std::unique_ptr<Binder> binder_;
   NetworkPage* network_ = nullptr;
   PlotPage* plot_ = nullptr;

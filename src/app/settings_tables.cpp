@@ -101,6 +101,7 @@ std::vector<Setting> OtherSettings(Form& av_Form, const AppInfo& av_App) {
       NumberOf("HistoryYears", av_Form.Txt_HistoryYears, kHistoryYearsRule),
       {"PageFolder", &av_Form.Txt_PageFolder, "", Setting::Meaning::Path},
       {"PageSend", &av_Form.Chk_PageSend, "0"},
+      {"TrayIcon", &av_Form.Chk_TrayIcon, "0"},
       {"LogSize", &av_Form.LogSize, "0", Setting::Meaning::Number},
   };
 }

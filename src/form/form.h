@@ -125,6 +125,7 @@ struct Form : ControlRegistry {
   TextField Txt_HistoryYears{*this, "Txt_HistoryYears"};
   TextField Txt_PageFolder{*this, "Txt_PageFolder"};
   CheckBox Chk_PageSend{*this, "Chk_PageSend"};
+  CheckBox Chk_TrayIcon{*this, "Chk_TrayIcon"};
 
   // Data files and conversion
   TextField Txt_Folder{*this, "Txt_Folder"};
