@@ -157,6 +157,7 @@ class RawReading {
     std::size_t column;
     std::size_t item;  ///< of the sensor the first of its three
     Quantity quantity;
+    Tables tables;  ///< its own, whose searches begin near its last value
   };
 
   void LoadTables() {
@@ -206,7 +207,7 @@ class RawReading {
       const std::size_t item = ItemOf(channel);
       wanted.push_back(item > 0);
       if (item == 0) continue;
-      parts_.push_back({column, item, channel.quantity});
+      parts_.push_back({column, item, channel.quantity, tables_});
       last_item_ = std::max(last_item_, item + (IsOfSensor(channel.quantity) ? 2 : 0));
     }
     values_.assign(last_item_ + 1, 0);
@@ -228,17 +229,25 @@ class RawReading {
     const char* at = nullptr;
     const std::optional<DateTime> when = dates_.Read(as_Line.data(), end, at);
     if (!when) return;
-    const auto items = [&] { return static_cast<std::size_t>(std::count(at, end, ',')) + 2; };
     if (layout_.expected == 0) {
-      if (items() < kFewestItems) return;
-      layout_.fixed = layout_.expected = items();
+      const auto items = static_cast<std::size_t>(std::count(at, end, ',')) + 2;
+      if (items < kFewestItems) return;
+      layout_.fixed = layout_.expected = items;
       Prepare();
     }
-    if (items() != layout_.expected || !collector_.Take(*when)) return;
-    for (std::size_t item = 1; item <= last_item_; ++item, ++at) values_[item] = TakeNumber(at, end, ',');
-    for (const Part& part : parts_) collector_.Put(part.column, ValueOf(part));
+    if (TakeItems(at, end) != layout_.expected || !collector_.Take(*when)) return;
+    for (Part& part : parts_) collector_.Put(part.column, ValueOf(part));
   }
-  [[nodiscard]] double ValueOf(const Part& av_Part) {
+  /// Takes the numbers of the items that are needed; returns how many the line has, the date included.
+  [[nodiscard]] std::size_t TakeItems(const char* as_At, const char* as_End) {
+    for (std::size_t item = 1; item <= last_item_; ++item) {
+      values_[item] = TakeNumber(as_At, as_End, ',');
+      if (as_At == as_End) return item + 1;
+      ++as_At;
+    }
+    return last_item_ + 2 + static_cast<std::size_t>(std::count(as_At, as_End, ','));
+  }
+  [[nodiscard]] double ValueOf(Part& av_Part) const {
     const double* const item = &values_[av_Part.item];
     switch (av_Part.quantity) {
       case Quantity::Battery:
@@ -250,9 +259,9 @@ class RawReading {
       case Quantity::Temperature:
         return TemperatureOf(item[2], request_.factors.kelvin);
       case Quantity::Moisture:
-        return ValuesOfSensor(item, request_.factors, tables_).moisture;
+        return ValuesOfSensor(item, request_.factors, av_Part.tables).moisture;
       case Quantity::Salinity:
-        return ValuesOfSensor(item, request_.factors, tables_).salinity;
+        return ValuesOfSensor(item, request_.factors, av_Part.tables).salinity;
     }
     return 0;
   }
