@@ -7,6 +7,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QAction>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
@@ -19,6 +20,7 @@ namespace corvane::window {
 namespace {
 
 constexpr const char* kPageNumber = "pageNumber";
+constexpr const char* kCaptionedEntries = "captionedEntries";
 constexpr const char* kTitleLine = "Corvane captions: ID~original~text~tool tip";
 
 /// A text as it can stand in one field of one line.
@@ -42,6 +44,10 @@ int PlaceOf(const QTabWidget& tabs, int number) {
 
 void Captions::NumberPages(QTabWidget& tabs) {
   for (int tab = 0; tab < tabs.count(); ++tab) tabs.widget(tab)->setProperty(kPageNumber, tab);
+}
+
+void Captions::CaptionEntries(QComboBox& selector) {
+  selector.setProperty(kCaptionedEntries, true);
 }
 
 std::int64_t Captions::CaptionCount() const {
@@ -83,6 +89,11 @@ void Captions::AddWidget(QWidget& widget) const {
     item.tabs = tabs->count();
     item.caption = [tabs](int tab) { return tabs->tabText(PlaceOf(*tabs, tab)); };
     item.set_caption = [tabs](int tab, const QString& text) { tabs->setTabText(PlaceOf(*tabs, tab), text); };
+  } else if (auto* selector = qobject_cast<QComboBox*>(&widget);
+             selector != nullptr && selector->property(kCaptionedEntries).toBool()) {
+    item.tabs = selector->count();
+    item.caption = [selector](int entry) { return selector->itemText(entry); };
+    item.set_caption = [selector](int entry, const QString& text) { selector->setItemText(entry, text); };
   } else if (auto* table = qobject_cast<QTreeView*>(&widget)) {
     item.tabs = table->model()->columnCount();
     item.caption = [table](int tab) { return table->model()->headerData(tab, Qt::Horizontal).toString(); };

@@ -11,6 +11,7 @@
 #include "lang/captioned_window.h"
 
 class QAction;
+class QComboBox;
 class QMenu;
 class QTabWidget;
 class QWidget;
@@ -32,6 +33,9 @@ class Captions : public CaptionedWindow {
   [[nodiscard]] Caption CaptionAt(std::int64_t position) const override;
   void SetCaption(std::int64_t position, int tab, const std::string& text) override;
   void SetToolTip(std::int64_t position, const std::string& text) override;
+
+  /// Lets the entries of a selector be captions too, of as many IDs from its own upward.
+  static void CaptionEntries(QComboBox& selector);
 
   /// The language file that holds the captions as they are now, one line for each ID in ascending order, fields
   /// separated by "~".

@@ -99,7 +99,7 @@ void MainWindow::ApplyListColours() {
 
 void MainWindow::AddPages() {
   network_ = new NetworkPage(app_, loop_);
-  plot_ = new PlotPage(app_, loop_);
+  plot_ = new PlotPage(app_);
   ui_->tabs->addTab(network_, "Network");
   ui_->tabs->addTab(plot_, "Plot");
   network_->show_plot = [this](std::int64_t position) {

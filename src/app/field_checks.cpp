@@ -11,6 +11,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "data/logging_schedule.h"
+#include "data/sensor_names.h"
 #include "history/network_settings.h"
 #include "link/exchange.h"
 #include "link/schedule.h"
@@ -67,6 +68,7 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
       {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
       {&form_.Txt_Correction[1], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
+      {&form_.Txt_Depths, &Checks::Depths, 0, 0, &form_.Lst_Units},
       {&form_.Txt_Folder, &Checks::DataFolder},
       {&form_.Txt_Settings, &Checks::SerialSettings},
       {&form_.Txt_Prefix, &Checks::PartOfName},
@@ -99,6 +101,15 @@ std::string FieldChecks::TimeOfDay(const Row& av_Row) const {
 
 std::string FieldChecks::TimeIfAny(const Row& av_Row) const {
   return Trim(av_Row.text()).empty() ? std::string() : TimeOfDay(av_Row);
+}
+
+std::string FieldChecks::Depths(const Row& av_Row) const {
+  for (const std::string_view depth : Split(av_Row.text(), ';')) {
+    if (!Trim(depth).empty() && !DepthOf(depth)) {
+      return "These are no depths; write them in centimetres from the first sensor on, such as 10;20;40.";
+    }
+  }
+  return {};
 }
 
 std::string FieldChecks::LoggingInterval(const Row& av_Row) const {

@@ -33,6 +33,7 @@ class FieldChecks {
 
   [[nodiscard]] std::string TimeOfDay(const Row& av_Row) const;
   [[nodiscard]] std::string TimeIfAny(const Row& av_Row) const;
+  [[nodiscard]] std::string Depths(const Row& av_Row) const;
   [[nodiscard]] std::string LoggingInterval(const Row& av_Row) const;
   [[nodiscard]] std::string DownloadInterval(const Row& av_Row) const;
   [[nodiscard]] std::string LogPeriod(const Row& av_Row) const;

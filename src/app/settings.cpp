@@ -259,7 +259,9 @@ void Settings::SaveRecords(const RecordSection<Record>& av_Section, const Record
     const Record& record = av_Records[index];
     for (const RecordField<Record>& field : av_Section.fields) {
       const std::string value = std::visit([&](auto member) { return TextOf(record.*member); }, field.member);
-      p_.store.SaveSetting(av_Section.name, KeyOf(field, index), value);
+      const std::string key = KeyOf(field, index);
+      if (field.if_any && value.empty() && !p_.store.Has(av_Section.name, key)) continue;
+      p_.store.SaveSetting(av_Section.name, key, value);
     }
   }
 }

@@ -43,6 +43,9 @@ class SettingsStore {
                                        std::string_view as_Default) const;
   /// `GetSetting` of the section "General".
   [[nodiscard]] std::string GetGeneral(std::string_view as_Key, std::string_view as_Default) const;
+  [[nodiscard]] bool Has(std::string_view as_Section, std::string_view as_Key) const {
+    return profile_.Has(as_Section, as_Key);
+  }
   /// Changes a value in memory; an empty one becomes "null".
   void SaveSetting(std::string_view as_Section, std::string_view as_Key, std::string_view as_Value);
   /// Keys of a section in file order.

@@ -122,6 +122,7 @@ const RecordSection<Unit>& UnitSection() {
           {"GetFrom", &Unit::GetFrom, Zero},
           {"MoistureCorrection", &Unit::MoistureCorrection, Zero},
           {"SalinityCorrection", &Unit::SalinityCorrection, Zero},
+          {"Depths", &Unit::Depths, Nothing, true},
       }};
   return section;
 }

@@ -31,6 +31,7 @@ struct RecordField {
   std::string_view key;
   std::variant<std::string Record::*, std::int32_t Record::*, std::int16_t Record::*, float Record::*> member;
   std::string (*fallback)(std::int32_t index);
+  bool if_any = false;  ///< written only where it holds something, or its key is there
 };
 
 /// One section of records.

@@ -65,6 +65,7 @@ struct Form : ControlRegistry {
   Selector Cmb_GetFrom{*this, "Cmb_GetFrom"};
   Selector Cmb_SendTo{*this, "Cmb_SendTo"};
   ControlArray<TextField, 0, 1> Txt_Correction{*this, "Txt_Correction"};
+  TextField Txt_Depths{*this, "Txt_Depths"};
   ControlArray<Button, 0, 3> Cmd_Units{*this, "Cmd_Units"};
   List Lst_Relays{*this, "Lst_Relays"};
   TextField Txt_RelayName{*this, "Txt_RelayName"};

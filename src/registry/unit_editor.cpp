@@ -39,6 +39,7 @@ void UnitEditor::ShowFields(std::int64_t al_Index) {
   p_.form.Cmb_SendTo.SelectByItemData(unit.ftpFile);
   p_.form.Txt_Correction[0].SetText(ShortestText(unit.MoistureCorrection));
   p_.form.Txt_Correction[1].SetText(ShortestText(unit.SalinityCorrection));
+  p_.form.Txt_Depths.SetText(unit.Depths);
 }
 
 void UnitEditor::StoreFields(std::int64_t al_Index) {
@@ -53,6 +54,7 @@ void UnitEditor::StoreFields(std::int64_t al_Index) {
   unit.ftpFile = p_.form.Cmb_SendTo.SelectedItemData();
   unit.MoistureCorrection = SinglePrecision(p_.form.Txt_Correction[0].text());
   unit.SalinityCorrection = SinglePrecision(p_.form.Txt_Correction[1].text());
+  unit.Depths = p_.form.Txt_Depths.text();
 }
 
 void UnitEditor::ClearFields() {
@@ -62,6 +64,7 @@ void UnitEditor::ClearFields() {
     selector->SetCurrent(-1);
   }
   for (TextField& correction : p_.form.Txt_Correction) correction.SetText("");
+  p_.form.Txt_Depths.SetText("");
 }
 
 void UnitEditor::AppendNew() {

@@ -51,15 +51,30 @@ void CommandStates::SetIdle(bool ab_Enabled) {
 // A round goes through the units in the editor, and its files are named and treated by these fields: what is typed
 // meanwhile would go to whichever unit stands there.
 void CommandStates::EnableEditors(bool ab_Enabled) {
-  for (Control* field : std::initializer_list<Control*>{
-           &form_.Txt_UnitName,    &form_.Txt_UnitID,           &form_.Chk_UnitActive,
-           &form_.Cmb_Relay,       &form_.Cmb_Client,           &form_.Cmb_GetFrom,
-           &form_.Cmb_SendTo,      &form_.Txt_Correction[0],    &form_.Txt_Correction[1],
-           &form_.Txt_RelayName,   &form_.Txt_RelayID,          &form_.Opt_Password,
-           &form_.Txt_ClientName,  &form_.Txt_ClientFolder,     &form_.Txt_Folder,
-           &form_.Txt_Prefix,      &form_.Txt_RawFileExtension, &form_.Txt_CalibratedFileExtension,
-           &form_.Opt_WebFileType, &form_.Chk_ZIPFiles,         &form_.Chk_GoOn,
-           &form_.Chk_RepairGaps,  &form_.Txt_RepairLimit}) {
+  for (Control* field : std::initializer_list<Control*>{&form_.Txt_UnitName,
+                                                        &form_.Txt_UnitID,
+                                                        &form_.Chk_UnitActive,
+                                                        &form_.Cmb_Relay,
+                                                        &form_.Cmb_Client,
+                                                        &form_.Cmb_GetFrom,
+                                                        &form_.Cmb_SendTo,
+                                                        &form_.Txt_Correction[0],
+                                                        &form_.Txt_Correction[1],
+                                                        &form_.Txt_Depths,
+                                                        &form_.Txt_RelayName,
+                                                        &form_.Txt_RelayID,
+                                                        &form_.Opt_Password,
+                                                        &form_.Txt_ClientName,
+                                                        &form_.Txt_ClientFolder,
+                                                        &form_.Txt_Folder,
+                                                        &form_.Txt_Prefix,
+                                                        &form_.Txt_RawFileExtension,
+                                                        &form_.Txt_CalibratedFileExtension,
+                                                        &form_.Opt_WebFileType,
+                                                        &form_.Chk_ZIPFiles,
+                                                        &form_.Chk_GoOn,
+                                                        &form_.Chk_RepairGaps,
+                                                        &form_.Txt_RepairLimit}) {
     field->SetEnabled(ab_Enabled);
   }
 }

@@ -26,6 +26,7 @@ struct Unit {
   std::int32_t GetFrom = 0;  ///< see `corvane::GetFrom`
   float MoistureCorrection = 0;
   float SalinityCorrection = 0;
+  std::string Depths;  ///< of its sensors in centimetres, from the first on, with ";" between them
 
   // Working state of a session, never saved.
   std::int16_t Tries = 0;

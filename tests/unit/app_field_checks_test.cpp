@@ -64,6 +64,7 @@ TEST_F(FieldChecksTest, NumbersAndTimes) {
       {form.Txt_UnitID, {"-2147483648", "2147483647"}, {"", "2147483648", "1.5"}, "from -2147483648 to 2147483647."},
       {form.Txt_UnitID, {"1"}, {"2"}, "has the same ID and folder"},
       {form.Txt_RelayID, {"0"}, {"x"}, "whole number"},
+      {form.Txt_Depths, {"", "10;20;40", " 10 ;; 2.5"}, {"10,20", "10 cm", "-5"}, "such as 10;20;40."},
       {form.Txt_Correction[1], {"0", "1.25", "50"}, {"", "2,5", "-1", "50.1", "nan", huge}, "from 0 to 50."},
       {form.Txt_Settings, {"9600,N,8,1", "110,e,7,2"}, {"", "9600", "9600,X,8,1", "9600,N,8,1,"}, "9600,N,8,1."},
       {form.Txt_FTPServer, {"", "ftp.example.org:2121", "[::1]:21"}, {"a:0", "a:b", "ftp://a"}, "2121."},

@@ -51,7 +51,8 @@ class Storm : public WindowWorld {
         {&f.Txt_Folder, "data"},     {&f.Txt_Prefix, ""},         {&f.Txt_RawFileExtension, "epd"},
         {&f.Txt_Timeout[0], "45"},   {&f.Txt_Timeout[1], "10"},   {&f.Txt_Timeout[2], "1"},
         {&f.Txt_MaxRetries, "3"},    {&f.Txt_MaxOveruns, "10"},   {&f.Txt_CalibratedFileExtension, "txt"},
-        {&f.Txt_Settings, "9600,N"}, {&f.Txt_Correction[0], "0"}, {&f.Txt_Correction[1], "0"}};
+        {&f.Txt_Settings, "9600,N"}, {&f.Txt_Correction[0], "0"}, {&f.Txt_Correction[1], "0"},
+        {&f.Txt_Depths, "10;20"}};
     for (const auto& [field, text] : rows) field->SetText(text);
     f.Chk_Automatic.SetTicked(false);
     Click("Cmd_Units_0");

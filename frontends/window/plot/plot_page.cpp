@@ -1,15 +1,198 @@
 #include "window/plot/plot_page.h"
 
-namespace corvane::window {
+#include <utility>
 
-PlotPage::PlotPage(Application& app, EventLoop& loop) : app_(app), loop_(loop) {
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "data/sensor_names.h"
+#include "window/elided_label.h"
+#include "window/plot/plot_export.h"
+
+namespace corvane::window {
+namespace {
+
+constexpr int kLookAgainMilliseconds = 5000;
+constexpr double kSameSpan = 60;  // seconds, which is what the fields from and to show
+constexpr const char* kFilters = "Picture (*.png);;Drawing (*.svg);;Document (*.pdf);;Table of the readings (*.csv)";
+
+}  // namespace
+
+PlotPage::PlotPage(Application& app)
+    : app_(app), view_(new PlotView), cursor_text_(new ElidedLabel), problem_(new QLabel) {
   setObjectName("tabPlot");
+  view_->setObjectName("plotView");
+  cursor_text_->setObjectName("plotCursor");
+  problem_->setObjectName("plotProblem");
+  problem_->setWordWrap(true);
+  problem_->setTextFormat(Qt::PlainText);
+  cursor_text_->setTextFormat(Qt::PlainText);
+  auto* below = new QWidget;
+  auto* texts = new QVBoxLayout(below);
+  texts->setContentsMargins(0, 0, 0, 0);
+  texts->addWidget(cursor_text_);
+  texts->addWidget(problem_);
+  controls_ = new PlotControls(*this, *view_, *below);
+  work_ = new BackgroundWork(this);
+  saving_ = new BackgroundWork(this);
+  look_again_.setInterval(kLookAgainMilliseconds);
+  Connect();
+  controls_->EnableBack(false);
+  controls_->EnableSave(false);
+}
+
+void PlotPage::Connect() {
+  controls_->units_changed = [this] { Load(true); };
+  controls_->lines_changed = [this] { Load(true); };
+  controls_->span_chosen = [this] { ShowSpan(); };
+  controls_->back = [this] { view_->Back(); };
+  controls_->save = [this] { AskWhereToSave(); };
+  controls_->copy = [this] { Copy(); };
+  view_->span_changed = [this] { SpanChanged(); };
+  view_->cursor_changed = [this] { CursorMoved(); };
+  connect(&look_again_, &QTimer::timeout, this, [this] { LookForMore(); });
+  look_again_.start();
+}
+
+void PlotPage::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  std::vector<std::string> names;
+  for (const Unit& unit : app_.registry().Units) names.push_back(unit.Name);
+  controls_->SetUnits(names);
+  if (shown_ || names.empty()) return;
+  shown_ = true;
+  ShowUnit(std::max<std::int64_t>(app_.form().Lst_Units.current() + 1, 1));
 }
 
 void PlotPage::ShowUnit(std::int64_t position) {
-  static_cast<void>(position);
-  static_cast<void>(loop_);
-  static_cast<void>(app_);
+  shown_ = true;
+  std::vector<std::string> names;
+  for (const Unit& unit : app_.registry().Units) names.push_back(unit.Name);
+  controls_->SetUnits(names);
+  controls_->TickOnly(position);
+  Load(false);
+}
+
+PlotWish PlotPage::Wish() const {
+  PlotWish wish;
+  for (const std::int32_t position : controls_->TickedUnits()) {
+    if (!app_.registry().Units.Has(position)) continue;
+    const Unit& unit = app_.registry().Units[position];
+    wish.units.push_back({unit.Name, unit.Depths, RequestOf(app_.form(), app_.registry(), app_.names(), position)});
+  }
+  wish.left = controls_->Left();
+  wish.right = controls_->Right();
+  wish.hidden_sensors = controls_->HiddenSensors();
+  wish.item = controls_->Item();
+  return wish;
+}
+
+void PlotPage::Load(bool keeps_span) {
+  work_->CancelAll();
+  view_->SetMessage("Reading ...");
+  work_->Add([this, wish = Wish(), keeps_span](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
+    std::string files = StateOfFiles(wish);
+    auto reading = std::make_shared<PlotReading>(ReadPlot(wish, cancelled));
+    return [this, reading, keeps_span, files = std::move(files)] {
+      shown_files_ = files;
+      Take(reading, keeps_span);
+    };
+  });
+}
+
+void PlotPage::LookForMore() {
+  if (!isVisible() || Busy() || !shown_) return;
+  work_->Add([this, wish = Wish(),
+              former = shown_files_](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
+    std::string files = StateOfFiles(wish);
+    if (files == former) return {};
+    auto reading = std::make_shared<PlotReading>(ReadPlot(wish, cancelled));
+    return [this, reading, files = std::move(files)] {
+      shown_files_ = files;
+      Take(reading, true);
+    };
+  });
+}
+
+void PlotPage::Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span) {
+  controls_->Offer(reading->sensors, reading->items, reading->depths);
+  const bool empty = reading->contents.lines.empty();
+  problem_->setText(reading->contents.problem);
+  problem_->setVisible(!reading->contents.problem.isEmpty());
+  // What reached to the last reading goes on doing so.
+  const TimeSpan former_whole = view_->contents().Whole();
+  const bool showed_all = view_->span().to >= former_whole.to && view_->span().from <= former_whole.from;
+  view_->SetMessage(reading->units == 0 ? "Tick a unit to see its readings." : empty ? "No readings to show." : "");
+  view_->Show(std::shared_ptr<const PlotContents>(reading, &reading->contents), keeps_span && !showed_all);
+  controls_->EnableSave(!empty);
+  CursorMoved();
+}
+
+void PlotPage::ShowSpan() {
+  setting_span_ = true;
+  view_->Zoom(controls_->ChosenSpan(view_->contents().Whole()));
+  setting_span_ = false;
+  controls_->ShowSpan(view_->span(), false);
+}
+
+void PlotPage::SpanChanged() {
+  controls_->EnableBack(view_->CanGoBack());
+  if (setting_span_) return;
+  const TimeSpan chosen = controls_->ChosenSpan(view_->contents().Whole());
+  const TimeSpan& shown = view_->span();
+  const bool same = std::abs(chosen.from - shown.from) < kSameSpan && std::abs(chosen.to - shown.to) < kSameSpan;
+  controls_->ShowSpan(shown, !same);
+}
+
+void PlotPage::CursorMoved() {
+  const QString text = view_->CursorText();
+  cursor_text_->setText(text);
+  // Moved by keys it is read out; a mouse that passes over the plot is not.
+  if (view_->hasFocus()) view_->setAccessibleDescription(text);
+}
+
+PlotLayout PlotPage::Layout() const {
+  return {view_->span(), QSizeF(view_->size()), view_->font()};
+}
+
+void PlotPage::AskWhereToSave() {
+  auto* dialog = new QFileDialog(this, "Save the plot as", QString::fromStdString(app_.names().DataFolder()));
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setNameFilters(QString(kFilters).split(";;"));
+  dialog->setDefaultSuffix("png");
+  connect(dialog, &QFileDialog::filterSelected, dialog,
+          [dialog](const QString& filter) { dialog->setDefaultSuffix(filter.section("*.", 1).chopped(1)); });
+  connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) { SaveTo(file); });
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  // Not modal: a round behind it and its boxes go on.
+  dialog->setModal(false);
+  dialog->show();
+}
+
+void PlotPage::SaveTo(const QString& file) {
+  const std::string name = file.toStdString();
+  // The lines stay for as long as the work needs them.
+  auto contents = std::make_shared<const PlotContents>(view_->contents());
+  const bool table = file.endsWith(".csv", Qt::CaseInsensitive);
+  saving_->Add([this, name, contents, table,
+                layout = Layout()](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
+    const Status saved =
+        table ? SaveTable(name, *contents, layout.span, cancelled) : SavePicture(name, *contents, layout);
+    const QString text = QString::fromStdString(saved.ok() ? "Saved: " + name : "Not saved: " + saved.text());
+    return [this, text] { Say(text); };
+  });
+}
+
+void PlotPage::Copy() {
+  QApplication::clipboard()->setImage(PictureOf(view_->contents(), Layout()));
+  Say("The picture is in the clipboard.");
+}
+
+void PlotPage::Say(const QString& text) {
+  cursor_text_->setText(text);
 }
 
 }  // namespace corvane::window

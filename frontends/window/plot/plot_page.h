@@ -1,25 +1,69 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
 
+#include <QTimer>
 #include <QWidget>
 
 #include "app/application.h"
+#include "window/plot/background_work.h"
+#include "window/plot/plot_controls.h"
+#include "window/plot/plot_export.h"
+#include "window/plot/plot_reading.h"
+#include "window/plot/plot_view.h"
+
+class QLabel;
 
 namespace corvane::window {
 
-/// The page "Plot": the readings of units over time.
+/// The page "Plot": the readings of units over time. Everything stays usable while a round runs; files are read on a
+/// thread beside the window's.
 class PlotPage : public QWidget {
  public:
-  /// Both must outlive the page.
-  PlotPage(Application& app, EventLoop& loop);
+  /// `app` must outlive the page.
+  explicit PlotPage(Application& app);
 
   /// Shows the unit at that position (from 1) of the list of units.
   void ShowUnit(std::int64_t position);
+  /// Saves what is shown as the ending of the name says: .png, .svg, .pdf or .csv. Says in the page how it went.
+  void SaveTo(const QString& file);
+  [[nodiscard]] PlotView& view() { return *view_; }
+  /// True while files are read or written.
+  [[nodiscard]] bool Busy() const { return !work_->idle() || !saving_->idle(); }
+
+ protected:
+  void showEvent(QShowEvent* event) override;
 
  private:
+  void Connect();
+  [[nodiscard]] PlotWish Wish() const;
+  /// Reads what is chosen, if it or its files are other than what is shown.
+  void Load(bool keeps_span);
+  void Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span);
+  void LookForMore();
+  void ShowSpan();
+  void SpanChanged();
+  void CursorMoved();
+  void AskWhereToSave();
+  void Copy();
+  [[nodiscard]] PlotLayout Layout() const;
+  void Say(const QString& text);
+
   Application& app_;
-  EventLoop& loop_;
+  PlotControls* controls_;
+  PlotView* view_;
+  QLabel* cursor_text_;
+  QLabel* problem_;
+  BackgroundWork* work_;    ///< reads
+  BackgroundWork* saving_;  ///< writes, and is not cancelled by another choice
+  QTimer look_again_;
+  std::string shown_files_;  ///< the state of the files behind what is shown
+  bool shown_ = false;       ///< has been shown once
+  bool setting_span_ = false;
 };
 
 }  // namespace corvane::window

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QWidget>
+
+#include "data/reading_series.h"
+#include "window/plot/plot_line.h"
+
+class QComboBox;
+class QDateTimeEdit;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QSpinBox;
+
+namespace corvane::window {
+
+/// What of a plot can be chosen: units, sensors, quantities, span; and the buttons.
+class PlotControls {
+ public:
+  /// Builds the controls in `page`; `view` goes beside them.
+  PlotControls(QWidget& page, QWidget& view, QWidget& below);
+
+  /// Gives the list of units these names; what was ticked stays so by position.
+  void SetUnits(const std::vector<std::string>& names);
+  /// Ticks this unit alone, by its position from 1.
+  void TickOnly(std::int64_t position);
+  [[nodiscard]] std::vector<std::int32_t> TickedUnits() const;
+  /// Offers so many sensors, and so many raw items.
+  void Offer(std::int32_t sensors, std::int32_t items, const std::string& depths);
+  [[nodiscard]] std::vector<std::int32_t> HiddenSensors() const;
+  [[nodiscard]] Quantity Left() const;
+  [[nodiscard]] std::optional<Quantity> Right() const;
+  [[nodiscard]] std::int32_t Item() const;
+  /// The span that is chosen, within the whole one.
+  [[nodiscard]] TimeSpan ChosenSpan(const TimeSpan& whole) const;
+  /// Shows a span in the fields from and to; `chosen_by_hand` when it is none of the offered ones.
+  void ShowSpan(const TimeSpan& span, bool chosen_by_hand);
+  void EnableBack(bool enabled);
+  void EnableSave(bool enabled);
+
+  std::function<void()> units_changed;  ///< others are ticked
+  std::function<void()> lines_changed;  ///< other sensors or quantities
+  std::function<void()> span_chosen;
+  std::function<void()> back;
+  std::function<void()> save;
+  std::function<void()> copy;
+
+ private:
+  [[nodiscard]] QWidget* MakeLists(QWidget& page);
+  [[nodiscard]] QWidget* MakeChoices(QWidget& page);
+  void Filter();
+  void EnableChoices();
+
+  QLineEdit* filter_ = nullptr;
+  QListWidget* units_ = nullptr;
+  QListWidget* sensors_ = nullptr;
+  QComboBox* left_ = nullptr;
+  QComboBox* right_ = nullptr;
+  QSpinBox* item_ = nullptr;
+  QComboBox* span_ = nullptr;
+  QDateTimeEdit* from_ = nullptr;
+  QDateTimeEdit* to_ = nullptr;
+  QPushButton* back_ = nullptr;
+  QPushButton* save_ = nullptr;
+  QPushButton* copy_ = nullptr;
+  bool filling_ = false;
+};
+
+}  // namespace corvane::window
