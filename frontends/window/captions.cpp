@@ -46,10 +46,6 @@ void Captions::NumberPages(QTabWidget& tabs) {
   for (int tab = 0; tab < tabs.count(); ++tab) tabs.widget(tab)->setProperty(kPageNumber, tab);
 }
 
-void Captions::CaptionEntries(QComboBox& selector) {
-  selector.setProperty(kCaptionedEntries, true);
-}
-
 std::int64_t Captions::CaptionCount() const {
   return static_cast<std::int64_t>(Items().size());
 }

@@ -11,7 +11,6 @@
 #include "lang/captioned_window.h"
 
 class QAction;
-class QComboBox;
 class QMenu;
 class QTabWidget;
 class QWidget;
@@ -20,7 +19,8 @@ namespace corvane::window {
 
 /// The captions and tool tips of the window: every widget with the property "textId", and every menu entry.
 ///
-/// Tab strips and table headings take as many IDs as they have tabs, from their own upward.
+/// Tab strips and table headings take as many IDs as they have tabs, from their own upward; so do the entries of a
+/// selector with the property "captionedEntries".
 class Captions : public CaptionedWindow {
  public:
   /// Both must outlive this object; the menus must have their entries at the first use.
@@ -33,9 +33,6 @@ class Captions : public CaptionedWindow {
   [[nodiscard]] Caption CaptionAt(std::int64_t position) const override;
   void SetCaption(std::int64_t position, int tab, const std::string& text) override;
   void SetToolTip(std::int64_t position, const std::string& text) override;
-
-  /// Lets the entries of a selector be captions too, of as many IDs from its own upward.
-  static void CaptionEntries(QComboBox& selector);
 
   /// The language file that holds the captions as they are now, one line for each ID in ascending order, fields
   /// separated by "~".

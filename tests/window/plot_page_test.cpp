@@ -1,5 +1,6 @@
 #include <QComboBox>
 #include <QImage>
+#include <QLabel>
 #include <QListWidget>
 
 #include <gtest/gtest.h>
@@ -71,7 +72,7 @@ TEST(Plot, MarksItsAxesAtRoundPlaces) {
       {4 * 86400, "12 Mar(2010) 13 Mar 14 Mar 15 Mar 16 Mar"},
       {150 * 86400, "Apr(2010) May Jun Jul Aug"},
       {900 * 86400, "Jul(2010) Jan(2011) Jul Jan(2012) Jul"},
-      {4000LL * 86400, "2012 2014 2016 2018 2020"},
+      {4000LL * 86400, "2015 2020"},
   };
   for (const Row& row : rows) {
     const auto from = static_cast<double>(kStart.seconds());

@@ -15,7 +15,6 @@
 #include <QVBoxLayout>
 
 #include "data/sensor_names.h"
-#include "window/captions.h"
 
 namespace corvane::window {
 namespace {
@@ -81,7 +80,7 @@ QComboBox* SelectorOf(const QStringList& entries, const char* name, int text_id,
   selector->addItems(entries);
   selector->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   selector->setMinimumContentsLength(kEntryLetters);
-  Captions::CaptionEntries(*selector);
+  selector->setProperty("captionedEntries", true);
   SetTextId(*selector, text_id, tool_tip);
   return selector;
 }
@@ -332,9 +331,9 @@ TimeSpan PlotControls::ChosenSpan(const TimeSpan& whole) const {
   return {end - length, end};
 }
 
-void PlotControls::ShowSpan(const TimeSpan& span, bool chosen_by_hand) {
+void PlotControls::ShowSpan(const TimeSpan& span, Chosen chosen) {
   filling_ = true;
-  if (chosen_by_hand) span_->setCurrentIndex(kFromTo);
+  if (chosen != Chosen::AsItIs) span_->setCurrentIndex(chosen == Chosen::All ? 0 : kFromTo);
   from_->setDateTime(Shown(span.from));
   to_->setDateTime(Shown(span.to));
   filling_ = false;

@@ -42,8 +42,9 @@ class PlotControls {
   [[nodiscard]] std::int32_t Item() const;
   /// The span that is chosen, within the whole one.
   [[nodiscard]] TimeSpan ChosenSpan(const TimeSpan& whole) const;
-  /// Shows a span in the fields from and to; `chosen_by_hand` when it is none of the offered ones.
-  void ShowSpan(const TimeSpan& span, bool chosen_by_hand);
+  enum class Chosen : std::uint8_t { AsItIs, All, FromTo };
+  /// Shows a span in the fields from and to, and in the selector what it is now.
+  void ShowSpan(const TimeSpan& span, Chosen chosen);
   void EnableBack(bool enabled);
   void EnableSave(bool enabled);
 

@@ -9,11 +9,12 @@
 #include <QVBoxLayout>
 
 #include "data/sensor_names.h"
-#include "window/elided_label.h"
 #include "window/plot/plot_export.h"
 
 namespace corvane::window {
 namespace {
+
+using Chosen = PlotControls::Chosen;
 
 constexpr int kLookAgainMilliseconds = 5000;
 constexpr double kSameSpan = 60;  // seconds, which is what the fields from and to show
@@ -21,8 +22,7 @@ constexpr const char* kFilters = "Picture (*.png);;Drawing (*.svg);;Document (*.
 
 }  // namespace
 
-PlotPage::PlotPage(Application& app)
-    : app_(app), view_(new PlotView), cursor_text_(new ElidedLabel), problem_(new QLabel) {
+PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_text_(new QLabel), problem_(new QLabel) {
   setObjectName("tabPlot");
   view_->setObjectName("plotView");
   cursor_text_->setObjectName("plotCursor");
@@ -30,6 +30,8 @@ PlotPage::PlotPage(Application& app)
   problem_->setWordWrap(true);
   problem_->setTextFormat(Qt::PlainText);
   cursor_text_->setTextFormat(Qt::PlainText);
+  // However long the text is, it does not widen the window.
+  cursor_text_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   auto* below = new QWidget;
   auto* texts = new QVBoxLayout(below);
   texts->setContentsMargins(0, 0, 0, 0);
@@ -52,7 +54,7 @@ void PlotPage::Connect() {
   controls_->save = [this] { AskWhereToSave(); };
   controls_->copy = [this] { Copy(); };
   view_->span_changed = [this] { SpanChanged(); };
-  view_->cursor_changed = [this] { CursorMoved(); };
+  view_->cursor_changed = [this](bool by_keys) { CursorMoved(by_keys); };
   connect(&look_again_, &QTimer::timeout, this, [this] { LookForMore(); });
   look_again_.start();
 }
@@ -128,30 +130,31 @@ void PlotPage::Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span
   view_->SetMessage(reading->units == 0 ? "Tick a unit to see its readings." : empty ? "No readings to show." : "");
   view_->Show(std::shared_ptr<const PlotContents>(reading, &reading->contents), keeps_span && !showed_all);
   controls_->EnableSave(!empty);
-  CursorMoved();
+  CursorMoved(false);
 }
 
 void PlotPage::ShowSpan() {
   setting_span_ = true;
   view_->Zoom(controls_->ChosenSpan(view_->contents().Whole()));
   setting_span_ = false;
-  controls_->ShowSpan(view_->span(), false);
+  controls_->ShowSpan(view_->span(), Chosen::AsItIs);
 }
 
 void PlotPage::SpanChanged() {
   controls_->EnableBack(view_->CanGoBack());
   if (setting_span_) return;
-  const TimeSpan chosen = controls_->ChosenSpan(view_->contents().Whole());
+  const TimeSpan whole = view_->contents().Whole();
+  const TimeSpan chosen = controls_->ChosenSpan(whole);
   const TimeSpan& shown = view_->span();
   const bool same = std::abs(chosen.from - shown.from) < kSameSpan && std::abs(chosen.to - shown.to) < kSameSpan;
-  controls_->ShowSpan(shown, !same);
+  controls_->ShowSpan(shown, same ? Chosen::AsItIs : shown == whole ? Chosen::All : Chosen::FromTo);
 }
 
-void PlotPage::CursorMoved() {
+void PlotPage::CursorMoved(bool by_keys) {
   const QString text = view_->CursorText();
   cursor_text_->setText(text);
   // Moved by keys it is read out; a mouse that passes over the plot is not.
-  if (view_->hasFocus()) view_->setAccessibleDescription(text);
+  if (by_keys) view_->setAccessibleDescription(text);
 }
 
 PlotLayout PlotPage::Layout() const {

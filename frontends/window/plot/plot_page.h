@@ -47,7 +47,7 @@ class PlotPage : public QWidget {
   void LookForMore();
   void ShowSpan();
   void SpanChanged();
-  void CursorMoved();
+  void CursorMoved(bool by_keys);
   void AskWhereToSave();
   void Copy();
   [[nodiscard]] PlotLayout Layout() const;

@@ -46,7 +46,7 @@ void PlotView::Show(std::shared_ptr<const PlotContents> contents, bool keeps_spa
     former_.clear();
     span_ = whole;
   }
-  if (cursor_) PutCursor(*cursor_);
+  if (cursor_) PutCursor(*cursor_, false);
   Draw();
   if (span_changed) span_changed();
 }
@@ -177,7 +177,7 @@ double PlotView::TimeUnder(double x) const {
   return span_.from + std::clamp(share, 0.0, 1.0) * span_.length();
 }
 
-void PlotView::PutCursor(double time) {
+void PlotView::PutCursor(double time, bool by_keys) {
   std::optional<double> nearest;
   for (const PlotLine& line : contents_->lines) {
     if (line.size() == 0) continue;
@@ -187,11 +187,11 @@ void PlotView::PutCursor(double time) {
   if (nearest == cursor_) return;
   cursor_ = nearest;
   update();
-  if (cursor_changed) cursor_changed();
+  if (cursor_changed) cursor_changed(by_keys);
 }
 
 void PlotView::StepCursor(bool forward) {
-  if (!cursor_) return PutCursor(forward ? span_.from : span_.to);
+  if (!cursor_) return PutCursor(forward ? span_.from : span_.to, true);
   std::optional<double> next;
   for (const PlotLine& line : contents_->lines) {
     const std::size_t behind = line.FirstFrom(forward ? *cursor_ + 1 : *cursor_);
@@ -200,7 +200,7 @@ void PlotView::StepCursor(bool forward) {
     if (!next || (forward ? time < *next : time > *next)) next = time;
   }
   if (!next) return;
-  PutCursor(*next);
+  PutCursor(*next, true);
   if (*next < span_.from || *next > span_.to) {
     const double by = (forward ? 1 : -1) * span_.length() / 2;
     SetSpan({span_.from + by, span_.to + by}, false);
@@ -227,7 +227,7 @@ void PlotView::mousePressEvent(QMouseEvent* event) {
 
 void PlotView::mouseMoveEvent(QMouseEvent* event) {
   const double x = event->position().x();
-  if (!drag_from_) return PutCursor(TimeUnder(x));
+  if (!drag_from_) return PutCursor(TimeUnder(x), false);
   drag_to_ = std::clamp(x, canvas_.left(), canvas_.right());
   if (moves_) {
     const double by = (*drag_from_ - x) / std::max(canvas_.width(), 1.0) * moved_from_.length();
@@ -248,7 +248,7 @@ void PlotView::mouseReleaseEvent(QMouseEvent* event) {
   } else if (to - from >= kShortestDrag) {
     Zoom({TimeUnder(from), TimeUnder(to)});
   } else {
-    PutCursor(TimeUnder(to));
+    PutCursor(TimeUnder(to), false);
   }
 }
 
@@ -261,9 +261,9 @@ void PlotView::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Right:
       return StepCursor(event->key() == Qt::Key_Right);
     case Qt::Key_Home:
-      return PutCursor(span_.from);
+      return PutCursor(span_.from, true);
     case Qt::Key_End:
-      return PutCursor(span_.to);
+      return PutCursor(span_.to, true);
     case Qt::Key_Plus:
     case Qt::Key_Equal:
       return ZoomAbout(middle, kZoomStep * kZoomStep, true);

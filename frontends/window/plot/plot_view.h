@@ -34,8 +34,8 @@ class PlotView : public QWidget {
   /// The time and the values under the cursor, in words; empty without a cursor.
   [[nodiscard]] QString CursorText() const;
 
-  std::function<void()> span_changed;    ///< after every change of the span
-  std::function<void()> cursor_changed;  ///< after every move of the cursor
+  std::function<void()> span_changed;                ///< after every change of the span
+  std::function<void(bool by_keys)> cursor_changed;  ///< after every move of the cursor
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -53,7 +53,7 @@ class PlotView : public QWidget {
   void SetSpan(TimeSpan span, bool remembered);
   void ZoomAbout(double time, double factor, bool remembered);
   /// Puts the cursor on the reading of any line that is closest to a time.
-  void PutCursor(double time);
+  void PutCursor(double time, bool by_keys);
   /// Moves the cursor by so many readings of the line that has the next one.
   void StepCursor(bool forward);
   [[nodiscard]] double TimeUnder(double x) const;
