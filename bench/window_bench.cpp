@@ -5,8 +5,13 @@
 //                                              (processor time, other programs do not count)
 //   corvane-bench-window list FOLDER           prints the slowest of several refreshes of the file list, likewise
 //   corvane-bench-window convert FOLDER        prints the seconds of converting all units
+//   corvane-bench-window plot FOLDER           prints "shown S held MS all N zoomed N": seconds from the choice of a
+//   unit
+//                                              to its plot, the longest that the window did not answer meanwhile,
+//                                              pictures a second of about all readings and on the way into them
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -14,6 +19,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <QAbstractItemView>
@@ -30,6 +36,7 @@
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
 #include "window/main_window.h"
+#include "window/plot/plot_page.h"
 #include "zip/libzip_component.h"
 
 namespace {
@@ -39,6 +46,9 @@ using namespace corvane;
 constexpr int kKeystrokes = 400;
 constexpr int kClicks = 200;
 constexpr int kRefreshes = 6;
+constexpr int kPlots = 5;
+constexpr std::size_t kPlotLines = 3;
+constexpr int kPictures = 240;
 
 class PaintCounter : public QObject {
  public:
@@ -64,6 +74,7 @@ class Bench {
   }
 
   Application& app() { return app_; }
+  void Poll() { loop_.Poll(); }
 
   /// The widget of that name, on a tab that is shown.
   template <class Kind>
@@ -170,6 +181,53 @@ int MeasureConversion(const std::string& folder) {
   return bench.app().flags().problems == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+double SecondsSince(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// Pictures a second while the span is each of these shares of the whole.
+double PicturesPerSecond(window::PlotView& view, int pictures, const std::function<double(int)>& share) {
+  const window::TimeSpan whole = view.contents().Whole();
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < pictures; ++i) {
+    const double length = whole.length() * share(i);
+    const double from = whole.from + (whole.length() - length) / 3;
+    view.Zoom({from, from + length});
+    view.repaint();
+  }
+  return pictures / SecondsSince(start);
+}
+
+int MeasurePlot(const std::string& folder) {
+  Bench bench(folder);
+  auto& view = dynamic_cast<window::PlotView&>(bench.Widget<QWidget>("plotView"));
+  auto& page = dynamic_cast<window::PlotPage&>(bench.Widget<QWidget>("tabPlot"));
+  double held = 0;
+  const auto wait = [&] {
+    while (page.Busy()) {
+      const auto start = std::chrono::steady_clock::now();
+      bench.Poll();
+      held = std::max(held, SecondsSince(start));
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  };
+  wait();
+  std::vector<double> times;
+  for (int i = 0; i < kPlots; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    page.ShowUnit(1);
+    wait();
+    view.repaint();
+    times.push_back(SecondsSince(start));
+  }
+  if (view.contents().lines.size() != kPlotLines) throw std::runtime_error("not all lines are shown");
+  std::sort(times.begin(), times.end());
+  const double all = PicturesPerSecond(view, kPictures, [](int i) { return 0.99 - 0.001 * (i % 10); });
+  const double zoomed = PicturesPerSecond(view, kPictures, [](int i) { return std::pow(0.9, i % 60); });
+  std::printf("shown %.3f held %.0f all %.0f zoomed %.0f\n", times[times.size() / 2], held * 1000, all, zoomed);
+  return EXIT_SUCCESS;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -179,11 +237,12 @@ int main(int argc, char** argv) {
       {"paint", [argv] { return MeasurePaint(argv[2], std::strtod(argv[3], nullptr)); }},
       {"work", [argv] { return MeasureWork(argv[2]); }},
       {"list", [argv] { return MeasureList(argv[2]); }},
+      {"plot", [argv] { return MeasurePlot(argv[2]); }},
       {"convert", [argv] { return MeasureConversion(argv[2]); }},
   };
   const auto measure = argc < 3 ? measures.end() : measures.find(argv[1]);
   if (measure == measures.end() || (measure->first == "paint") != (argc == 4)) {
-    std::fprintf(stderr, "usage: corvane-bench-window work|list|convert FOLDER, or paint FOLDER BEGIN\n");
+    std::fprintf(stderr, "usage: corvane-bench-window work|list|convert|plot FOLDER, or paint FOLDER BEGIN\n");
     return 2;
   }
   try {

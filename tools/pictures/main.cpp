@@ -18,6 +18,7 @@
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
 #include "window/main_window.h"
+#include "window/plot/plot_page.h"
 #include "zip/libzip_component.h"
 
 namespace corvane::window {
@@ -106,6 +107,10 @@ class Photographer {
       ShowPage(page);
       Take(name);
     }
+    ShowPage("tabPlot");
+    const auto& plot = dynamic_cast<PlotPage&>(*window_.findChild<QWidget*>("tabPlot"));
+    while (plot.Busy()) loop_.Yield();
+    Take("plot");
     ShowPage("tabSettings");
     const std::vector<const char*> groups = {"settings-folders", "settings-readings", "settings-lookups",
                                              "settings-ports",   "settings-schedule", "settings-network"};

@@ -1,5 +1,6 @@
 #include "window/plot/background_work.h"
 
+#include <exception>
 #include <utility>
 
 namespace corvane::window {
@@ -42,7 +43,14 @@ void BackgroundWork::Run() {
       piece = std::move(pieces_.front());
       pieces_.pop_front();
     }
-    std::function<void()> behind = piece.work([&piece] { return piece.cancelled->load(); });
+    std::function<void()> behind;
+    try {
+      behind = piece.work([&piece] { return piece.cancelled->load(); });
+    } catch (const std::exception& error) {
+      behind = [this, why = QString(error.what())] {
+        if (failed) failed(why);
+      };
+    }
     QMetaObject::invokeMethod(
         this,
         [this, behind = std::move(behind), cancelled = piece.cancelled] {

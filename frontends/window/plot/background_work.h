@@ -10,6 +10,7 @@
 #include <thread>
 
 #include <QObject>
+#include <QString>
 
 namespace corvane::window {
 
@@ -29,6 +30,8 @@ class BackgroundWork : public QObject {
   void Add(Work work);
   /// Drops what waits and cancels what is under way: what it returns does not run.
   void CancelAll();
+  /// A piece of work has thrown: there was not enough memory, as a rule.
+  std::function<void(const QString& why)> failed;
   [[nodiscard]] bool idle() const { return waiting_ == 0; }
 
  private:

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSpinBox>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -125,8 +126,13 @@ PlotControls::PlotControls(QWidget& page, QWidget& view, QWidget& below) {
   splitter->setStretchFactor(1, 1);
   splitter->setChildrenCollapsible(false);
   splitter->setSizes({kListWidth, 4 * kListWidth});
+  // On a small screen the page scrolls.
+  auto* area = new QScrollArea;
+  area->setWidgetResizable(true);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidget(splitter);
   auto* whole = new QVBoxLayout(&page);
-  whole->addWidget(splitter);
+  whole->addWidget(area);
   EnableChoices();
 }
 

@@ -25,6 +25,7 @@ constexpr const char* kFilters = "Picture (*.png);;Drawing (*.svg);;Document (*.
 PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_text_(new QLabel), problem_(new QLabel) {
   setObjectName("tabPlot");
   view_->setObjectName("plotView");
+  view_->setAccessibleName("Plot");
   cursor_text_->setObjectName("plotCursor");
   problem_->setObjectName("plotProblem");
   problem_->setWordWrap(true);
@@ -39,7 +40,9 @@ PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_te
   texts->addWidget(problem_);
   controls_ = new PlotControls(*this, *view_, *below);
   work_ = new BackgroundWork(this);
+  work_->failed = [this](const QString& why) { view_->SetMessage("Not read: " + why); };
   saving_ = new BackgroundWork(this);
+  saving_->failed = [this](const QString& why) { Say("Not saved: " + why); };
   look_again_.setInterval(kLookAgainMilliseconds);
   Connect();
   controls_->EnableBack(false);
@@ -61,19 +64,22 @@ void PlotPage::Connect() {
 
 void PlotPage::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
+  if (shown_) {
+    LookForMore();
+  } else if (app_.registry().Units.count() > 0) {
+    ShowUnit(std::max<std::int64_t>(app_.form().Lst_Units.current() + 1, 1));
+  }
+}
+
+void PlotPage::ListUnits() {
   std::vector<std::string> names;
   for (const Unit& unit : app_.registry().Units) names.push_back(unit.Name);
   controls_->SetUnits(names);
-  if (shown_ || names.empty()) return;
-  shown_ = true;
-  ShowUnit(std::max<std::int64_t>(app_.form().Lst_Units.current() + 1, 1));
 }
 
 void PlotPage::ShowUnit(std::int64_t position) {
   shown_ = true;
-  std::vector<std::string> names;
-  for (const Unit& unit : app_.registry().Units) names.push_back(unit.Name);
-  controls_->SetUnits(names);
+  ListUnits();
   controls_->TickOnly(position);
   Load(false);
 }
@@ -96,7 +102,7 @@ void PlotPage::Load(bool keeps_span) {
   work_->CancelAll();
   view_->SetMessage("Reading ...");
   work_->Add([this, wish = Wish(), keeps_span](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
-    std::string files = StateOfFiles(wish);
+    std::string files = StateOf(wish);
     auto reading = std::make_shared<PlotReading>(ReadPlot(wish, cancelled));
     return [this, reading, keeps_span, files = std::move(files)] {
       shown_files_ = files;
@@ -107,9 +113,10 @@ void PlotPage::Load(bool keeps_span) {
 
 void PlotPage::LookForMore() {
   if (!isVisible() || Busy() || !shown_) return;
+  ListUnits();
   work_->Add([this, wish = Wish(),
               former = shown_files_](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
-    std::string files = StateOfFiles(wish);
+    std::string files = StateOf(wish);
     if (files == former) return {};
     auto reading = std::make_shared<PlotReading>(ReadPlot(wish, cancelled));
     return [this, reading, files = std::move(files)] {
@@ -162,6 +169,7 @@ PlotLayout PlotPage::Layout() const {
 }
 
 void PlotPage::AskWhereToSave() {
+  if (auto* open = findChild<QFileDialog*>(); open != nullptr) return open->activateWindow();
   auto* dialog = new QFileDialog(this, "Save the plot as", QString::fromStdString(app_.names().DataFolder()));
   dialog->setAcceptMode(QFileDialog::AcceptSave);
   dialog->setNameFilters(QString(kFilters).split(";;"));

@@ -40,6 +40,7 @@ class PlotPage : public QWidget {
 
  private:
   void Connect();
+  void ListUnits();
   [[nodiscard]] PlotWish Wish() const;
   /// Reads what is chosen, if it or its files are other than what is shown.
   void Load(bool keeps_span);
@@ -61,7 +62,7 @@ class PlotPage : public QWidget {
   BackgroundWork* work_;    ///< reads
   BackgroundWork* saving_;  ///< writes, and is not cancelled by another choice
   QTimer look_again_;
-  std::string shown_files_;  ///< the state of the files behind what is shown
+  std::string shown_files_;  ///< the state of the files and settings behind what is shown
   bool shown_ = false;       ///< has been shown once
   bool setting_span_ = false;
 };

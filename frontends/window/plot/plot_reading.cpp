@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include "base/files.h"
+#include "base/numbers.h"
 #include "data/sensor_names.h"
 
 namespace corvane::window {
@@ -70,12 +71,17 @@ QString NameOf(Quantity quantity) {
   return QString::fromUtf8(KindOf(quantity).name);
 }
 
-std::string StateOfFiles(const PlotWish& wish) {
+std::string StateOf(const PlotWish& wish) {
   std::string state;
   for (const PlotUnit& unit : wish.units) {
-    for (const std::string& file : {unit.request.raw_file, unit.request.calibrated_file}) {
+    const SeriesRequest& request = unit.request;
+    state += unit.name + ";" + unit.depths + ";" + request.date_format + (request.factors.kelvin ? ";K;" : ";;");
+    state += ShortestText(request.factors.moisture) + ";" + ShortestText(request.factors.salinity) + ";";
+    for (const std::string& file : {request.raw_file, request.calibrated_file, request.tables.moisture,
+                                    request.tables.salinity, request.tables.correction}) {
       const auto info = ExamineFile(file);
-      if (info) state += std::to_string(info->size) + "/" + std::to_string(info->modified.seconds());
+      state += file;
+      if (info) state += "/" + std::to_string(info->size) + "/" + std::to_string(info->modified.seconds());
       state += ";";
     }
   }

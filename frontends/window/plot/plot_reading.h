@@ -41,8 +41,8 @@ inline constexpr std::size_t kMostLines = 14;
 
 /// Reads what is wished for; for a thread beside the window's. `cancelled` is asked now and then.
 [[nodiscard]] PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelled);
-/// Tells one state of the files behind a wish from another.
-[[nodiscard]] std::string StateOfFiles(const PlotWish& wish);
+/// Tells one state of the files and settings behind a wish from another.
+[[nodiscard]] std::string StateOf(const PlotWish& wish);
 /// A quantity with its unit, as an axis and a column are called.
 [[nodiscard]] QString NameOf(Quantity quantity);
 
