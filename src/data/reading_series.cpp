@@ -2,19 +2,18 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <numeric>
 #include <optional>
 #include <string_view>
 #include <utility>
 
 #include "base/files.h"
-#include "base/format.h"
 #include "base/number_fields.h"
 #include "base/text.h"
-#include "data/gap_finder.h"
+#include "data/calibrated_series.h"
 #include "data/line_blocks.h"
 #include "data/lookup.h"
 #include "data/reading_date.h"
+#include "data/series_collector.h"
 
 namespace corvane {
 namespace {
@@ -22,7 +21,6 @@ namespace {
 constexpr std::size_t kBattery = 1;
 constexpr std::size_t kAmbient = 2;
 constexpr std::size_t kFewestItems = 3;
-constexpr std::int64_t kMostReserved = 1 << 20;
 constexpr std::int64_t kStretch = 128 * 1024;             ///< bytes
 constexpr std::int64_t kBeforeSpan = 4 * kSecondsPerDay;  ///< for the log period to be known at its begin
 
@@ -35,74 +33,6 @@ struct Tables {
 bool IsOfSensor(Quantity av_Quantity) {
   return av_Quantity == Quantity::Moisture || av_Quantity == Quantity::Salinity || av_Quantity == Quantity::Temperature;
 }
-
-/// What both kinds of files have in common: the readings of the span, in the order of their times, and their gaps.
-class Collector {
- public:
-  Collector(const SeriesRequest& av_Request, ReadingSeries& av_Series) : request_(av_Request), series_(av_Series) {}
-
-  /// Makes room for the readings of a file of that size.
-  void Expect(std::int64_t al_Bytes, std::size_t al_LineLength) {
-    const std::int64_t lines = al_Bytes / static_cast<std::int64_t>(std::max<std::size_t>(al_LineLength, 1));
-    const auto room = static_cast<std::size_t>(std::min(lines, kMostReserved));
-    series_.times.reserve(room);
-    for (std::size_t i = 0; i < series_.columns.size(); ++i) {
-      if (wanted_[i]) series_.columns[i].reserve(room);
-    }
-  }
-  void Want(std::vector<bool> av_Wanted) {
-    wanted_ = std::move(av_Wanted);
-    series_.columns.resize(wanted_.size());
-  }
-  /// True when the values of this reading are wanted.
-  [[nodiscard]] bool Take(DateTime av_When) {
-    if (finder_.Push(av_When)) gaps_.push_back(finder_.settled().to.seconds());
-    if (av_When < request_.from || (!request_.to.IsNone() && av_When > request_.to)) return false;
-    const std::int64_t time = av_When.seconds();
-    ordered_ = ordered_ && (series_.times.empty() || time >= series_.times.back());
-    series_.times.push_back(time);
-    return true;
-  }
-  void Put(std::size_t al_Column, double ad_Value) { series_.columns[al_Column].push_back(ad_Value); }
-  [[nodiscard]] bool Wanted(std::size_t al_Column) const { return wanted_[al_Column]; }
-
-  void Finish() {
-    if (!ordered_) Order();
-    for (const Verdict& verdict : finder_.Unsettled()) gaps_.push_back(verdict.to.seconds());
-    for (const std::int64_t behind : gaps_) {
-      const auto at = std::lower_bound(series_.times.begin(), series_.times.end(), behind);
-      if (at != series_.times.begin() && at != series_.times.end()) {
-        series_.breaks.push_back(static_cast<std::size_t>(at - series_.times.begin()));
-      }
-    }
-    std::sort(series_.breaks.begin(), series_.breaks.end());
-    series_.breaks.erase(std::unique(series_.breaks.begin(), series_.breaks.end()), series_.breaks.end());
-  }
-
- private:
-  /// Readings of a clock that was set back, or put in by hand, go where their times say.
-  void Order() {
-    std::vector<std::size_t> order(series_.times.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(),
-                     [this](std::size_t a, std::size_t b) { return series_.times[a] < series_.times[b]; });
-    const auto arrange = [&order](auto& column) {
-      if (column.empty()) return;
-      auto former = column;
-      for (std::size_t i = 0; i < order.size(); ++i) column[i] = former[order[i]];
-    };
-    arrange(series_.times);
-    for (auto& column : series_.columns) arrange(column);
-  }
-
-  const SeriesRequest& request_;
-  ReadingSeries& series_;
-  ScanHints hints_;
-  GapFinder finder_{hints_};
-  std::vector<std::int64_t> gaps_;  ///< the reading behind each
-  std::vector<bool> wanted_;        ///< by channel
-  bool ordered_ = true;
-};
 
 /// Reads a raw file by the rules of the conversion.
 class RawReading {
@@ -268,7 +198,7 @@ class RawReading {
 
   const SeriesRequest& request_;
   ReadingSeries& series_;
-  Collector collector_;
+  SeriesCollector collector_;
   Tables tables_;
   bool has_salinity_ = false;
   bool has_moisture_ = false;
@@ -277,108 +207,6 @@ class RawReading {
   std::vector<Part> parts_;
   std::size_t last_item_ = 0;
   std::vector<double> values_;  ///< by item of the present line
-};
-
-/// Reads a calibrated file, whose header names its columns.
-class CalibratedReading {
- public:
-  CalibratedReading(const SeriesRequest& av_Request, ReadingSeries& av_Series)
-      : request_(av_Request), series_(av_Series), collector_(av_Request, av_Series), dates_(av_Request.date_format) {}
-
-  void Read(const InputFile& av_File, const std::function<bool()>& av_Poll) {
-    if (!dates_.TellsMinute()) {
-      series_.problem = "There is no raw file, and the date format \"" + request_.date_format +
-                        "\" does not tell day and minute, so that " + request_.calibrated_file + " cannot be shown";
-      return;
-    }
-    LineBlocks blocks(av_File, 0);
-    std::string_view line;
-    bool first = true;
-    while (blocks.Read()) {
-      for (; blocks.Next(line); first = false) {
-        if (first) {
-          TakeHeader(line);
-          collector_.Expect(av_File.identity().size, line.size());
-        } else {
-          TakeLine(line);
-        }
-      }
-      series_.cancelled = av_Poll && !av_Poll();
-      if (series_.cancelled) return;
-    }
-    collector_.Finish();
-    if (!series_.times.empty() || others_ == 0 || series_.columns.empty()) return;
-    series_.problem = "There is no raw file, and " + request_.calibrated_file +
-                      " was written with another date format than \"" + request_.date_format + "\"";
-  }
-
- private:
-  /// The name of a channel's column; empty when there is none.
-  [[nodiscard]] static std::string NameOf(const SeriesChannel& av_Channel) {
-    const std::string number = std::to_string(av_Channel.number);
-    switch (av_Channel.quantity) {
-      case Quantity::Moisture:
-        return "M" + number;
-      case Quantity::Salinity:
-        return "Sal" + number;
-      case Quantity::Temperature:
-        return "Temp" + number;
-      case Quantity::Battery:
-        return "Battery";
-      case Quantity::Ambient:
-        return "Ambient";
-      case Quantity::Item:
-        break;
-    }
-    return {};
-  }
-
-  void TakeHeader(std::string_view as_Line) {
-    const std::size_t factors = as_Line.find(" [");
-    std::vector<std::string_view> names = Split(as_Line.substr(0, factors), ',');
-    for (std::string_view& name : names) name = Trim(name);
-    fields_ = names.size();
-    for (const std::string_view name : names) series_.sensors += name.starts_with("Sal") ? 1 : 0;
-    std::vector<bool> wanted;
-    for (const SeriesChannel& channel : request_.channels) {
-      if (channel.quantity == Quantity::Item) {
-        series_.problem = "There is no raw file, and " + request_.calibrated_file + " holds no raw items";
-      }
-      const auto found = std::find(names.begin(), names.end(), NameOf(channel));
-      wanted.push_back(found != names.end());
-      const std::size_t field = wanted.back() ? static_cast<std::size_t>(found - names.begin()) : 0;
-      columns_.push_back(field);
-      last_field_ = std::max(last_field_, field);
-    }
-    values_.assign(last_field_ + 1, 0);
-    collector_.Want(std::move(wanted));
-  }
-
-  void TakeLine(std::string_view as_Line) {
-    std::string_view rest = as_Line;
-    const std::optional<DateTime> when = dates_.TakeFrom(rest);
-    const char* at = rest.data();
-    const char* const end = at + rest.size();
-    if (!when || static_cast<std::size_t>(std::count(at, end, ',')) + 1 != fields_ || *at != ',') {
-      ++others_;
-      return;
-    }
-    if (!collector_.Take(*when)) return;
-    for (std::size_t field = 1; field <= last_field_; ++field) values_[field] = TakeNumber(++at, end, ',');
-    for (std::size_t column = 0; column < columns_.size(); ++column) {
-      if (collector_.Wanted(column)) collector_.Put(column, values_[columns_[column]]);
-    }
-  }
-
-  const SeriesRequest& request_;
-  ReadingSeries& series_;
-  Collector collector_;
-  DatePattern dates_;
-  std::size_t fields_ = 0;
-  std::size_t last_field_ = 0;
-  std::vector<std::size_t> columns_;  ///< the field of each channel, 0 none
-  std::vector<double> values_;        ///< by field of the present line
-  std::int64_t others_ = 0;           ///< lines that are no rows
 };
 
 }  // namespace
@@ -408,8 +236,7 @@ ReadingSeries ReadSeries(const SeriesRequest& av_Request, const std::function<bo
     } else if (raw.code() != ENOENT) {
       series.problem = raw.text();
     } else if (InputFile calibrated; calibrated.Open(av_Request.calibrated_file).ok()) {
-      series.source = ReadingSeries::Source::Calibrated;
-      CalibratedReading(av_Request, series).Read(calibrated, av_Poll);
+      ReadCalibratedSeries(av_Request, calibrated, series, av_Poll);
     } else {
       series.problem = "There are no readings yet: " + av_Request.raw_file + " is not there";
     }
