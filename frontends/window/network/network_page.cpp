@@ -6,6 +6,8 @@
 #include <QEvent>
 #include <QFont>
 #include <QLabel>
+#include <QLayout>
+#include <QMargins>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -27,7 +29,7 @@ constexpr int kMostUnits = 8;
 /// What to do about it; empty when nothing is to be done.
 QString AdviceOn(const NetworkStatus& status) {
   if (status.units.empty()) {
-    return "There are no units yet: press New below the list at the left and fill in the tab Unit.";
+    return "Press New below the list at the left and fill in the tab Unit; then the button Download collects.";
   }
   if (!status.nobody_collects.empty()) {
     return "The tab Settings, page Schedule and backup, holds the interval of the automatic download. The button "
@@ -56,6 +58,7 @@ NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(l
   headline_->setFont(large);
   round_ = AddLine(*column, "networkRound");
   advice_ = AddLine(*column, "networkAdvice");
+  round_->hide();
   advice_->hide();
   views_ = new QTabWidget(contents);
   views_->setObjectName("networkViews");
@@ -149,6 +152,15 @@ bool NetworkPage::eventFilter(QObject* watched, QEvent* event) {
   return QScrollArea::eventFilter(watched, event);
 }
 
+void NetworkPage::resizeEvent(QResizeEvent* event) {
+  QScrollArea::resizeEvent(event);
+  // The sentences are read without scrolling, however wide the table below is.
+  const QMargins margins = widget()->layout()->contentsMargins();
+  for (QLabel* line : {headline_, round_, advice_}) {
+    line->setMaximumWidth(viewport()->width() - margins.left() - margins.right());
+  }
+}
+
 void NetworkPage::showEvent(QShowEvent* event) {
   QScrollArea::showEvent(event);
   loop_.Post([this] {
@@ -195,6 +207,10 @@ void NetworkPage::RefreshUnit(std::int64_t position) {
 void NetworkPage::Take(const Status& read, NetworkStatus status) {
   reading_ = false;
   took_ = since_begin_.elapsed();
+  if (read.code() == HistoryStore::kBusy && !headline_->text().isEmpty()) {
+    soon_.start(kShortestRest);
+    return;
+  }
   if (!read.ok()) {
     headline_->setText(QString::fromStdString("It cannot be told how things stand: " + read.text()));
     return ShowAdvice("Rounds go on meanwhile. What happens in them is shown in the tab Log.");
@@ -213,6 +229,7 @@ void NetworkPage::ShowRound() {
   const QString asked =
       running ? QString::fromStdString("A round runs; " + app_.registry().Units[running_].Name + " is asked now.") : "";
   round_->setText(running ? asked : last_round_.isEmpty() ? QString() : "Last round: " + last_round_);
+  round_->setVisible(!round_->text().isEmpty());
 }
 
 void NetworkPage::ShowAdvice(const QString& advice) {

@@ -14,6 +14,7 @@
 
 class QLabel;
 class QTabWidget;
+class QVBoxLayout;
 
 namespace corvane::window {
 
@@ -42,13 +43,14 @@ class NetworkPage : public QScrollArea {
   std::function<void(const NetworkStatus& status)> on_status;
 
  protected:
+  void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   using Command = std::function<void(const std::vector<std::int64_t>& positions)>;
 
-  QLabel* AddLine(class QVBoxLayout& column, const char* name);
+  QLabel* AddLine(QVBoxLayout& column, const char* name);
   /// A view of its own beside the table of the stations: the gap map, the rounds.
   void AddView(QWidget& view, const QString& caption);
   void BindCommands();

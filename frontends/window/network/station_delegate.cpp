@@ -1,9 +1,13 @@
 #include "window/network/station_delegate.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QApplication>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOptionViewItem>
+#include <QWidget>
 
 #include "window/network/station_model.h"
 #include "window/network/station_signs.h"

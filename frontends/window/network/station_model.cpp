@@ -67,8 +67,13 @@ void StationModel::TakeUnit(const UnitStatus& unit) {
 }
 
 void StationModel::SetRunning(std::int64_t position) {
-  if (std::exchange(running_, position) == position) return;
-  TellAllChanged();
+  const std::int64_t before = std::exchange(running_, position);
+  if (before == position) return;
+  for (const UnitStatus& unit : units_) {
+    if (unit.position != before && unit.position != position) continue;
+    const QModelIndex row = IndexOf(unit.key);
+    if (row.isValid()) Q_EMIT dataChanged(row, row.siblingAtColumn(kStationColumns - 1));
+  }
 }
 
 void StationModel::SetChoice(const StationChoice& choice) {

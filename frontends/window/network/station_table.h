@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include <QItemSelection>
 #include <QTreeView>
 
 #include "window/network/station_model.h"

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include <QAction>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>

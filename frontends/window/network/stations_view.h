@@ -9,9 +9,12 @@
 #include "history/network_status.h"
 
 class QComboBox;
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
+class QPoint;
 class QPushButton;
+class QVBoxLayout;
 
 namespace corvane::window {
 
@@ -38,14 +41,14 @@ class StationsView : public QWidget {
   std::function<void(std::int64_t key)> plot;
 
  private:
-  void AddFilters(class QVBoxLayout& column);
-  void AddCommands(class QVBoxLayout& column);
+  void AddFilters(QVBoxLayout& column);
+  void AddCommands(QVBoxLayout& column);
   void AddKeys();
-  void ShowMenu(const class QPoint& where);
+  void ShowMenu(const QPoint& where);
   void ApplyChoice();
   void ShowSelection();
   void ShowCounts();
-  QPushButton* AddButton(class QHBoxLayout& row, const char* name, const char* caption, const char* tip, int text_id);
+  QPushButton* AddButton(QHBoxLayout& row, const char* name, const char* caption, const char* tip, int text_id);
 
   QLineEdit* filter_ = nullptr;
   QComboBox* letters_ = nullptr;
