@@ -18,6 +18,7 @@
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
+#include "page_command.h"
 #include "posix/posix_command_runner.h"
 #include "posix/posix_loop.h"
 #include "serial/termios_port.h"
@@ -90,6 +91,11 @@ class VerboseTrace {
   bool shows_reply_;
   bool on_ = false;
 };
+
+bool CanReadSettings(const std::string& folder) {
+  std::string bytes;
+  return ReadAt(AddBackslash(folder) + "corvane.ini", 0, 1, bytes).ok();
+}
 
 /// Everything that lives while one command runs.
 class Program {
@@ -207,6 +213,8 @@ int RunProgram(const Options& options) {
   try {
     const std::string folder = ChooseApplicationFolder(options.home, PosixShell("corvane"));
     if (NeedsHistoryOnly(options.command)) return RunHistoryCommand(options, folder);
+    // Whoever may read the history alone gets a page too.
+    if (options.command == CommandId::Page && !CanReadSettings(folder)) return MakePageOfHistory(options, folder);
     return Program(options, folder).Run();
   } catch (const RunTimeError& error) {
     WriteOut(kStandardError, Printable(std::string("corvanectl: ") + error.what()) + "\n", true);
