@@ -2,6 +2,8 @@
 //   corvane-bench-history fill UNITS DAYS FILE   makes one of so many units with one round a day
 //   corvane-bench-history status FILE            opens and reads it as the status does; prints the seconds of that, and
 //                                                of working out the status
+//   corvane-bench-history page FILE              prints the milliseconds that reading for the page takes in the loop's
+//                                                thread, behind the status
 //   corvane-bench-history round UNITS FILE       prints the milliseconds of what a round over the first units writes
 #include <chrono>
 #include <cstdint>
@@ -14,6 +16,7 @@
 
 #include "base/status.h"
 #include "history/network_status.h"
+#include "page/page_contents.h"
 #include "sqlite/sqlite_history_store.h"
 
 namespace {
@@ -138,6 +141,21 @@ void MeasureStatus(const std::string& file) {
               status.units.size(), contents.contacts.size(), contents.days.size());
 }
 
+void MeasurePage(const std::string& file) {
+  SqliteHistoryStore store;
+  HistoryContents contents;
+  Require(store.OpenToRead(file));
+  Require(store.Read(StatusQuery(kNow), contents));
+  const NetworkStatus status = WorkOutStatus(contents, kNow, Holder::Somebody);
+  std::size_t charts = 0;
+  const double seconds = Seconds([&] {
+    HistoryContents read;
+    Require(store.Read(PageQuery(status), read));
+    charts = ContentsOf(status, read).charts.size();
+  });
+  std::printf(charts == status.units.size() ? "%.1f\n" : "failed\n", seconds * 1000);
+}
+
 void MeasureRound(std::int64_t units, const std::string& file) {
   SqliteHistoryStore store;
   Open(store, file);
@@ -175,11 +193,13 @@ int main(int argc, char** argv) {
   try {
     if (what == "fill" && argc == 5) return Fill(std::atoll(argv[2]), std::atoll(argv[3]), argv[4]), 0;
     if (what == "status" && argc == 3) return MeasureStatus(argv[2]), 0;
+    if (what == "page" && argc == 3) return MeasurePage(argv[2]), 0;
     if (what == "round" && argc == 4) return MeasureRound(std::atoll(argv[2]), argv[3]), 0;
   } catch (const RunTimeError& failure) {
     std::fprintf(stderr, "corvane-bench-history: %s\n", failure.what());
     return 1;
   }
-  std::fprintf(stderr, "usage: corvane-bench-history fill UNITS DAYS FILE | status FILE | round UNITS FILE\n");
+  std::fprintf(stderr,
+               "usage: corvane-bench-history fill UNITS DAYS FILE | status FILE | page FILE | round UNITS FILE\n");
   return 2;
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes 00001.epd and three lookup tables into a folder: readings of 3 sensors, one every quarter of an hour.
 
-usage: make_raw.py READINGS FOLDER      (the same bytes every time)
+usage: make_raw.py READINGS FOLDER [YYYY-MM-DD]      (the same bytes every time; the date of the first reading)
 """
 import os
 import random
@@ -20,10 +20,9 @@ def write_table(path, rng, points, highest_x):
             y += rng.uniform(0.2, 2.5)
 
 
-def write_readings(path, rng, readings):
+def write_readings(path, rng, readings, start):
     """Soil drifts slowly: each sensor walks at random between 200 and 3900."""
     moisture = [rng.uniform(1000, 3000) for _ in range(SENSORS)]
-    start = datetime(2011, 5, 1)
     with open(path, "w", newline="\r\n") as raw:
         raw.write("$V2,00001,4,%d,%d,2011/5/1 00:00,12500*00\n" % (3 * SENSORS, readings))
         for number in range(readings):
@@ -40,12 +39,13 @@ def write_readings(path, rng, readings):
 
 def main():
     readings, folder = int(sys.argv[1]), sys.argv[2]
+    start = datetime.fromisoformat(sys.argv[3]) if len(sys.argv) > 3 else datetime(2011, 5, 1)
     rng = random.Random(20110501)
     os.makedirs(folder, exist_ok=True)
     write_table(os.path.join(folder, "moisture.lkp"), rng, 36, 4096)
     write_table(os.path.join(folder, "salinity.lkp"), rng, 24, 4096)
     write_table(os.path.join(folder, "salcorr.lkp"), rng, 10, 40)
-    write_readings(os.path.join(folder, "00001.epd"), rng, readings)
+    write_readings(os.path.join(folder, "00001.epd"), rng, readings, start)
 
 
 main()
