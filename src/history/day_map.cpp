@@ -152,8 +152,7 @@ std::string DayText(DateTime av_Day, const DayCell& av_Cell) {
   std::string text = day + std::to_string(av_Cell.stored) + " of " +
                      CountText(av_Cell.expected, "reading", "readings") + ", " + std::to_string(missing) + " missing";
   text += PartText(av_Cell.lost, missing, "lost for ever");
-  text += PartText(av_Cell.open, missing,
-                   av_Cell.by_itself ? "asked for by the next repair" : "asked for by a repair when you start one");
+  text += PartText(av_Cell.open, missing, av_Cell.by_itself ? "asked for by the next repair" : "open to a repair");
   const std::int32_t unsettled = missing - av_Cell.lost - av_Cell.open;
   return text + PartText(unsettled, missing, "not to be asked for now");
 }

@@ -19,13 +19,14 @@ class Pen {
     const bool other_is_nearer = std::llabs(al_Other - y_) < std::llabs(al_One - y_);
     if (ab_Joined && other_is_nearer) std::swap(al_One, al_Other);
     if (ab_Joined) {
-      path_ += "l";
-      Pair(al_X - x_, al_One - y_);
+      path_ += al_One == y_ ? "h" : "l";
+      path_ += std::to_string(al_X - x_);
+      if (al_One != y_) Second(al_One - y_);
       alone_ = false;
     } else {
       Lift();
-      path_ += "M";
-      Pair(al_X, al_One);
+      path_ += "M" + std::to_string(al_X);
+      Second(al_One);
       alone_ = true;
     }
     if (al_Other != al_One) {
@@ -42,10 +43,10 @@ class Pen {
   [[nodiscard]] std::string Take() { return std::move(path_); }
 
  private:
-  void Pair(std::int64_t al_First, std::int64_t al_Second) {
-    path_ += std::to_string(al_First);
-    if (al_Second >= 0) path_ += " ";
-    path_ += std::to_string(al_Second);
+  /// The second number of a pair; a sign parts it from the first as well as a blank.
+  void Second(std::int64_t al_Number) {
+    if (al_Number >= 0) path_ += " ";
+    path_ += std::to_string(al_Number);
   }
 
   std::string path_;

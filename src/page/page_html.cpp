@@ -32,15 +32,15 @@ void AppendHead(Html& av_Html) {
              "<title>How the network stands</title>\n"
           << kPageStyle
           << "</head><body>\n<svg width=0 height=0 style=\"position:absolute\" aria-hidden=true>"
-             "<pattern id=p2 width=4 height=4 patternUnits=userSpaceOnUse><rect width=4 height=4 "
+             "<pattern id=p2 width=1 height=1 patternUnits=userSpaceOnUse><rect width=1 height=1 "
              "style=\"fill:var(--most)\"/>"
-             "<path d=\"M1.5 2h1\"/></pattern>"
-             "<pattern id=p3 width=4 height=4 patternUnits=userSpaceOnUse><rect width=4 height=4 "
+             "<path d=\"M.35 .5h.3\"/></pattern>"
+             "<pattern id=p3 width=1 height=1 patternUnits=userSpaceOnUse><rect width=1 height=1 "
              "style=\"fill:var(--part)\"/>"
-             "<path d=\"M0 4 4 0\"/></pattern>"
-             "<pattern id=p4 width=4 height=4 patternUnits=userSpaceOnUse><rect width=4 height=4 "
+             "<path d=\"M0 1 1 0\"/></pattern>"
+             "<pattern id=p4 width=1 height=1 patternUnits=userSpaceOnUse><rect width=1 height=1 "
              "style=\"fill:var(--none)\"/>"
-             "<path d=\"M0 4 4 0M0 0l4 4\"/></pattern></svg>\n";
+             "<path d=\"M0 1 1 0M0 0l1 1\"/></pattern></svg>\n";
 }
 
 void AppendTop(Html& av_Html, const NetworkStatus& av_Status) {

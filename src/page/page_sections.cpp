@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstddef>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/format.h"
 #include "base/numbers.h"
@@ -15,15 +17,14 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kDaysTold = 5;
-constexpr std::int64_t kCellWidth = 4;
-constexpr std::array<Markup, 6> kSigns = {"&#9675;", "&#10022;", "&#9632;", "&#9670;", "&#9650;", "&#9679;"};
+constexpr std::size_t kDaysTold = 3;
+constexpr std::array<Markup, 6> kSigns = {"○", "✦", "■", "◆", "▲", "●"};
 
+/// Cells and items need no end.
 void Cell(Html& av_Html, const std::string& as_Text, const std::string& as_Small = "") {
   av_Html << "<td>";
   av_Html.Text(as_Text);
   if (!as_Small.empty()) (av_Html << "<small>").Text(as_Small) << "</small>";
-  av_Html << "</td>";
 }
 
 std::string AgeText(const UnitStatus& av_Unit) {
@@ -51,28 +52,30 @@ std::string MissingText(const UnitStatus& av_Unit) {
   return av_Unit.lost == 0 ? "" : std::to_string(av_Unit.lost) + " of them lost for ever";
 }
 
+/// The rounds that ended so, as lines that the style cuts into strokes.
+void AppendStrokes(Html& av_Html, const std::vector<bool>& av_Answers, bool ab_Answered) {
+  for (std::size_t place = 0; place < av_Answers.size();) {
+    std::size_t end = place;
+    while (end < av_Answers.size() && av_Answers[end] == ab_Answered) ++end;
+    if (end > place) {
+      (av_Html << "M").Number(static_cast<std::int64_t>(place) * 2) << (ab_Answered ? Markup(" 5h") : Markup(" 9h"));
+      av_Html.Number(static_cast<std::int64_t>(end - place) * 2);
+    }
+    place = end + 1;
+  }
+}
+
 /// One stroke a round: a high one for an answer, a low one for none.
 void AppendAnswers(Html& av_Html, const UnitStatus& av_Unit) {
   av_Html << "<td>";
-  if (av_Unit.answers.empty()) {
-    av_Html << "</td>";
-    return;
-  }
-  av_Html << "<svg class=bars aria-hidden=true viewBox=\"0 0 40 10\" preserveAspectRatio=none>";
-  const auto stroke = [&](bool ab_Answered, Markup av_Begin, Markup av_Height) {
-    if (std::find(av_Unit.answers.begin(), av_Unit.answers.end(), ab_Answered) == av_Unit.answers.end()) return;
-    av_Html << av_Begin;
-    for (std::size_t place = 0; place < av_Unit.answers.size(); ++place) {
-      if (av_Unit.answers[place] != ab_Answered) continue;
-      (av_Html << "M").Number(static_cast<std::int64_t>(place) * 2 + 1) << av_Height;
-    }
-    av_Html << "\"/>";
-  };
-  stroke(true, "<path d=\"", " 10V0");
-  stroke(false, "<path class=x d=\"", " 10V7");
-  av_Html << "</svg><small>";
+  if (av_Unit.answers.empty()) return;
+  av_Html << "<svg class=bars aria-hidden=true viewBox=\"0 0 40 10\" preserveAspectRatio=none><path d=\"";
+  AppendStrokes(av_Html, av_Unit.answers, true);
+  av_Html << "\"/><path class=x d=\"";
+  AppendStrokes(av_Html, av_Unit.answers, false);
+  av_Html << "\"/></svg><small>";
   av_Html.Number(av_Unit.answered) << " of ";
-  av_Html.Number(av_Unit.asked) << "</small></td>";
+  av_Html.Number(av_Unit.asked) << "</small>";
 }
 
 void AppendDelivered(Html& av_Html, const UnitStatus& av_Unit) {
@@ -84,7 +87,7 @@ void AppendDelivered(Html& av_Html, const UnitStatus& av_Unit) {
 void AppendRow(Html& av_Html, const UnitStatus& av_Unit) {
   (av_Html << "<tr class=s").Number(static_cast<int>(av_Unit.state)) << "><td>";
   AppendState(av_Html, av_Unit.state);
-  (av_Html << "</td><th scope=row><a href=\"#u").Number(av_Unit.key) << "\">";
+  (av_Html << "<th scope=row><a href=\"#u").Number(av_Unit.key) << "\">";
   av_Html.Text(av_Unit.name) << "</a>" << (av_Unit.note.empty() ? Markup("") : Markup("<small>with a note</small>"))
                              << "</th>";
   Cell(av_Html, av_Unit.client);
@@ -100,23 +103,20 @@ void AppendRow(Html& av_Html, const UnitStatus& av_Unit) {
   av_Html << "</tr>\n";
 }
 
-/// What of the days is of one grade, as a path over them.
+/// The days of one grade, as a path of squares three high.
 void AppendGrade(Html& av_Html, const DayRow& av_Row, DayGrade ae_Grade) {
+  std::int64_t pen = 0;
   bool open = false;
   for (std::size_t place = 0; place < av_Row.cells.size();) {
     std::size_t end = place;
     while (end < av_Row.cells.size() && GradeOf(av_Row.cells[end]) == ae_Grade) ++end;
-    if (end == place) {
-      ++place;
-      continue;
+    if (end > place) {
+      if (!std::exchange(open, true)) (av_Html << "<path class=d").Number(static_cast<int>(ae_Grade)) << " d=\"";
+      (av_Html << "m").Number(static_cast<std::int64_t>(place) - pen) << " 0v3h";
+      av_Html.Number(static_cast<std::int64_t>(end - place)) << "v-3";
+      pen = static_cast<std::int64_t>(end);
     }
-    if (!open) (av_Html << "<path class=d").Number(static_cast<int>(ae_Grade)) << " d=\"";
-    open = true;
-    const std::int64_t width = static_cast<std::int64_t>(end - place) * kCellWidth;
-    (av_Html << "M").Number(static_cast<std::int64_t>(place) * kCellWidth) << " 0h";
-    av_Html.Number(width) << "v12h-";
-    av_Html.Number(width) << "z";
-    place = end;
+    place = end + 1;
   }
   if (open) av_Html << "\"/>";
 }
@@ -145,7 +145,7 @@ void AppendDays(Html& av_Html, const DayMap& av_Map, const DayRow& av_Row) {
     const DayCell& cell = av_Row.cells[place];
     if (cell.missing() == 0) continue;
     if (told++ < kDaysTold) {
-      (av_Html << "<li>").Text(DayText(av_Map.DayOf(place), cell)) << "</li>";
+      (av_Html << "<li>").Text(DayText(av_Map.DayOf(place), cell));
     } else {
       ++more;
       missing += cell.missing();
@@ -153,13 +153,12 @@ void AppendDays(Html& av_Html, const DayMap& av_Map, const DayRow& av_Row) {
   }
   if (more == 0) return;
   (av_Html << "<li>and ")
-          .Text(CountText(more, "more day", "more days") + " before, " + CountText(missing, "reading", "readings") +
-                " missing")
-      << "</li>";
+      .Text(CountText(more, "more day", "more days") + " before, " + CountText(missing, "reading", "readings") +
+            " missing");
 }
 
 void Item(Html& av_Html, const std::string& as_Text) {
-  if (!as_Text.empty()) (av_Html << "<li>").Text(as_Text) << "</li>";
+  if (!as_Text.empty()) (av_Html << "<li>").Text(as_Text);
 }
 
 void AppendSentences(Html& av_Html, const UnitStatus& av_Unit) {
@@ -227,16 +226,16 @@ void AppendDayMap(Html& av_Html, const PageContents& av_Contents) {
   constexpr std::array<Markup, 5> kKey = {"not due", "whole", "90 % and more", "less", "nothing"};
   for (std::size_t grade = 1; grade <= kKey.size(); ++grade) {
     const auto each = static_cast<std::int64_t>(grade % kKey.size());
-    (av_Html << "<li><svg viewBox=\"0 0 24 12\" aria-hidden=true><path class=d").Number(each);
-    av_Html << (each == 0 ? Markup(" fill=none") : Markup("")) << " d=\"M0 0h24v12h-24z\"/></svg> "
-            << kKey[static_cast<std::size_t>(each)] << "</li>";
+    (av_Html << "<li><svg viewBox=\"0 0 6 3\" aria-hidden=true><path class=d").Number(each);
+    av_Html << (each == 0 ? Markup(" fill=none") : Markup("")) << " d=\"M0 0h6v3h-6\"/></svg> "
+            << kKey[static_cast<std::size_t>(each)];
   }
   av_Html << "</ul>\n<table class=gaps><thead><tr><th scope=col>Unit</th><th scope=col>Days</th></tr></thead><tbody>\n";
   for (const UnitStatus& unit : av_Contents.status.units) {
     const DayRow* const row = map.Find(unit.key);
     if (row == nullptr) continue;
     (av_Html << "<tr><th scope=row>").Text(unit.name) << "</th><td><svg class=map aria-hidden=true viewBox=\"0 0 ";
-    av_Html.Number(std::ssize(row->cells) * kCellWidth) << " 12\">";
+    av_Html.Number(std::ssize(row->cells)) << " 3\">";
     for (const DayGrade grade : {DayGrade::Whole, DayGrade::Most, DayGrade::Part, DayGrade::Nothing}) {
       AppendGrade(av_Html, *row, grade);
     }

@@ -28,11 +28,11 @@ table{border-collapse:collapse;width:100%;font-size:.92rem}
 th,td{text-align:left;vertical-align:top;padding:.35rem .6rem .35rem 0;border-bottom:1px solid var(--line)}
 thead th{color:var(--soft);font-weight:600;font-size:.9em}tbody th{font-weight:600}
 td small,th small{display:block;font-weight:400}.units td:first-child,.units td:nth-child(4) small{white-space:nowrap}
-.gaps th{width:14rem}
-svg{display:block;max-width:100%}.bars{width:5rem;height:.8rem}.bars path{fill:none;stroke:var(--fine)}.bars .x{stroke:var(--silent)}
+.gaps{table-layout:fixed}.gaps th:first-child{width:14rem}
+svg{display:block;max-width:100%}.bars{width:5rem;height:.8rem}.bars path{fill:none;stroke:var(--fine);stroke-width:10;stroke-dasharray:1.2 .8}.bars .x{stroke:var(--silent);stroke-width:2}
 .map{width:100%;max-width:48rem;height:auto;background:var(--band)}
 .d1{fill:var(--whole)}.d2{fill:url(#p2)}.d3{fill:url(#p3)}.d4{fill:url(#p4)}
-pattern path{stroke:var(--mark);fill:none}#p4 path{stroke:var(--cross)}
+pattern path{stroke:var(--mark);fill:none;stroke-width:.25}#p4 path{stroke:var(--cross)}
 .key{list-style:none;display:flex;flex-wrap:wrap;gap:.2rem 1rem;padding:0;font-size:.85rem}.key svg{display:inline-block;width:1.5rem;
 height:.8rem;vertical-align:-.1rem;background:var(--band)}
 .unit{border-left:.3rem solid var(--line);padding:.2rem 0 .2rem .8rem;margin:1rem 0;break-inside:avoid}
@@ -45,7 +45,7 @@ thead{position:absolute;clip-path:inset(50%);height:1px;overflow:hidden}
 table,tbody,tr,th,td{display:block}tr{border-bottom:1px solid var(--line);padding:.5rem 0}th,td{border:0;padding:.05rem 0}
 td:empty{display:none}.units td:not(:first-child){display:grid;grid-template-columns:8.5rem 1fr}
 .units td>*{grid-column:2}.bars{align-self:center}.units td:empty:not(:first-child){display:none}
-.gaps th{width:auto}.units td::before{color:var(--soft)}
+.gaps th:first-child{width:auto}.units td::before{color:var(--soft)}
 .units td:nth-child(3)::before{content:"Client"}.units td:nth-child(4)::before{content:"Last reading"}
 .units td:nth-child(5)::before{content:"Last contact"}.units td:nth-child(6)::before{content:"Answered"}
 .units td:nth-child(7)::before{content:"Battery"}.units td:nth-child(8)::before{content:"Complete"}

@@ -44,7 +44,7 @@ TEST(Chart, DrawsExtremesAndLeavesGapsOpen) {
       {"outside", {-1, 61}, {1, 2}, {}, ""},
       {"one", {0}, {7}, {}, "M0 20h1"},
       {"up and down", {0, 2, 4}, {0, 10, 5}, {}, "M0 40l5-40l10 20"},
-      {"a spike within a column", {0, 2, 2, 2, 4}, {0, 0, 10, 0, 0}, {}, "M0 40l5 0v-40l10 40"},
+      {"a spike within a column", {0, 2, 2, 2, 4}, {0, 0, 10, 0, 0}, {}, "M0 40h5v-40l10 40"},
       {"a gap", {0, 2, 40, 42}, {0, 10, 10, 0}, {2}, "M0 40l5-40M195 0l10 40"},
       {"a gap within what is not shown", {0, 2, 40}, {0, none, 10}, {1}, "M0 40h1M195 0h1"},
   };
