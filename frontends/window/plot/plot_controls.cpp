@@ -52,7 +52,8 @@ constexpr int kMostItems = 65535;
 constexpr int kListWidth = 150;
 constexpr int kSensorRows = 6;
 constexpr int kSpacing = 4;
-constexpr int kEntryLetters = 9;
+constexpr int kEntryLetters = 8;
+constexpr int kSpanLetters = 5;
 constexpr std::int64_t kDaysTo1970 = 25569;
 
 QDateTime Shown(double seconds) {
@@ -100,6 +101,9 @@ QDateTimeEdit* TimeField(const char* name) {
   field->setTimeSpec(Qt::UTC);
   field->setDisplayFormat("d MMM yyyy HH:mm");
   field->setKeyboardTracking(false);
+  // Before there are readings there is no time to show.
+  field->setMinimumDateTime(Shown(0));
+  field->setSpecialValueText("-");
   return field;
 }
 
@@ -131,6 +135,7 @@ PlotControls::PlotControls(QWidget& page, QWidget& view, QWidget& below) {
   area->setWidgetResizable(true);
   area->setFrameShape(QFrame::NoFrame);
   area->setWidget(splitter);
+  for (QWidget* each : {area->viewport(), static_cast<QWidget*>(splitter)}) each->setAutoFillBackground(false);
   auto* whole = new QVBoxLayout(&page);
   whole->addWidget(area);
   EnableChoices();
@@ -159,7 +164,7 @@ QWidget* PlotControls::MakeLists(QWidget& page) {
   column->addWidget(LabelFor(*sensors_, "Sensors:", kSensorsText));
   column->addWidget(sensors_, 1);
   sensors_->setMaximumHeight(sensors_->fontMetrics().height() * 2 * kSensorRows);
-  units_->setMinimumWidth(kListWidth - 30);
+  units_->setMinimumWidth(kListWidth - 50);
   QObject::connect(filter_, &QLineEdit::textChanged, &page, [this] { Filter(); });
   QObject::connect(units_, &QListWidget::itemChanged, &page, [this] {
     if (!filling_ && units_changed) units_changed();
@@ -178,6 +183,7 @@ QWidget* PlotControls::MakeChoices(QWidget& page) {
   item_->setRange(1, kDefaultItems);
   SetTextId(*item_, kItemField, "Which item of a raw line, the one behind the date being 1");
   span_ = SelectorOf(kSpans, "plotSpan", kSpanEntries, "How much is shown");
+  span_->setMinimumContentsLength(kSpanLetters);
   from_ = TimeField("plotFrom");
   to_ = TimeField("plotTo");
   back_ = ButtonOf("Back", "plotBack", kBackText, "Shows what was shown before the last zoom (Backspace in the plot)");

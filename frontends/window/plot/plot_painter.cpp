@@ -208,7 +208,8 @@ void PlotPainter::DrawMark(std::size_t line, const QPointF& at, const PlotColour
   painter_.setPen(QPen(colour, 1.2));
   // The second seven lines have the colours of the first and hollow marks.
   painter_.setBrush(line < kOnLight.size() ? colour : colours.background);
-  switch (line % kMarkShapes) {
+  // Lines whose colours are akin, such as the two blues, have other shapes.
+  switch ((line + 2 * (line / kMarkShapes)) % kMarkShapes) {
     case 0:
       painter_.drawEllipse(at, r, r);
       break;
