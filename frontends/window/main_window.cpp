@@ -1,5 +1,6 @@
 #include "window/main_window.h"
 
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include <QScrollArea>
 #include <QShortcut>
 #include <QTabBar>
+#include <QVBoxLayout>
 
 #include "ui_main_window.h"
 #include "window/access_keys.h"
@@ -147,8 +149,10 @@ void MainWindow::AddTray() {
 
 void MainWindow::TakeStatus(const NetworkStatus& status) {
   tray_->Take(status);
-  const std::int64_t before = std::exchange(last_round_, status.last.ended.IsNone() ? last_round_ : status.last.key);
-  if (before >= 0 && before != last_round_) announcer_->Say(QString::fromStdString(status.last_round));
+  const bool runs = status.last.ended.IsNone();
+  const std::int64_t ended = runs ? std::max<std::int64_t>(status.last.key - 1, 0) : status.last.key;
+  const std::int64_t before = std::exchange(last_round_, ended);
+  if (!runs && before >= 0 && before < ended) announcer_->Say(QString::fromStdString(status.last_round));
 }
 
 std::string MainWindow::NoteOf(const Control& list, const std::string& row) {
@@ -175,6 +179,7 @@ void MainWindow::AddTabShortcuts() {
 
 void MainWindow::AddPortDialog() {
   ports_ = new PortDialog(app_.ports(), this);
+  NameControls(*ports_);
   ports_->assignment_changed = [this] { ShowPorts(); };
   ports_->number_of = [this](int use) { return int{app_.form().Cmb_Port[use].SelectedItemData()}; };
   ports_->number_chosen = [this](int use, int number) {

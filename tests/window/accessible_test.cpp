@@ -89,7 +89,8 @@ TEST_F(Accessible, NamesAreCaptionsWithTheirColumnRowOrGroup) {
                                                       {"Lbl_Try", "Try: 2"},
                                                       {"Bar_Unit", "Units"},
                                                       {"Lst_Debug", "Log"},
-                                                      {"Cmd_BackupFolder", "Backup to..."}};
+                                                      {"Cmd_BackupFolder", "Backup to..."},
+                                                      {"Devices", "Devices found"}};
   for (const auto& [widget, name] : rows) EXPECT_EQ(NameOf(Widget<QWidget>(widget)), name) << widget;
   Button("Cmd_Process_1").setText("&Laden");
   Widget<QLabel>("label_17").setText("Gew\xC3\xA4hlt");

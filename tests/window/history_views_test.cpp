@@ -8,14 +8,17 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include "sqlite/sqlite_history_store.h"
 #include "window/network/gap_map.h"
 #include "window/network/rounds_view.h"
 #include "window/tray.h"
+#include "window_world.h"
 
 namespace corvane::test {
 namespace {
@@ -137,6 +140,31 @@ TEST_F(Shown, RoundsArePagedBackToAndStayWhileTheNextOneRuns) {
   stored.push_back(6);
   view.RoundEnded();
   EXPECT_EQ(head(), "Round 6.");
+}
+
+TEST_F(Shown, TheViewsReadWhatARoundBroughtAndItsEndIsAnnounced) {
+  SqliteHistoryStore store;
+  WindowWorld world(SmallNetwork(2), &store);
+  WriteTables(world.home);
+  world.Open();
+  world.ShowPage("tabNetwork");
+  world.Settle();
+  auto& views = world.Widget<QTabWidget>("networkViews");
+  auto& text = world.Widget<QPlainTextEdit>("roundsText");
+  auto& table = world.Widget<QTableView>("gapMapTable");
+  const auto shows = [](const auto& shown) { return QTest::qWaitFor(shown, 2000); };
+  views.setCurrentIndex(2);
+  EXPECT_TRUE(shows([&] { return world.Widget<QLabel>("roundsHead").text().startsWith("No round is known"); }));
+  // What was so before the round is not announced.
+  EXPECT_TRUE(shows([&] { return !world.Widget<QLabel>("networkHeadline").text().isEmpty(); }));
+  world.Choose("mnu_Download", 1);
+  EXPECT_TRUE(shows([&] { return text.toPlainText().contains("    Site 2: Answered, 2 readings\n"); }))
+      << text.toPlainText().toStdString();
+  EXPECT_TRUE(shows([&] { return world.Widget<QLabel>("announcer").text().contains("2 of 2 units answered"); }));
+  views.setCurrentIndex(1);
+  EXPECT_TRUE(shows([&] { return table.model()->rowCount() == 2; }));
+  table.setCurrentIndex(table.model()->index(1, 89));
+  EXPECT_TRUE(world.Widget<QLabel>("gapMapSentence").text().startsWith("Site 2, 12 March: "));
 }
 
 TEST_F(Shown, TheTrayTellsOfSilentStations) {

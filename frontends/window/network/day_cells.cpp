@@ -60,7 +60,7 @@ void PaintDay(QPainter& painter, const QRect& area, const DayCell& cell, const Q
   painter.save();
   switch (GradeOf(cell)) {
     case DayGrade::NotDue:
-      painter.fillRect(QRect(area.center(), QSize(1, 1)), colours.color(QPalette::Mid));
+      painter.fillRect(QRect(area.center(), QSize(1, 1)), colours.color(QPalette::Disabled, QPalette::Text));
       break;
     case DayGrade::Whole:
       painter.fillRect(area, paints.whole);
