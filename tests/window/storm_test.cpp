@@ -13,19 +13,25 @@
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
+#include "sqlite/sqlite_history_store.h"
 #include "window_world.h"
 
 namespace corvane::test {
 namespace {
 
-constexpr std::int64_t kStormMilliseconds = 60'000;
-constexpr std::int64_t kLongestRun = 6 * 3'600'000;
+/// Of virtual time; CORVANE_STORM_SECONDS makes it a longer one.
+const std::int64_t kStormMilliseconds = 1000 * std::max(60, qEnvironmentVariableIntValue("CORVANE_STORM_SECONDS"));
+const std::int64_t kLongestRun = 6 * 3'600'000 + kStormMilliseconds;
 constexpr int kReadings = 24;
 
+struct KeptHistory {
+  SqliteHistoryStore store;
+};
+
 /// A person who clicks, types and answers at random while slow units are downloaded.
-class Storm : public WindowWorld {
+class Storm : private KeptHistory, public WindowWorld {
  public:
-  explicit Storm(unsigned seed) : WindowWorld(SmallNetwork(4) + "[Clients]\nNumClients=2\n"), random_(seed) {
+  explicit Storm(unsigned seed) : WindowWorld(SmallNetwork(4) + "[Clients]\nNumClients=2\n", &store), random_(seed) {
     WriteTables(home);
     readings.clear();
     for (int hour = 0; hour < kReadings; ++hour) {
@@ -86,7 +92,9 @@ class Storm : public WindowWorld {
     }
     if (loop.MonotonicMilliseconds() >= kStormMilliseconds) return;
     operations += app().slot().Taken() ? 1 : 0;
-    Act();
+    Below(3) == 0 ? ActOnPages() : Act();
+    // What was read on threads arrives.
+    QCoreApplication::processEvents();
   }
   /// As the program does after a box: one that arises while something runs is dropped.
   void Activate() {
@@ -132,6 +140,46 @@ class Storm : public WindowWorld {
       default:
         dialogs.text_answer = Below(2) == 0 ? std::optional<std::string>("0123") : std::nullopt;
         return Below(2) == 0 ? window().showMinimized() : window().showNormal();
+    }
+  }
+
+  /// One act on the pages that look at the network; what they start goes the way of every command.
+  void ActOnPages() {
+    static const std::vector<const char*> kPages = {"tabNetwork", "tabNetwork", "tabPlot", "tabUnit"};
+    static const std::vector<QString> kTexts = {"", "1", "site", "x", "2010-03-11"};
+    static const std::vector<QKeySequence> kKeys = {
+        Qt::Key_F5,    Qt::CTRL | Qt::Key_F, Qt::Key_PageDown,  Qt::Key_Return, Qt::Key_Up,
+        Qt::Key_Right, Qt::Key_Plus,         Qt::Key_Backspace, Qt::Key_Home,   Qt::Key_Space};
+    auto& page = Widget<QWidget>(Below(2) == 0 ? "tabNetwork" : "tabPlot");
+    const auto any = [this, &page]<class Kind>(Kind*, const char* pattern = ".*") -> Kind* {
+      const auto all = page.findChildren<Kind*>(QRegularExpression(QRegularExpression::anchoredPattern(pattern)));
+      return all.isEmpty() ? nullptr : Pick(all);
+    };
+    switch (Below(6)) {
+      case 0:
+        return ShowPage(Pick(kPages));
+      case 1:
+        // Those that ask for the name of a file would wait for a person.
+        if (auto* button = any(static_cast<QAbstractButton*>(nullptr), "(?!.*([Ss]ave|qt_)).+")) button->click();
+        return;
+      case 2:
+        if (auto* field = any(static_cast<QLineEdit*>(nullptr), "(?!qt_).+")) field->setText(Pick(kTexts));
+        return;
+      case 3:
+        if (auto* box = any(static_cast<QComboBox*>(nullptr)))
+          box->setCurrentIndex(Below(8) % std::max(1, box->count()));
+        return;
+      case 4:
+        if (auto* list = any(static_cast<QAbstractItemView*>(nullptr))) {
+          list->setCurrentIndex(list->model()->index(Below(5), Below(3)));
+          if (Below(3) == 0) list->selectAll();
+        }
+        return;
+      default:
+        if (QWidget* focus = window().focusWidget(); focus != nullptr && !focus->objectName().contains("Save")) {
+          const QKeyCombination key = Pick(kKeys)[0];
+          QTest::keyClick(focus, key.key(), key.keyboardModifiers());
+        }
     }
   }
 
