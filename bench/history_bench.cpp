@@ -46,7 +46,10 @@ UnitRecord UnitOf(std::int64_t key) {
   unit.key = key;
   unit.unit_id = unit.position = static_cast<std::int32_t>(key);
   unit.name = "Station number " + std::to_string(key);
-  unit.file = std::to_string(key) + ".epd";
+  // As the program names it, so that a window that opens the history knows its units.
+  char file[32];
+  std::snprintf(file, sizeof file, "%05lld.epd", static_cast<long long>(key));
+  unit.file = file;
   unit.relay = "Hill";
   unit.active = true;
   unit.added = DaysAgo(4000);

@@ -4,6 +4,8 @@
 //   corvane-bench-window work FOLDER           prints what a keystroke and a click cost, a line each
 //                                              (processor time, other programs do not count)
 //   corvane-bench-window list FOLDER           prints the slowest of several refreshes of the file list, likewise
+//   corvane-bench-window network FOLDER        prints what the page Network needs to fill (seconds of the clock),
+//                                              and the slowest sort, key in the filter and grouping, a line each
 //   corvane-bench-window convert FOLDER        prints the seconds of converting all units
 //   corvane-bench-window plot FOLDER           prints "shown S held MS all N zoomed N": seconds from the choice of a
 //   unit
@@ -20,14 +22,17 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QTabWidget>
+#include <QTreeView>
 
 #include "app/application.h"
 #include "curl/curl_internet_client.h"
@@ -35,6 +40,7 @@
 #include "printing_dialogs.h"
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
+#include "sqlite/sqlite_history_store.h"
 #include "window/main_window.h"
 #include "window/plot/plot_page.h"
 #include "zip/libzip_component.h"
@@ -64,9 +70,9 @@ class PaintCounter : public QObject {
 /// The program's window on the real machine, shown and activated.
 class Bench {
  public:
-  explicit Bench(const std::string& folder)
+  explicit Bench(const std::string& folder, HistoryStore* history = nullptr)
       : shell_("corvane-bench-window", folder),
-        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_}, folder) {
+        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}, {}, history}, folder) {
     QApplication::instance()->installEventFilter(&counter_);
     app_.life().OnWindowCreate();
     window_.show();
@@ -75,13 +81,14 @@ class Bench {
 
   Application& app() { return app_; }
   void Poll() { loop_.Poll(); }
+  void Yield() { loop_.Yield(); }
 
   /// The widget of that name, on a tab that is shown.
   template <class Kind>
   Kind& Widget(const char* name) {
     auto* found = window_.findChild<Kind*>(name);
     if (found == nullptr) throw std::runtime_error(std::string("no widget ") + name);
-    auto* tabs = window_.findChild<QTabWidget*>();
+    auto* tabs = window_.findChild<QTabWidget*>("tabs");
     for (int tab = 0; tab < tabs->count(); ++tab) {
       if (tabs->widget(tab)->isAncestorOf(found)) tabs->setCurrentIndex(tab);
     }
@@ -172,6 +179,33 @@ int MeasureList(const std::string& folder) {
   return EXIT_SUCCESS;
 }
 
+int MeasureNetwork(const std::string& folder) {
+  SqliteHistoryStore history;
+  const auto start = std::chrono::steady_clock::now();
+  Bench bench(folder, &history);
+  auto& table = bench.Widget<QTreeView>("stationTable");
+  while (table.model()->rowCount() == 0) bench.Yield();
+  bench.Measure([&table] { table.viewport()->update(); });
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  std::printf("Start until the page Network is filled: %.2f s\n", seconds);
+  std::vector<double> times;
+  for (int column = 0; column < table.model()->columnCount(); ++column) {
+    times.push_back(bench.Measure([&] { table.sortByColumn(column, Qt::DescendingOrder); }));
+  }
+  Print("sort", std::exchange(times, {}));
+  auto& filter = bench.Widget<QLineEdit>("stationFilter");
+  for (const char key : std::string("station 77\b\b")) {
+    QKeyEvent press(QEvent::KeyPress, key == '\b' ? Qt::Key_Backspace : Qt::Key_A, {}, QString(QChar(key)));
+    times.push_back(bench.Measure([&] { QApplication::sendEvent(&filter, &press); }));
+  }
+  Print("key in the filter", std::exchange(times, {}));
+  auto& groups = bench.Widget<QComboBox>("stationGroups");
+  filter.clear();
+  for (const int grouping : {1, 2, 0}) times.push_back(bench.Measure([&] { groups.setCurrentIndex(grouping); }));
+  Print("grouping", std::move(times));
+  return EXIT_SUCCESS;
+}
+
 int MeasureConversion(const std::string& folder) {
   Bench bench(folder);
   const auto start = std::chrono::steady_clock::now();
@@ -238,11 +272,12 @@ int main(int argc, char** argv) {
       {"work", [argv] { return MeasureWork(argv[2]); }},
       {"list", [argv] { return MeasureList(argv[2]); }},
       {"plot", [argv] { return MeasurePlot(argv[2]); }},
+      {"network", [argv] { return MeasureNetwork(argv[2]); }},
       {"convert", [argv] { return MeasureConversion(argv[2]); }},
   };
   const auto measure = argc < 3 ? measures.end() : measures.find(argv[1]);
   if (measure == measures.end() || (measure->first == "paint") != (argc == 4)) {
-    std::fprintf(stderr, "usage: corvane-bench-window work|list|convert|plot FOLDER, or paint FOLDER BEGIN\n");
+    std::fprintf(stderr, "usage: corvane-bench-window work|list|network|convert|plot FOLDER, or paint FOLDER BEGIN\n");
     return 2;
   }
   try {
