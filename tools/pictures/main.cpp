@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QStyleFactory>
 #include <QTabWidget>
+#include <QTreeView>
 
 #include "app/application.h"
 #include "base/status.h"
@@ -17,6 +18,7 @@
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
+#include "sqlite/sqlite_history_store.h"
 #include "window/main_window.h"
 #include "window/plot/plot_page.h"
 #include "zip/libzip_component.h"
@@ -64,7 +66,7 @@ class Photographer {
         dialogs_(loop_),
         internet_(loop_),
         zip_(loop_),
-        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}}, std::move(folder)),
+        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}, {}, &history_}, std::move(folder)),
         window_(app_, loop_),
         target_(std::move(target)) {
     window_.resize(kWindowSize);
@@ -80,6 +82,7 @@ class Photographer {
     form.Cmd_DownloadAll[1].Click();
     form.Lst_Units.SetCurrent(2);
     ShowRemoteFolder("orchard");
+    TakeNetwork();
     ShowPage("tabUnit");
     Take("unit");
     TakeTabs();
@@ -97,6 +100,15 @@ class Photographer {
     while (row < form.Lst_RemoteFiles.count() && form.Lst_RemoteFiles.text(row) != folder + "\t[DIR]") ++row;
     if (row == form.Lst_RemoteFiles.count()) throw RunTimeError("the FTP server has no folder " + folder);
     form.Lst_RemoteFiles.Open(row);
+  }
+
+  /// How things stand behind a round; the row of the worst unit is chosen.
+  void TakeNetwork() {
+    ShowPage("tabNetwork");
+    auto* table = window_.findChild<QTreeView*>("stationTable");
+    while (table->model()->rowCount() == 0) loop_.Yield();
+    table->setCurrentIndex(table->model()->index(0, 0));
+    Take("network");
   }
 
   void TakeTabs() {
@@ -175,6 +187,7 @@ class Photographer {
   QtDialogs dialogs_;
   CurlInternetClient internet_;
   LibzipComponent zip_;
+  SqliteHistoryStore history_;
   Application app_;
   MainWindow window_;
   QString target_;
