@@ -51,6 +51,10 @@ TEST(Plot, FindsTheExtremesOfAnyStretch) {
     ASSERT_EQ(found.most, expected.most) << first << " " << end;
     ASSERT_EQ(line.BrokenBetween(first, end), (first < 100 && end >= 100) || (first < 4000 && end >= 4000));
   }
+  for (const auto& [before, covered] : {std::pair(98U, true), {99U, false}, {100U, true}, {4999U, false}}) {
+    EXPECT_EQ(line.Covers(static_cast<double>(line.TimeAt(before)) + 1), covered) << before;
+  }
+  EXPECT_FALSE(line.Covers(static_cast<double>(line.TimeAt(0)) - 1));
 }
 
 TEST(Plot, MarksItsAxesAtRoundPlaces) {

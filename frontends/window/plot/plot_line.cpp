@@ -40,6 +40,12 @@ std::size_t PlotLine::Nearest(double time) const {
   return before ? behind - 1 : behind;
 }
 
+bool PlotLine::Covers(double time) const {
+  const std::size_t behind = FirstFrom(time);
+  if (behind == size()) return false;
+  return static_cast<double>(TimeAt(behind)) == time || (behind > 0 && !BrokenBetween(behind - 1, behind));
+}
+
 Extremes PlotLine::Between(std::size_t first, std::size_t end) const {
   Extremes found;
   for (; first < end && first % kFanOut != 0; ++first) found.Take(ValueAt(first));

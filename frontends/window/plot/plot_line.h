@@ -53,6 +53,8 @@ class PlotLine {
   [[nodiscard]] std::size_t FirstFrom(double time) const;
   /// The reading closest to that time; there has to be one.
   [[nodiscard]] std::size_t Nearest(double time) const;
+  /// Whether the line is drawn at that time: not in a gap, not before its first reading or behind its last one.
+  [[nodiscard]] bool Covers(double time) const;
   /// Of the readings from `first` up to but not including `end`.
   [[nodiscard]] Extremes Between(std::size_t first, std::size_t end) const;
   /// Whether a gap lies somewhere between two readings, the later one `behind`.

@@ -136,7 +136,7 @@ void PlotView::DrawCursor(PlotPainter& plot, QPainter& painter) {
   std::vector<std::size_t> lines;
   for (std::size_t line = 0; line < contents_->lines.size(); ++line) {
     const PlotLine& shown = contents_->lines[line];
-    if (shown.size() == 0) continue;
+    if (!shown.Covers(*cursor_)) continue;
     const std::size_t at = shown.Nearest(*cursor_);
     const auto time = static_cast<double>(shown.TimeAt(at));
     plot.DrawMark(line, {plot.XOf(time), plot.YOf(shown.ValueAt(at), shown.axis())}, colours);
@@ -167,7 +167,7 @@ QString PlotView::CursorText() const {
   if (!cursor_) return {};
   QStringList texts;
   for (const PlotLine& line : contents_->lines) {
-    if (line.size() > 0) texts << line.name() + " " + ValueText(*contents_, line, line.Nearest(*cursor_));
+    if (line.Covers(*cursor_)) texts << line.name() + " " + ValueText(*contents_, line, line.Nearest(*cursor_));
   }
   return TimeText(*cursor_) + ": " + texts.join(", ");
 }
