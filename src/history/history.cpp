@@ -14,11 +14,6 @@ namespace {
 constexpr std::string_view kFileName = "history.db";
 constexpr std::int64_t kHoldOff = 30'000;  ///< milliseconds without another try: each may take a tenth of a second
 constexpr std::int64_t kSecondsPerYear = 31'557'600;
-/// A clock that is ahead for a while is not to make the history old: it is believed as far ahead of the earliest of
-/// some last rounds, and a few days a day from then on.
-constexpr std::int64_t kRoundsOfTheClock = 8;
-constexpr std::int64_t kAheadOfRounds = 30 * kSecondsPerDay;
-constexpr std::int64_t kAheadADay = 3 * kSecondsPerDay;
 constexpr Moment kEver{1, 0};
 constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
 
@@ -57,7 +52,7 @@ Status History::OpenStore() {
   if (!set_aside.empty()) p_.trace.Status(set_aside, StatusKind::Error);
   HistoryQuery query;
   query.contacts_since = kNever;
-  query.rounds = kRoundsOfTheClock;
+  query.rounds = BelievedTime::kRounds;
   query.gaps = true;
   query.scans = true;
   HistoryContents stored;
@@ -75,13 +70,8 @@ void History::Adopt(const HistoryContents& av_Stored) {
   Renumber(changed, keys_are_known_ ? 0 : stored_round);
   keys_are_known_ = true;
   last_round_ = std::max(last_round_, stored_round);
-  if (believed_.IsNone() && !av_Stored.rounds.empty()) {
-    const auto last = std::min<std::ptrdiff_t>(std::ssize(av_Stored.rounds), kRoundsOfTheClock);
-    const auto first = std::min_element(av_Stored.rounds.end() - last, av_Stored.rounds.end(),
-                                        [](const auto& one, const auto& other) { return one.began < other.began; });
-    believed_ = {first->began.utc + kAheadOfRounds, first->began.ahead};
-  }
-  steps_.clear();
+  believed_.TakeRounds(av_Stored.rounds);
+  clock_steps_.Forget();
   TakeSteps(av_Stored.rounds);
   TakeSteps(waiting_.rounds);
   // What the file does not know of the units that are known here.
@@ -191,7 +181,7 @@ void History::BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All) {
   round_.automatic = ab_Automatic;
   round_.all = ab_All;
   round_.began = p_.loop.NowUtc();
-  jumps_.clear();
+  clock_steps_.BeginRound();
   HistoryContents change;
   change.rounds.push_back(round_);
   Write(change);
@@ -206,7 +196,7 @@ void History::EndRound(const RoundRecord& av_Counts) {
   ended.all = round_.all;
   ended.began = round_.began;
   ended.ended = p_.loop.NowUtc();
-  ended.clock_step = ClockStep();
+  ended.clock_step = clock_steps_.EndRound(ended.ended.utc - p_.loop.MonotonicMilliseconds() / 1000);
   round_ = {};
   HistoryContents change;
   change.rounds.push_back(ended);
@@ -220,25 +210,11 @@ void History::TakeJump(std::int64_t al_Position, ContactRecord av_Contact) {
   const UnitMemory& unit = WithClock(KeyOf(al_Position));
   if (!unit.clock_read) return;
   av_Contact.round = round_.key;
-  if (const auto jump = unit.clock.JumpTo(av_Contact, own_clock_)) jumps_.try_emplace(al_Position, *jump);
-}
-
-std::int64_t History::ClockStep() {
-  if (jumps_.empty()) return 0;
-  const std::int64_t base = p_.loop.NowUtc().utc - p_.loop.MonotonicMilliseconds() / 1000;
-  const auto before = std::exchange(clock_base_, base);
-  std::vector<std::int64_t> jumps;
-  for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
-  return StepOf(std::move(jumps), before ? std::optional(base - *before) : std::nullopt);
+  if (const auto jump = unit.clock.JumpTo(av_Contact, clock_steps_.clock())) clock_steps_.TakeJump(al_Position, *jump);
 }
 
 void History::TakeSteps(const std::vector<RoundRecord>& av_Rounds) {
-  const std::size_t known = steps_.size();
-  for (const RoundRecord& round : av_Rounds) {
-    if (round.clock_step != 0) steps_.push_back(round);
-  }
-  if (steps_.size() == known) return;
-  own_clock_ = OwnClock(steps_);
+  if (!clock_steps_.Take(av_Rounds)) return;
   for (auto& [key, unit] : memory_) unit.clock_read = false;
 }
 
@@ -276,7 +252,7 @@ UnitMemory& History::WithClock(std::int64_t al_Key) {
     if (contact.unit == al_Key) former.contacts.push_back(contact);
   }
   unit.clock = {};
-  for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact, own_clock_);
+  for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact, clock_steps_.clock());
   unit.clock_read = true;
   return unit;
 }
@@ -296,7 +272,7 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
   if (av_Contact.outcome == Outcome::Answered) unit->last_answered = av_Contact.at;
   if (asked) change.units.push_back(*unit);
   UnitMemory& memory = memory_[unit->key];
-  if (memory.clock_read) memory.clock.Take(av_Contact, own_clock_);
+  if (memory.clock_read) memory.clock.Take(av_Contact, clock_steps_.clock());
   memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered;
   change.contacts.push_back(std::move(av_Contact));
   Write(change);
@@ -371,27 +347,18 @@ DateTime History::DeliveredTo(std::int64_t al_Position, Target ae_Target) const 
   return found == deliveries_.end() ? DateTime() : found->second.last_reading;
 }
 
-std::optional<std::int64_t> History::LateByReadings() const {
-  std::vector<DateTime> lasts;
-  for (const auto& [key, unit] : memory_) {
-    if (!unit.scan.last.IsNone()) lasts.push_back(unit.scan.last);
-  }
-  if (lasts.empty()) return std::nullopt;
-  const auto middle = lasts.begin() + std::ssize(lasts) / 2;
-  std::nth_element(lasts.begin(), middle, lasts.end());
-  // In time zones of units; some hours do not matter here.
-  return (*middle - Moment{}.Local()) + kAheadOfRounds;
-}
-
 void History::ForgetBefore(std::int64_t al_Years) {
   const Moment now = p_.loop.NowUtc();
   // A clock that was ahead has been set right.
   if (forgotten_ > now) forgotten_ = {};
   if (!Kept() || now - forgotten_ < kSecondsPerDay || !IsReady()) return;
   forgotten_ = now;
-  believed_ = believed_.IsNone() ? now : std::min(now, Moment{believed_.utc + kAheadADay, believed_.ahead});
-  if (const auto readings = LateByReadings()) believed_.utc = std::min(believed_.utc, *readings);
-  const Moment before{believed_.utc - al_Years * kSecondsPerYear, believed_.ahead};
+  std::vector<DateTime> lasts;
+  for (const auto& [key, unit] : memory_) {
+    if (!unit.scan.last.IsNone()) lasts.push_back(unit.scan.last);
+  }
+  const Moment today = believed_.Today(now, std::move(lasts));
+  const Moment before{today.utc - al_Years * kSecondsPerYear, today.ahead};
   if (const Status forgot = p_.store->Forget(before); !forgot.ok()) {
     Report("written", forgot);
   }

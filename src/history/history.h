@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "data/completeness.h"
+#include "history/believed_time.h"
 #include "history/clock_book.h"
 #include "history/network_status.h"
 #include "history/own_clock.h"
@@ -133,14 +134,10 @@ class History {
   void Report(const std::string& as_CannotBe, const Status& av_Failure);
   /// Keeps how far a unit's clock has jumped to a contact of the round that runs.
   void TakeJump(std::int64_t al_Position, ContactRecord av_Contact);
-  /// By how much this computer's clock was set back before the round that ends.
-  [[nodiscard]] std::int64_t ClockStep();
   /// Takes the clock steps of rounds; what is known of units' clocks is read anew.
   void TakeSteps(const std::vector<RoundRecord>& av_Rounds);
   void DropOldest();
   [[nodiscard]] bool TryAgainNow() const;
-  /// How late it is at most by the last readings of the units, seconds since 1970; none where there are none.
-  [[nodiscard]] std::optional<std::int64_t> LateByReadings() const;
 
   Parts p_;
   std::string file_;
@@ -148,19 +145,16 @@ class History {
   std::map<std::int64_t, UnitMemory> memory_;                             ///< by key
   std::map<std::pair<std::int64_t, Target>, DeliveryRecord> deliveries_;  ///< by key and target
   RoundRecord round_;                                                     ///< that runs
-  std::map<std::int64_t, std::int64_t> jumps_;  ///< of units' clocks in this round, by position
-  std::vector<RoundRecord> steps_;              ///< rounds of clock steps
-  OwnClock own_clock_;                          ///< that these make
-  std::optional<std::int64_t> clock_base_;      ///< seconds UTC less monotonic ones, when units' clocks were heard last
-  std::int64_t last_round_ = 0;                 ///< key
-  bool keys_are_known_ = false;                 ///< the file was open once: keys are its own
-  HistoryContents waiting_;                     ///< to be written
+  ClockSteps clock_steps_;
+  std::int64_t last_round_ = 0;  ///< key
+  bool keys_are_known_ = false;  ///< the file was open once: keys are its own
+  HistoryContents waiting_;      ///< to be written
   std::string problem_;
   bool reported_ = false;      ///< a failure, in this round
   bool dropped_ = false;       ///< records were lost, which was told
   std::int64_t next_try_ = 0;  ///< monotonic milliseconds: not before, behind a failure
   Moment forgotten_;           ///< when something was forgotten last
-  Moment believed_;            ///< how late it is at most, whatever the clock says; none: nothing is known of it
+  BelievedTime believed_;
 };
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <iterator>
+#include <utility>
 
 namespace corvane {
 namespace {
@@ -57,6 +58,23 @@ std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64
   if (!IsJump(step)) return 0;
   if (av_Passed && std::abs(*av_Passed + step) <= kClockJump) return step;
   return most >= kFewestThatAgree && 2 * most > std::ssize(av_Jumps) ? step : 0;
+}
+
+bool ClockSteps::Take(const std::vector<RoundRecord>& av_Rounds) {
+  const std::size_t known = rounds_.size();
+  std::copy_if(av_Rounds.begin(), av_Rounds.end(), std::back_inserter(rounds_),
+               [](const RoundRecord& round) { return round.clock_step != 0; });
+  if (rounds_.size() == known) return false;
+  clock_ = OwnClock(rounds_);
+  return true;
+}
+
+std::int64_t ClockSteps::EndRound(std::int64_t al_Base) {
+  if (jumps_.empty()) return 0;
+  const auto before = std::exchange(base_, al_Base);
+  std::vector<std::int64_t> jumps;
+  for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
+  return StepOf(std::move(jumps), before ? std::optional(al_Base - *before) : std::nullopt);
 }
 
 }  // namespace corvane

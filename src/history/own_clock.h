@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <vector>
@@ -47,5 +48,26 @@ inline constexpr std::int64_t kClockJump = 120;
 /// `av_Passed`: by how much this computer's clock has gone forward more than time has passed, where that is known.
 /// Where it is, one unit that has jumped back by as much will do; else more than half of at least two have to agree.
 [[nodiscard]] std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed);
+
+/// Finds the steps of this computer's clock, round by round, and keeps those that are known.
+class ClockSteps {
+ public:
+  /// Takes the steps of rounds; true when there were any.
+  bool Take(const std::vector<RoundRecord>& av_Rounds);
+  void Forget() { *this = {}; }
+  [[nodiscard]] const OwnClock& clock() const { return clock_; }
+
+  void BeginRound() { jumps_.clear(); }
+  /// A unit's clock has jumped by so many seconds to its first contact of this round.
+  void TakeJump(std::int64_t al_Unit, std::int64_t al_Seconds) { jumps_.try_emplace(al_Unit, al_Seconds); }
+  /// The step of the round that ends; `al_Base`: seconds UTC less monotonic ones.
+  [[nodiscard]] std::int64_t EndRound(std::int64_t al_Base);
+
+ private:
+  std::map<std::int64_t, std::int64_t> jumps_;  ///< of this round, by unit
+  std::vector<RoundRecord> rounds_;             ///< of steps
+  OwnClock clock_;                              ///< that these make
+  std::optional<std::int64_t> base_;            ///< when units' clocks were heard last
+};
 
 }  // namespace corvane

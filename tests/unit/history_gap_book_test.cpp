@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "history/believed_time.h"
 #include "history/clock_book.h"
 #include "history/gap_book.h"
 #include "history/waiting_records.h"
@@ -157,6 +158,32 @@ TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
       {"this computer has slept", {1, 2}, 30000, 0},
   };
   for (const Row& row : rows) EXPECT_EQ(StepOf(row.jumps, row.passed), row.wanted) << row.name;
+}
+
+TEST(BelievedTime, IsNotThatOfAClockThatIsAhead) {
+  constexpr std::int64_t kDay = kSecondsPerDay;
+  constexpr std::int64_t kNow = 15000 * kDay;
+  constexpr std::int64_t kAhead = kNow + 3650 * kDay;
+  const DateTime reading = Moment{kNow, 0}.Local();
+  struct Row {
+    const char* name;
+    std::vector<std::int64_t> rounds;
+    std::vector<DateTime> readings;
+    std::int64_t latest;
+  };
+  const std::vector<Row> rows = {
+      {"the clock as it is", {}, {}, kAhead},
+      {"one round of the right time is left", {kNow, kAhead, kAhead}, {}, kNow + 33 * kDay},
+      {"none is, but the readings", {kAhead, kAhead}, {reading, reading, reading + 9999 * kDay}, kNow + 30 * kDay},
+      {"a unit of former years changes nothing", {kNow}, {reading - 5000 * kDay, reading, reading}, kNow + 30 * kDay},
+  };
+  for (const Row& row : rows) {
+    std::vector<RoundRecord> rounds(row.rounds.size());
+    for (std::size_t i = 0; i < rounds.size(); ++i) rounds[i].began = Moment{row.rounds[i], 0};
+    BelievedTime time;
+    time.TakeRounds(rounds);
+    EXPECT_EQ(time.Today(Moment{kAhead, 0}, row.readings).utc, row.latest) << row.name;
+  }
 }
 
 TEST(WaitingRecords, KeepTheNewestOfAllKinds) {
