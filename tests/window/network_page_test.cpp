@@ -108,6 +108,8 @@ TEST_F(NetworkPage, FillsWhileARoundRunsAndKeepsWhatWasChosen) {
     EXPECT_FALSE(world_.Button("collectButton").isEnabled()) << "one operation at a time";
     EXPECT_TRUE(world_.Widget<QWidget>("stationFilter").isEnabled()) << "what only looks is not held up";
     EXPECT_EQ(Line("networkRound"), "A round runs; Site 1 is asked now.");
+    world_.app().round_follower().on_asking(0);
+    EXPECT_EQ(Line("networkRound"), "A round runs; no unit is asked now.") << "while files are converted and sent";
   });
   world_.Choose("mnu_Download", 1);
   EXPECT_TRUE(looked);

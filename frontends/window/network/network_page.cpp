@@ -226,9 +226,13 @@ void NetworkPage::Take(const Status& read, NetworkStatus status) {
 
 void NetworkPage::ShowRound() {
   const bool running = running_ > 0 && app_.registry().Units.Has(running_);
-  const QString asked =
-      running ? QString::fromStdString("A round runs; " + app_.registry().Units[running_].Name + " is asked now.") : "";
-  round_->setText(running ? asked : last_round_.isEmpty() ? QString() : "Last round: " + last_round_);
+  if (running) {
+    round_->setText(QString::fromStdString("A round runs; " + app_.registry().Units[running_].Name + " is asked now."));
+  } else if (app_.history().Round().key > 0) {
+    round_->setText("A round runs; no unit is asked now.");
+  } else {
+    round_->setText(last_round_.isEmpty() ? QString() : "Last round: " + last_round_);
+  }
   round_->setVisible(!round_->text().isEmpty());
 }
 
