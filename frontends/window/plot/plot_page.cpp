@@ -17,6 +17,7 @@ namespace {
 using Chosen = PlotControls::Chosen;
 
 constexpr int kLookAgainMilliseconds = 5000;
+constexpr int kCursorLines = 2;
 constexpr double kSameSpan = 60;  // seconds, which is what the fields from and to show
 constexpr const char* kFilters = "Picture (*.png);;Drawing (*.svg);;Document (*.pdf);;Table of the readings (*.csv)";
 
@@ -33,6 +34,10 @@ PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_te
   cursor_text_->setTextFormat(Qt::PlainText);
   // However long the text is, it does not widen the window.
   cursor_text_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  // Nor does the plot change its height while the cursor moves.
+  cursor_text_->setWordWrap(true);
+  cursor_text_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  cursor_text_->setFixedHeight(kCursorLines * cursor_text_->fontMetrics().lineSpacing());
   auto* below = new QWidget;
   auto* texts = new QVBoxLayout(below);
   texts->setContentsMargins(0, 0, 0, 0);
