@@ -7,8 +7,12 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
 #include <QStyleFactory>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTreeView>
 
 #include "app/application.h"
@@ -31,6 +35,11 @@ constexpr int kPortsGroup = 3;
 constexpr int kFilesCommand = 2;
 constexpr std::int32_t kNumberOfAbsentDevice = 9;
 constexpr int kPassesUntilPainted = 10;
+constexpr int kGapMapView = 1;
+constexpr int kRoundsView = 2;
+constexpr int kUnitWithGaps = 3;       ///< place in the list, from 0
+constexpr int kDayWithAGap = 69;       ///< of the 90 of the gap map
+constexpr int kReadingOfCursor = 130;  ///< in the plot, from the newest
 
 QPalette DarkColours() {
   const QColor dark(45, 45, 48);
@@ -102,13 +111,22 @@ class Photographer {
     form.Lst_RemoteFiles.Open(row);
   }
 
-  /// How things stand behind a round; the row of the worst unit is chosen.
+  /// How things stand behind a round; the row of the worst unit is chosen, and a day of one that lacks readings.
   void TakeNetwork() {
     ShowPage("tabNetwork");
     auto* table = window_.findChild<QTreeView*>("stationTable");
     while (table->model()->rowCount() == 0) loop_.Yield();
     table->setCurrentIndex(table->model()->index(0, 0));
     Take("network");
+    ShowTab("networkViews", kGapMapView);
+    auto* map = window_.findChild<QTableView*>("gapMapTable");
+    while (map->model()->rowCount() == 0) loop_.Yield();
+    map->setCurrentIndex(map->model()->index(kUnitWithGaps, kDayWithAGap));
+    Take("gap-map");
+    ShowTab("networkViews", kRoundsView);
+    const auto* sentences = window_.findChild<QPlainTextEdit*>("roundsText");
+    while (sentences->toPlainText().isEmpty()) loop_.Yield();
+    Take("rounds");
   }
 
   void TakeTabs() {
@@ -119,10 +137,7 @@ class Photographer {
       ShowPage(page);
       Take(name);
     }
-    ShowPage("tabPlot");
-    const auto& plot = dynamic_cast<PlotPage&>(*window_.findChild<QWidget*>("tabPlot"));
-    while (plot.Busy()) loop_.Yield();
-    Take("plot");
+    TakePlot();
     ShowPage("tabSettings");
     const std::vector<const char*> groups = {"settings-folders", "settings-readings", "settings-lookups",
                                              "settings-ports",   "settings-schedule", "settings-network"};
@@ -130,6 +145,32 @@ class Photographer {
       ShowTab("settingsTabs", static_cast<int>(group));
       Take(groups[group]);
     }
+  }
+
+  /// A week with a gap: temperatures and battery, with the cursor on a reading.
+  void TakePlot() {
+    ShowPage("tabPlot");
+    auto& plot = dynamic_cast<PlotPage&>(*window_.findChild<QWidget*>("tabPlot"));
+    plot.ShowUnit(kUnitWithGaps + 1);
+    while (plot.Busy()) loop_.Yield();
+    Choose("plotLeft", "Temperature");
+    Choose("plotRight", "Battery");
+    Choose("plotSpan", "Week");
+    while (plot.Busy()) loop_.Yield();
+    for (int reading = 0; reading < kReadingOfCursor; ++reading) {
+      QKeyEvent left(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+      QApplication::sendEvent(&plot.view(), &left);
+    }
+    Take("plot");
+  }
+
+  /// Chooses an entry as a person does.
+  void Choose(const char* selector, const char* entry) {
+    auto* box = window_.findChild<QComboBox*>(selector);
+    const int place = box->findText(entry);
+    if (place < 0) throw RunTimeError(std::string(selector) + " has no entry " + entry);
+    box->setCurrentIndex(place);
+    Q_EMIT box->activated(place);
   }
 
   /// A round over a port whose adapter is not there.
