@@ -36,7 +36,12 @@ std::string ShortName(const std::string& name) {
   return cut.size() == name.size() ? name : std::string(CutCharacters(name, kNameWidth - 2)) + "..";
 }
 
-std::vector<std::string> RowOf(const UnitStatus& unit) {
+std::string Complete(const UnitStatus& unit, Moment now) {
+  const std::string to = KnownToText(unit, now);
+  return CompleteText(unit) + (to.empty() ? "" : " " + to);
+}
+
+std::vector<std::string> RowOf(const UnitStatus& unit, Moment now) {
   return {ShortName(unit.name),
           std::to_string(unit.id),
           std::string(NameOf(unit.state)),
@@ -44,7 +49,7 @@ std::vector<std::string> RowOf(const UnitStatus& unit) {
           unit.asked == 0 ? "" : std::to_string(unit.answered) + "/" + std::to_string(unit.asked),
           Volts(unit),
           DaysLeft(unit),
-          CompleteText(unit),
+          Complete(unit, now),
           CountOrNothing(unit.missing)};
 }
 
@@ -118,7 +123,7 @@ std::string StatusTable(const NetworkStatus& status) {
   if (!status.next_round.IsNone()) AppendLine(text, "Next round: " + WhenText(status.next_round));
   if (status.units.empty()) return text;
   std::vector<std::vector<std::string>> rows;
-  for (const UnitStatus& unit : status.units) rows.push_back(RowOf(unit));
+  for (const UnitStatus& unit : status.units) rows.push_back(RowOf(unit, status.now));
   text += "\n" + FormatTable({{"Unit"},
                               {"ID", true},
                               {"State"},

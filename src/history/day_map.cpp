@@ -16,8 +16,11 @@
 namespace corvane {
 namespace {
 
-constexpr std::array<std::string_view, 5> kGrades = {"no readings due", "whole", "most", "part", "nothing"};
+constexpr std::array<std::string_view, 6> kGrades = {"no readings due", "whole",       "most", "part",
+                                                     "nothing",         "not heard of"};
 constexpr std::int64_t kMostTenths = 9;
+/// A day that ends behind the last answer counts as known as long as the unit is asked once a day.
+constexpr std::int64_t kOverdue = kSecondsPerDay + 3600;
 
 std::int32_t Small(std::int64_t al_Count) {
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(al_Count, 0, std::numeric_limits<std::int32_t>::max()));
@@ -30,10 +33,10 @@ DateTime FirstDay(Moment av_Now, std::int64_t al_Days) {
 /// One unit's row, from what is known of its days and gaps.
 class RowMaker {
  public:
-  RowMaker(const UnitHistory& av_History, DateTime av_First, std::int64_t al_Days, bool ab_RepairsGaps)
-      : history_(av_History), first_(av_First), repairs_gaps_(ab_RepairsGaps) {
+  RowMaker(const UnitHistory& av_History, DateTime av_First, DateTime av_Now, bool ab_RepairsGaps)
+      : history_(av_History), first_(av_First), now_(av_Now), repairs_gaps_(ab_RepairsGaps) {
     row_.unit = av_History.unit->key;
-    row_.cells.resize(static_cast<std::size_t>(al_Days));
+    row_.cells.resize(static_cast<std::size_t>((av_Now.Midnight() - av_First) / kSecondsPerDay + 1));
   }
 
   DayRow Make() {
@@ -46,6 +49,7 @@ class RowMaker {
     }
     for (const GapRecord& gap : history_.gaps) Take(gap);
     for (DayCell& cell : row_.cells) Settle(cell);
+    MarkUnheard();
     return std::move(row_);
   }
 
@@ -90,10 +94,31 @@ class RowMaker {
     av_Cell.lost = std::min(av_Cell.lost, av_Cell.missing());
     av_Cell.open = CanBeAsked() ? std::min(av_Cell.open, av_Cell.missing() - av_Cell.lost) : 0;
     av_Cell.by_itself = av_Cell.by_itself && av_Cell.open > 0;
+    av_Cell.to_come = CanBeAsked() && av_Cell.missing() > av_Cell.lost + av_Cell.open;
+  }
+
+  /// Until when it is known what the unit has logged; none where nobody waits for it.
+  [[nodiscard]] DateTime KnownUntil() const {
+    const UnitRecord& unit = *history_.unit;
+    if (!unit.active || unit.get_from == kFromNone) return {};
+    if (!unit.last_answered.IsNone()) return unit.last_answered.Local();
+    if (!history_.days.empty()) return history_.days.back().day;
+    return unit.added.IsNone() ? DateTime() : unit.added.Local();
+  }
+
+  void MarkUnheard() {
+    const DateTime known = KnownUntil();
+    if (known.IsNone()) return;
+    for (DateTime day = std::max(first_, known.Midnight()); day <= now_; day = day + kSecondsPerDay) {
+      DayCell* const cell = CellOf(day);
+      if (cell == nullptr) return;
+      cell->unheard = day == known.Midnight() ? now_ - known > kOverdue : cell->expected == 0;
+    }
   }
 
   const UnitHistory& history_;
   DateTime first_;
+  DateTime now_;
   bool repairs_gaps_;
   DayRow row_;
 };
@@ -111,6 +136,7 @@ std::string_view NameOf(DayGrade ae_Grade) {
 }
 
 DayGrade GradeOf(const DayCell& av_Cell) {
+  if (av_Cell.unheard && av_Cell.missing() == 0) return DayGrade::Unheard;
   if (av_Cell.expected <= 0) return DayGrade::NotDue;
   if (av_Cell.missing() == 0) return DayGrade::Whole;
   if (av_Cell.stored <= 0) return DayGrade::Nothing;
@@ -138,23 +164,27 @@ DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t
   for (const UnitRecord& unit : av_History.units) {
     if (unit.position <= 0) continue;
     const UnitHistory history = HistoryOf(av_History, unit);
-    map.rows.push_back(RowMaker(history, map.first, al_Days, repairs_gaps).Make());
+    map.rows.push_back(RowMaker(history, map.first, av_Now.Local(), repairs_gaps).Make());
   }
   return map;
 }
 
 std::string DayText(DateTime av_Day, const DayCell& av_Cell) {
   const std::string day = FormatDate(av_Day, "d mmmm") + ": ";
-  if (av_Cell.expected <= 0) return day + "no readings were due";
+  if (av_Cell.expected <= 0) return day + (av_Cell.unheard ? "the unit was not heard of" : "no readings were due");
   const std::int32_t missing = av_Cell.missing();
-  if (missing == 0)
+  const std::string until = av_Cell.unheard ? ", and the unit was not heard of for the rest of the day" : "";
+  if (missing == 0) {
+    if (av_Cell.unheard) return day + CountText(av_Cell.stored, "reading", "readings") + until;
     return day + (av_Cell.stored == 1 ? "its one reading" : "all " + CountText(av_Cell.stored, "", "readings"));
+  }
   std::string text = day + std::to_string(av_Cell.stored) + " of " +
                      CountText(av_Cell.expected, "reading", "readings") + ", " + std::to_string(missing) + " missing";
   text += PartText(av_Cell.lost, missing, "lost for ever");
   text += PartText(av_Cell.open, missing, av_Cell.by_itself ? "asked for by the next repair" : "open to a repair");
   const std::int32_t unsettled = missing - av_Cell.lost - av_Cell.open;
-  return text + PartText(unsettled, missing, "not to be asked for now");
+  text += PartText(unsettled, missing, av_Cell.to_come ? "to come with the next download" : "not to be asked for now");
+  return text + until;
 }
 
 }  // namespace corvane

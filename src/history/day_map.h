@@ -20,6 +20,8 @@ struct DayCell {
   std::int32_t lost = 0;   ///< of those missing, for ever
   std::int32_t open = 0;   ///< of those missing, that a repair can ask for
   bool by_itself = false;  ///< the next repair asks for them without a person's word
+  bool to_come = false;    ///< those missing that no gap tells of come with the next download
+  bool unheard = false;    ///< the unit has not been heard of until its end: what it has logged then is not known
 
   [[nodiscard]] constexpr std::int32_t missing() const { return expected > stored ? expected - stored : 0; }
   /// Of the readings expected, 0 to 1; none where none were.
@@ -31,10 +33,10 @@ struct DayCell {
 };
 
 /// How much of a day is there, in the steps that a map shows by colour and pattern.
-enum class DayGrade : std::uint8_t { NotDue, Whole, Most, Part, Nothing };
-/// "no readings due", "whole", "most", "part", "nothing".
+enum class DayGrade : std::uint8_t { NotDue, Whole, Most, Part, Nothing, Unheard };
+/// "no readings due", "whole", "most", "part", "nothing", "not heard of".
 [[nodiscard]] std::string_view NameOf(DayGrade ae_Grade);
-/// "Most" is 90 % and above.
+/// "Most" is 90 % and above; "Unheard" lacks nothing that is known.
 [[nodiscard]] DayGrade GradeOf(const DayCell& av_Cell);
 
 /// The days of one unit, the oldest first.

@@ -143,6 +143,8 @@ std::map<std::int64_t, UnitCase> CasesOf(const RoundRecord& av_Round, const Hist
     if (contact.round == av_Round.key) cases[contact.unit].contact = &contact;
   }
   for (const DeliveryRecord& delivery : av_History.deliveries) {
+    // A repair begins in the second in which the files of the round before it got there.
+    if (av_Round.kind == RoundKind::Repair && !cases.contains(delivery.unit)) continue;
     // What a later try has replaced may still have arrived in this round.
     const bool known = LiesIn(av_Round, delivery.tried) || LiesIn(av_Round, delivery.done);
     if (known) cases[delivery.unit].deliveries[delivery.target] = &delivery;

@@ -2,12 +2,14 @@
 
 #include <cmath>
 
+#include "base/format.h"
 #include "base/numbers.h"
 #include "history/status_texts.h"
 
 namespace corvane {
 namespace {
 
+constexpr std::int64_t kLately = kSecondsPerDay + 3600;
 constexpr double kSlopeShown = 0.005;  ///< volts a day
 
 std::string AgoText(Moment av_When, Moment av_Now) {
@@ -43,6 +45,12 @@ std::string CompleteText(const UnitStatus& av_Unit) {
   return av_Unit.complete ? FixedText(std::floor(*av_Unit.complete * 1000) / 10, 1) : "";
 }
 
+std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now) {
+  if (av_Unit.state == UnitState::Off || !av_Unit.complete || av_Unit.last_answered.IsNone()) return "";
+  const bool lately = av_Now - av_Unit.last_answered <= kLately;
+  return lately ? "" : "to " + FormatDate(av_Unit.last_answered.Local(), "d mmm");
+}
+
 std::string GapsText(const UnitStatus& av_Unit) {
   if (av_Unit.gaps == 0) return "";
   std::string text = std::to_string(av_Unit.gaps) + ": " + CountText(av_Unit.missing, "reading", "readings");
@@ -51,7 +59,10 @@ std::string GapsText(const UnitStatus& av_Unit) {
 }
 
 std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now) {
-  const std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now);
+  std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now);
+  const DateTime last = av_Unit.delivered_to;
+  if (!when.empty() && !last.IsNone() && av_Unit.delivered.Local() - last > kLately)
+    when += ", up to " + WhenText(last);
   if (av_Unit.delivery_problem.empty()) return when;
   return (when.empty() ? "never" : when) + ", then: " + av_Unit.delivery_problem;
 }

@@ -16,9 +16,11 @@ namespace corvane {
 [[nodiscard]] std::string BatteryText(const UnitStatus& av_Unit);
 /// Percent without the sign, rounded down: 100 is said of nothing that lacks a reading.
 [[nodiscard]] std::string CompleteText(const UnitStatus& av_Unit);
+/// "to 15 Nov" where that percentage ends with the last answer, a day ago or more.
+[[nodiscard]] std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now);
 /// "3: 12 readings, 4 lost".
 [[nodiscard]] std::string GapsText(const UnitStatus& av_Unit);
-/// "2 hours ago"; with what went wrong where the file did not get there.
+/// "2 hours ago"; up to which reading where that is a day older, and what went wrong where the file did not get there.
 [[nodiscard]] std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now);
 
 }  // namespace corvane

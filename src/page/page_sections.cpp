@@ -12,6 +12,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "history/status_texts.h"
+#include "history/unit_texts.h"
 #include "page/chart_path.h"
 
 namespace corvane {
@@ -32,7 +33,7 @@ std::string AgeText(const UnitStatus& av_Unit) {
   return SpanText(*av_Unit.reading_age) + (*av_Unit.reading_age < 0 ? " in the future" : " old");
 }
 
-std::string BatteryText(const UnitStatus& av_Unit) {
+std::string SlopeText(const UnitStatus& av_Unit) {
   std::string text;
   if (av_Unit.battery_slope) {
     text = (*av_Unit.battery_slope > 0 ? "+" : "") + FixedText(*av_Unit.battery_slope, 3) + " V a day";
@@ -84,7 +85,7 @@ void AppendDelivered(Html& av_Html, const UnitStatus& av_Unit) {
   Cell(av_Html, "failed", when.empty() ? "" : "the last on " + when);
 }
 
-void AppendRow(Html& av_Html, const UnitStatus& av_Unit) {
+void AppendRow(Html& av_Html, const UnitStatus& av_Unit, Moment av_Now) {
   (av_Html << "<tr class=s").Number(static_cast<int>(av_Unit.state)) << "><td>";
   AppendState(av_Html, av_Unit.state);
   (av_Html << "<th scope=row><a href=\"#u").Number(av_Unit.key) << "\">";
@@ -92,10 +93,10 @@ void AppendRow(Html& av_Html, const UnitStatus& av_Unit) {
                              << "</th>";
   Cell(av_Html, av_Unit.client);
   Cell(av_Html, av_Unit.last_reading.IsNone() ? "" : WhenText(av_Unit.last_reading), AgeText(av_Unit));
-  Cell(av_Html, av_Unit.last_answered.IsNone() ? "" : WhenText(av_Unit.last_answered));
+  Cell(av_Html, av_Unit.last_contact.IsNone() ? "" : WhenText(av_Unit.last_contact), av_Unit.contact);
   AppendAnswers(av_Html, av_Unit);
-  Cell(av_Html, av_Unit.battery ? FixedText(*av_Unit.battery, 2) + " V" : "", BatteryText(av_Unit));
-  Cell(av_Html, av_Unit.complete ? Percent(*av_Unit.complete) : "");
+  Cell(av_Html, av_Unit.battery ? FixedText(*av_Unit.battery, 2) + " V" : "", SlopeText(av_Unit));
+  Cell(av_Html, av_Unit.complete ? Percent(*av_Unit.complete) : "", KnownToText(av_Unit, av_Now));
   Cell(av_Html,
        av_Unit.missing == 0 ? "" : std::to_string(av_Unit.missing) + " in " + CountText(av_Unit.gaps, "gap", "gaps"),
        MissingText(av_Unit));
@@ -123,7 +124,7 @@ void AppendGrade(Html& av_Html, const DayRow& av_Row, DayGrade ae_Grade) {
 
 /// How the 90 days are, for those who do not see them.
 std::string RowText(const DayRow& av_Row) {
-  std::array<std::int64_t, 5> days{};
+  std::array<std::int64_t, 6> days{};
   for (const DayCell& cell : av_Row.cells) ++days[static_cast<std::size_t>(GradeOf(cell))];
   const std::int64_t lack = days[2] + days[3] + days[4];
   std::string text;
@@ -132,6 +133,7 @@ std::string RowText(const DayRow& av_Row) {
   };
   add(days[1], "day whole", "days whole");
   add(lack, "day lacks readings", "days lack readings");
+  add(days[5], "day not heard of", "days not heard of");
   add(days[0], "day without any due", "days without any due");
   return text;
 }
@@ -213,7 +215,7 @@ void AppendTable(Html& av_Html, const PageContents& av_Contents) {
              "<th scope=col>Answered of the last rounds</th><th scope=col>Battery</th>"
              "<th scope=col>Complete, 30 days</th><th scope=col>Missing</th><th scope=col>Delivered</th></tr></thead>"
              "<tbody>\n";
-  for (const UnitStatus& unit : av_Contents.status.units) AppendRow(av_Html, unit);
+  for (const UnitStatus& unit : av_Contents.status.units) AppendRow(av_Html, unit, av_Contents.status.now);
   av_Html << "</tbody></table>\n";
 }
 
@@ -223,7 +225,7 @@ void AppendDayMap(Html& av_Html, const PageContents& av_Contents) {
   av_Html.Text(FormatDate(map.first, "d mmmm yyyy") + " to " +
                FormatDate(av_Contents.status.now.Local(), "d mmmm yyyy"));
   av_Html << "</p><ul class=key>";
-  constexpr std::array<Markup, 5> kKey = {"not due", "whole", "90 % and more", "less", "nothing"};
+  constexpr std::array<Markup, 6> kKey = {"not due", "whole", "90 % and more", "less", "nothing", "not heard of"};
   for (std::size_t grade = 1; grade <= kKey.size(); ++grade) {
     const auto each = static_cast<std::int64_t>(grade % kKey.size());
     (av_Html << "<li><svg viewBox=\"0 0 6 3\" aria-hidden=true><path class=d").Number(each);
@@ -236,7 +238,8 @@ void AppendDayMap(Html& av_Html, const PageContents& av_Contents) {
     if (row == nullptr) continue;
     (av_Html << "<tr><th scope=row>").Text(unit.name) << "</th><td><svg class=map aria-hidden=true viewBox=\"0 0 ";
     av_Html.Number(std::ssize(row->cells)) << " 3\">";
-    for (const DayGrade grade : {DayGrade::Whole, DayGrade::Most, DayGrade::Part, DayGrade::Nothing}) {
+    for (const DayGrade grade :
+         {DayGrade::Whole, DayGrade::Most, DayGrade::Part, DayGrade::Nothing, DayGrade::Unheard}) {
       AppendGrade(av_Html, *row, grade);
     }
     (av_Html << "</svg><small>").Text(RowText(*row)) << "</small></td></tr>\n";

@@ -31,7 +31,7 @@ td small,th small{display:block;font-weight:400}.units td:first-child,.units td:
 .gaps{table-layout:fixed}.gaps th:first-child{width:14rem}
 svg{display:block;max-width:100%}.bars{width:5rem;height:.8rem}.bars path{fill:none;stroke:var(--fine);stroke-width:10;stroke-dasharray:1.2 .8}.bars .x{stroke:var(--silent);stroke-width:2}
 .map{width:100%;max-width:48rem;height:auto;background:var(--band)}
-.d1{fill:var(--whole)}.d2{fill:url(#p2)}.d3{fill:url(#p3)}.d4{fill:url(#p4)}
+.d1{fill:var(--whole)}.d2{fill:url(#p2)}.d3{fill:url(#p3)}.d4{fill:url(#p4)}.d5{fill:none;stroke:var(--soft);stroke-width:.12;stroke-dasharray:.4 .4}
 pattern path{stroke:var(--mark);fill:none;stroke-width:.25}#p4 path{stroke:var(--cross)}
 .key{list-style:none;display:flex;flex-wrap:wrap;gap:.2rem 1rem;padding:0;font-size:.85rem}.key svg{display:inline-block;width:1.5rem;
 height:.8rem;vertical-align:-.1rem;background:var(--band)}

@@ -85,7 +85,9 @@ std::string RoundJournal::Ending(const std::string& as_Error) const {
   if (!as_Error.empty()) return as_Error;
   if (p_.flags.closing) return "the program was closed";
   if (!p_.link.UserCancel) return ending_;
-  return TransferHasCancelled() ? "a file could not be sent" : "cancelled";
+  if (!TransferHasCancelled()) return "cancelled";
+  // What has ended the asking came first.
+  return ending_.empty() ? "a file could not be sent" : ending_;
 }
 
 bool RoundJournal::TransferHasCancelled() const {

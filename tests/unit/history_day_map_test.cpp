@@ -44,6 +44,11 @@ struct Network {
     return *this;
   }
 
+  Network& Heard(std::int64_t hours_ago) {
+    history.units[0].last_answered = Moment{kNow.utc - hours_ago * 3600, kNow.ahead};
+    return *this;
+  }
+
   [[nodiscard]] DayCell Cell(std::int64_t back) const {
     return MakeDayMap(history, kNow).Find(4)->cells[static_cast<std::size_t>(kMapDays - 1 - back)];
   }
@@ -73,8 +78,10 @@ TEST(DayMap, SaysOfEachDayWhatIsThereAndWhatIsToBecomeOfTheRest) {
       {"not active", [&](Network& n) { n.Day(0, 0).Gap(Found, kToday - 1800, 48).history.units[0].active = false; },
        Nothing, "3 October: 0 of 48 readings, 48 missing, not to be asked for now"},
       {"lost, and one overdue", [&](Network& n) { n.Day(0, 43).Gap(Lost, noon, 4); }, Part,
-       "3 October: 43 of 48 readings, 5 missing, 4 of them lost for ever, 1 of them not to be asked for now"},
+       "3 October: 43 of 48 readings, 5 missing, 4 of them lost for ever, 1 of them to come with the next download"},
       {"filled meanwhile", [&](Network& n) { n.Day(0, 48).Gap(Lost, noon, 4); }, Whole, "3 October: all 48 readings"},
+      {"silent since the day before", [](Network& n) { n.Heard(36); }, Unheard, "3 October: the unit was not heard of"},
+      {"silent since this morning", [](Network& n) { n.Day(0, 1, 1).Heard(0); }, Whole, "3 October: its one reading"},
       {"the clock", [&](Network& n) { n.Day(0, 48).Gap(Clock, noon, 4); }, Whole, "3 October: all 48 readings"},
   };
   for (const Row& row : rows) {
@@ -95,6 +102,18 @@ TEST(DayMap, SpreadsAGapOverItsDays) {
   EXPECT_EQ(network.Cell(1).lost, 48);
   EXPECT_EQ(network.Cell(0).lost, 13);
   EXPECT_EQ(network.Cell(3), DayCell());
+}
+
+TEST(DayMap, ClaimsNothingOfWhatHasNotBeenHeard) {
+  Network network;
+  network.Day(2, 1, 1).Heard(2 * 24);
+  EXPECT_EQ(GradeOf(network.Cell(3)), DayGrade::NotDue);
+  EXPECT_EQ(GradeOf(network.Cell(2)), DayGrade::Unheard);
+  EXPECT_EQ(DayText(kToday, network.Cell(2)),
+            "3 October: 1 reading, and the unit was not heard of for the rest of the day");
+  EXPECT_EQ(GradeOf(network.Cell(1)), DayGrade::Unheard);
+  network.history.units[0].active = false;
+  EXPECT_EQ(GradeOf(network.Cell(1)), DayGrade::NotDue) << "nobody waits for it";
 }
 
 TEST(DayMap, HasARowForEachUnitInTheList) {

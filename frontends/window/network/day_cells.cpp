@@ -72,6 +72,10 @@ void PaintDay(QPainter& painter, const QRect& area, const DayCell& cell, const Q
     case DayGrade::Part:
       PaintPart(painter, area, cell.share().value_or(0), paints);
       break;
+    case DayGrade::Unheard:
+      painter.setPen(QPen(colours.color(QPalette::Disabled, QPalette::Text), 1, Qt::DotLine));
+      painter.drawRect(area.adjusted(0, 0, -1, -1));
+      break;
     case DayGrade::Nothing:
       PaintNothing(painter, area, paints);
       break;

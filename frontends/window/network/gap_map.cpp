@@ -32,6 +32,7 @@ constexpr int kRepairText = 802;
 constexpr int kPlotText = 803;
 constexpr int kOnlyMissingText = 804;
 constexpr int kLegendText = 805;  ///< and those that follow it
+constexpr int kUnheardText = 819;
 constexpr int kTableText = 811;
 
 constexpr int kNarrowest = 5;  ///< a day, in pixels
@@ -137,13 +138,16 @@ void GapMap::AddControls() {
 }
 
 void GapMap::AddLegend() {
-  const std::array<std::pair<DayCell, const char*>, 6> samples = {{
+  DayCell unheard;
+  unheard.unheard = true;
+  const std::array<std::pair<DayCell, const char*>, 7> samples = {{
       {{48, 48, 0, 0, false}, "all readings"},
       {{48, 46, 0, 0, false}, "90 % and above"},
       {{48, 24, 0, 0, false}, "less"},
       {{48, 0, 0, 0, false}, "none"},
       {{48, 24, 24, 0, false}, "some lost for ever"},
       {{}, "none were due"},
+      {unheard, "not heard of"},
   }};
   auto* row = new QHBoxLayout;
   static_cast<QVBoxLayout*>(layout())->addLayout(row);
@@ -152,7 +156,7 @@ void GapMap::AddLegend() {
     row->addWidget(new DaySample(cell, this));
     row->addWidget(NewLabel(text, text_id, ("gapMapLegend_" + std::to_string(text_id - kLegendText)).c_str(), this));
     row->addSpacing(fontMetrics().averageCharWidth());
-    ++text_id;
+    text_id = text_id == kLegendText + 5 ? kUnheardText : text_id + 1;
   }
   row->addStretch(1);
 }

@@ -16,9 +16,10 @@ namespace {
 /// Marks the index of a group; that of a unit holds the place of its group, from 1.
 constexpr quintptr kTopLevel = 0;
 
-std::string Percent(const UnitStatus& unit) {
+std::string Percent(const UnitStatus& unit, Moment now) {
   const std::string text = CompleteText(unit);
-  return text.empty() ? text : text + " %";
+  const std::string to = KnownToText(unit, now);
+  return text.empty() ? text : text + " %" + (to.empty() ? "" : ", " + to);
 }
 
 /// The shape of what is shown: which units stand where.
@@ -186,7 +187,7 @@ QString StationModel::TextOf(const UnitStatus& unit, StationColumn column) const
       case StationColumn::Battery:
         return BatteryText(unit);
       case StationColumn::Complete:
-        return Percent(unit);
+        return Percent(unit, now_);
       case StationColumn::Gaps:
         return GapsText(unit);
       case StationColumn::Delivered:
