@@ -35,6 +35,8 @@ TEST(Stations, AreSortedChosenAndPutTogether) {
                                    Station(3, "Bee", Off, "Orchard", "Ridge"), Station(4, "Café", Late, "", "")};
   units[0].battery = 11.9;
   units[3].battery = 12.5;
+  units[1].battery = units[2].battery = 13.1;
+  units[1].battery_days = 20, units[2].battery_days = 9;
   units[0].missing = 7;
   struct Row {
     StationChoice choice;
@@ -44,7 +46,7 @@ TEST(Stations, AreSortedChosenAndPutTogether) {
       {{}, ":2413"},
       {{StationColumn::State, true, "", {}, Grouping::None}, ":3142"},
       {{StationColumn::Name, false, "", {}, Grouping::None}, ":2341"},
-      {{StationColumn::Battery, false, "", {}, Grouping::None}, ":1423"},
+      {{StationColumn::Battery, false, "", {}, Grouping::None}, ":3214"},
       {{StationColumn::Gaps, true, "", {}, Grouping::None}, ":1243"},
       {{StationColumn::State, false, "ridge", {}, Grouping::None}, ":13"},
       {{StationColumn::State, false, "CAFÉ", {}, Grouping::None}, ":4"},
@@ -118,6 +120,7 @@ TEST_F(NetworkPage, FillsWhileARoundRunsAndKeepsWhatWasChosen) {
   EXPECT_TRUE(ShowsSoon([this] { return Line("networkRound").find("2 of 2 units answered") != std::string::npos; }));
   EXPECT_EQ(Table().CurrentUnit()->name, "Site 2");
   EXPECT_EQ(Table().SelectedKeys(), std::vector<std::int64_t>{2});
+  EXPECT_TRUE(Table().model()->index(2, 4).data(Qt::ToolTipRole).toString().startsWith("<p>answered, 2 readings"));
   world_.Widget<QComboBox>("stationGroups").setCurrentIndex(2);
   EXPECT_EQ(Table().model()->rowCount(), 2);
   EXPECT_EQ(Cell(0, StationColumn::Name, Table().model()->index(1, 0)), "Site 2");

@@ -198,12 +198,14 @@ QString StationModel::TextOf(const UnitStatus& unit, StationColumn column) const
   return QString::fromStdString(text());
 }
 
-QString StationModel::ToolTipOf(const UnitStatus& unit) const {
-  QStringList lines = {
-      QString::fromStdString(unit.name + " (" + std::to_string(unit.id) + "): " + std::string(NameOf(unit.state)))};
+QString StationModel::ToolTipOf(const UnitStatus& unit, StationColumn column) const {
+  QStringList lines;
   const auto add = [&lines](const std::string& text) {
     if (!text.empty() && !lines.contains(QString::fromStdString(text))) lines << QString::fromStdString(text);
   };
+  // A column may be too narrow for it.
+  add(TextOf(unit, column).toStdString());
+  add(unit.name + " (" + std::to_string(unit.id) + "): " + std::string(NameOf(unit.state)));
   add(unit.why);
   for (const Trouble& trouble : unit.troubles) add(trouble.text);
   add(unit.delivery_problem);
@@ -223,7 +225,7 @@ QVariant StationModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
       return TextOf(*unit, column);
     case Qt::ToolTipRole:
-      return ToolTipOf(*unit);
+      return ToolTipOf(*unit, column);
     case Qt::AccessibleDescriptionRole:
       return column == StationColumn::State ? QString::fromStdString(unit->why) : QString();
     case SignRole:

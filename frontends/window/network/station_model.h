@@ -58,7 +58,7 @@ class StationModel : public QAbstractItemModel {
   [[nodiscard]] bool Grouped() const { return choice_.grouping != Grouping::None; }
   void TellAllChanged();
   [[nodiscard]] QString TextOf(const UnitStatus& unit, StationColumn column) const;
-  [[nodiscard]] QString ToolTipOf(const UnitStatus& unit) const;
+  [[nodiscard]] QString ToolTipOf(const UnitStatus& unit, StationColumn column) const;
   [[nodiscard]] QVariant GroupData(const StationGroup& group, int column, int role) const;
 
   std::vector<UnitStatus> units_;

@@ -14,8 +14,17 @@ namespace {
 /// Behind everything that has a value.
 constexpr double kNothing = std::numeric_limits<double>::max();
 
+/// Volts follow behind all that have days left, which are fewer than this.
+constexpr double kNoDays = 1e9;
+
 double Number(const std::optional<double>& value) {
   return value.value_or(kNothing);
+}
+
+/// How soon a battery needs somebody: by its days until the limit, without a trend by its volts.
+double BatteryNumber(const UnitStatus& unit) {
+  if (unit.battery && unit.battery_days) return std::min(*unit.battery_days, kNoDays);
+  return unit.battery ? kNoDays + *unit.battery : kNothing;
 }
 
 /// What a column of numbers is sorted by, the smallest first.
@@ -30,7 +39,7 @@ double NumberOf(const UnitStatus& unit, StationColumn column) {
     case StationColumn::Answered:
       return unit.asked == 0 ? kNothing : static_cast<double>(unit.answered) / static_cast<double>(unit.asked);
     case StationColumn::Battery:
-      return Number(unit.battery);
+      return BatteryNumber(unit);
     case StationColumn::Complete:
       return Number(unit.complete);
     case StationColumn::Gaps:

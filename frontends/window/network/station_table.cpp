@@ -121,7 +121,11 @@ void StationTable::Restore() {
     restoring_ = false;
     if (on_selected) on_selected();
   });
-  setRootIsDecorated(model_.choice().grouping != Grouping::None);
+  if (const bool grouped = model_.choice().grouping != Grouping::None; grouped != rootIsDecorated()) {
+    setRootIsDecorated(grouped);
+    // The units of a group stand two steps further in.
+    setColumnWidth(0, columnWidth(0) + (grouped ? 2 : -2) * indentation());
+  }
   for (int row = 0; row < model_.rowCount(); ++row) {
     const QModelIndex group = model_.index(row, 0);
     if (model_.UnitAt(group) != nullptr) break;
