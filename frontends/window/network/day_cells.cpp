@@ -12,6 +12,7 @@ namespace corvane::window {
 namespace {
 
 constexpr int kDot = 2;       ///< radius
+constexpr int kFrame = 2;     ///< the pen of the cursor
 constexpr int kNotch = 3;     ///< the least that is left out of a day that is nearly whole
 constexpr int kDarkest = 96;  ///< lightness of a background from which on it counts as dark
 
@@ -86,10 +87,15 @@ void PaintDay(QPainter& painter, const QRect& area, const DayCell& cell, const Q
 
 void DayDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
   const auto* model = static_cast<const DayModel*>(index.model());
+  painter->save();
+  // What lay beyond the cell would stay when the cursor goes on: only the cell is painted anew then.
+  painter->setClipRect(option.rect, Qt::IntersectClip);
   PaintDay(*painter, option.rect.adjusted(0, 1, -1, -1), model->CellAt(index), option.palette);
-  if (!option.state.testFlag(QStyle::State_HasFocus) && !option.state.testFlag(QStyle::State_Selected)) return;
-  painter->setPen(QPen(option.palette.color(QPalette::Text), 2));
-  painter->drawRect(option.rect.adjusted(0, 1, -1, -1));
+  if (option.state.testFlag(QStyle::State_HasFocus) || option.state.testFlag(QStyle::State_Selected)) {
+    painter->setPen(QPen(option.palette.color(QPalette::Text), kFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter->drawRect(option.rect.adjusted(kFrame / 2, kFrame / 2, -kFrame / 2, -kFrame / 2));
+  }
+  painter->restore();
 }
 
 DaySample::DaySample(const DayCell& cell, QWidget* parent) : QWidget(parent), cell_(cell) {
