@@ -104,14 +104,15 @@ void MainWindow::AddPages() {
   plot_ = new PlotPage(app_);
   ui_->tabs->addTab(network_, "Network");
   ui_->tabs->addTab(plot_, "Plot");
-  network_->show_plot = [this](std::int64_t position) {
+  const auto show_plot = [this](std::int64_t position, DateTime day) {
     ui_->tabs->setCurrentWidget(plot_);
-    plot_->ShowUnit(position);
+    plot_->ShowUnit(position, day);
   };
+  network_->show_plot = [show_plot](std::int64_t position) { show_plot(position, DateTime()); };
   network_->FollowCommand(*ui_->Cmd_DownloadAll_1);
   history_views_ = new HistoryViews(app_, loop_, *network_->findChild<QTabWidget*>("networkViews"));
   history_views_->setParent(this);
-  history_views_->show_plot = network_->show_plot;
+  history_views_->show_plot = show_plot;
   AddTabShortcuts();
   Captions::NumberPages(*ui_->tabs);
   // Intended: the pages keep their numbers for language files and keys; these two only stand first.

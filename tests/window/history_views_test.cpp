@@ -4,10 +4,13 @@
 #include <vector>
 
 #include <QElapsedTimer>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStyleOptionViewItem>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
@@ -71,9 +74,24 @@ TEST_F(Shown, TheGapMapSaysADaysNumbersAndOffersTheRepair) {
   EXPECT_EQ(table.currentIndex().data(Qt::AccessibleTextRole).toString() + ".", sentence.text());
   EXPECT_TRUE(repair.isEnabled());
   repair.click();
+  DateTime plotted;
+  view.show_plot = [&](std::int64_t, DateTime day) { plotted = day; };
+  Part<QPushButton>(view, "gapMapPlot").click();
+  EXPECT_EQ(plotted, DateTime::FromCivil(2026, 6, 28));
   QTest::keyClick(&table, Qt::Key_Down);
   EXPECT_EQ(sentence.text(), "Site 5, 28 June: all 48 readings.");
   EXPECT_FALSE(repair.isEnabled()) << "nothing is missing";
+  QImage picture(60, 60, QImage::Format_RGB32);
+  picture.fill(Qt::green);
+  QStyleOptionViewItem cell;
+  cell.rect = {20, 20, 7, 20};
+  cell.state = QStyle::State_HasFocus;
+  QPainter painter(&picture);
+  table.itemDelegate()->paint(&painter, cell, table.currentIndex());
+  painter.fillRect(cell.rect, Qt::green);
+  QImage untouched = picture.copy();
+  untouched.fill(Qt::green);
+  EXPECT_EQ(picture, untouched) << "the cursor leaves nothing behind in the cells beside it";
   QTest::keyClick(&table, Qt::Key_Up);
   view.SetIdle(false);
   EXPECT_FALSE(repair.isEnabled()) << "a round runs";

@@ -157,6 +157,10 @@ TEST_F(PlotPageTest, ShowsTheSelectedUnitAndIsUsedByKeys) {
   EXPECT_EQ(Widget<QComboBox>("plotSpan").currentText(), "All");
   PressKeys({Qt::Key_Minus});
   EXPECT_EQ(Hours(), 19) << "no more than all is shown";
+  page_.ShowUnit(1, kStart + 30 * kSecondsPerDay);
+  Wait();
+  EXPECT_EQ(Widget<QLabel>("plotCursor").text(), "There are no readings of 11 Apr 2010; the nearest are shown.");
+  EXPECT_EQ(Cursor(), "");
 }
 
 TEST_F(PlotPageTest, ZoomsByDraggingAndTheWheel) {
@@ -174,6 +178,30 @@ TEST_F(PlotPageTest, ZoomsByDraggingAndTheWheel) {
   Click("plotBack");
   Click("plotBack");
   EXPECT_EQ(Hours(), 19);
+}
+
+TEST_F(PlotPageTest, TakesATypedDateOrSaysWhyNot) {
+  struct Row {
+    const char* field;
+    const char* typed;
+    const char* shown;  ///< by both fields
+    const char* said;
+  };
+  const Row rows[] = {
+      {"plotFrom", "12 Mar 2010 06:00", "12 Mar 2010 06:00 - 12 Mar 2010 19:00", ""},
+      {"plotTo", "2010-03-12 9:30", "12 Mar 2010 06:00 - 12 Mar 2010 09:30", ""},
+      {"plotFrom", "12 Mar 2010 10:00", "12 Mar 2010 06:00 - 12 Mar 2010 09:30", "\"From\" has to lie before"},
+      {"plotTo", "1 Oct 2026", "12 Mar 2010 06:00 - 12 Mar 2010 19:00", "There are readings from 12 Mar 2010 00:00 to"},
+      {"plotFrom", "31 Feb 2010 07:00", "31 Feb 2010 07:00 - 12 Mar 2010 19:00", "\"31 Feb 2010 07:00\" is no date"},
+  };
+  for (const Row& row : rows) {
+    Type(row.field, row.typed);
+    Press(Field(row.field), Qt::Key_Return);
+    EXPECT_EQ((Field("plotFrom").text() + " - " + Field("plotTo").text()).toStdString(), row.shown) << row.typed;
+    const QString said = Widget<QLabel>("plotCursor").text();
+    EXPECT_TRUE(*row.said == '\0' ? said.isEmpty() : said.startsWith(row.said)) << said.toStdString();
+  }
+  EXPECT_EQ(Hours(), 13);
 }
 
 TEST_F(PlotPageTest, SavesWhatIsShownAndSaysWhereItComesFrom) {

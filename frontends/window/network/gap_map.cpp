@@ -38,8 +38,10 @@ constexpr int kTableText = 811;
 constexpr int kNarrowest = 5;  ///< a day, in pixels
 constexpr int kNameLetters = 22;
 constexpr int kWeek = 7;
+constexpr int kBar = 3;  ///< under a date
 
-/// The days above the map: a date every so many weeks as there is room, counted back from today.
+/// The days above the map: a date every so many weeks as there is room, counted back from today, over a bar as wide as
+/// its day.
 class DayHeader : public QHeaderView {
  public:
   DayHeader(const DayModel& days, QWidget* parent) : QHeaderView(Qt::Horizontal, parent), days_(days) {
@@ -53,16 +55,19 @@ class DayHeader : public QHeaderView {
     QPainter painter(viewport());
     painter.fillRect(viewport()->rect(), palette().color(QPalette::Window));
     painter.setPen(palette().color(QPalette::WindowText));
-    const int room = fontMetrics().horizontalAdvance("00 Mmm  ");
-    const int size = std::max(1, length() / std::max(1, count()));
-    const int step = kWeek * std::max(1, (room + kWeek * size - 1) / (kWeek * size));
-    for (int day = count() - 1; day >= 0; day -= step) {
+    const int between = 2 * fontMetrics().averageCharWidth();
+    int free = length();  // up to the date at the right
+    for (int day = count() - 1; day >= 0; day -= kWeek) {
       const QString text = QString::fromStdString(FormatDate(days_.DayOf(day), "d mmm"));
-      // The text ends where the day does, so that today's is not cut off.
-      const int right = sectionViewportPosition(day) + sectionSize(day);
-      if (right < room) break;
-      painter.drawText(QRect(right - room, 0, room, height()), Qt::AlignRight | Qt::AlignVCenter, text);
-      painter.drawLine(right - 1, height() - 3, right - 1, height());
+      const int width = fontMetrics().horizontalAdvance(text) + 1;
+      const int middle = sectionPosition(day) + sectionSize(day) / 2;
+      // Today's is not cut off, nor the first day's.
+      const int left = std::max(0, std::min(middle - width / 2, length() - width));
+      if (left + width > free) continue;
+      free = left - between;
+      painter.drawText(QRect(left - offset(), 0, width, height() - kBar), Qt::AlignCenter, text);
+      painter.fillRect(sectionViewportPosition(day), height() - kBar, sectionSize(day) - 1, kBar,
+                       palette().color(QPalette::WindowText));
     }
   }
 
@@ -96,7 +101,7 @@ GapMap::GapMap(QWidget* parent)
       only_missing_(new QCheckBox("Only units that lack readings", this)),
       repair_(NewButton("Repair gaps", "Asks this unit again for the readings that are missing", kRepairText,
                         "gapMapRepair", this)),
-      plot_(NewButton("Plot", "Shows the readings of this unit", kPlotText, "gapMapPlot", this)),
+      plot_(NewButton("Plot", "Shows the readings of this unit about this day", kPlotText, "gapMapPlot", this)),
       sentence_(new QLabel(this)) {
   setObjectName("gapMap");
   auto* column = new QVBoxLayout(this);
@@ -133,8 +138,14 @@ void GapMap::AddControls() {
   row->addWidget(plot_);
   connect(text_, &QLineEdit::textChanged, this, [this] { Filter(); });
   connect(only_missing_, &QCheckBox::toggled, this, [this] { Filter(); });
-  connect(repair_, &QPushButton::clicked, this, [this] { Call(repair); });
-  connect(plot_, &QPushButton::clicked, this, [this] { Call(show_plot); });
+  connect(repair_, &QPushButton::clicked, this, [this] {
+    const QModelIndex current = table_->currentIndex();
+    if (current.isValid() && repair) repair(model_->KeyAt(current.row()));
+  });
+  connect(plot_, &QPushButton::clicked, this, [this] {
+    const QModelIndex current = table_->currentIndex();
+    if (current.isValid() && show_plot) show_plot(model_->KeyAt(current.row()), model_->DayOf(current.column()));
+  });
 }
 
 void GapMap::AddLegend() {
@@ -282,11 +293,6 @@ void GapMap::OfferCommands(const QPoint& where) {
     if (menu->activeAction() == nullptr && entry->isEnabled()) menu->setActiveAction(entry);
   }
   menu->popup(table_->viewport()->mapToGlobal(where));
-}
-
-void GapMap::Call(const std::function<void(std::int64_t)>& command) const {
-  const QModelIndex current = table_->currentIndex();
-  if (current.isValid() && command) command(model_->KeyAt(current.row()));
 }
 
 }  // namespace corvane::window

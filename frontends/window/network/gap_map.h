@@ -33,8 +33,8 @@ class GapMap : public QWidget {
   // Set by the page; they get a unit's key in the history, inside a widget's event.
   /// The person wants a unit's gaps repaired.
   std::function<void(std::int64_t key)> repair;
-  /// The person wants to see a unit's readings.
-  std::function<void(std::int64_t key)> show_plot;
+  /// The person wants to see a unit's readings about a day.
+  std::function<void(std::int64_t key, DateTime day)> show_plot;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,7 +50,6 @@ class GapMap : public QWidget {
   void Tell(const QModelIndex& index);
   void EnableCommands();
   void OfferCommands(const QPoint& where);
-  void Call(const std::function<void(std::int64_t)>& command) const;
 
   DayModel* model_;
   QTableView* table_;

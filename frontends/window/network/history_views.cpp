@@ -50,9 +50,9 @@ void HistoryViews::Connect() {
   map_->repair = [this](std::int64_t key) {
     Post(key, [this](std::int64_t position) { app_.commands().RepairUnits({position}, DateTime()); });
   };
-  map_->show_plot = [this](std::int64_t key) {
-    Post(key, [this](std::int64_t position) {
-      if (show_plot) show_plot(position);
+  map_->show_plot = [this](std::int64_t key, DateTime day) {
+    Post(key, [this, day](std::int64_t position) {
+      if (show_plot) show_plot(position, day);
     });
   };
   rounds_->read_round = [this](std::int64_t key) { ReadRound(key); };

@@ -27,8 +27,8 @@ class HistoryViews : public QObject {
   /// An operation begins or has ended.
   void SetIdle(bool idle);
 
-  /// Shows one unit's readings; set by the window. Positions are those of the list of units, from 1.
-  std::function<void(std::int64_t position)> show_plot;
+  /// Shows one unit's readings about a day; set by the window. Positions are those of the list of units, from 1.
+  std::function<void(std::int64_t position, DateTime day)> show_plot;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -4,7 +4,6 @@
 #include <array>
 
 #include <QComboBox>
-#include <QDateTimeEdit>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "data/sensor_names.h"
+#include "window/plot/time_field.h"
 
 namespace corvane::window {
 namespace {
@@ -54,15 +54,6 @@ constexpr int kSensorRows = 6;
 constexpr int kSpacing = 4;
 constexpr int kEntryLetters = 8;
 constexpr int kSpanLetters = 5;
-constexpr std::int64_t kDaysTo1970 = 25569;
-
-QDateTime Shown(double seconds) {
-  return QDateTime::fromSecsSinceEpoch(static_cast<std::int64_t>(seconds) - kDaysTo1970 * kSecondsPerDay, Qt::UTC);
-}
-
-double SecondsOf(const QDateTimeEdit& field) {
-  return static_cast<double>(field.dateTime().toSecsSinceEpoch() + kDaysTo1970 * kSecondsPerDay);
-}
 
 void SetTextId(QWidget& widget, int text_id, const char* tool_tip = "") {
   widget.setProperty("textId", text_id);
@@ -92,19 +83,6 @@ QPushButton* ButtonOf(const char* text, const char* name, int text_id, const cha
   button->setObjectName(name);
   SetTextId(*button, text_id, tool_tip);
   return button;
-}
-
-QDateTimeEdit* TimeField(const char* name) {
-  auto* field = new QDateTimeEdit;
-  field->setObjectName(name);
-  field->setLocale(QLocale::c());
-  field->setTimeSpec(Qt::UTC);
-  field->setDisplayFormat("d MMM yyyy HH:mm");
-  field->setKeyboardTracking(false);
-  // Before there are readings there is no time to show.
-  field->setMinimumDateTime(Shown(0));
-  field->setSpecialValueText("-");
-  return field;
 }
 
 QListWidgetItem* AddTickable(QListWidget& list, const QString& text, bool ticked) {
@@ -184,8 +162,8 @@ QWidget* PlotControls::MakeChoices(QWidget& page) {
   SetTextId(*item_, kItemField, "Which item of a raw line, the one behind the date being 1");
   span_ = SelectorOf(kSpans, "plotSpan", kSpanEntries, "How much is shown");
   span_->setMinimumContentsLength(kSpanLetters);
-  from_ = TimeField("plotFrom");
-  to_ = TimeField("plotTo");
+  from_ = new TimeField("plotFrom");
+  to_ = new TimeField("plotTo");
   back_ = ButtonOf("Back", "plotBack", kBackText, "Shows what was shown before the last zoom (Backspace in the plot)");
   save_ = ButtonOf("Save as...", "plotSave", kSaveText,
                    "Saves the plot as a picture (PNG, SVG, PDF) or its readings as a table (CSV)");
@@ -229,12 +207,14 @@ QWidget* PlotControls::MakeChoices(QWidget& page) {
     if (!filling_ && span_chosen) span_chosen();
   };
   QObject::connect(span_, &QComboBox::activated, &page, choose_span);
-  for (QDateTimeEdit* field : {from_, to_}) {
-    QObject::connect(field, &QDateTimeEdit::dateTimeChanged, &page, [this, choose_span] {
-      if (filling_) return;
+  for (TimeField* field : {from_, to_}) {
+    field->chosen = [this, choose_span] {
       span_->setCurrentIndex(kFromTo);
       choose_span();
-    });
+    };
+    field->refused = [this](const QString& why) {
+      if (date_refused) date_refused(why);
+    };
   }
   QObject::connect(back_, &QPushButton::clicked, &page, [this] { back(); });
   QObject::connect(save_, &QPushButton::clicked, &page, [this] { save(); });
@@ -333,21 +313,25 @@ std::int32_t PlotControls::Item() const {
   return item_->value();
 }
 
+bool PlotControls::IsFromTo() const {
+  return span_->currentIndex() == kFromTo;
+}
+
 TimeSpan PlotControls::ChosenSpan(const TimeSpan& whole) const {
   const int chosen = span_->currentIndex();
-  if (chosen == kFromTo) return {SecondsOf(*from_), SecondsOf(*to_)};
+  if (IsFromTo()) return {from_->seconds(), to_->seconds()};
   if (chosen <= 0) return whole;
   const double length = static_cast<double>(kSpanDays[static_cast<std::size_t>(chosen)] * kSecondsPerDay);
   // What ends where the plot ends now; behind the readings there is nothing to see.
-  const double end = std::min(SecondsOf(*to_), whole.to);
+  const double end = std::min(to_->seconds(), whole.to);
   return {end - length, end};
 }
 
 void PlotControls::ShowSpan(const TimeSpan& span, Chosen chosen) {
   filling_ = true;
   if (chosen != Chosen::AsItIs) span_->setCurrentIndex(chosen == Chosen::All ? 0 : kFromTo);
-  from_->setDateTime(Shown(span.from));
-  to_->setDateTime(Shown(span.to));
+  from_->SetSeconds(span.from);
+  to_->SetSeconds(span.to);
   filling_ = false;
 }
 

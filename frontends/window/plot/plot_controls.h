@@ -13,7 +13,6 @@
 #include "window/plot/plot_line.h"
 
 class QComboBox;
-class QDateTimeEdit;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -22,6 +21,8 @@ class QPushButton;
 class QSpinBox;
 
 namespace corvane::window {
+
+class TimeField;
 
 /// What of a plot can be chosen: units, sensors, quantities, span; and the buttons.
 class PlotControls {
@@ -40,7 +41,9 @@ class PlotControls {
   [[nodiscard]] Quantity Left() const;
   [[nodiscard]] std::optional<Quantity> Right() const;
   [[nodiscard]] std::int32_t Item() const;
-  /// The span that is chosen, within the whole one.
+  /// True when the span is the one between from and to.
+  [[nodiscard]] bool IsFromTo() const;
+  /// The span that is chosen; from and to as they were entered.
   [[nodiscard]] TimeSpan ChosenSpan(const TimeSpan& whole) const;
   enum class Chosen : std::uint8_t { AsItIs, All, FromTo };
   /// Shows a span in the fields from and to, and in the selector what it is now.
@@ -51,6 +54,7 @@ class PlotControls {
   std::function<void()> units_changed;  ///< others are ticked
   std::function<void()> lines_changed;  ///< other sensors or quantities
   std::function<void()> span_chosen;
+  std::function<void(const QString& why)> date_refused;  ///< what was typed is no date
   std::function<void()> back;
   std::function<void()> save;
   std::function<void()> copy;
@@ -68,8 +72,8 @@ class PlotControls {
   QComboBox* right_ = nullptr;
   QSpinBox* item_ = nullptr;
   QComboBox* span_ = nullptr;
-  QDateTimeEdit* from_ = nullptr;
-  QDateTimeEdit* to_ = nullptr;
+  TimeField* from_ = nullptr;
+  TimeField* to_ = nullptr;
   QPushButton* back_ = nullptr;
   QPushButton* save_ = nullptr;
   QPushButton* copy_ = nullptr;

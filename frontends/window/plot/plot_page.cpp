@@ -1,5 +1,7 @@
 #include "window/plot/plot_page.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <QApplication>
@@ -8,7 +10,9 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "base/format.h"
 #include "data/sensor_names.h"
+#include "window/plot/plot_axes.h"
 #include "window/plot/plot_export.h"
 
 namespace corvane::window {
@@ -58,6 +62,7 @@ void PlotPage::Connect() {
   controls_->units_changed = [this] { Load(true); };
   controls_->lines_changed = [this] { Load(true); };
   controls_->span_chosen = [this] { ShowSpan(); };
+  controls_->date_refused = [this](const QString& why) { Say(why); };
   controls_->back = [this] { view_->Back(); };
   controls_->save = [this] { AskWhereToSave(); };
   controls_->copy = [this] { Copy(); };
@@ -82,8 +87,10 @@ void PlotPage::ListUnits() {
   controls_->SetUnits(names);
 }
 
-void PlotPage::ShowUnit(std::int64_t position) {
+void PlotPage::ShowUnit(std::int64_t position, DateTime day) {
   shown_ = true;
+  day_ = day;
+  view_->ClearCursor();
   ListUnits();
   controls_->TickOnly(position);
   Load(false);
@@ -143,11 +150,36 @@ void PlotPage::Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span
   view_->Show(std::shared_ptr<const PlotContents>(reading, &reading->contents), keeps_span && !showed_all);
   controls_->EnableSave(!empty);
   CursorMoved(false);
+  ShowDay();
+}
+
+void PlotPage::ShowDay() {
+  const DateTime day = std::exchange(day_, DateTime());
+  const TimeSpan whole = view_->contents().Whole();
+  if (day.IsNone() || whole.length() <= 0) return;
+  const auto from = static_cast<double>(day.Midnight().seconds());
+  view_->Zoom({from - kSecondsPerDay, from + 2 * kSecondsPerDay});
+  if (from <= whole.to && from + kSecondsPerDay > whole.from) return;
+  Say("There are no readings of " + QString::fromStdString(FormatDate(day, "d mmm yyyy")) + "; the nearest are shown.");
 }
 
 void PlotPage::ShowSpan() {
+  const TimeSpan whole = view_->contents().Whole();
+  const TimeSpan chosen = controls_->ChosenSpan(whole);
+  CursorMoved(false);
   setting_span_ = true;
-  view_->Zoom(controls_->ChosenSpan(view_->contents().Whole()));
+  if (!controls_->IsFromTo()) {
+    view_->Zoom(chosen);
+  } else if (chosen.from >= chosen.to) {
+    Say("\"From\" has to lie before \"To\": " + TimeText(chosen.from) + " does not lie before " + TimeText(chosen.to) +
+        ".");
+  } else {
+    const TimeSpan shown = {std::max(chosen.from, whole.from), std::min(chosen.to, whole.to)};
+    // The fields show whole minutes.
+    const bool cut = shown.from - chosen.from >= kSameSpan || chosen.to - shown.to >= kSameSpan;
+    if (cut) Say("There are readings from " + TimeText(whole.from) + " to " + TimeText(whole.to) + ".");
+    if (shown.from < shown.to) view_->Zoom(shown);
+  }
   setting_span_ = false;
   controls_->ShowSpan(view_->span(), Chosen::AsItIs);
 }

@@ -27,8 +27,8 @@ class PlotPage : public QWidget {
   /// `app` must outlive the page.
   explicit PlotPage(Application& app);
 
-  /// Shows the unit at that position (from 1) of the list of units.
-  void ShowUnit(std::int64_t position);
+  /// Shows the unit at that position (from 1) of the list of units: all of it, or a day with the ones beside it.
+  void ShowUnit(std::int64_t position, DateTime day = {});
   /// Saves what is shown as the ending of the name says: .png, .svg, .pdf or .csv. Says in the page how it went.
   void SaveTo(const QString& file);
   [[nodiscard]] PlotView& view() { return *view_; }
@@ -45,6 +45,8 @@ class PlotPage : public QWidget {
   /// Reads what is chosen, if it or its files are other than what is shown.
   void Load(bool keeps_span);
   void Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span);
+  /// Shows the day that was asked for, once its readings are there.
+  void ShowDay();
   void LookForMore();
   void ShowSpan();
   void SpanChanged();
@@ -63,6 +65,7 @@ class PlotPage : public QWidget {
   BackgroundWork* saving_;  ///< writes, and is not cancelled by another choice
   QTimer look_again_;
   std::string shown_files_;  ///< the state of the files and settings behind what is shown
+  DateTime day_;             ///< to be shown when it has been read; none: as it is
   bool shown_ = false;       ///< has been shown once
   bool setting_span_ = false;
 };

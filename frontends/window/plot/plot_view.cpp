@@ -172,6 +172,12 @@ QString PlotView::CursorText() const {
   return TimeText(*cursor_) + ": " + texts.join(", ");
 }
 
+void PlotView::ClearCursor() {
+  cursor_.reset();
+  update();
+  if (cursor_changed) cursor_changed(false);
+}
+
 double PlotView::TimeUnder(double x) const {
   const double share = (x - canvas_.left()) / std::max(canvas_.width(), 1.0);
   return span_.from + std::clamp(share, 0.0, 1.0) * span_.length();

@@ -33,6 +33,7 @@ class PlotView : public QWidget {
   void SetMessage(const QString& message);
   /// The time and the values under the cursor, in words; empty without a cursor.
   [[nodiscard]] QString CursorText() const;
+  void ClearCursor();
 
   std::function<void()> span_changed;                ///< after every change of the span
   std::function<void(bool by_keys)> cursor_changed;  ///< after every move of the cursor
