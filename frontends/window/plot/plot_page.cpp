@@ -47,7 +47,7 @@ PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_te
   texts->setContentsMargins(0, 0, 0, 0);
   texts->addWidget(cursor_text_);
   texts->addWidget(problem_);
-  controls_ = new PlotControls(*this, *view_, *below);
+  controls_ = std::make_unique<PlotControls>(*this, *view_, *below);
   work_ = new BackgroundWork(this);
   work_->failed = [this](const QString& why) { view_->SetMessage("Not read: " + why); };
   saving_ = new BackgroundWork(this);
@@ -56,6 +56,13 @@ PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_te
   Connect();
   controls_->EnableBack(false);
   controls_->EnableSave(false);
+}
+
+PlotPage::~PlotPage() {
+  // A field may tell of itself as it goes: nobody is to hear it then.
+  controls_->units_changed = controls_->lines_changed = controls_->span_chosen = nullptr;
+  controls_->date_refused = nullptr;
+  qDeleteAll(findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 void PlotPage::Connect() {

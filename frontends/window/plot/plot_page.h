@@ -26,6 +26,7 @@ class PlotPage : public QWidget {
  public:
   /// `app` must outlive the page.
   explicit PlotPage(Application& app);
+  ~PlotPage() override;
 
   /// Shows the unit at that position (from 1) of the list of units: all of it, or a day with the ones beside it.
   void ShowUnit(std::int64_t position, DateTime day = {});
@@ -57,7 +58,7 @@ class PlotPage : public QWidget {
   void Say(const QString& text);
 
   Application& app_;
-  PlotControls* controls_;
+  std::unique_ptr<PlotControls> controls_;
   PlotView* view_;
   QLabel* cursor_text_;
   QLabel* problem_;
