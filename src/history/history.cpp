@@ -200,8 +200,9 @@ void History::EndRound(const RoundRecord& av_Counts) {
   round_ = {};
   HistoryContents change;
   change.rounds.push_back(ended);
-  Write(change);
+  // First: where writing opens the file, the steps are taken anew, from what it holds and what waits.
   TakeSteps(change.rounds);
+  Write(change);
 }
 
 void History::TakeJump(std::int64_t al_Position, ContactRecord av_Contact) {
