@@ -19,8 +19,6 @@ namespace {
 constexpr std::array<std::string_view, 6> kGrades = {"no readings due", "whole",       "most", "part",
                                                      "nothing",         "not heard of"};
 constexpr std::int64_t kMostTenths = 9;
-/// A day that ends behind the last answer counts as known as long as the unit is asked once a day.
-constexpr std::int64_t kOverdue = kSecondsPerDay + 3600;
 
 std::int32_t Small(std::int64_t al_Count) {
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(al_Count, 0, std::numeric_limits<std::int32_t>::max()));
@@ -112,7 +110,7 @@ class RowMaker {
     for (DateTime day = std::max(first_, known.Midnight()); day <= now_; day = day + kSecondsPerDay) {
       DayCell* const cell = CellOf(day);
       if (cell == nullptr) return;
-      cell->unheard = day == known.Midnight() ? now_ - known > kOverdue : cell->expected == 0;
+      cell->unheard = day == known.Midnight() ? now_ - known > kHeardLately : cell->expected == 0;
     }
   }
 

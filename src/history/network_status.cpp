@@ -121,17 +121,12 @@ class NetworkView {
     });
   }
 
-  [[nodiscard]] std::int64_t Undelivered() const {
-    return std::count_if(status_.units.begin(), status_.units.end(), [](const UnitStatus& unit) {
-      return unit.state != UnitState::Off && !unit.silenced && !unit.delivery_problem.empty();
-    });
-  }
-
   [[nodiscard]] NetworkLetter Letter() const {
     if (!status_.nobody_collects.empty()) return NetworkLetter::NobodyCollects;
     if (status_.units.empty()) return NetworkLetter::Empty;
     if (AnyLoud({UnitState::Silent, UnitState::Late})) return NetworkLetter::Critical;
-    if (AnyLoud({UnitState::Trouble}) || Undelivered() > 0 || PortFailed()) return NetworkLetter::Warning;
+    if (AnyLoud({UnitState::Trouble}) || !UndeliveredText(status_).empty() || PortFailed())
+      return NetworkLetter::Warning;
     return NetworkLetter::Well;
   }
 
@@ -153,9 +148,7 @@ class NetworkView {
       text += "; " + std::to_string(silent_behind_relay_) + " of the silent ones behind relay " + status_.worst_relay;
     }
     if (PortFailed()) text += "; the port could not be used in the last round";
-    if (const std::int64_t files = Undelivered(); files > 0) {
-      text += "; " + CountText(files, "file has", "files have") + " not got to the server";
-    }
+    if (const std::string files = UndeliveredText(status_); !files.empty()) text += "; " + files;
     return text;
   }
 
@@ -170,6 +163,13 @@ class NetworkView {
 
 std::string_view NameOf(UnitState ae_State) {
   return kStates[static_cast<std::size_t>(ae_State)];
+}
+
+std::string UndeliveredText(const NetworkStatus& av_Status) {
+  const std::int64_t files = std::count_if(av_Status.units.begin(), av_Status.units.end(), [](const UnitStatus& unit) {
+    return unit.state != UnitState::Off && !unit.silenced && !unit.delivery_problem.empty();
+  });
+  return files == 0 ? "" : CountText(files, "file has", "files have") + " not got to the server";
 }
 
 int PlaceOf(UnitState ae_State) {

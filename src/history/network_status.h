@@ -95,4 +95,7 @@ enum class Holder : std::uint8_t { Unknown, Nobody, Somebody };
 /// Works out how the network stands. Depends on nothing but its arguments.
 [[nodiscard]] NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Holder ae_Holder);
 
+/// "2 files have not got to the server"; empty when all that were to go have.
+[[nodiscard]] std::string UndeliveredText(const NetworkStatus& av_Status);
+
 }  // namespace corvane

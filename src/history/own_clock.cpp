@@ -31,10 +31,6 @@ std::int64_t OwnClock::SetBackSince(std::int64_t al_Round) const {
   return next == steps_.end() ? 0 : next->set_back;
 }
 
-bool OwnClock::IsSetSince(std::int64_t al_Round) const {
-  return !steps_.empty() && steps_.back().round > al_Round;
-}
-
 std::optional<std::int64_t> OwnClock::OffsetAt(const ContactRecord& av_Contact) const {
   if (!av_Contact.clock_offset) return std::nullopt;
   return *av_Contact.clock_offset + SetBackSince(av_Contact.round);

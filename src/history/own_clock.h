@@ -28,8 +28,6 @@ class OwnClock {
   [[nodiscard]] std::optional<std::int64_t> OffsetAt(const ContactRecord& av_Contact) const;
   /// When the contact was, by this computer's present clock.
   [[nodiscard]] Moment TimeOf(const ContactRecord& av_Contact) const;
-  /// True when there are steps later than `al_Round`.
-  [[nodiscard]] bool IsSetSince(std::int64_t al_Round) const;
 
  private:
   struct Step {

@@ -71,14 +71,6 @@ std::int64_t SilentBehind(const NetworkStatus& av_Status) {
   });
 }
 
-std::string Undelivered(const NetworkStatus& av_Status) {
-  const std::int64_t files = std::count_if(av_Status.units.begin(), av_Status.units.end(), [](const UnitStatus& unit) {
-    return unit.state != UnitState::Off && !unit.silenced && !unit.delivery_problem.empty();
-  });
-  if (files == 0) return "";
-  return "; " + CountText(files, "file has", "files have") + " not got to the server";
-}
-
 std::string NextRound(const NetworkStatus& av_Status) {
   if (av_Status.next_round.IsNone()) return "; no round is planned";
   const DateTime now = av_Status.now.Local();
@@ -107,7 +99,8 @@ std::string HeadlineOf(const NetworkStatus& av_Status) {
     text +=
         "; " + std::to_string(SilentBehind(av_Status)) + " of the silent ones behind relay " + av_Status.worst_relay;
   }
-  return text + Undelivered(av_Status) + NextRound(av_Status);
+  if (const std::string files = UndeliveredText(av_Status); !files.empty()) text += "; " + files;
+  return text + NextRound(av_Status);
 }
 
 }  // namespace corvane

@@ -37,6 +37,9 @@ struct StatusRules {
   [[nodiscard]] std::int64_t LateFrom(std::int64_t al_Period) const;
 };
 
+/// From so many seconds on a unit was not heard of lately, when it is asked once a day.
+inline constexpr std::int64_t kHeardLately = kSecondsPerDay + 3600;
+
 /// Whether the unit was to answer, and did or did not.
 [[nodiscard]] constexpr bool WasAsked(Outcome ae_Outcome) {
   return ae_Outcome == Outcome::Answered || ae_Outcome == Outcome::Failed || ae_Outcome == Outcome::Silent;

@@ -5,11 +5,11 @@
 #include "base/format.h"
 #include "base/numbers.h"
 #include "history/status_texts.h"
+#include "history/unit_status.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kLately = kSecondsPerDay + 3600;
 constexpr double kSlopeShown = 0.005;  ///< volts a day
 
 std::string AgoText(Moment av_When, Moment av_Now) {
@@ -47,7 +47,7 @@ std::string CompleteText(const UnitStatus& av_Unit) {
 
 std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now) {
   if (av_Unit.state == UnitState::Off || !av_Unit.complete || av_Unit.last_answered.IsNone()) return "";
-  const bool lately = av_Now - av_Unit.last_answered <= kLately;
+  const bool lately = av_Now - av_Unit.last_answered <= kHeardLately;
   return lately ? "" : "to " + FormatDate(av_Unit.last_answered.Local(), "d mmm");
 }
 
@@ -61,7 +61,7 @@ std::string GapsText(const UnitStatus& av_Unit) {
 std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now) {
   std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now);
   const DateTime last = av_Unit.delivered_to;
-  if (!when.empty() && !last.IsNone() && av_Unit.delivered.Local() - last > kLately)
+  if (!when.empty() && !last.IsNone() && av_Unit.delivered.Local() - last > kHeardLately)
     when += ", up to " + WhenText(last);
   if (av_Unit.delivery_problem.empty()) return when;
   return (when.empty() ? "never" : when) + ", then: " + av_Unit.delivery_problem;

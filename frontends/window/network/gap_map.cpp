@@ -21,6 +21,7 @@
 #include "base/format.h"
 #include "window/network/day_cells.h"
 #include "window/network/day_model.h"
+#include "window/network/view_button.h"
 
 namespace corvane::window {
 namespace {
@@ -80,15 +81,6 @@ QLabel* NewLabel(const QString& text, int text_id, const char* name, QWidget* pa
   label->setObjectName(name);
   label->setProperty("textId", text_id);
   return label;
-}
-
-QPushButton* NewButton(const QString& text, const QString& tip, int text_id, const char* name, QWidget* parent) {
-  auto* button = new QPushButton(text, parent);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setProperty("textId", text_id);
-  button->setAutoDefault(false);
-  return button;
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "window/network/view_button.h"
+
 namespace corvane::window {
 namespace {
 
@@ -23,15 +25,6 @@ constexpr std::int64_t kLastRound = std::numeric_limits<std::int64_t>::max();
 
 /// By `RoundSign`.
 constexpr std::array kHeadings = {"With a problem", "Not asked", "Well"};
-
-QPushButton* NewButton(const QString& text, const QString& tip, int text_id, const char* name, QWidget* parent) {
-  auto* button = new QPushButton(text, parent);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setProperty("textId", text_id);
-  button->setAutoDefault(false);
-  return button;
-}
 
 /// The sentences, under a heading for each sign.
 QString TextOf(const RoundTexts& texts) {

@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include "window/network/station_table.h"
+#include "window/network/view_button.h"
 
 namespace corvane::window {
 namespace {
@@ -121,11 +122,7 @@ void StationsView::AddFilters(QVBoxLayout& column) {
 
 QPushButton* StationsView::AddButton(QHBoxLayout& row, const char* name, const char* caption, const char* tip,
                                      int text_id) {
-  auto* button = new QPushButton(caption, this);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setProperty("textId", text_id);
-  button->setAutoDefault(false);
+  QPushButton* const button = NewButton(caption, tip, text_id, name, this);
   row.addWidget(button);
   return button;
 }
