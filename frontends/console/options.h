@@ -73,9 +73,9 @@ struct Options {
 [[nodiscard]] std::string HelpText(CommandId command);
 /// The name of a command as it is typed.
 [[nodiscard]] std::string CommandName(CommandId command);
-/// True for commands that only read the application folder: they take no lock and save nothing.
-[[nodiscard]] constexpr bool OnlyReads(CommandId command) {
-  return command == CommandId::Units || command == CommandId::Page;
+/// True for what only reads the application folder: it takes no lock and saves nothing.
+[[nodiscard]] inline bool OnlyReads(const Options& options) {
+  return options.command == CommandId::Units || options.command == CommandId::Page;
 }
 
 /// True for commands that work on the history alone, beside whatever program runs: they need no settings either.

@@ -60,7 +60,7 @@ Answering WhoAnswers(const Options& options) {
 }
 
 Recovery RecoveryFor(const Options& options) {
-  if (OnlyReads(options.command)) return Recovery::Ignore;
+  if (OnlyReads(options)) return Recovery::Ignore;
   return options.recover || options.command == CommandId::Recover ? Recovery::Use : Recovery::Say;
 }
 
@@ -117,13 +117,13 @@ class Program {
                       zip_,
                       {},
                       PosixShell::ProgramDate(),
-                      OnlyReads(options.command) ? nullptr : &history_,
-                      OnlyReads(options.command) ? nullptr : &runner_},
+                      OnlyReads(options) ? nullptr : &history_,
+                      OnlyReads(options) ? nullptr : &runner_},
              folder_),
         view_(app_.form(), loop_, output_, options.verbose) {}
 
   int Run() {
-    if (OnlyReads(options_.command) ? !LookAtFolder() : !PrepareFolder()) return kNotStarted;
+    if (OnlyReads(options_) ? !LookAtFolder() : !PrepareFolder()) return kNotStarted;
     const Status watched = loop_.WatchSignals({SIGINT, SIGTERM, SIGHUP}, [this](int signal) {
       if (signal_ == 0) signal_ = signal;
       app_.commands().Close(true);
@@ -173,7 +173,7 @@ class Program {
     int status = RunOnDesk();
     // People are told before the program goes; a signal waits for nothing.
     while (runner_.Running() && signal_ == 0) loop_.Yield();
-    if (OnlyReads(options_.command) || status == kUsage) return status;
+    if (OnlyReads(options_) || status == kUsage) return status;
     if (!app_.life().OnWindowClose() && status == kAllWell) status = kProblems;
     return status;
   }
