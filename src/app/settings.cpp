@@ -100,6 +100,7 @@ bool Settings::LoadSettings() {
     p_.messages.ShowTimedMessage("The settings cannot be read: " + read.text(), kOkOnly | kStopIcon);
     return false;
   }
+  was_new_ = p_.store.WasMissing() && p_.store.recovery() == RecoveryState::None;
   OfferRecovery();
   if (!p_.store.Damage().empty()) Report(p_.store.Damage());
   LoadGeneral(file_list_settings_);
@@ -158,7 +159,9 @@ void Settings::OfferRecovery() {
 bool Settings::SaveSettings() {
   p_.editors.StoreRecords();
   SaveValues();
-  return p_.store.Commit();
+  const bool saved = p_.store.Commit();
+  if (saved) was_new_ = false;
+  return saved;
 }
 
 void Settings::StoreValues() {

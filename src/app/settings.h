@@ -48,6 +48,8 @@ class Settings {
   /// timed box at the end, so that no start waits for a person. A file that cannot be read is tried three times within
   /// two seconds; false when it stays so, which has been shown: nothing is filled then. **Yields** in both cases.
   [[nodiscard]] bool LoadSettings();
+  /// True when nothing is set up: there was neither a settings file nor a copy of one, and none was saved since.
+  [[nodiscard]] bool WasNew() const { return was_new_; }
   /// Stores the three editors and writes everything back; false when the file could not be written, which has been
   /// shown. **Yields** then.
   bool SaveSettings();
@@ -95,6 +97,7 @@ class Settings {
   std::vector<Setting> other_settings_ = OtherSettings(p_.form, p_.app);
   std::string report_;  ///< the first problems of the present load, a line each
   std::int64_t problem_count_ = 0;
+  bool was_new_ = false;
 };
 
 }  // namespace corvane

@@ -43,6 +43,7 @@ Status SettingsStore::Load() {
   // Whatever else fails, the file may be there: defaults must not take its place.
   if (!read.ok() && read.code() != ENOENT) return read;
   may_save_ = true;
+  was_missing_ = !read.ok();
   if (contents.find('\0') != std::string::npos) {
     damage_ = path_ + " is damaged: it holds NUL characters. " + KeepCopy(contents);
   }

@@ -35,6 +35,8 @@ class SettingsStore {
   /// What is no text is first copied to "<file>.bad", or a name with a number when that is taken, and the rest of it is
   /// used. Without such a copy the file is not overwritten: `Commit` fails until it is moved away.
   Status Load();
+  /// True when there was no file as it was read.
+  [[nodiscard]] bool WasMissing() const { return was_missing_; }
   /// What was wrong with the file as it was read and what was done about it; empty when nothing was.
   [[nodiscard]] const std::string& Damage() const { return damage_; }
   /// The value of a key: at most 126 characters, "null" is empty; `as_Default`, treated alike, when there is no such
@@ -87,6 +89,7 @@ class SettingsStore {
   RecoveryState recovery_ = RecoveryState::None;
   bool keeps_offer_ = false;
   std::string damage_;
+  bool was_missing_ = false;
   bool may_save_ = false;  ///< the file holds nothing that was neither read nor copied
 };
 

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+
+#include "app/operations.h"
+#include "app/settings.h"
+#include "history/history.h"
+#include "setup/setup_plan.h"
+#include "setup/setup_reader.h"
+#include "setup/setup_tries.h"
+#include "setup/setup_writer.h"
+#include "state/app_info.h"
+#include "state/operation_slot.h"
+
+namespace corvane {
+
+/// The set-up as front ends reach it: what is there, the tries in the operation slot, and putting the plan in.
+class SetupCommands {
+ public:
+  /// All must outlive this object.
+  struct Parts {
+    Operations& operations;
+    const OperationSlot& slot;
+    const AppInfo& app;
+    SetupReader& reader;
+    SetupWriter& writer;
+    SetupTries& tries;
+    Settings& settings;
+    History& history;
+  };
+  explicit SetupCommands(const Parts& av_Parts) : p_(av_Parts) {}
+
+  /// What is there; `first` in it tells whether there were settings when the program started.
+  [[nodiscard]] SetupPlan PlanOf() const { return p_.reader.PlanOf(p_.settings.WasNew()); }
+  void ChooseDevice(SetupPlan& av_Plan, const std::string& as_Device) const {
+    p_.reader.ChooseDevice(av_Plan, as_Device);
+  }
+  [[nodiscard]] std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page) const {
+    return corvane::FaultsOf(av_Plan, av_Page, p_.app);
+  }
+
+  // Tries; each **yields** and changes nothing that is saved. While another operation runs they fail and say so.
+  [[nodiscard]] SetupAnswer TryPort(const SetupPlan& av_Plan);
+  [[nodiscard]] SetupClock AskClock(const SetupPlan& av_Plan, std::size_t al_Row);
+  [[nodiscard]] SetupClock SetClock(const SetupPlan& av_Plan, std::size_t al_Row);
+  [[nodiscard]] SetupAnswer TryServer(const SetupPlan& av_Plan);
+  [[nodiscard]] SetupAnswer TryBackup(const SetupPlan& av_Plan) const { return corvane::TryBackup(av_Plan, p_.app); }
+
+  /// Puts the plan in and saves the settings at once, in one step; false while an operation runs or when they could not
+  /// be saved, which was shown. **Yields.**
+  [[nodiscard]] bool PutIn(const SetupPlan& av_Plan);
+
+ private:
+  Parts p_;
+};
+
+}  // namespace corvane
