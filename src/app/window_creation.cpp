@@ -1,7 +1,8 @@
 #include "app/window_creation.h"
 
 #include <string>
-#include <utility>
+
+#include "state/unit_choices.h"
 
 namespace corvane {
 namespace {
@@ -41,13 +42,8 @@ void WindowCreation::FillFixedSelectors() {
     for (int number = 1; number <= kPortNumbers; ++number) ports.Add("COM" + std::to_string(number), number);
   }
   for (const char* period : {"00:15", "00:30", "01:00", "02:00", "03:00"}) p_.form.Cmb_LogPeriod.Add(period);
-  using Entry = std::pair<const char*, std::int32_t>;
-  for (const auto& [text, number] : {Entry("None", kFromNone), Entry("Radio", kFromRadio),
-                                     Entry("Hand held", kFromHandHeld), Entry("ftp", kFromFtp)}) {
-    p_.form.Cmb_GetFrom.Add(text, number);
-  }
-  p_.form.Cmb_SendTo.Add("None", 0);
-  p_.form.Cmb_SendTo.Add("ftp", 1);
+  for (const UnitChoice& choice : kGetFromChoices) p_.form.Cmb_GetFrom.Add(std::string(choice.text), choice.number);
+  for (const UnitChoice& choice : kSendToChoices) p_.form.Cmb_SendTo.Add(std::string(choice.text), choice.number);
 }
 
 void WindowCreation::BindProgressBars() {

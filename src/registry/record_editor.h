@@ -19,6 +19,13 @@ namespace corvane {
 /// Positions of the registry commands, the same in the menus and the button rows.
 enum RegistryCommand : std::int16_t { kNew = 0, kDelete = 1, kMoveUp = 2, kMoveDown = 3 };
 
+/// A record for a list, and its position in the list as it is, from 1; 0 where it is a new one.
+template <class Record>
+struct Placed {
+  Record record;
+  std::int64_t former = 0;
+};
+
 /// What the editors of the three lists share: one list, one array, the editor that shows one record.
 class RecordEditor {
  public:
@@ -85,6 +92,9 @@ class RecordEditor {
   [[nodiscard]] std::int64_t Shown() const { return shown_ + 1; }
   /// From now on a change of one of these by hand counts as an edit. Takes their change handlers.
   void WatchForEdits(std::initializer_list<Control*> av_Fields);
+  /// Shows the array that has taken the place of the former one: each record's mark comes from its former position, and
+  /// what was selected stays so. What the editor shows is not stored.
+  void ShowReplaced(const std::vector<std::int64_t>& av_Formers);
   /// Something was edited by hand, unless events are suppressed: what was deleted before stays so.
   void NoticeEdit();
 
@@ -115,6 +125,23 @@ class RecordEditorOf : public RecordEditor {
                  std::string_view as_NothingSelected)
       : RecordEditor(av_Parts, av_List, av_Name, as_NothingSelected), records_(av_Records) {}
 
+ public:
+  /// Puts these records in place of the whole list, as one command; false, without doing it, while an operation runs.
+  /// What the editor shows must have been stored.
+  bool TakeAll(std::vector<Placed<Record>> av_Records) {
+    if (p_.slot.Taken()) return false;
+    std::vector<std::int64_t> formers;
+    formers.reserve(av_Records.size());
+    records_ = {};
+    for (Placed<Record>& placed : av_Records) {
+      formers.push_back(placed.former);
+      records_.Append(std::move(placed.record));
+    }
+    ShowReplaced(formers);
+    return true;
+  }
+
+ protected:
   /// Fills a selector of the unit editor with every record, after "None" where wanted; the entry with the same number
   /// stays selected.
   void RefillSelector(Selector& av_Selector, bool ab_WithNone) {
