@@ -3,20 +3,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <optional>
 
-#include "base/files.h"
 #include "base/format.h"
 #include "base/numbers.h"
-#include "base/paths.h"
 #include "base/text.h"
 #include "data/logging_schedule.h"
-#include "data/sensor_names.h"
 #include "history/network_settings.h"
 #include "link/exchange.h"
-#include "link/schedule.h"
 #include "platform/line_settings.h"
-#include "transfer/server_address.h"
+#include "setup/field_rules.h"
 
 namespace corvane {
 namespace {
@@ -24,25 +19,6 @@ namespace {
 constexpr double kLowest32 = std::numeric_limits<std::int32_t>::min();
 constexpr double kHighest32 = std::numeric_limits<std::int32_t>::max();
 constexpr double kLargestCorrection = 50;
-constexpr const char* kForeignPath =
-    "This is no path of this computer; it begins with \"/\" or is a name in the application folder.";
-
-std::string RangeText(double ad_Lowest, double ad_Highest) {
-  return " from " + ShortestText(ad_Lowest) + " to " + ShortestText(ad_Highest) + ".";
-}
-
-/// The folder above `as_Path`, "/" at the top.
-std::string ParentOf(std::string_view as_Path) {
-  while (as_Path.size() > 1 && as_Path.ends_with('/')) as_Path.remove_suffix(1);
-  const std::string_view parent = FolderOf(as_Path);
-  return parent.empty() ? "/" : std::string(parent);
-}
-
-bool IsFolder(const std::string& as_Path) {
-  const auto info = ExamineFile(as_Path);
-  return info && info->is_folder;
-}
-
 }  // namespace
 
 FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileNames& av_Names)
@@ -104,12 +80,7 @@ std::string FieldChecks::TimeIfAny(const Row& av_Row) const {
 }
 
 std::string FieldChecks::Depths(const Row& av_Row) const {
-  for (const std::string_view depth : Split(av_Row.text(), ';')) {
-    if (!Trim(depth).empty() && !DepthOf(depth)) {
-      return "These are no depths; write them in centimetres from the first sensor on, such as 10;20;40.";
-    }
-  }
-  return {};
+  return DepthsProblem(av_Row.text());
 }
 
 std::string FieldChecks::LoggingInterval(const Row& av_Row) const {
@@ -118,9 +89,7 @@ std::string FieldChecks::LoggingInterval(const Row& av_Row) const {
 }
 
 std::string FieldChecks::DownloadInterval(const Row& av_Row) const {
-  if (AutomaticInterval(av_Row.text())) return {};
-  return "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below 24, or a "
-         "number of hours from 24.";
+  return IntervalProblem(av_Row.text());
 }
 
 std::string FieldChecks::LogPeriod(const Row& av_Row) const {
@@ -130,9 +99,7 @@ std::string FieldChecks::LogPeriod(const Row& av_Row) const {
 }
 
 std::string FieldChecks::WholeNumber(const Row& av_Row) const {
-  const auto lowest = static_cast<std::int64_t>(av_Row.lowest);
-  if (ParseInteger(av_Row.text(), lowest, static_cast<std::int64_t>(av_Row.highest))) return {};
-  return "This is no whole number" + RangeText(av_Row.lowest, av_Row.highest);
+  return WholeNumberProblem(av_Row.text(), av_Row.lowest, av_Row.highest);
 }
 
 std::string FieldChecks::UnitID(const Row& av_Row) const {
@@ -145,18 +112,11 @@ std::string FieldChecks::UnitID(const Row& av_Row) const {
 }
 
 std::string FieldChecks::Decimal(const Row& av_Row) const {
-  const std::optional<double> number = ParseNumber(av_Row.text());
-  if (number && *number >= av_Row.lowest && *number <= av_Row.highest) return {};
-  return "This is no number (with \".\" as the decimal point)" + RangeText(av_Row.lowest, av_Row.highest);
+  return DecimalProblem(av_Row.text(), av_Row.lowest, av_Row.highest);
 }
 
 std::string FieldChecks::ExistingFile(const Row& av_Row) const {
-  if (av_Row.text().empty()) return "No file is named; choose one.";
-  const std::string path = app_.AppPath(WithSlashes(av_Row.text()));
-  if (!path.starts_with('/')) return kForeignPath;
-  const auto info = ExamineFile(path);
-  if (!info) return "There is no file " + path + "; choose one that exists.";
-  return info->is_folder ? "This is a folder; choose a file." : "";
+  return FileProblem(av_Row.text(), app_);
 }
 
 std::string FieldChecks::FileIfNamed(const Row& av_Row) const {
@@ -164,18 +124,11 @@ std::string FieldChecks::FileIfNamed(const Row& av_Row) const {
 }
 
 std::string FieldChecks::Server(const Row& av_Row) const {
-  const ServerAddress server = ParseServer(av_Row.text());
-  if (server.port != 0 && server.host.find_first_of("/@ ") == std::string::npos) return {};
-  return "This is no server; write its name or address, and its port where that is not 21, such as "
-         "ftp.example.org:2121.";
+  return ServerProblem(av_Row.text());
 }
 
 std::string FieldChecks::DataFolder(const Row& /*av_Row*/) const {
-  const std::string path = names_.DataFolder();
-  if (!path.starts_with('/')) return kForeignPath;
-  if (ExamineFile(path)) return IsFolder(path) ? "" : "This is a file; choose a folder.";
-  const std::string parent = ParentOf(path);
-  return IsFolder(parent) ? "" : "There is no folder " + parent + " to create it in; choose a folder that exists.";
+  return NewFolderProblem(names_.DataFolder());
 }
 
 std::string FieldChecks::FolderIfNamed(const Row& av_Row) const {

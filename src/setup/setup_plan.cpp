@@ -38,8 +38,9 @@ void CompletePlan(SetupPlan& av_Plan, SetupPage av_Page) {
   if (av_Page != SetupPage::Stations) return;
   for (const SetupUnit& unit : av_Plan.units) {
     const std::string_view name = Trim(unit.client);
-    const bool known = name.empty() || std::any_of(av_Plan.clients.begin(), av_Plan.clients.end(),
-                                                   [name](const SetupClient& client) { return client.name == name; });
+    const bool known = name.empty() ||
+                       std::any_of(av_Plan.clients.begin(), av_Plan.clients.end(),
+                                   [name](const SetupClient& client) { return EqualsNoCase(Trim(client.name), name); });
     if (!known) av_Plan.clients.push_back({std::string(name), FolderNameFor(name)});
   }
 }

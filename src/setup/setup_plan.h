@@ -118,9 +118,9 @@ struct SetupPlan {
   std::string password;
   bool anonymous = false;
   bool encrypted = true;
-  std::string certificate;       ///< of the server's authority; empty: the system's
-  bool sends_calibrated = true;  ///< and backs them up; else the raw files
-  std::string backup_folder;     ///< empty: no backup
+  std::string certificate;        ///< of the server's authority; empty: the system's
+  bool sends_calibrated = false;  ///< and backs them up; else the raw files
+  std::string backup_folder;      ///< empty: no backup
 
   bool operator==(const SetupPlan&) const = default;
 };

@@ -1,0 +1,26 @@
+// What a text has to be for the field that it stands in, wherever it is entered.
+//
+// Each rule returns an empty text when all is well, else a short sentence that says what is wrong and what is accepted.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "state/app_info.h"
+
+namespace corvane {
+
+[[nodiscard]] std::string IntervalProblem(std::string_view as_Text);
+/// The limits are whole numbers.
+[[nodiscard]] std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest);
+[[nodiscard]] std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest);
+[[nodiscard]] std::string DepthsProblem(std::string_view as_Text);
+[[nodiscard]] std::string ServerProblem(std::string_view as_Text);
+/// A file that has to be there.
+[[nodiscard]] std::string FileProblem(std::string_view as_Text, const AppInfo& av_App);
+/// A folder that is there, or can be created in one that is; `as_Path` is its full path.
+[[nodiscard]] std::string NewFolderProblem(const std::string& as_Path);
+/// Whether a folder stands there, by its full path.
+[[nodiscard]] bool IsFolder(const std::string& as_Path);
+
+}  // namespace corvane
