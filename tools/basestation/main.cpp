@@ -1,4 +1,5 @@
 #include <sys/signalfd.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <fstream>
@@ -68,9 +69,9 @@ void Serve(const Options& options) {
   Pty pty(options.link);
   pty.Open();
   std::cout << "ready: " << pty.name() << std::endl;
-  Server server(
-      {options.baud, options.clock_speed, std::max<std::int64_t>(options.advance, 1), options.idle_exit, options.state},
-      station, pty, log);
+  Server server({options.baud, options.clock_speed, std::max<std::int64_t>(options.advance, 1), options.idle_exit,
+                 options.end_with_input ? STDIN_FILENO : -1, options.end_with_link, options.state},
+                station, pty, log);
   server.Run(signals);
 }
 

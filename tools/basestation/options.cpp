@@ -88,6 +88,10 @@ constexpr OptionRow kOptions[] = {
      [](Raw& raw, const std::string& value) { raw.options.log = value; }},
     {"--idle-exit", "SECONDS", "end after so many seconds without input",
      [](Raw& raw, const std::string& value) { raw.options.idle_exit = Number(value, 1, 1'000'000); }},
+    {"--end-with-input", "", "end when the standard input does, so together with the program at its other end",
+     [](Raw& raw, const std::string&) { raw.options.end_with_input = true; }},
+    {"--end-with-link", "", "end within a second when somebody has removed the link",
+     [](Raw& raw, const std::string&) { raw.options.end_with_link = true; }},
     {"--help", "", "show this text", [](Raw& raw, const std::string&) { raw.options.help = true; }},
     {"--version", "", "show the version", [](Raw& raw, const std::string&) { raw.options.version = true; }},
 };
@@ -172,6 +176,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
   if (options.start + options.readings * options.interval * kMinute > *TimeOf(2099, 1, 1, 0, 0, 0)) {
     throw UsageError("so many readings at this interval end after the year 2098: choose fewer or an earlier start");
   }
+  if (options.end_with_link && options.link.empty()) throw UsageError("--end-with-link needs --link");
   return options;
 }
 

@@ -33,6 +33,8 @@ struct Options {
   std::string faults;
   std::string log;
   std::int64_t idle_exit = 0;
+  bool end_with_input = false;
+  bool end_with_link = false;
   bool help = false;
   bool version = false;
 };

@@ -32,6 +32,8 @@ class Pty {
   /// The name to give to the application: the link if there is one, else the slave.
   [[nodiscard]] const std::string& name() const { return link_.empty() ? slave_name_ : link_; }
 
+  /// Whether the link, where one was wanted, still leads to this terminal.
+  [[nodiscard]] bool HasLink() const { return link_.empty() || LinkTarget() == slave_name_; }
   /// Takes what the application has sent, nothing when nothing waits.
   [[nodiscard]] std::string Read();
   /// Sends what fits; returns the number of bytes taken.

@@ -22,6 +22,7 @@ constexpr std::int64_t kBitsPerByte = 10;
 constexpr std::int64_t kBurstsPerSecond = 100;
 constexpr std::uint64_t kLongestPiece = 64;
 constexpr auto kSettling = 20ms;
+constexpr auto kBetweenLooks = 500ms;
 
 }  // namespace
 
@@ -46,7 +47,7 @@ void Server::Run(int signals) {
     }
     Send();
     const auto idle = Clock::now() - last_input_;
-    stop_ = stop_ || (settings_.idle_exit > 0 && idle >= std::chrono::seconds(settings_.idle_exit));
+    stop_ = stop_ || LeftAlone() || (settings_.idle_exit > 0 && idle >= std::chrono::seconds(settings_.idle_exit));
   }
   KeepState();
 }
@@ -136,12 +137,15 @@ Server::Clock::time_point Server::NextWake() const {
   }
   if (reopen_at_) wake = std::min(wake, *reopen_at_);
   if (settings_.idle_exit > 0) wake = std::min(wake, last_input_ + std::chrono::seconds(settings_.idle_exit));
+  if (settings_.end_with_link) wake = std::min(wake, look_at_link_);
   return wake;
 }
 
 /// Waits for input, room for output, a signal or the next due time; returns the line's events.
 short Server::Wait(int signals) {
-  pollfd files[] = {{pty_.fd(), static_cast<short>(MaySend() ? POLLIN | POLLOUT : POLLIN), 0}, {signals, POLLIN, 0}};
+  pollfd files[] = {{pty_.fd(), static_cast<short>(MaySend() ? POLLIN | POLLOUT : POLLIN), 0},
+                    {signals, POLLIN, 0},
+                    {settings_.lifeline, POLLIN, 0}};
   const auto wake = NextWake();
   timespec limit{};
   if (const auto now = Clock::now(); wake > now) {
@@ -149,7 +153,7 @@ short Server::Wait(int signals) {
     limit.tv_sec = left / 1'000'000'000;
     limit.tv_nsec = left % 1'000'000'000;
   }
-  const int ready = ppoll(files, 2, wake == Clock::time_point::max() ? nullptr : &limit, nullptr);
+  const int ready = ppoll(files, 3, wake == Clock::time_point::max() ? nullptr : &limit, nullptr);
   return ready > 0 ? files[0].revents : short{0};
 }
 
@@ -164,6 +168,16 @@ void Server::TakeSignals(int signals) {
       stop_ = true;
     }
   }
+}
+
+bool Server::LeftAlone() {
+  char thrown_away[256];
+  pollfd lifeline{settings_.lifeline, POLLIN, 0};
+  const bool something = settings_.lifeline >= 0 && poll(&lifeline, 1, 0) > 0;
+  if (something && read(settings_.lifeline, thrown_away, sizeof thrown_away) == 0) return true;
+  if (!settings_.end_with_link || Clock::now() < look_at_link_) return false;
+  look_at_link_ = Clock::now() + kBetweenLooks;
+  return pty_.fd() >= 0 && !pty_.HasLink();
 }
 
 void Server::PassRealTime() {

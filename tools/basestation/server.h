@@ -22,6 +22,8 @@ class Server {
     double clock_speed = 0;        ///< unit seconds that pass in a real second
     std::int64_t signal_step = 1;  ///< readings that every unit adds at SIGUSR1
     std::int64_t idle_exit = 0;    ///< seconds without input after which the server ends; 0: never
+    int lifeline = -1;             ///< a descriptor at whose end the server ends; -1: none
+    bool end_with_link = false;    ///< the server ends when its link is gone
     std::string state_path;        ///< empty: the units' state is not kept
   };
 
@@ -29,7 +31,7 @@ class Server {
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
-  /// Serves until SIGTERM, SIGINT or SIGHUP (or idle); throws `RunTimeError` when the line is lost.
+  /// Serves until SIGTERM, SIGINT or SIGHUP, or as the settings say; throws `RunTimeError` when the line is lost.
   ///
   /// `signals` is a signalfd descriptor of the blocked signals.
   void Run(int signals);
@@ -46,6 +48,8 @@ class Server {
   [[nodiscard]] Clock::time_point NextWake() const;
   [[nodiscard]] short Wait(int signals);
   void TakeSignals(int signals);
+  /// True when the lifeline has come to its end or the link has gone.
+  [[nodiscard]] bool LeftAlone();
   void PassRealTime();
   void KeepState();
 
@@ -61,6 +65,7 @@ class Server {
   std::optional<Clock::time_point> reopen_at_;
   Clock::time_point last_input_{};
   Clock::time_point units_time_{};
+  Clock::time_point look_at_link_{};  ///< when to look whether the link is there
   bool stop_ = false;
   bool changed_ = false;  ///< the state file is out of date
 };
