@@ -75,6 +75,11 @@ constexpr CommandRow kCommands[] = {
      "Writes index.html into FOLDER, which must be there: one file that is whole in itself. Reads only the\n"
      "application folder; works while another program runs.",
      kEverywhere, 1, 1},
+    {CommandId::Practise, "practise", "", "try it all on a simulated network that leaves nothing",
+     "Makes an application folder of its own with a simulated base station, units and invented calibration\n"
+     "tables, brings in a first whole day, and says what to try there. The base station stays behind until\n"
+     "practise --end, or a day after its last use.",
+     kPractiseOption, 0, 0},
     {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
      "FILE (- is the standard input, read to its end) holds one statement a line:\n"
      "  set NAME VALUE            enter a value and leave the field\n"
@@ -118,6 +123,8 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string&) { options.metrics = true; }},
     {"--until", "DATE", "the last day of the note, such as 2026-12-31", kNoteOption,
      [](Options& options, const std::string& value) { options.until = value; }},
+    {"--end", "", "end the practice of --home, or all that no program works in", kPractiseOption,
+     [](Options& options, const std::string&) { options.end = true; }},
     {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
      [](Options& options, const std::string&) { options.yes = true; }},
     {"--go-on", "", "go on past units and files that fail, in this run", kEverywhere,

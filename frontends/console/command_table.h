@@ -20,6 +20,7 @@ enum OptionScope : unsigned {
   kStatusOption = 16,
   kNoteOption = 32,
   kRepairOption = 64,
+  kPractiseOption = 128,
 };
 
 struct CommandRow {

@@ -40,6 +40,7 @@ enum class CommandId {
   Note,
   Page,
   Script,
+  Practise,
 };
 
 /// What was asked for.
@@ -60,6 +61,7 @@ struct Options {
   bool recover = false;  ///< --recover
   bool json = false;
   bool check = false;
+  bool end = false;  ///< --end
   bool metrics = false;
   bool quiet = false;
   bool verbose = false;

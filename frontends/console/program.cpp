@@ -21,6 +21,7 @@
 #include "page_command.h"
 #include "posix/posix_command_runner.h"
 #include "posix/posix_loop.h"
+#include "practise_command.h"
 #include "serial/termios_port.h"
 #include "sqlite/sqlite_history_store.h"
 #include "status_command.h"
@@ -211,6 +212,7 @@ class Program {
 
 int RunProgram(const Options& options) {
   try {
+    if (options.command == CommandId::Practise) return Practise(options, RunProgram);
     const std::string folder = ChooseApplicationFolder(options.home, PosixShell("corvane"));
     if (NeedsHistoryOnly(options.command)) return RunHistoryCommand(options, folder);
     // Whoever may read the history alone gets a page too.

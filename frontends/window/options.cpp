@@ -21,12 +21,16 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
       if (options.home.empty()) throw UsageError("--home needs a folder");
     } else if (argument == "--language-template") {
       options.language_template = true;
+    } else if (argument == "--practise") {
+      options.practise = true;
     } else if (argument.starts_with("-")) {
       throw UsageError("there is no option " + argument);
     } else {
       options.switches += (options.switches.empty() ? "" : " ") + argument;
     }
   }
+  if (options.practise && !options.home.empty())
+    throw UsageError("--practise has a folder of its own: leave out --home");
   return options;
 }
 
@@ -39,6 +43,7 @@ Collects the readings of field data loggers: the window. For servers and scripts
   /D                    download all active radio units at once, then do what follows a download
   /Q                    close when that is done
   --home DIR            the application folder: settings, log, tables and, by default, the data
+  --practise            try it all on a simulated network; nothing of it stays
   --language-template   print the language file that holds the captions of this version
   --version             print the version
   --help                print this text

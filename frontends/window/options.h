@@ -16,7 +16,8 @@ class UsageError : public std::runtime_error {
 struct Options {
   std::string home;  ///< value of --home, empty when not given
   bool language_template = false;
-  std::string switches;  ///< the text in which "/M", "/D" and "/Q" are looked for
+  bool practise = false;  ///< in a practice of its own, not in `home`
+  std::string switches;   ///< the text in which "/M", "/D" and "/Q" are looked for
 };
 
 /// Reads the arguments behind the program's name.

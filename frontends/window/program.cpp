@@ -25,11 +25,13 @@
 #include "curl/curl_internet_client.h"
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
+#include "desktop/practice_folder.h"
 #include "posix/posix_command_runner.h"
 #include "posix/signal_watch.h"
 #include "qt/qt_dialogs.h"
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
+#include "setup/practice.h"
 #include "sqlite/sqlite_history_store.h"
 #include "window/main_window.h"
 #include "window/toolkit_messages.h"
@@ -64,13 +66,28 @@ void ProvideLanguageFile(const std::string& folder) {
   static_cast<void>(WriteFileAtomically(path, resource.readAll().toStdString()).ok());
 }
 
+/// The desktop, from which a practice keeps away: the entry that starts the program at log-on is the real network's.
+class WindowShell : public PosixShell {
+ public:
+  WindowShell(const std::string& home, bool practice) : PosixShell("corvane", home), practice_(practice) {}
+
+  [[nodiscard]] bool HasLogOnEntry() const override { return !practice_ && PosixShell::HasLogOnEntry(); }
+  Status WriteLogOnEntry(const std::string& arguments) override {
+    return practice_ ? Status(EPERM, "a practice does not start at log-on") : PosixShell::WriteLogOnEntry(arguments);
+  }
+  Status DeleteLogOnEntry() override { return practice_ ? Status::Ok() : PosixShell::DeleteLogOnEntry(); }
+
+ private:
+  bool practice_;
+};
+
 /// Everything that lives while the window does.
 class Program {
  public:
   Program(const Options& options, std::string folder)
       : switches_(options.switches),
         folder_(std::move(folder)),
-        shell_("corvane", options.home.empty() ? "" : folder_),
+        shell_(options.home.empty() ? "" : folder_, IsPractice(folder_)),
         port_(loop_, loop_),
         dialogs_(loop_),
         internet_(loop_),
@@ -107,7 +124,6 @@ class Program {
     return Finish() ? kClosed : kNotSaved;
   }
 
- private:
   /// Says why the program does not start; where nobody may be there the box closes by itself. **Yields.**
   int Refuse(const std::string& why) {
     std::cerr << Printable(why) << "\n";
@@ -130,6 +146,7 @@ class Program {
     return kNotStarted;
   }
 
+ private:
   /// A signal or the end of the session: the program ends in order, whatever it does, and asks nothing.
   void EndSilently() {
     ended_ = true;
@@ -203,7 +220,7 @@ class Program {
   std::string switches_;
   std::string folder_;
   QtLoop loop_;
-  PosixShell shell_;
+  WindowShell shell_;
   TermiosPort port_;
   QtDialogs dialogs_;
   CurlInternetClient internet_;
@@ -217,6 +234,18 @@ class Program {
   bool ended_ = false;                        ///< by a signal or the session
   static inline Program* running_ = nullptr;  ///< what the end of the process has to save
 };
+
+/// Runs the window in a practice, which goes away with it.
+int RunPractice(Options options) {
+  PracticeFolder ground(PosixShell("corvane").ProgramFolder());
+  const Status begun = BeginPractice(ground, PracticeGround::Station::EndsWithUs, options.home);
+  if (!begun.ok()) return Program(options, options.home).Refuse(begun.text());
+  const int status = Program(options, options.home).Run();
+  if (const Status removed = ground.Remove(options.home); !removed.ok()) {
+    std::cerr << "corvane: " << Printable(removed.text()) << "\n";
+  }
+  return status;
+}
 
 }  // namespace
 
@@ -236,6 +265,7 @@ int PrintLanguageTemplate() {
 
 int RunProgram(const Options& options) {
   try {
+    if (options.practise) return RunPractice(options);
     return Program(options, ChooseApplicationFolder(options.home, PosixShell("corvane"))).Run();
   } catch (const RunTimeError& error) {
     std::cerr << "corvane: " << Printable(error.what()) << "\n";

@@ -34,6 +34,8 @@ TEST(WindowOptions, SwitchesAreAllTextThatIsNoOption) {
       {{"--home"}, "wrong", ""},
       {{"--home", ""}, "wrong", ""},
       {{"--home="}, "wrong", ""},
+      {{"/D", "--practise"}, "", "/D"},
+      {{"--practise", "--home", "/a"}, "wrong", ""},
       {{"--homes=/a"}, "wrong", ""},
       {{"/M", "--Version"}, "wrong", ""},
   };
