@@ -25,6 +25,7 @@
 namespace corvane::window {
 namespace {
 
+constexpr int kCharactersOfUnitList = 30;
 constexpr double kShareOfScreen = 0.9;
 constexpr const char* kIconResource = ":/corvane.png";
 constexpr int kFewestRows = 3;        ///< of the list of units
@@ -50,6 +51,8 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   ui_->setupUi(this);
   ui_->splitter->setStretchFactor(0, 0);
   ui_->splitter->setStretchFactor(1, 1);
+  // The names of the units need less than a list asks for; the pages need all there is on a small screen.
+  ui_->splitter->setSizes({fontMetrics().averageCharWidth() * kCharactersOfUnitList, width()});
   resize(size().boundedTo(screen()->availableSize() * kShareOfScreen));
   setWindowIcon(QIcon(kIconResource));
   AddPages();
