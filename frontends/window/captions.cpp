@@ -14,6 +14,7 @@
 #include <QTabWidget>
 #include <QTreeView>
 
+#include "lang/language.h"
 #include "window/access_keys.h"
 
 namespace corvane::window {
@@ -145,7 +146,7 @@ void Captions::AddMenuEntries(MenuGroup& menu) const {
 }
 
 std::string Captions::LanguageTemplate() const {
-  std::map<std::int32_t, std::string> lines;
+  std::map<std::int32_t, std::string> lines = {{kLanguageCodeID, std::to_string(kLanguageCodeID) + "~en~en~"}};
   for (const Item& item : Items()) {
     for (int tab = 0; tab < std::max(1, item.tabs); ++tab) {
       const std::string caption = item.caption ? FieldText(item.caption(tab)) : std::string();

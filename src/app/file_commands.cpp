@@ -1,5 +1,6 @@
 #include "app/file_commands.h"
 
+#include "base/files.h"
 #include "base/status.h"
 #include "state/app_info.h"
 
@@ -20,8 +21,15 @@ void FileCommands::EditFile(std::int16_t ai_Index) {
 void FileCommands::ShowHelp(const std::string HelpFiles::*av_Page) {
   const std::string& page = p_.help.*av_Page;
   if (page.empty()) return p_.messages.Show("There is no Help associated with this project");
-  const Status opened = p_.shell.OpenDocument(page);
+  const Status opened = p_.shell.OpenDocument(InTheLanguage(page));
   if (!opened.ok()) p_.messages.Show(opened.text(), "Help");
+}
+
+std::string FileCommands::InTheLanguage(const std::string& as_Page) {
+  if (!p_.language.FindEntry(kLanguageCodeID)) return as_Page;
+  std::string page = as_Page;
+  page.insert(page.rfind('/') + 1, p_.language.LanguageText(kLanguageCodeID) + "/");
+  return ExamineFile(page) ? page : as_Page;
 }
 
 void FileCommands::ShowAbout() {

@@ -5,6 +5,7 @@
 
 #include "app/operations.h"
 #include "data/local_files.h"
+#include "lang/language.h"
 #include "platform/shell.h"
 #include "ui/messages.h"
 
@@ -24,6 +25,7 @@ class FileCommands {
     LocalFiles& files;
     Operations& operations;
     const HelpFiles& help;
+    CLanguage& language;
     Shell& shell;
     Messages& messages;
   };
@@ -35,11 +37,15 @@ class FileCommands {
   void GetFile(std::int16_t ai_Index);
   /// Opens the file of `Txt_File[ai_Index]` in the text editor.
   void EditFile(std::int16_t ai_Index);
-  /// Opens a page of the guide; says so where there is none.
+  /// Opens a page of the guide, in the language of the captions where the guide is there in it; says so where there is
+  /// none.
   void ShowHelp(const std::string HelpFiles::*av_Page);
   void ShowAbout();
 
  private:
+  /// The page of that name in the folder that is called like the language; the page itself where there is none.
+  [[nodiscard]] std::string InTheLanguage(const std::string& as_Page);
+
   Parts p_;
 };
 

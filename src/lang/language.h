@@ -12,6 +12,9 @@
 
 namespace corvane {
 
+/// The entry whose text is the code of the file's language, such as "de"; the guide is opened in it where there is one.
+inline constexpr std::int32_t kLanguageCodeID = 1229;
+
 /// The texts of a language file by their text IDs. File format: docs/formats/language-file.md.
 ///
 /// The file is read once, at the first use. Every failure is shown in the timed box, once, and leaves the table empty:

@@ -1,5 +1,6 @@
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <set>
 
 #include <QGroupBox>
@@ -74,6 +75,18 @@ TEST_F(Captions, ReplaceEveryKindOfText) {
   EXPECT_EQ(Field("Txt_UnitName").text(), "Site 1") << "a field has no caption to replace";
   EXPECT_TRUE(Widget<QMenu>("mnu_Clients").toolTipsVisible());
   EXPECT_EQ(Widget<QLabel>("Lbl_Now").text().toStdString(), form().Lbl_Now.text());
+}
+
+TEST(GermanCaptions, HelpOpensTheGuideInTheirLanguageWhereItIsThere) {
+  WindowWorld world("[General]\nLanguage=" + std::regex_replace(LANGUAGE_FILE, std::regex("hveng"), "hvdeu") + "\n");
+  world.app().life().SetCaptions(&world.window().captions());
+  world.Open();
+  EXPECT_EQ(world.Entry("mnu_Clients", 0).text(), "&Neu");
+  world.Choose("mnu_Help", 0);
+  world.home.Write("guide/de/index.html", "");
+  world.Choose("mnu_Help", 0);
+  const std::vector<std::string> opened{world.help.contents, world.home.Name("guide/de/index.html")};
+  EXPECT_EQ(world.shell.opened, opened);
 }
 
 }  // namespace

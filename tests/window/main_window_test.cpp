@@ -154,7 +154,7 @@ TEST_F(MainWindow, KeysAreHandedOn) {
   Press(Field("Txt_UnitName"), Qt::Key_Escape);
   EXPECT_EQ(port.escapes, 1) << "Escape cancels wherever it is pressed";
   Press(window(), Qt::Key_F1);
-  EXPECT_EQ(shell.opened, std::vector<std::string>{"/guide/index.html"});
+  EXPECT_EQ(shell.opened, std::vector<std::string>{help.contents});
   Type("Txt_UnitName", "aF");
   EXPECT_EQ(form().Txt_UnitName.text(), "aF");
   Field("Txt_UnitName").setFocus();

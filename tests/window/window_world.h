@@ -82,7 +82,7 @@ class WindowWorld : public World {
     QTest::keyClicks(&Field(field), text);
   }
 
-  HelpFiles help{"/guide/index.html", "/guide/index-of-words.html"};
+  HelpFiles help{home.Name("guide/index.html"), home.Name("guide/index-of-words.html")};
 
  private:
   std::unique_ptr<Application> app_;
