@@ -19,6 +19,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
       settings_(av_Platform, state_, report_, editors_),
       commands_({av_Platform, help_, state_, report_, editors_, data_, link_, transfer_, transfer_rounds_, history_,
                  rounds_, settings_}),
+      setup_({av_Platform, state_, report_, editors_, link_, transfer_, history_, rounds_, settings_, commands_}),
       creation_({state_.form, state_.flags, state_.states, commands_.bindings, commands_.fields, settings_.settings,
                  editors_, data_.files, settings_.language, settings_.run_at_startup, history_.watch, report_.bars}),
       release_({state_.link, state_.flags, editors_, settings_.settings, settings_.recovery, link_.port, link_.writer,

@@ -13,6 +13,7 @@
 #include "app/report_assembly.h"
 #include "app/rounds_assembly.h"
 #include "app/settings_assembly.h"
+#include "app/setup_assembly.h"
 #include "app/shared_state.h"
 #include "app/transfer_assembly.h"
 #include "app/window_creation.h"
@@ -55,6 +56,8 @@ class Application {
   /// What became of the recovery copy of the settings.
   [[nodiscard]] RecoveryState recovery() const { return settings_.store.recovery(); }
   [[nodiscard]] Commands& commands() { return commands_.commands; }
+  /// Setting the network up, page by page.
+  [[nodiscard]] SetupCommands& setup() { return setup_.commands; }
   [[nodiscard]] LifeCycle& life() { return life_; }
 
   /// Captions the menus and the buttons, which the creation of the window does too.
@@ -79,6 +82,7 @@ class Application {
   RoundsAssembly rounds_;
   SettingsAssembly settings_;
   CommandsAssembly commands_;
+  SetupAssembly setup_;
   WindowCreation creation_;
   WindowRelease release_;
   LifeCycle life_;

@@ -4,7 +4,7 @@
 
 #include "app/operations.h"
 #include "app/settings.h"
-#include "history/history.h"
+#include "rounds/network_watch.h"
 #include "setup/setup_plan.h"
 #include "setup/setup_reader.h"
 #include "setup/setup_tries.h"
@@ -26,7 +26,7 @@ class SetupCommands {
     SetupWriter& writer;
     SetupTries& tries;
     Settings& settings;
-    History& history;
+    NetworkWatch& watch;
   };
   explicit SetupCommands(const Parts& av_Parts) : p_(av_Parts) {}
 
@@ -44,13 +44,17 @@ class SetupCommands {
   [[nodiscard]] SetupClock AskClock(const SetupPlan& av_Plan, std::size_t al_Row);
   [[nodiscard]] SetupClock SetClock(const SetupPlan& av_Plan, std::size_t al_Row);
   [[nodiscard]] SetupAnswer TryServer(const SetupPlan& av_Plan);
-  [[nodiscard]] SetupAnswer TryBackup(const SetupPlan& av_Plan) const { return corvane::TryBackup(av_Plan, p_.app); }
+  [[nodiscard]] SetupAnswer TryBackup(const SetupPlan& av_Plan);
 
   /// Puts the plan in and saves the settings at once, in one step; false while an operation runs or when they could not
   /// be saved, which was shown. **Yields.**
   [[nodiscard]] bool PutIn(const SetupPlan& av_Plan);
 
  private:
+  /// Runs a try in the operation slot.
+  template <class Answer, class Try>
+  [[nodiscard]] Answer Run(const Try& av_Try);
+
   Parts p_;
 };
 

@@ -6,6 +6,7 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "setup/setup_records.h"
 
 namespace corvane {
 namespace {
@@ -47,39 +48,13 @@ SetupPlan SetupReader::PlanOf(bool ab_First) const {
     plan.interval = form.Txt_AutomaticInterval.text();
     plan.goes_on = form.Chk_GoOn.ticked();
     plan.log_size = form.LogSize;
-    ReadStations(plan);
+    TakeRecords(plan, RecordsIn(p_.registry));
     return plan;
   }
   // The only device there is will be the one.
   const std::vector<DeviceChoice> devices = p_.ports.Devices();
   if (devices.size() == 1) ChooseDevice(plan, devices.front().path);
   return plan;
-}
-
-void SetupReader::ReadStations(SetupPlan& av_Plan) const {
-  const Registry& registry = p_.registry;
-  for (std::int32_t i = 2; i <= registry.Relays.count(); ++i) {
-    av_Plan.relays.push_back({registry.Relays[i].Name, std::to_string(registry.Relays[i].ID), i});
-  }
-  for (std::int32_t i = 1; i <= registry.Clients.count(); ++i) {
-    av_Plan.clients.push_back({registry.Clients[i].Name, registry.Clients[i].Folder, i});
-  }
-  for (std::int32_t i = 1; i <= registry.Units.count(); ++i) {
-    const Unit& unit = registry.Units[i];
-    const Relay* const relay = unit.RelayID == 0 ? nullptr : registry.FindRelay(unit.RelayID);
-    const Client* const client = unit.ClientID == 0 ? nullptr : registry.FindClient(unit.ClientID);
-    SetupUnit row;
-    row.name = unit.Name;
-    row.id = std::to_string(unit.ID);
-    if (relay != nullptr) row.relay = relay->Name;
-    if (client != nullptr) row.client = client->Name;
-    row.depths = unit.Depths;
-    row.active = unit.Active != 0;
-    row.sent = unit.ftpFile != 0;
-    row.get_from = unit.GetFrom;
-    row.place = i;
-    av_Plan.units.push_back(std::move(row));
-  }
 }
 
 void SetupReader::ReadTables(SetupPlan& av_Plan) const {

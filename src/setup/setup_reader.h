@@ -41,7 +41,6 @@ class SetupReader {
   void ChooseDevice(SetupPlan& av_Plan, const std::string& as_Device) const;
 
  private:
-  void ReadStations(SetupPlan& av_Plan) const;
   void ReadTables(SetupPlan& av_Plan) const;
   void ReadDelivery(SetupPlan& av_Plan) const;
   [[nodiscard]] int NumberFor(const SetupPlan& av_Plan, const std::string& as_Device) const;

@@ -2,31 +2,28 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <optional>
 #include <string>
-#include <string_view>
 
-#include "base/dates.h"
 #include "form/form.h"
+#include "link/exchange.h"
+#include "link/pause.h"
 #include "link/port_link.h"
 #include "platform/event_loop.h"
-#include "registry/editors.h"
 #include "rounds/port_finder.h"
-#include "rounds/unit_session.h"
+#include "rounds/unit_attempts.h"
 #include "setup/setup_plan.h"
+#include "setup/setup_server.h"
+#include "state/app_info.h"
 #include "state/link_state.h"
 #include "state/port_devices.h"
 #include "state/records.h"
-#include "transfer/my_ftp.h"
-#include "transfer/remote_browser.h"
 
 namespace corvane {
 
 /// What a unit's clock shows.
 struct SetupClock : SetupAnswer {
-  std::int64_t seconds_off = 0;  ///< ahead of this computer's; meaningless where the unit has told no time
-  bool is_off = false;           ///< by more than a minute: it should be set
+  std::int64_t seconds_ahead = 0;  ///< of this computer's clock; without meaning where the unit has told no time
+  bool is_off = false;             ///< by more than a minute: it should be set
 };
 
 /// Tries what a plan names, before it is put in.
@@ -38,16 +35,15 @@ class SetupTries {
   /// What the tries work with; all must outlive this object.
   struct Parts {
     Form& form;
-    Registry& registry;
-    RegistryEditors& editors;
+    const Registry& registry;
     PortDevices& devices;
-    const SerialPort& machine;
     LinkState& link;
     PortLink& port;
+    Exchange& exchange;
     PortFinder& finder;
-    UnitSession& session;
-    RemoteBrowser& browser;
-    MyFTP& ftp;
+    UnitAttempts& attempts;
+    Pauser& pauser;
+    SetupServer& server;
     EventLoop& loop;
   };
   explicit SetupTries(const Parts& av_Parts) : p_(av_Parts) {}
@@ -58,14 +54,20 @@ class SetupTries {
   [[nodiscard]] SetupClock AskClock(const SetupPlan& av_Plan, std::size_t al_Row);
   /// Sets the unit's clock to this computer's and asks for it again. The front end has asked the person.
   [[nodiscard]] SetupClock SetClock(const SetupPlan& av_Plan, std::size_t al_Row);
-  /// Whether the server lets us in and lists the folder.
-  [[nodiscard]] SetupAnswer TryServer(const SetupPlan& av_Plan);
+  [[nodiscard]] SetupAnswer TryServer(const SetupPlan& av_Plan) { return p_.server.Try(av_Plan); }
+  /// Whether a file can be written into the backup folder; it is taken away again.
+  [[nodiscard]] SetupAnswer TryBackup(const SetupPlan& av_Plan, const AppInfo& av_App);
 
  private:
+  /// Sends one command to the unit of a row, again where it has no time for it; the answer, or why there is none.
+  [[nodiscard]] SetupAnswer Ask(const SetupPlan& av_Plan, std::size_t al_Row, std::int16_t ai_Command);
+  [[nodiscard]] SetupClock ClockOf(const SetupAnswer& av_Answer) const;
+  /// What came in place of an answer to the test of the port.
+  [[nodiscard]] std::string WhySilent();
+  /// Why an exchange brought nothing; empty when it did.
+  [[nodiscard]] std::string WhyFailed() const;
+
   Parts p_;
 };
-
-/// Whether a file can be written into the backup folder; it is taken away again. Yields nothing.
-[[nodiscard]] SetupAnswer TryBackup(const SetupPlan& av_Plan, const AppInfo& av_App);
 
 }  // namespace corvane

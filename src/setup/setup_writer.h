@@ -7,6 +7,7 @@
 #include "link/port_choices.h"
 #include "registry/editors.h"
 #include "setup/setup_plan.h"
+#include "state/app_info.h"
 #include "state/records.h"
 
 namespace corvane {
@@ -20,6 +21,7 @@ class SetupWriter {
     Registry& registry;
     RegistryEditors& editors;
     PortChoices& ports;
+    const AppInfo& app;
   };
   explicit SetupWriter(const Parts& av_Parts) : p_(av_Parts) {}
 

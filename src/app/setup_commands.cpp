@@ -1,0 +1,43 @@
+#include "app/setup_commands.h"
+
+#include <utility>
+
+namespace corvane {
+
+template <class Answer, class Try>
+Answer SetupCommands::Run(const Try& av_Try) {
+  Answer answer;
+  answer.text = "This was not tried: an operation is running. Wait until it ends, or cancel it.";
+  p_.operations.RunOperation("Setup", [&] { answer = av_Try(); });
+  return answer;
+}
+
+SetupAnswer SetupCommands::TryPort(const SetupPlan& av_Plan) {
+  return Run<SetupAnswer>([&] { return p_.tries.TryPort(av_Plan); });
+}
+
+SetupClock SetupCommands::AskClock(const SetupPlan& av_Plan, std::size_t al_Row) {
+  return Run<SetupClock>([&] { return p_.tries.AskClock(av_Plan, al_Row); });
+}
+
+SetupClock SetupCommands::SetClock(const SetupPlan& av_Plan, std::size_t al_Row) {
+  return Run<SetupClock>([&] { return p_.tries.SetClock(av_Plan, al_Row); });
+}
+
+SetupAnswer SetupCommands::TryServer(const SetupPlan& av_Plan) {
+  return Run<SetupAnswer>([&] { return p_.tries.TryServer(av_Plan); });
+}
+
+SetupAnswer SetupCommands::TryBackup(const SetupPlan& av_Plan) {
+  return Run<SetupAnswer>([&] { return p_.tries.TryBackup(av_Plan, p_.app); });
+}
+
+bool SetupCommands::PutIn(const SetupPlan& av_Plan) {
+  if (p_.slot.Taken()) return false;
+  p_.operations.RunCommand("Setup", [&] { p_.writer.PutIn(av_Plan); });
+  const bool saved = p_.settings.SaveSettings();
+  p_.watch.Write();
+  return saved;
+}
+
+}  // namespace corvane

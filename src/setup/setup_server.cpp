@@ -1,0 +1,62 @@
+#include "setup/setup_server.h"
+
+#include <algorithm>
+#include <string>
+
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+/// One sentence of the lines of an error.
+std::string OneLine(std::string_view as_Lines) {
+  std::string line;
+  for (std::string_view part : Split(as_Lines, '\n')) {
+    part = Trim(part.ends_with('\r') ? part.substr(0, part.size() - 1) : part);
+    if (!part.empty()) line += (line.empty() ? "" : "; ") + std::string(part);
+  }
+  return line;
+}
+
+}  // namespace
+
+SetupAnswer SetupServer::Try(const SetupPlan& av_Plan) {
+  const Messages::Silence silence(p_.messages);
+  // What a session needs besides, labels and traces; that fields of the present settings are empty is no matter here.
+  (void)p_.browser.SetUp();
+  Enter(av_Plan);
+  const SetupAnswer answer = Visit(av_Plan);
+  p_.ftp.Disconnect();
+  (void)p_.browser.SetUp();
+  return answer;
+}
+
+void SetupServer::Enter(const SetupPlan& av_Plan) {
+  p_.ftp.SetServer(Trim(av_Plan.server));
+  p_.ftp.SetInitialFolder(Trim(av_Plan.server_folder));
+  p_.ftp.SetUserName(Trim(av_Plan.user));
+  p_.ftp.SetPassword(av_Plan.password);
+  p_.ftp.SetAnonymous(av_Plan.anonymous);
+  p_.ftp.SetSecurity(av_Plan.encrypted,
+                     av_Plan.certificate.empty() ? av_Plan.certificate : p_.app.AppPath(av_Plan.certificate));
+}
+
+SetupAnswer SetupServer::Visit(const SetupPlan& av_Plan) {
+  const auto failed = [this] {
+    if (Cancelled(p_.link, p_.flags)) return SetupAnswer{false, "The server was not tried to the end: cancelled."};
+    return SetupAnswer{false, "The server cannot be used: " + OneLine(p_.ftp.LastErrorText()) +
+                                  ". Check its name, the user, the password, the encryption and the folder."};
+  };
+  if (!p_.ftp.Initialise()) return failed();
+  if (!p_.ftp.ConnectIfNotConnected() || !p_.ftp.SetRemoteDirectory() || !p_.ftp.GetDirectoryList("")) return failed();
+  const std::string folder = p_.ftp.CurrentRemoteDirectory();
+  const auto count = [](std::int64_t number, const std::string& what) {
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+  };
+  return {true, "The server " + std::string(Trim(av_Plan.server)) + " lets us in; the folder " +
+                    (folder.empty() ? "of the login" : folder) + " holds " +
+                    count(p_.ftp.Listing().FileCount(), "file") + " and " +
+                    count(p_.ftp.Listing().FolderCount(), "folder") + "."};
+}
+
+}  // namespace corvane
