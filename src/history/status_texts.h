@@ -14,6 +14,8 @@ namespace corvane {
 [[nodiscard]] std::string CountText(std::int64_t al_Count, std::string_view as_One, std::string_view as_Many);
 /// A duration in one or two words: "40 seconds", "25 minutes", "5 hours", "12 days"; the sign is left out.
 [[nodiscard]] std::string SpanText(std::int64_t al_Seconds);
+/// The same for a narrow column: "5 s", "40 min", "30 h", "12 d".
+[[nodiscard]] std::string BriefSpanText(std::int64_t al_Seconds);
 /// "12 Mar 2010 14:05".
 [[nodiscard]] std::string WhenText(DateTime av_When);
 /// The same of a moment, as the local clock showed it then.

@@ -21,9 +21,11 @@ std::string AgoText(Moment av_When, Moment av_Now) {
 
 std::string LastReadingText(const UnitStatus& av_Unit) {
   if (av_Unit.last_reading.IsNone()) return "";
-  const std::string when = WhenText(av_Unit.last_reading);
-  if (!av_Unit.reading_age) return when;
-  return SpanText(*av_Unit.reading_age) + (*av_Unit.reading_age < 0 ? " ahead: " : " ago: ") + when;
+  if (!av_Unit.reading_age) return WhenText(av_Unit.last_reading);
+  const DateTime now = av_Unit.last_reading + *av_Unit.reading_age;
+  const bool this_year = FormatDate(now, "yyyy") == FormatDate(av_Unit.last_reading, "yyyy");
+  return (this_year ? FormatDate(av_Unit.last_reading, "d mmm HH:MM") : WhenText(av_Unit.last_reading)) + " (" +
+         BriefSpanText(*av_Unit.reading_age) + (*av_Unit.reading_age < 0 ? " ahead)" : ")");
 }
 
 std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now) {

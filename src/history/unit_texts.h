@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// "2 hours ago: 12 Mar 2010 14:05".
+/// "12 Mar 14:05 (2 h)": the reading's date, with the year where that is another than now, and its age.
 [[nodiscard]] std::string LastReadingText(const UnitStatus& av_Unit);
 /// "answered, 4 readings, 2 hours ago".
 [[nodiscard]] std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now);

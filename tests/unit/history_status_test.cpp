@@ -374,7 +374,10 @@ TEST(UnitTexts, SayWhatAColumnHolds) {
   f.Gap(GapState::Lost, 2, 4);
   f.history.deliveries.push_back({1, Target::Server, "", {}, Ago(7200), "12007", 0, {}});
   UnitStatus unit = f.Status().units.at(0);
-  EXPECT_EQ(LastReadingText(unit), "60 minutes ago: 30 Jun 2026 11:00");
+  EXPECT_EQ(LastReadingText(unit), "30 Jun 11:00 (60 min)");
+  UnitStatus old = unit;
+  old.reading_age = 300 * kSecondsPerDay;
+  EXPECT_EQ(LastReadingText(old), "30 Jun 2026 11:00 (300 d)") << "another year is told";
   EXPECT_EQ(LastContactText(unit, kNow), "answered, 4 readings, 3 hours ago");
   EXPECT_EQ(GapsText(unit), "2: 16 readings, 4 lost");
   EXPECT_EQ(DeliveredText(unit, kNow), "2 hours ago, then: 12007");
