@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -46,6 +47,22 @@ bool ReadArrived(int descriptor, std::string& text) {
   if (length <= 0) return false;
   text.append(block.data(), static_cast<std::size_t>(length));
   return true;
+}
+
+NoEcho::NoEcho(int descriptor) : descriptor_(descriptor) {
+  termios line{};
+  on_ = tcgetattr(descriptor_, &line) == 0;
+  if (!on_) return;
+  before_ = line.c_lflag;
+  line.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  tcsetattr(descriptor_, TCSAFLUSH, &line);
+}
+
+NoEcho::~NoEcho() {
+  termios line{};
+  if (!on_ || tcgetattr(descriptor_, &line) != 0) return;
+  line.c_lflag = before_;
+  tcsetattr(descriptor_, TCSANOW, &line);
 }
 
 }  // namespace corvane

@@ -23,4 +23,18 @@ bool WriteOut(int descriptor, std::string_view text, bool patient);
 /// Appends what has arrived to `text`, waiting where nothing has; false at the end of the input.
 [[nodiscard]] bool ReadArrived(int descriptor, std::string& text);
 
+/// Keeps a terminal from showing what is typed, as long as it lives; does nothing to any other descriptor.
+class NoEcho {
+ public:
+  explicit NoEcho(int descriptor);
+  ~NoEcho();
+  NoEcho(const NoEcho&) = delete;
+  NoEcho& operator=(const NoEcho&) = delete;
+
+ private:
+  int descriptor_;
+  unsigned before_ = 0;
+  bool on_ = false;
+};
+
 }  // namespace corvane

@@ -8,6 +8,12 @@ namespace {
 constexpr std::size_t kMany = 1'000'000;
 
 constexpr CommandRow kCommands[] = {
+    {CommandId::Setup, "setup", "", "ask for everything that a network needs, and try it",
+     "Asks for port, relays, units, folders, tables, schedule, server and backup, a question a line, with\n"
+     "the present value in brackets. Tests the port, asks a unit for its clock, tries server and backup.\n"
+     "\"back\" goes back; \"quit\", Ctrl-C or the end of the input changes nothing. Nothing is written before\n"
+     "the end. Run again, it shows what is there. Answers may come through a pipe.",
+     kEverywhere, 0, 0},
     {CommandId::Download, "download", "[UNIT...|--hand-held]", "bring in new readings and convert them",
      "Asks every active radio unit, or each UNIT (name or ID) by its own connection, for the readings\n"
      "since the last one stored, and converts what is in its raw file. With --hand-held: all units\n"

@@ -10,6 +10,7 @@
 #include "port_commands.h"
 #include "repair_command.h"
 #include "script_command.h"
+#include "setup_command.h"
 #include "transfer_commands.h"
 
 namespace corvane::console {
@@ -30,7 +31,7 @@ constexpr std::array kEntries = {
     CommandEntry{CommandId::FindPort, FindPort},      CommandEntry{CommandId::Run, KeepSchedule},
     CommandEntry{CommandId::Units, ListUnits},        CommandEntry{CommandId::Script, RunScript},
     CommandEntry{CommandId::Recover, Recover},        CommandEntry{CommandId::Repair, Repair},
-    CommandEntry{CommandId::Page, MakePage},
+    CommandEntry{CommandId::Page, MakePage},          CommandEntry{CommandId::Setup, SetUp},
 };
 
 }  // namespace

@@ -62,22 +62,44 @@ void ConsoleDialogs::Answer(const BoxContents& contents, int position, const std
 
 void ConsoleDialogs::Ask() {
   output_.Prompt(asked_.text + " [yes/no] ");
-  if (const std::size_t end = typed_.find('\n'); end != std::string::npos) {
-    const std::string line = typed_.substr(0, end);
-    typed_.erase(0, end + 1);
-    TakeLine(line);
-    return;
-  }
+  if (const auto line = TakeTyped()) return TakeLine(*line);
   watcher_.WatchRead(input_, [this] { OnInput(); });
 }
 
 void ConsoleDialogs::OnInput() {
   if (!ReadArrived(input_, typed_)) return TakeLine("no");
+  if (const auto line = TakeTyped()) TakeLine(*line);
+}
+
+std::optional<std::string> ConsoleDialogs::TakeTyped() {
   const std::size_t end = typed_.find('\n');
-  if (end == std::string::npos) return;
-  const std::string line = typed_.substr(0, end);
+  if (end == std::string::npos) return std::nullopt;
+  std::string line = typed_.substr(0, end);
   typed_.erase(0, end + 1);
-  TakeLine(line);
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
+std::optional<std::string> ConsoleDialogs::ReadLine(const std::string& prompt, EventLoop& loop, const bool& ended,
+                                                    bool secret) {
+  output_.Prompt(prompt);
+  std::optional<NoEcho> unseen;
+  if (secret) unseen.emplace(input_);
+  std::optional<std::string> line = TakeTyped();
+  bool at_end = false;
+  if (!line) {
+    watcher_.WatchRead(input_, [this, &at_end] { at_end = !ReadArrived(input_, typed_); });
+    while (!line && !at_end && !ended) {
+      loop.Yield();
+      line = TakeTyped();
+    }
+    watcher_.Unwatch(input_);
+  }
+  // A last line without its end counts too.
+  if (!line && at_end && !typed_.empty()) line = std::exchange(typed_, {});
+  // Whoever reads what came through a pipe sees the answers too.
+  if (secret || !IsTerminal(input_)) output_.Error(secret ? "" : line.value_or(""));
+  return line;
 }
 
 void ConsoleDialogs::TakeLine(std::string_view line) {

@@ -9,6 +9,7 @@
 
 #include "console_output.h"
 #include "platform/dialogs.h"
+#include "platform/event_loop.h"
 #include "posix/descriptor_watcher.h"
 
 namespace corvane::console {
@@ -40,6 +41,11 @@ class ConsoleDialogs : public Dialogs {
                                         const std::string& folder) override;
   std::optional<std::string> ChooseFolder(const std::string& title, const std::string& folder) override;
 
+  /// Asks for a line; none at the end of the input, or when `ended` while it waits. A line that nobody types is shown
+  /// behind the prompt, or is not when it is `secret`; then a terminal does not show it either. **Yields.**
+  [[nodiscard]] std::optional<std::string> ReadLine(const std::string& prompt, EventLoop& loop, const bool& ended,
+                                                    bool secret = false);
+
   /// Keeps an answer for the next question: a button's caption, or a text.
   void QueueAnswer(std::string text) { answers_.push_back(std::move(text)); }
   /// Questions that were not answered with Yes.
@@ -54,6 +60,8 @@ class ConsoleDialogs : public Dialogs {
   void OnInput();
   void TakeLine(std::string_view line);
   void StopAsking();
+  /// Takes the first line that has arrived; none when none is whole.
+  [[nodiscard]] std::optional<std::string> TakeTyped();
 
   ConsoleOutput& output_;
   DescriptorWatcher& watcher_;

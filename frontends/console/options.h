@@ -41,6 +41,7 @@ enum class CommandId {
   Page,
   Script,
   Practise,
+  Setup,
 };
 
 /// What was asked for.

@@ -7,7 +7,7 @@ bool WindowRelease::Run() {
   p_.flags.releasing = true;
   p_.recovery.End();
   p_.editors.StoreRecords();
-  const bool saved = p_.settings.SaveSettings();
+  const bool saved = p_.flags.saves_nothing || p_.settings.SaveSettings();
   p_.link.UserCancel = true;
   if (p_.port.IsOpen()) p_.writer.SendEscapes();
   if (p_.capture.OutputFileNumber() != 0) {

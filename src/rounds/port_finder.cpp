@@ -18,9 +18,12 @@ bool PortFinder::TestBaseUnit(std::int16_t ai_Index) {
 bool PortFinder::Probe(std::int16_t ai_Index) {
   const ScopedValue<bool> testing(p_.link.TestingPort, true);
   ShowSilence(ai_Index, false);
+  error_.clear();
   if (!p_.port.OpenPort(ai_Index)) return false;
   p_.session.ProcessUnit(kTestBaseStation);
   const bool answered = p_.link.ContinueOk();
+  if (p_.link.HalvexError) error_ = p_.link.ResultTextOf(p_.link.ResultCode);
+  failed_here_ = p_.link.HalvexError && p_.link.ResultCode == kCommsErrorResult;
   if (!answered && !p_.link.UserCancel) ShowSilence(ai_Index, true);
   p_.port.ClosePort();
   return answered;

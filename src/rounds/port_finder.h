@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "form/form.h"
 #include "link/port_link.h"
@@ -27,6 +28,10 @@ class PortFinder {
 
   /// Probes the port selected in `Cmb_Port[ai_Index]`: true when something answered. **Yields.**
   bool TestBaseUnit(std::int16_t ai_Index);
+  /// The error that the last probe ended with, which counts as an answer; empty where there was none.
+  [[nodiscard]] const std::string& Error() const { return error_; }
+  /// Whether that error was of this side of the line.
+  [[nodiscard]] bool FailedHere() const { return failed_here_; }
   /// Tries the ports of `Cmb_Port[ai_Index]` until one answers, which stays selected; false when none did. **Yields.**
   bool FindPort(std::int16_t ai_Index);
 
@@ -36,6 +41,8 @@ class PortFinder {
   void ShowSilence(std::int16_t ai_Index, bool ab_Silent);
 
   Parts p_;
+  std::string error_;
+  bool failed_here_ = false;
 };
 
 }  // namespace corvane

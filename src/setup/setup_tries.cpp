@@ -96,12 +96,13 @@ SetupAnswer SetupTries::TryPort(const SetupPlan& av_Plan) {
   if (p_.link.UserCancel) return {false, "The port was not tested to the end: cancelled."};
   if (p_.link.PortFailed) return {false, p_.form.Lbl_PortProblem.text() + "."};
   if (!answered) return {false, WhySilent()};
-  const std::string line =
-      p_.link.HalvexError ? p_.link.ResultTextOf(p_.link.ResultCode) : std::string(Trim(p_.form.Lbl_HeaderLine.text()));
-  if (p_.link.HalvexError && p_.link.ResultCode == kCommsErrorResult) {
-    return {false, "The port failed: " + line + ". Plug the adapter in firmly and test again."};
+  if (p_.finder.FailedHere()) {
+    return {false, "The port failed while it was tested: " + p_.finder.Error() +
+                       ". Plug the adapter in firmly and test again."};
   }
-  if (p_.link.HalvexError || SoundsLikeModem(line)) {
+  const bool is_error = !p_.finder.Error().empty();
+  const std::string line(Trim(is_error ? p_.finder.Error() : p_.form.Lbl_HeaderLine.text()));
+  if (is_error || SoundsLikeModem(line)) {
     return {false, "Something answers with an error or as modems do (" + Quote(line) +
                        "), which may be no base station: choose another device, or ask a unit for its clock to be "
                        "sure."};

@@ -25,6 +25,7 @@ struct RunFlags {
   bool ending_silently = false;       ///< ended by a signal or the session: no box is shown any more
   bool loading = true;                ///< the window is still being created
   Recovery recovery = Recovery::Ask;  ///< set before the settings are loaded
+  bool saves_nothing = false;         ///< the close leaves the settings as they are in the file
   bool go_on_once = false;            ///< goes on past what fails until the program ends, whatever the settings say
   DateTime built;                     ///< when the program was built; none where that is not known
   std::int64_t error_counter = 0;     ///< bad lines of the current conversion command

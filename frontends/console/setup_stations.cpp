@@ -1,0 +1,156 @@
+#include "setup_stations.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/csv.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "text_table.h"
+
+namespace corvane::console {
+namespace {
+
+/// The cells of a line as a comma-separated file has them, at least `count`.
+std::vector<std::string> CellsOf(const std::string& line, std::size_t count) {
+  const CsvContents contents = ParseCsv("sep=,\n" + line);
+  std::vector<std::string> cells;
+  if (!contents.rows.empty()) cells = contents.rows.front().cells;
+  for (std::string& cell : cells) cell = Trim(cell);
+  cells.resize(std::max(cells.size(), count));
+  return cells;
+}
+
+/// What is typed into a list: a new row, another text for a row, or a row that is to go.
+struct Typed {
+  std::optional<std::size_t> row;  ///< from 0; none: a new one
+  bool goes = false;
+  std::string text;
+};
+
+/// "-2" takes row 2 away, "2: ..." enters it anew, anything else is a new row.
+Typed Read(const std::string& line, std::size_t rows) {
+  const auto most = static_cast<std::int64_t>(rows);
+  if (line.starts_with('-')) {
+    if (const auto row = ParseInteger(line.substr(1), 1, most)) return {static_cast<std::size_t>(*row - 1), true, {}};
+  }
+  const std::size_t colon = line.find(':');
+  if (colon != std::string::npos) {
+    if (const auto row = ParseInteger(line.substr(0, colon), 1, most)) {
+      return {static_cast<std::size_t>(*row - 1), false, line.substr(colon + 1)};
+    }
+  }
+  return {std::nullopt, false, line};
+}
+
+SetupRelay RelayOf(const SetupPlan& plan, SetupRelay relay, const std::string& text) {
+  const std::vector<std::string> cells = CellsOf(text, 2);
+  relay.name = cells[0];
+  relay.id = cells[1].empty() ? NextRelay(plan).id : cells[1];
+  return relay;
+}
+
+SetupUnit UnitOf(const SetupPlan&, SetupUnit unit, const std::string& text) {
+  const std::vector<std::string> cells = CellsOf(text, 5);
+  unit.name = cells[0];
+  const auto take = [](std::string& value, const std::string& cell) {
+    if (!cell.empty()) value = cell == "-" ? "" : cell;
+  };
+  take(unit.id, cells[1]);
+  take(unit.relay, cells[2]);
+  take(unit.client, cells[3]);
+  take(unit.depths, cells[4]);
+  return unit;
+}
+
+/// One of the two lists: what its rows are made of, and how it looks.
+template <class Row>
+struct RowList {
+  std::vector<Row>& rows;
+  std::string prompt;
+  std::function<Row()> fresh;
+  Row (*entered)(const SetupPlan& plan, Row row, const std::string& text);
+  std::vector<SetupField> fields;
+};
+
+std::vector<SetupFault> FaultsIn(const Desk& desk, const SetupPlan& plan, const std::vector<SetupField>& fields,
+                                 std::size_t row) {
+  std::vector<SetupFault> faults = desk.app.setup().FaultsOf(plan, SetupPage::Stations);
+  std::erase_if(faults, [&](const SetupFault& fault) {
+    return fault.row != row || std::find(fields.begin(), fields.end(), fault.field) == fields.end();
+  });
+  return faults;
+}
+
+/// Enters what was typed, unless it has a fault of its own.
+template <class Row>
+void Take(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list, const std::string& line) {
+  const Typed typed = Read(line, list.rows.size());
+  const std::vector<Row> before = list.rows;
+  if (typed.goes)
+    return static_cast<void>(list.rows.erase(list.rows.begin() + static_cast<std::ptrdiff_t>(*typed.row)));
+  const std::size_t at = typed.row.value_or(list.rows.size());
+  Row row = list.entered(plan, typed.row ? list.rows[at] : list.fresh(), typed.text);
+  if (typed.row) {
+    list.rows[at] = std::move(row);
+  } else {
+    list.rows.push_back(std::move(row));
+  }
+  if (talk.Tell(FaultsIn(desk, plan, list.fields, at + 1), false)) list.rows = before;
+}
+
+template <class Row>
+void AskRows(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list) {
+  for (;;) {
+    const std::string line = talk.Line(list.prompt);
+    if (line.empty() || line == "-") return;
+    Take(desk, talk, plan, list, line);
+  }
+}
+
+void ShowRelays(Desk& desk, const SetupPlan& plan) {
+  std::vector<std::vector<std::string>> rows;
+  for (const SetupRelay& relay : plan.relays) rows.push_back({std::to_string(rows.size() + 1), relay.name, relay.id});
+  if (!rows.empty()) desk.output.Result(FormatTable({{"Row", true}, {"Relay"}, {"ID", true}}, rows));
+}
+
+void ShowUnits(Desk& desk, const SetupPlan& plan) {
+  std::vector<std::vector<std::string>> rows;
+  for (const SetupUnit& unit : plan.units) {
+    rows.push_back({std::to_string(rows.size() + 1), unit.name, unit.id, unit.relay.empty() ? "-" : unit.relay,
+                    unit.client.empty() ? "-" : unit.client, unit.depths});
+  }
+  if (rows.empty()) return;
+  desk.output.Result(FormatTable({{"Row", true}, {"Unit"}, {"ID", true}, {"Relay"}, {"Client"}, {"Depths"}}, rows));
+}
+
+}  // namespace
+
+void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
+  talk.Say("  A row a line; Enter ends the list, \"-2\" takes row 2 away, \"2: ...\" enters it anew.");
+  ShowRelays(desk, plan);
+  AskRows<SetupRelay>(desk, talk, plan,
+                      {plan.relays,
+                       "Relay: name, ID",
+                       [&plan] { return NextRelay(plan); },
+                       RelayOf,
+                       {SetupField::RelayName, SetupField::RelayID}});
+  if (!plan.relays.empty()) ShowRelays(desk, plan);
+  talk.Say("  A unit is behind the relay of the one before; - stands for none.");
+  ShowUnits(desk, plan);
+  AskRows<SetupUnit>(desk, talk, plan,
+                     {plan.units,
+                      "Unit: name, ID [, relay [, client [, depths in cm, as 10;20;40]]]",
+                      [&plan] { return NextUnit(plan); },
+                      UnitOf,
+                      {SetupField::UnitName, SetupField::UnitID, SetupField::UnitRelay, SetupField::UnitClient,
+                       SetupField::UnitDepths}});
+  ShowUnits(desk, plan);
+  // A relay that units name may have gone.
+  if (talk.Tell(desk.app.setup().FaultsOf(plan, SetupPage::Stations), true)) throw Leave::Again;
+}
+
+}  // namespace corvane::console
