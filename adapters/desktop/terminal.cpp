@@ -11,6 +11,33 @@
 #include <cstddef>
 
 namespace corvane {
+namespace {
+
+constexpr char kBreakOff = 3;  // what Ctrl-C gives where it raises no signal
+
+/// Keeps the terminal at the standard input from showing what is typed, and from ending the program meanwhile: it would
+/// be left so.
+class UnseenTyping {
+ public:
+  UnseenTyping() : on_(tcgetattr(kStandardInput, &before_) == 0) {
+    if (!on_) return;
+    termios unseen = before_;
+    unseen.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
+    unseen.c_cc[VEOL] = kBreakOff;  // it ends the line, so that it arrives at once
+    tcsetattr(kStandardInput, TCSAFLUSH, &unseen);
+  }
+  ~UnseenTyping() {
+    if (on_) tcsetattr(kStandardInput, TCSANOW, &before_);
+  }
+  UnseenTyping(const UnseenTyping&) = delete;
+  UnseenTyping& operator=(const UnseenTyping&) = delete;
+
+ private:
+  termios before_{};
+  bool on_;
+};
+
+}  // namespace
 
 bool IsTerminal(int descriptor) {
   return isatty(descriptor) != 0;
@@ -63,6 +90,26 @@ NoEcho::~NoEcho() {
   if (!on_ || tcgetattr(descriptor_, &line) != 0) return;
   line.c_lflag = before_;
   tcsetattr(descriptor_, TCSANOW, &line);
+}
+
+std::optional<std::string> ReadSecret(std::string_view prompt) {
+  const bool is_terminal = IsTerminal(kStandardInput);
+  const UnseenTyping unseen;
+  if (is_terminal) WriteOut(kStandardError, prompt, true);
+  std::string line;
+  bool more = true;
+  char sign = 0;
+  // One by one: what follows the line is not ours to take.
+  while (more && sign != '\n' && !(is_terminal && sign == kBreakOff)) {
+    const ssize_t length = read(kStandardInput, &sign, 1);
+    more = length > 0 || (length < 0 && errno == EINTR);
+    if (length > 0) line += sign;
+  }
+  if (is_terminal) WriteOut(kStandardError, "\n", true);
+  if ((!more && line.empty()) || (is_terminal && sign == kBreakOff)) return std::nullopt;
+  if (line.ends_with('\n')) line.pop_back();
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
 }
 
 }  // namespace corvane

@@ -1,6 +1,7 @@
 // The standard streams of a console program.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,9 @@ void FillStandardDescriptors();
 bool WriteOut(int descriptor, std::string_view text, bool patient);
 /// Appends what has arrived to `text`, waiting where nothing has; false at the end of the input.
 [[nodiscard]] bool ReadArrived(int descriptor, std::string& text);
+/// Reads one line from the standard input, without its line end. At a terminal `prompt` is written to the error output
+/// and what is typed stays unseen. None at the end of the input and where the person broke off with Ctrl-C.
+[[nodiscard]] std::optional<std::string> ReadSecret(std::string_view prompt);
 
 /// Keeps a terminal from showing what is typed, as long as it lives; does nothing to any other descriptor.
 class NoEcho {

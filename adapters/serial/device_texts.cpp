@@ -18,13 +18,17 @@ std::string GroupName(gid_t id) {
 
 }  // namespace
 
-std::string NoPermissionText(const std::string& path, const struct stat& about) {
+std::string GroupThatMayUse(const struct stat& about) {
   constexpr mode_t kGroupMayUse = S_IRGRP | S_IWGRP;
+  if ((about.st_mode & kGroupMayUse) != kGroupMayUse || about.st_gid == 0) return {};
+  return GroupName(about.st_gid);
+}
+
+std::string NoPermissionText(const std::string& path, const struct stat& about) {
   const std::string text = "no permission to use " + path + ": ";
-  if ((about.st_mode & kGroupMayUse) != kGroupMayUse || about.st_gid == 0) {
-    return text + "ask the administrator for the right to read and write it";
-  }
-  return text + "add yourself to the group " + GroupName(about.st_gid) + " and log in again";
+  const std::string group = GroupThatMayUse(about);
+  if (group.empty()) return text + "ask the administrator for the right to read and write it";
+  return text + "add yourself to the group " + group + " and log in again";
 }
 
 std::string NotThereText(const std::string& path) {

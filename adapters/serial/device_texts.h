@@ -7,6 +7,8 @@
 
 namespace corvane {
 
+/// The group whose users may read and write the device; empty when none may.
+[[nodiscard]] std::string GroupThatMayUse(const struct stat& about);
 /// Why this user may not use the device and who can change that; `about` is all zero when nothing is known of it.
 [[nodiscard]] std::string NoPermissionText(const std::string& path, const struct stat& about);
 [[nodiscard]] std::string NotThereText(const std::string& path);

@@ -74,7 +74,7 @@ class Found {
     if (state.presence == DevicePresence::NotThere || !numbers_.insert(about.st_rdev).second) return;
     std::error_code error;
     const fs::path device = fs::canonical(path, error);
-    devices.push_back({path, error ? path : device.string(), std::move(state.problem)});
+    devices.push_back({path, error ? path : device.string(), std::move(state.problem), GroupThatMayUse(about)});
   }
 
   std::vector<SerialDeviceInfo> devices;

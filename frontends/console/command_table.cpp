@@ -86,6 +86,22 @@ constexpr CommandRow kCommands[] = {
      "tables, brings in a first whole day, and says what to try there. The base station stays behind until\n"
      "practise --end, or a day after its last use.",
      kPractiseOption, 0, 0},
+    {CommandId::Set, "set", "KEY VALUE...", "enter settings",
+     "Enters each VALUE as a person does in the window, and saves: nothing of it when one is not taken. KEY\n"
+     "is a key of corvane.ini such as FTPServer, of a unit with its number in the list of corvanectl units\n"
+     "(Name3, RelayID3), of a relay or client behind its section (Relays.Name2, Clients.Folder1); an empty\n"
+     "VALUE is \"\". A relay, a client or a port is named by its name or its number. A password is no\n"
+     "argument: corvanectl set FTPPassword asks for it, or reads a line from a file or pipe.",
+     kEverywhere, 1, kMany},
+    {CommandId::Get, "get", "[KEY]", "show settings",
+     "Prints the value of KEY, or every key with its value; of a password only whether there is one. KEY as\n"
+     "for set. Reads only; works while another program runs.",
+     kEverywhere, 0, 1},
+    {CommandId::Ports, "ports", "[assign N DEVICE|-]", "show serial ports and devices, or give a port its device",
+     "Lists the devices that are there, who may use them, and what the port numbers stand for. Reads only;\n"
+     "works while another program runs. assign gives the port number N, 1 to 50, the device DEVICE; -\n"
+     "brings the built-in device back.",
+     kEverywhere, 0, 3},
     {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
      "FILE (- is the standard input, read to its end) holds one statement a line:\n"
      "  set NAME VALUE            enter a value and leave the field\n"
@@ -101,6 +117,10 @@ constexpr CommandRow kCommands[] = {
      "  activate [SWITCHES]       do what happens when the main window becomes active\n"
      "Rows and indexes count from 0. Lines that begin with # are comments.",
      kEverywhere, 1, 1},
+    {CommandId::Completion, "completion", "bash|zsh", "print what lets a shell complete commands, options and names",
+     "To try it in bash: source <(corvanectl completion bash). The package installs both.", kEverywhere, 1, 1},
+    {CommandId::Help, "help", "[COMMAND]", "show this text, or more about a command",
+     "The same as corvanectl COMMAND --help.", kEverywhere, 0, 1},
 };
 
 constexpr OptionRow kOptions[] = {
@@ -159,6 +179,20 @@ std::span<const CommandRow> CommandRows() {
 
 std::span<const OptionRow> OptionRows() {
   return kOptions;
+}
+
+std::vector<std::string> CommandNames() {
+  std::vector<std::string> names;
+  for (const CommandRow& row : kCommands) names.emplace_back(row.name);
+  return names;
+}
+
+std::vector<std::string> OptionNames(unsigned options) {
+  std::vector<std::string> names;
+  for (const OptionRow& row : kOptions) {
+    if (row.Fits(options)) names.emplace_back(row.name);
+  }
+  return names;
 }
 
 const CommandRow* FindCommand(std::string_view name) {

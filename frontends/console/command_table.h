@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "options.h"
 
@@ -47,6 +48,9 @@ struct OptionRow {
 
 [[nodiscard]] std::span<const CommandRow> CommandRows();
 [[nodiscard]] std::span<const OptionRow> OptionRows();
+/// All names of commands, and of options that may stand behind a command with these `options`.
+[[nodiscard]] std::vector<std::string> CommandNames();
+[[nodiscard]] std::vector<std::string> OptionNames(unsigned options);
 /// The row of a name or of a command; nullptr when there is none.
 [[nodiscard]] const CommandRow* FindCommand(std::string_view name);
 [[nodiscard]] const CommandRow* FindCommand(CommandId command);

@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "base/outside_text.h"
+#include "console/completion.h"
 #include "console/options.h"
 #include "console/program.h"
+#include "console/settings_commands.h"
 #include "desktop/terminal.h"
 #include "state/app_info.h"
 
@@ -29,5 +31,10 @@ int main(int argc, char** argv) {
     std::cout << HelpText(options.command);
     return kAllWell;
   }
+  if (options.command == CommandId::Completion) {
+    std::cout << CompletionScript(options.arguments[0]);
+    return kAllWell;
+  }
+  if (!ReadPassword(options)) return kUsage;
   return RunProgram(options);
 }

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <string_view>
 
+#include "app/setting_keys.h"
 #include "base/format.h"
+#include "base/near_words.h"
 #include "base/numbers.h"
+#include "base/text.h"
 #include "command_table.h"
 #include "link/exchange.h"
 #include "link/schedule.h"
+#include "state/port_devices.h"
 
 namespace corvane::console {
 namespace {
@@ -35,14 +39,18 @@ class Parser {
         options_.arguments.push_back(word);
       }
     }
-    if (!options_.help && !options_.version) Check();
+    if (options_.command == CommandId::Help && !options_.help && !options_.version) {
+      TakeHelp();
+    } else if (!options_.help && !options_.version) {
+      Check();
+    }
     return std::move(options_);
   }
 
  private:
   void TakeCommand(const std::string& word) {
     row_ = FindCommand(word);
-    if (row_ == nullptr) throw UsageError("there is no command " + Quoted(word));
+    if (row_ == nullptr) throw UsageError("there is no command " + Quoted(word) + DidYouMean(word, CommandNames()));
     options_.command = row_->id;
   }
 
@@ -50,7 +58,10 @@ class Parser {
     const std::size_t equals = std::min(word.find('='), word.size());
     const bool attached = equals < word.size();
     const OptionRow* const found = FindOption(word.substr(0, equals));
-    if (found == nullptr) throw UsageError("there is no option " + Quoted(word.substr(0, equals)));
+    if (found == nullptr) {
+      const std::string name = word.substr(0, equals);
+      throw UsageError("there is no option " + Quoted(name) + DidYouMean(name, OptionNames(Known())));
+    }
     const OptionRow& row = *found;
     if (attached && row.value.empty()) throw UsageError(std::string(row.name) + " takes no value");
     std::string value;
@@ -63,6 +74,17 @@ class Parser {
     if (!row.value.empty() && value.empty()) throw UsageError(std::string(row.name) + " needs a value");
     row.take(options_, value);
     if (row.scope != kEverywhere) scoped_.push_back(&row);
+  }
+
+  /// The options that the command takes; before it is known, all.
+  [[nodiscard]] unsigned Known() const { return row_ == nullptr ? ~0U : row_->options; }
+
+  /// `help COMMAND` is `COMMAND --help`.
+  void TakeHelp() {
+    Check();
+    options_.help = true;
+    options_.command = CommandId::None;
+    if (!options_.arguments.empty()) TakeCommand(options_.arguments[0]);
   }
 
   void Check() const {
@@ -97,6 +119,11 @@ class Parser {
     if (!options_.until.empty() && !ParseDate(options_.until)) {
       throw UsageError("--until: " + Quoted(options_.until) + " is no date such as 2026-12-31");
     }
+    if (row_->id == CommandId::Set) CheckPairs(arguments);
+    if (row_->id == CommandId::Ports) CheckPorts(arguments);
+    if (row_->id == CommandId::Completion && arguments[0] != "bash" && arguments[0] != "zsh") {
+      throw UsageError(Quoted(arguments[0]) + " is no shell: say bash or zsh");
+    }
     if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
     if (row_->id == CommandId::TestPort || row_->id == CommandId::FindPort) CheckPort(arguments);
     if (row_->options != kUnitOption || arguments.empty()) return;
@@ -110,6 +137,25 @@ class Parser {
     if (!ParseTimeOfDay(text) || !LogPeriodMinutes(text)) {
       throw UsageError(Quoted(text) + " is no log period from 00:01 to 04:15");
     }
+  }
+
+  static void CheckPairs(const std::vector<std::string>& arguments) {
+    for (std::size_t i = 0; i < arguments.size(); i += 2) {
+      if (!SettingKeys::NamesPassword(arguments[i])) continue;
+      if (arguments.size() == 1) return;
+      throw UsageError("a password is no argument, where others can read it: corvanectl set " + arguments[i] +
+                       " alone asks for it, or reads it from a pipe");
+    }
+    if (arguments.size() % 2 != 0) throw UsageError("set: " + arguments.back() + " needs a value");
+  }
+
+  static void CheckPorts(const std::vector<std::string>& arguments) {
+    if (arguments.empty()) return;
+    if (arguments[0] != "assign") {
+      throw UsageError("ports: there is no " + Quoted(arguments[0]) + "; say ports, or ports assign N DEVICE");
+    }
+    if (arguments.size() != 3) throw UsageError("ports assign needs the number of a port and a device, or -");
+    if (!PortNumber(arguments[1])) throw UsageError(Quoted(arguments[1]) + " is no port number from 1 to 50");
   }
 
   static void CheckPort(const std::vector<std::string>& arguments) {
@@ -128,6 +174,25 @@ class Parser {
 
 Options ParseOptions(const std::vector<std::string>& words) {
   return Parser(words).Parse();
+}
+
+std::optional<int> PortNumber(std::string_view text) {
+  if (StartsWithNoCase(text, "COM")) text.remove_prefix(3);
+  const auto number = ParseInteger(text, 1, PortDevices::kLastNumber);
+  return number ? std::optional<int>(static_cast<int>(*number)) : std::nullopt;
+}
+
+bool OnlyReads(const Options& options) {
+  switch (options.command) {
+    case CommandId::Units:
+    case CommandId::Page:
+    case CommandId::Get:
+      return true;
+    case CommandId::Ports:
+      return options.arguments.empty();
+    default:
+      return false;
+  }
 }
 
 std::string CommandName(CommandId command) {

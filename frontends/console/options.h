@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace corvane::console {
@@ -42,6 +43,11 @@ enum class CommandId {
   Script,
   Practise,
   Setup,
+  Set,
+  Get,
+  Ports,
+  Completion,
+  Help,
 };
 
 /// What was asked for.
@@ -74,12 +80,12 @@ struct Options {
 [[nodiscard]] Options ParseOptions(const std::vector<std::string>& words);
 /// The help of one command, or of the program for `None`.
 [[nodiscard]] std::string HelpText(CommandId command);
+/// The number of "5" or "COM5"; none when it is no port number.
+[[nodiscard]] std::optional<int> PortNumber(std::string_view text);
 /// The name of a command as it is typed.
 [[nodiscard]] std::string CommandName(CommandId command);
 /// True for what only reads the application folder: it takes no lock and saves nothing.
-[[nodiscard]] inline bool OnlyReads(const Options& options) {
-  return options.command == CommandId::Units || options.command == CommandId::Page;
-}
+[[nodiscard]] bool OnlyReads(const Options& options);
 
 /// True for commands that work on the history alone, beside whatever program runs: they need no settings either.
 [[nodiscard]] constexpr bool NeedsHistoryOnly(CommandId command) {

@@ -4,10 +4,9 @@
 #include <memory>
 #include <optional>
 
-#include "base/numbers.h"
 #include "base/status.h"
-#include "base/text.h"
 #include "control_text.h"
+#include "form/entering.h"
 
 namespace corvane::console {
 namespace {
@@ -83,41 +82,12 @@ void ScriptRunner::RunStatement(const Statement& statement) {
 
 void ScriptRunner::Set(const Statement& statement) {
   Control& control = *statement.control;
-  switch (control.kind()) {
-    case ControlKind::Label:
-      return static_cast<Label&>(control).SetText(statement.text);
-    case ControlKind::Text: {
-      auto& field = static_cast<TextField&>(control);
-      field.SetText(statement.text);
-      return field.Leave();
-    }
-    case ControlKind::Selector:
-      return SetSelector(static_cast<Selector&>(control), statement.text);
-    default:
-      return SetNumber(control, statement.text);
+  try {
+    EnterValue(control, statement.text);
+  } catch (const RunTimeError& error) {
+    throw RunTimeError(control.name() + " " + error.what());
   }
-}
-
-void ScriptRunner::SetNumber(Control& control, const std::string& text) {
-  const bool is_group = control.kind() == ControlKind::Options;
-  const int highest = is_group ? static_cast<OptionGroup&>(control).count() - 1 : 1;
-  const auto number = ParseInteger(text, 0, highest);
-  if (!number) throw RunTimeError(control.name() + " takes a number from 0 to " + std::to_string(highest));
-  if (is_group) return static_cast<OptionGroup&>(control).SetOptionIndex(*number);
-  if (control.kind() == ControlKind::Check) return static_cast<CheckBox&>(control).SetTicked(*number != 0);
-  static_cast<Window&>(control).SetMinimised(*number != 0);
-}
-
-void ScriptRunner::SetSelector(Selector& selector, const std::string& text) {
-  for (std::int64_t row = 0; row < selector.count(); ++row) {
-    if (EqualsNoCase(selector.text(row), text)) return selector.SetCurrent(row);
-  }
-  if (selector.editable()) return selector.SetShownText(text);
-  const auto number = ParseInteger(text, INT32_MIN, INT32_MAX);
-  for (std::int64_t row = 0; number && row < selector.count(); ++row) {
-    if (selector.number(row) == *number) return selector.SetCurrent(row);
-  }
-  throw RunTimeError(selector.name() + " has no entry \"" + text + "\"");
+  if (control.kind() == ControlKind::Text) static_cast<const TextField&>(control).Leave();
 }
 
 void ScriptRunner::SelectRows(const Statement& statement) {

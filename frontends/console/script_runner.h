@@ -37,8 +37,6 @@ class ScriptRunner {
  private:
   void RunStatement(const Statement& statement);
   void Set(const Statement& statement);
-  void SetNumber(Control& control, const std::string& text);
-  void SetSelector(Selector& selector, const std::string& text);
   void SelectRows(const Statement& statement);
   void ClickMenu(const Statement& statement);
   void WaitFor(const Statement& statement);

@@ -37,6 +37,7 @@ class Application {
   [[nodiscard]] const AppInfo& app() const { return state_.app; }
   [[nodiscard]] const FileNames& names() const { return state_.names; }
   [[nodiscard]] const FieldChecks& checks() const { return settings_.checks; }
+  [[nodiscard]] SettingKeys& keys() { return settings_.keys; }
   [[nodiscard]] const PortDevices& devices() const { return state_.devices; }
   [[nodiscard]] Schedule& schedule() { return link_.schedule; }
   [[nodiscard]] PortChoices& ports() { return link_.ports; }

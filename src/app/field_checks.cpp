@@ -40,6 +40,7 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_DigestAt, &Checks::TimeIfAny},
       {&form_.Txt_HistoryYears, &Checks::WholeNumber, kHistoryYearsRule.lowest, kHistoryYearsRule.highest},
       {&form_.Txt_PageFolder, &Checks::FolderIfNamed},
+      {&form_.Lbl_BackupDestination, &Checks::FolderIfNamed},
       {&form_.Txt_UnitID, &Checks::UnitID, kLowest32, kHighest32, &form_.Lst_Units},
       {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
       {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
@@ -61,6 +62,7 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
 
 const std::string& FieldChecks::Row::text() const {
   if (field->kind() == ControlKind::Selector) return dynamic_cast<const Selector&>(*field).shown_text();
+  if (field->kind() == ControlKind::Label) return dynamic_cast<const Label&>(*field).text();
   return dynamic_cast<const TextField&>(*field).text();
 }
 

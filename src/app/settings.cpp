@@ -40,32 +40,6 @@ std::optional<Number> Convert(std::string_view text) {
   }
 }
 
-std::string TextOf(const TextField& field) {
-  return field.text();
-}
-std::string TextOf(const Label& label) {
-  return label.text();
-}
-std::string TextOf(const CheckBox& box) {
-  return box.ticked() ? "1" : "0";
-}
-std::string TextOf(const OptionGroup& group) {
-  return std::to_string(group.GetOptionIndex());
-}
-std::string TextOf(const Selector& selector) {
-  return selector.editable() ? selector.shown_text() : std::to_string(selector.SelectedItemData());
-}
-
-std::string TextOf(const std::string& text) {
-  return text;
-}
-std::string TextOf(std::int32_t number) {
-  return std::to_string(number);
-}
-std::string TextOf(float number) {
-  return ShortestText(number);
-}
-
 /// What is wrong with a value, and what is used instead; empty when it is fine.
 std::string ProblemOf(const Setting& setting, const std::string& value) {
   if (setting.meaning == Meaning::TimeIfAny) {
@@ -233,8 +207,7 @@ std::string Settings::Checked(const Setting& av_Setting, const std::string& as_V
 
 void Settings::SaveGeneral(const std::vector<Setting>& av_Settings) {
   for (const Setting& setting : av_Settings) {
-    const std::string value = std::visit([](const auto* control) { return TextOf(*control); }, setting.control);
-    p_.store.SaveSetting("General", setting.key, value);
+    p_.store.SaveSetting("General", setting.key, ValueOf(setting));
   }
 }
 
@@ -261,7 +234,7 @@ void Settings::SaveRecords(const RecordSection<Record>& av_Section, const Record
   for (std::int32_t index = 1; index <= av_Records.count(); ++index) {
     const Record& record = av_Records[index];
     for (const RecordField<Record>& field : av_Section.fields) {
-      const std::string value = std::visit([&](auto member) { return TextOf(record.*member); }, field.member);
+      const std::string value = ValueOf(field, record);
       const std::string key = KeyOf(field, index);
       if (field.if_any && value.empty() && !p_.store.Has(av_Section.name, key)) continue;
       p_.store.SaveSetting(av_Section.name, key, value);

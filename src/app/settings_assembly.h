@@ -5,6 +5,7 @@
 #include "app/recovery_copy.h"
 #include "app/report_assembly.h"
 #include "app/run_at_startup.h"
+#include "app/setting_keys.h"
 #include "app/settings.h"
 #include "app/settings_store.h"
 #include "app/shared_state.h"
@@ -23,6 +24,7 @@ struct SettingsAssembly {
                   av_Report.messages, av_Report.trace, av_Platform.loop, av_State.flags}),
         recovery({av_State.form, av_State.flags, av_State.slot, settings, store, av_Report.trace, av_Platform.loop}),
         checks(av_State.form, av_State.app, av_State.names),
+        keys(av_State.form, av_State.registry, av_State.app, checks),
         language(av_Report.messages),
         run_at_startup(av_Platform.shell, av_Report.messages, av_Report.trace) {}
 
@@ -30,6 +32,7 @@ struct SettingsAssembly {
   Settings settings;
   RecoveryCopy recovery;
   FieldChecks checks;
+  SettingKeys keys;
   CLanguage language;
   RunAtStartup run_at_startup;
 };

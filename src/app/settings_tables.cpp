@@ -1,8 +1,10 @@
 #include "app/settings_tables.h"
 
+#include <cstdint>
 #include <limits>
 
 #include "base/numbers.h"
+#include "base/text.h"
 #include "history/network_settings.h"
 
 namespace corvane {
@@ -21,12 +23,44 @@ std::string Index(std::int32_t index) {
   return std::to_string(index);
 }
 
+std::string TextOf(const TextField& field) {
+  return field.text();
+}
+std::string TextOf(const Label& label) {
+  return label.text();
+}
+std::string TextOf(const CheckBox& box) {
+  return box.ticked() ? "1" : "0";
+}
+std::string TextOf(const OptionGroup& group) {
+  return std::to_string(group.GetOptionIndex());
+}
+std::string TextOf(const Selector& selector) {
+  return selector.editable() ? selector.shown_text() : std::to_string(selector.SelectedItemData());
+}
+std::string TextOf(const std::string& text) {
+  return text;
+}
+
 /// A number of the settings of the network; what is no such number takes its default.
 Setting NumberOf(std::string_view as_Key, TextField& av_Field, const NumberRule& av_Rule) {
   return {as_Key, &av_Field, ShortestText(av_Rule.fallback), Setting::Meaning::Number, &av_Rule};
 }
 
 }  // namespace
+
+std::string ValueOf(const Setting& av_Setting) {
+  return std::visit([](const auto* control) { return TextOf(*control); }, av_Setting.control);
+}
+
+bool IsPassword(std::string_view as_Section, std::string_view as_Key) {
+  constexpr std::string_view kPassword = "Password";
+  if (EqualsNoCase(as_Section, "General")) {
+    return EqualsNoCase(as_Key, kPassword) || EqualsNoCase(as_Key, "FTPPassword");
+  }
+  return EqualsNoCase(as_Section, "Clients") && StartsWithNoCase(as_Key, kPassword) &&
+         ParseInteger(as_Key.substr(kPassword.size()), 1, INT32_MAX).has_value();
+}
 
 std::vector<Setting> FileListSettings(Form& av_Form, const AppInfo& av_App) {
   return {

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "base/numbers.h"
 #include "form/form.h"
 #include "history/network_settings.h"
 #include "state/app_info.h"
@@ -33,6 +34,26 @@ struct RecordField {
   std::string (*fallback)(std::int32_t index);
   bool if_any = false;  ///< written only where it holds something, or its key is there
 };
+
+[[nodiscard]] inline std::string ValueText(const std::string& as_Text) {
+  return as_Text;
+}
+[[nodiscard]] inline std::string ValueText(std::int32_t al_Number) {
+  return std::to_string(al_Number);
+}
+[[nodiscard]] inline std::string ValueText(float ad_Number) {
+  return ShortestText(ad_Number);
+}
+
+/// The value of a setting as it is written.
+[[nodiscard]] std::string ValueOf(const Setting& av_Setting);
+/// The value of a record's field as it is written.
+template <class Record>
+[[nodiscard]] std::string ValueOf(const RecordField<Record>& av_Field, const Record& av_Record) {
+  return std::visit([&](auto member) { return ValueText(av_Record.*member); }, av_Field.member);
+}
+/// Whether the key of a section, a record's with its number, holds a password.
+[[nodiscard]] bool IsPassword(std::string_view as_Section, std::string_view as_Key);
 
 /// One section of records.
 template <class Record>

@@ -62,6 +62,7 @@ std::vector<DeviceChoice> PortChoices::Devices() const {
     choice.device = found.device;
     choice.presence = WordFor(found.problem.empty() ? DevicePresence::There : DevicePresence::NoPermission);
     choice.problem = found.problem;
+    choice.group = found.group;
     for (int number = 1; number <= PortDevices::kLastNumber; ++number) {
       const std::string device = devices_.DeviceOf(number);
       if (device != found.path && device != found.device) continue;
@@ -94,11 +95,17 @@ Status PortChoices::Check(std::string_view as_Device) {
   return Status::Ok();
 }
 
+std::string PortChoices::CommandToJoin(std::string_view as_Group) {
+  return "sudo usermod -aG " + std::string(as_Group) + " $USER";
+}
+
 std::string PortChoices::PermissionHelp() {
   return "If a device says \"no permission\": serial devices belong to a group of users, on most systems \"dialout\", "
          "on "
          "some \"uucp\". To join it, enter this in a terminal:\n"
-         "    sudo usermod -aG dialout $USER\n"
+         "    " +
+         CommandToJoin("dialout") +
+         "\n"
          "Then log out of the desktop and log in again; a new window is not enough. Where the device names another "
          "group, use that one.";
 }

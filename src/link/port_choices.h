@@ -29,6 +29,7 @@ struct DeviceChoice {
   std::string presence;  ///< "there" or "no permission"
   std::string problem;   ///< why it cannot be used and what to do; empty when it can
   std::string ports;     ///< the port numbers that stand for it, "COM3, COM5"
+  std::string group;     ///< whose users may use it; empty when no group gives that right
 };
 
 /// The devices behind the port numbers as a person sees and chooses them. Opens no device.
@@ -48,6 +49,8 @@ class PortChoices {
   Status Assign(int al_Number, std::string_view as_Device);
   /// Ok when `as_Device` can be the name of a device, blanks around it left out.
   [[nodiscard]] static Status Check(std::string_view as_Device);
+  /// The command that makes the present user one of a group.
+  [[nodiscard]] static std::string CommandToJoin(std::string_view as_Group);
   /// How a user gets the right to use serial devices; plain text with line feeds.
   [[nodiscard]] static std::string PermissionHelp();
 

@@ -33,9 +33,10 @@ enum PortEvent : int {
 
 /// A device that a port could use, as it is found now.
 struct SerialDeviceInfo {
-  std::string path;     ///< the name to keep: one that stays with its adapter where there is one
-  std::string device;   ///< the device file that it leads to now
-  std::string problem;  ///< why this user cannot use it and what to do; empty when nothing is known against it
+  std::string path;        ///< the name to keep: one that stays with its adapter where there is one
+  std::string device;      ///< the device file that it leads to now
+  std::string problem;     ///< why this user cannot use it and what to do; empty when nothing is known against it
+  std::string group = {};  ///< whose users may use it; empty when no group gives that right
 };
 
 enum class DevicePresence { NotThere, There, NoPermission };

@@ -108,6 +108,35 @@ TEST_F(CorvanectlTest, OutputAndExitStatusTellWhatHappened) {
   }
 }
 
+TEST_F(CorvanectlTest, SettingsAreEnteredShownAndCompleted) {
+  const std::tuple<Words, const char*, int, std::string> rows[] = {
+      {{"set", "Port", "7", "FTPServer", "a b"}, "", 2, "FTPServer: \"a b\" is not taken"},
+      {{"get", "Port"}, "", 0, "1\n"},
+      {{"set", "Port", "7", "Name3", "West field"}, "", 0, "Name3 is West field now, was South\n"},
+      {{"set", "FTPPassword"}, "geheim\nrest\n", 0, "FTPPassword: the password is set\n"},
+      {{"set", "FTPPassword"}, "", 2, "no password was given"},
+      {{"get"}, "", 0, "FTPPassword              (a password, not shown)\n"},
+      {{"ports", "assign", "7", home_.Name("tty")}, "", 0, "COM7 is " + home_.Name("tty") + " now\n"},
+      {{"ports"}, "", 0, home_.Name("tty") + "  not there  yes       radio\n"},
+      {{"downlod"}, "", 2, "did you mean download?"}};
+  for (const auto& [arguments, input, status, says] : rows) {
+    EXPECT_EQ(Run(arguments, input), status) << output_;
+    EXPECT_TRUE(Printed(says)) << says << "\n" << output_;
+    EXPECT_FALSE(Printed("geheim")) << output_;
+  }
+  const std::string saved = home_.Read("corvane.ini");
+  EXPECT_TRUE(saved.find("Port=7\n") != std::string::npos && saved.find("FTPPassword=geheim\n") != std::string::npos);
+  const std::string type = "PATH=$(dirname " CORVANECTL_PATH
+                           "):$PATH; source <(corvanectl completion bash); "
+                           "t() { COMP_WORDS=(corvanectl --home " +
+                           home_.path() +
+                           " \"$@\"); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); "
+                           "_corvanectl corvanectl; printf '%s|' \"${COMPREPLY[@]}\"; }; ";
+  Child shell({"bash", "-c", type + "t downl; t download we; t set FTPP; t status --j"});
+  EXPECT_EQ(shell.Wait(), 0);
+  EXPECT_EQ(shell.output(), "download|West\\ field|FTPPassword|--json|");
+}
+
 TEST_F(CorvanectlTest, RunDownloadsWhenDueOutlivesAMissingPortAndEndsWithinASecond) {
   for (const bool has_port : {false, true}) {
     WriteSettings("Automatic=1\nNextDownload=1 Jan 2020 00:00\n");

@@ -21,12 +21,22 @@ TEST(ConsoleOptions, AreReadOnBothSidesOfTheCommand) {
   EXPECT_EQ(ParseOptions({"script", "-"}).arguments, Words{"-"});
   EXPECT_EQ(ParseOptions({"set-log-period", "04:15"}).arguments, Words{"04:15"});
   EXPECT_TRUE(ParseOptions({"set-mode", "-h"}).help);
+  EXPECT_EQ(ParseOptions({"help", "send"}).command, CommandId::Send);
+  EXPECT_TRUE(OnlyReads(ParseOptions({"ports"})) && !OnlyReads(ParseOptions({"ports", "assign", "1", "-"})));
 }
 
 TEST(ConsoleOptions, RefusesWrongUsage) {
   const std::pair<Words, const char*> rows[] = {
       {{}, "no command is given"},
-      {{"sent"}, "there is no command \"sent\""},
+      {{"sent"}, "there is no command \"sent\"; did you mean send?"},
+      {{"help", "downlod"}, "did you mean download?"},
+      {{"run", "--atomatic"}, "did you mean --automatic?"},
+      {{"set", "Port"}, "Port needs a value"},
+      {{"set", "FTPPassword", "x"}, "a password is no argument"},
+      {{"set", "Port", "1", "Clients.Password1", "x"}, "a password is no argument"},
+      {{"ports", "assign", "COM51", "/dev/x"}, "no port number"},
+      {{"ports", "asign"}, "say ports, or"},
+      {{"completion", "fish"}, "no shell"},
       {{"backup", "1"}, "\"1\" is too much"},
       {{"units", "--fast"}, "there is no option \"--fast\""},
       {{"units", "--home="}, "--home needs a value"},
