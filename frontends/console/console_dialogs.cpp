@@ -80,6 +80,10 @@ std::optional<std::string> ConsoleDialogs::TakeTyped() {
   return line;
 }
 
+bool ConsoleDialogs::HasPerson() const {
+  return IsTerminal(input_);
+}
+
 std::optional<std::string> ConsoleDialogs::ReadLine(const std::string& prompt, EventLoop& loop, const bool& ended,
                                                     bool secret) {
   output_.Prompt(prompt);
@@ -98,7 +102,7 @@ std::optional<std::string> ConsoleDialogs::ReadLine(const std::string& prompt, E
   // A last line without its end counts too.
   if (!line && at_end && !typed_.empty()) line = std::exchange(typed_, {});
   // Whoever reads what came through a pipe sees the answers too.
-  if (secret || !IsTerminal(input_)) output_.Error(secret ? "" : line.value_or(""));
+  if (secret || !HasPerson()) output_.Error(secret ? "" : line.value_or(""));
   return line;
 }
 

@@ -46,6 +46,9 @@ class ConsoleDialogs : public Dialogs {
   [[nodiscard]] std::optional<std::string> ReadLine(const std::string& prompt, EventLoop& loop, const bool& ended,
                                                     bool secret = false);
 
+  /// Whether a person types, who can be asked once more.
+  [[nodiscard]] bool HasPerson() const;
+
   /// Keeps an answer for the next question: a button's caption, or a text.
   void QueueAnswer(std::string text) { answers_.push_back(std::move(text)); }
   /// Questions that were not answered with Yes.

@@ -1,12 +1,11 @@
 #include "setup_command.h"
 
 #include <cstdlib>
+#include <set>
 #include <utility>
 
-#include "base/csv.h"
 #include "base/numbers.h"
 #include "base/paths.h"
-#include "base/scoped_value.h"
 #include "base/text.h"
 #include "desktop/posix_shell.h"
 #include "link/port_choices.h"
@@ -128,21 +127,24 @@ void Walk::AskLanguage() {
       return;
     }
     if (answer == present) return;
-    desk_.output.Error("  There is no language \"" + answer + "\".");
+    talk_.Refuse("There is no language \"" + answer + "\".");
   }
 }
 
 void Walk::ListDevices(const std::vector<DeviceChoice>& devices) {
   if (devices.empty()) return talk_.Say("  No serial device was found: plug the adapter in and enter ? to look again.");
-  bool forbidden = false;
+  std::set<std::string> groups;
   for (std::size_t i = 0; i < devices.size(); ++i) {
     const DeviceChoice& device = devices[i];
     const std::string leads = device.device == device.path ? "" : " -> " + device.device;
-    const std::string state = device.problem.empty() ? "you may use it" : device.problem;
+    const std::string users = device.group.empty() ? "" : ", as users of the group " + device.group;
+    const std::string state = device.problem.empty() ? "you may use it" + users : device.problem;
     talk_.Say("  " + std::to_string(i + 1) + "  " + device.path + leads + "   (" + state + ")");
-    forbidden = forbidden || !device.problem.empty();
+    if (!device.problem.empty() && !device.group.empty()) groups.insert(device.group);
   }
-  if (forbidden) desk_.output.Error(PortChoices::PermissionHelp());
+  for (const std::string& group : groups) {
+    talk_.Say("  To be allowed to use it: " + PortChoices::CommandToJoin(group) + ", then log out and in again.");
+  }
 }
 
 void Walk::AskPort() {
@@ -157,7 +159,7 @@ void Walk::AskPort() {
     const std::string device = number ? devices[static_cast<std::size_t>(*number - 1)].path : answer;
     SetupPlan chosen = plan_;
     desk_.app.setup().ChooseDevice(chosen, device);
-    if (talk_.Tell(desk_.app.setup().FaultsOf(chosen, SetupPage::Port), false)) continue;
+    if (talk_.Refuse(desk_.app.setup().FaultsOf(chosen, SetupPage::Port), false)) continue;
     const bool again = tried_.port && chosen.device == former;
     plan_ = std::move(chosen);
     // Who keeps a device that was tested wants to go on with it.
@@ -165,7 +167,7 @@ void Walk::AskPort() {
     talk_.Say("  Testing " + plan_.device + " ...");
     tried_.port = desk_.app.setup().TryPort(plan_);
     talk_.Tell(*tried_.port);
-    if (tried_.port->well) return;
+    if (tried_.port->well || !talk_.HasPerson()) return;
     talk_.Say("  Enter goes on with it all the same.");
   }
 }
@@ -182,7 +184,7 @@ void Walk::AskFolders() {
     talk_.Until([&] { client.folder = talk_.Text("Folder of the client " + Quote(client.name), client.folder); },
                 faults);
   }
-  if (talk_.Tell(desk_.app.setup().FaultsOf(plan_, SetupPage::Folders), true)) throw Leave::Again;
+  if (talk_.Refuse(desk_.app.setup().FaultsOf(plan_, SetupPage::Folders), true)) throw Leave::Again;
 }
 
 void Walk::AskTables() {
@@ -215,15 +217,15 @@ void Walk::AskClock() {
     if (answer.empty()) return;
     row = RowOf(answer);
     if (row == 0) {
-      desk_.output.Error("  There is no unit \"" + answer + "\".");
+      talk_.Refuse("There is no unit \"" + answer + "\".");
       continue;
     }
     talk_.Say("  Asking " + plan_.units[row - 1].name + " ...");
     const SetupClock clock = desk_.app.setup().AskClock(plan_, row);
     talk_.Tell(clock);
     tried_.clock = clock;
+    if (clock.well || !talk_.HasPerson()) return;
     if (clock.is_off) return SetClock(row);
-    if (clock.well) return;
     present.clear();
   }
 }
@@ -264,11 +266,11 @@ void Walk::AskServer() {
   }
   std::vector<SetupFault> faults = desk_.app.setup().FaultsOf(plan_, SetupPage::Delivery);
   std::erase_if(faults, [](const SetupFault& fault) { return fault.field == SetupField::BackupFolder; });
-  if (talk_.Tell(faults, false)) throw Leave::Again;
+  if (talk_.Refuse(faults, false)) throw Leave::Again;
   talk_.Say("  Trying " + plan_.server + " ...");
   tried_.server = desk_.app.setup().TryServer(plan_);
   talk_.Tell(*tried_.server);
-  if (!tried_.server->well && talk_.Yes("Enter it anew", true)) throw Leave::Again;
+  if (!tried_.server->well && talk_.HasPerson() && talk_.Yes("Enter it anew", true)) throw Leave::Again;
 }
 
 void Walk::AskDelivery() {
@@ -281,7 +283,7 @@ void Walk::AskDelivery() {
     if (plan_.backup_folder.empty() || again) return;
     tried_.backup = desk_.app.setup().TryBackup(plan_);
     talk_.Tell(*tried_.backup);
-    if (tried_.backup->well) return;
+    if (tried_.backup->well || !talk_.HasPerson()) return;
     talk_.Say("  Enter goes on with it all the same.");
   }
 }
@@ -293,7 +295,7 @@ void Walk::AskSummary() {
   const std::vector<std::string> not_done = NotDone(plan_, tried_);
   if (!not_done.empty()) talk_.Say("  Not done yet:");
   for (const std::string& sentence : not_done) talk_.Say("  - " + sentence);
-  if (talk_.Tell(desk_.app.setup().FaultsOf(plan_, SetupPage::Summary), true)) throw Leave::Back;
+  if (talk_.Refuse(desk_.app.setup().FaultsOf(plan_, SetupPage::Summary), true)) throw Leave::Back;
   if (!talk_.Yes("Save this", true)) throw Leave::Quit;
   const bool can_collect = !plan_.device.empty() && !plan_.units.empty();
   collects_ = can_collect && talk_.Yes("Collect now", true);
@@ -314,7 +316,8 @@ int SetUp(Desk& desk, const Options& options) {
   desk.output.Line("Saved in " + desk.app.app().AppPath("corvane.ini"));
   const int status = walk.collects() ? Download(desk, options) : kAllWell;
   desk.output.Line("The files are in " + desk.app.names().DataFolder());
-  if (walk.plan().automatic) desk.output.Line("To stay and download on schedule: corvanectl run");
+  if (walk.plan().automatic)
+    desk.output.Line("To stay and download on schedule: corvanectl run, or systemctl --user enable --now corvanectl");
   return status;
 }
 

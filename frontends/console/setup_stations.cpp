@@ -99,7 +99,7 @@ void Take(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list
   } else {
     list.rows.push_back(std::move(row));
   }
-  if (talk.Tell(FaultsIn(desk, plan, list.fields, at + 1), false)) list.rows = before;
+  if (talk.Refuse(FaultsIn(desk, plan, list.fields, at + 1), false)) list.rows = before;
 }
 
 template <class Row>
@@ -150,7 +150,7 @@ void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
                        SetupField::UnitDepths}});
   ShowUnits(desk, plan);
   // A relay that units name may have gone.
-  if (talk.Tell(desk.app.setup().FaultsOf(plan, SetupPage::Stations), true)) throw Leave::Again;
+  if (talk.Refuse(desk.app.setup().FaultsOf(plan, SetupPage::Stations), true)) throw Leave::Again;
 }
 
 }  // namespace corvane::console

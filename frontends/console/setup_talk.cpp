@@ -41,17 +41,18 @@ bool SetupTalk::Yes(const std::string& question, bool present) {
     if (text.empty()) return present;
     if (EqualsNoCase(text, "y") || EqualsNoCase(text, "yes")) return true;
     if (EqualsNoCase(text, "n") || EqualsNoCase(text, "no")) return false;
-    desk_.output.Error("  Answer y or n.");
+    Refuse("Answer y or n, not \"" + text + "\".");
   }
 }
 
 void SetupTalk::Until(const std::function<void()>& take, const std::function<std::vector<SetupFault>()>& faults) {
   do {
     take();
-  } while (Tell(faults(), false));
+  } while (Refuse(faults(), false));
 }
 
 void SetupTalk::Tell(const SetupAnswer& answer) {
+  if (desk_.app.flags().closing) throw Leave::Quit;
   if (answer.well) {
     Say("  " + answer.text);
   } else {
@@ -59,11 +60,18 @@ void SetupTalk::Tell(const SetupAnswer& answer) {
   }
 }
 
-bool SetupTalk::Tell(const std::vector<SetupFault>& faults, bool with_rows) {
+void SetupTalk::Refuse(const std::string& text) {
+  desk_.output.Error("  " + text);
+  if (!HasPerson()) throw Leave::Quit;
+}
+
+bool SetupTalk::Refuse(const std::vector<SetupFault>& faults, bool with_rows) {
+  std::string text;
   for (const SetupFault& fault : faults) {
-    desk_.output.Error("  " + (with_rows && fault.row > 0 ? "Row " + std::to_string(fault.row) + ": " : "") +
-                       fault.text);
+    if (!text.empty()) text += "\n";
+    text += (with_rows && fault.row > 0 ? "Row " + std::to_string(fault.row) + ": " : "") + fault.text;
   }
+  if (!text.empty()) Refuse(text);
   return !faults.empty();
 }
 

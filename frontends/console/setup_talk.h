@@ -19,8 +19,10 @@ enum class Leave {
   Quit,   ///< the person, the input or the program ends it
 };
 
-/// Questions at a terminal, one a line: Enter keeps the present value, "back" and "quit" leave the page by a `Leave`.
-/// All **yield**.
+/// Questions, one a line: Enter keeps the present value, "back" and "quit" leave the page by a `Leave`. All **yield**.
+///
+/// Answers that come through a pipe were written without knowing what is found: what cannot be taken ends the set-up,
+/// as the lines behind it would answer other questions, and what fails when it is tried asks nothing more.
 class SetupTalk {
  public:
   explicit SetupTalk(Desk& desk) : desk_(desk) {}
@@ -37,10 +39,14 @@ class SetupTalk {
   /// Asks until `take`, which enters the answer, finds nothing wrong with it.
   void Until(const std::function<void()>& take, const std::function<std::vector<SetupFault>()>& faults);
   void Say(std::string_view text) { desk_.output.Line(text); }
-  /// Says what was found and whether it is well.
+  /// Says why an answer cannot be taken; it is asked for once more.
+  void Refuse(const std::string& text);
+  /// Whether a person can be asked once more.
+  [[nodiscard]] bool HasPerson() const { return desk_.dialogs.HasPerson(); }
+  /// Says what was found by a try; one that the end of the program has cut short leaves too.
   void Tell(const SetupAnswer& answer);
-  /// Says what is wrong; false when nothing is.
-  bool Tell(const std::vector<SetupFault>& faults, bool with_rows);
+  /// Refuses what is wrong; false when nothing is.
+  bool Refuse(const std::vector<SetupFault>& faults, bool with_rows);
 
  private:
   Desk& desk_;

@@ -1,21 +1,24 @@
 #include "setup/setup_server.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "base/text.h"
 
 namespace corvane {
 namespace {
 
-/// One sentence of the lines of an error.
-std::string OneLine(std::string_view as_Lines) {
-  std::string line;
-  for (std::string_view part : Split(as_Lines, '\n')) {
-    part = Trim(part.ends_with('\r') ? part.substr(0, part.size() - 1) : part);
-    if (!part.empty()) line += (line.empty() ? "" : "; ") + std::string(part);
+/// What an error's first line says; the others tell handles and names that the person has entered.
+std::string FirstLine(std::string_view as_Error) {
+  constexpr std::string_view kBegin = "FTP:";
+  if (as_Error.starts_with(kBegin)) as_Error.remove_prefix(kBegin.size());
+  for (std::string_view line : Split(as_Error, '\n')) {
+    line = Trim(line.ends_with('\r') ? line.substr(0, line.size() - 1) : line);
+    while (line.ends_with('.')) line = Trim(line.substr(0, line.size() - 1));
+    if (!line.empty()) return std::string(line);
   }
-  return line;
+  return "it does not say why";
 }
 
 }  // namespace
@@ -44,7 +47,7 @@ void SetupServer::Enter(const SetupPlan& av_Plan) {
 SetupAnswer SetupServer::Visit(const SetupPlan& av_Plan) {
   const auto failed = [this] {
     if (Cancelled(p_.link, p_.flags)) return SetupAnswer{false, "The server was not tried to the end: cancelled."};
-    return SetupAnswer{false, "The server cannot be used: " + OneLine(p_.ftp.LastErrorText()) +
+    return SetupAnswer{false, "The server cannot be used: " + FirstLine(p_.ftp.LastErrorText()) +
                                   ". Check its name, the user, the password, the encryption and the folder."};
   };
   if (!p_.ftp.Initialise()) return failed();

@@ -137,6 +137,26 @@ TEST_F(CorvanectlTest, SettingsAreEnteredShownAndCompleted) {
   EXPECT_EQ(shell.output(), "download|West\\ field|FTPPassword|--json|");
 }
 
+TEST_F(CorvanectlTest, SetupAsksWritesAtTheEndOnlyAndCollects) {
+  StartStation({"--readings", "20", "--start", "2026/01/01 00:00"});
+  const std::string folder = home_.Name("new");
+  const std::string stations = home_.Name("tty") + "\nTower, 1\n\nNorth, 1, -\nSouth, 2\n2: South, 2, Tower, Acme\n\n";
+  const std::string rest = "\n\n" + home_.path() + "\nNorth\n\n\n\n\n\n\n";
+  const std::tuple<std::string, int, const char*> rows[] = {
+      {"", 1, "nothing is changed"},
+      {home_.Name("none") + "\nquit\n", 1, "is not there: plug the adapter in"},
+      {home_.Name("none") + "\n\nNorth, one\n\n", 1, "no whole number"},
+      {stations + rest, 1, "nothing is changed"},
+      {stations + "back\nback\n" + home_.Name("tty") + "\nback\nquit\n", 1, "nothing is changed"},
+      {stations + rest + "y\ny\n", 0, "South      1        20   20"}};
+  for (const auto& [answers, status, says] : rows) {
+    EXPECT_FALSE(std::filesystem::exists(folder + "/corvane.ini")) << says;
+    EXPECT_EQ(Run({"--home", folder, "setup"}, answers), status) << output_;
+    EXPECT_TRUE(Printed(says)) << output_;
+  }
+  EXPECT_TRUE(std::filesystem::exists(folder + "/Acme/00002.txt")) << output_;
+}
+
 TEST_F(CorvanectlTest, RunDownloadsWhenDueOutlivesAMissingPortAndEndsWithinASecond) {
   for (const bool has_port : {false, true}) {
     WriteSettings("Automatic=1\nNextDownload=1 Jan 2020 00:00\n");
