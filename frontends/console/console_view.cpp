@@ -23,7 +23,7 @@ void ConsoleView::ControlChanged(const Control& control, Aspect aspect, std::siz
 void ConsoleView::OnStatus() {
   const Label& status = form_.Lbl_Status;
   if (status.text().empty()) return;
-  if (status.status_kind() == StatusKind::Detail) {
+  if (status.status_kind() == StatusKind::Detail || (hides_steps && !verbose_)) {
     ShowProgress();
   } else if (status.status_kind() == StatusKind::Error && output_.quiet()) {
     output_.Error(status.text());

@@ -26,6 +26,9 @@ class ConsoleView : public FormView {
   /// Prints the next download time whenever it changes.
   void ShowNextDownload() { shows_next_download_ = true; }
 
+  /// Whether steps go to the progress line only: whoever runs the operation tells what it came to.
+  bool hides_steps = false;
+
   /// Sees every change, after it was printed; may be empty.
   std::function<void(const Control& control)> on_change;
 

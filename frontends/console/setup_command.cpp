@@ -307,7 +307,10 @@ int SetUp(Desk& desk, const Options& options) {
   bool& saves_nothing = desk.app.flags().saves_nothing;
   saves_nothing = true;
   Walk walk(desk);
-  if (!walk.Run()) {
+  desk.view.hides_steps = true;
+  const bool wanted = walk.Run();
+  desk.view.hides_steps = false;
+  if (!wanted) {
     desk.output.Error("Ended: nothing is changed.");
     return kProblems;
   }

@@ -181,6 +181,10 @@ SetupClock SetupTries::SetClock(const SetupPlan& av_Plan, std::size_t al_Row) {
 
 SetupClock SetupTries::ClockOf(const SetupAnswer& av_Answer) const {
   SetupClock clock;
+  if (!av_Answer.well && p_.link.PortFailed) {
+    clock.text = av_Answer.text + ".";
+    return clock;
+  }
   if (!av_Answer.well) {
     clock.text = "The unit did not tell its clock: " + av_Answer.text +
                  ". Check its ID and relay, or that it is in reach and has power.";
