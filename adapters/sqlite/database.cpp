@@ -143,6 +143,20 @@ bool Database::HasMoved() const {
   return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
 }
 
+void Database::CopyTo(const std::string& path) const {
+  constexpr int kAllPages = -1;
+  Database copy;
+  copy.Open(path, Access::Write);
+  sqlite3_backup* const backup = sqlite3_backup_init(copy.connection_, "main", connection_, "main");
+  if (backup == nullptr) throw SqliteError(sqlite3_errcode(copy.connection_), sqlite3_errmsg(copy.connection_));
+  sqlite3_backup_step(backup, kAllPages);
+  if (const int code = sqlite3_backup_finish(backup); code != SQLITE_OK) {
+    throw SqliteError(code, sqlite3_errstr(code));
+  }
+  // A file that is copied elsewhere has no log beside it.
+  copy.Execute("PRAGMA journal_mode = DELETE");
+}
+
 void Database::Execute(const std::string& sql) {
   const int code = sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) throw SqliteError(code, sqlite3_errmsg(connection_));

@@ -91,6 +91,8 @@ class Database {
   void Compile(const std::string& sql) { const Statement statement(connection_, sql); }
   /// The statement of that text, which is prepared once and stays until `Close`.
   Statement& Prepared(const std::string& sql);
+  /// Copies all of it, as it stands at one moment, into the empty file `path`, which is whole in itself then.
+  void CopyTo(const std::string& path) const;
   /// Leaves a transaction, if one is open. Throws nothing.
   void RollBack();
 

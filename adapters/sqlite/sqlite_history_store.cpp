@@ -387,6 +387,14 @@ Status SqliteHistoryStore::Read(const HistoryQuery& av_Query, HistoryContents& a
   return result;
 }
 
+Status SqliteHistoryStore::CopyTo(const std::string& copy) {
+  // The copy is made with its permissions before anything is in it.
+  OutputFile file;
+  if (Status made = file.Create(copy, kOwnerOnly); !made.ok()) return {kFailed, made.text()};
+  file.Close();
+  return Run([&] { database_.CopyTo(copy); });
+}
+
 Status SqliteHistoryStore::Forget(Moment av_Before) {
   return Change([&] { ForgetOld(database_, av_Before); });
 }

@@ -27,6 +27,9 @@ class SqliteHistoryStore : public HistoryStore {
   Status Replace(std::int64_t al_Unit, DateTime av_From, const HistoryContents& av_Changes) override;
   Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result) override;
   Status Forget(Moment av_Before) override;
+  /// Copies the history that is open into the file `copy`, made readable for its owner only, as it stands at one
+  /// moment, whoever writes meanwhile.
+  Status CopyTo(const std::string& copy);
 
  private:
   /// Runs `work` and turns what it throws into a status; no transaction stays open.

@@ -6,6 +6,7 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "zip/zip_limits.h"
 
 namespace corvane {
 namespace {
@@ -49,16 +50,6 @@ std::optional<zip_uint64_t> FindEntry(zip_t* archive, std::string_view wanted) {
 
 bool ExpandsTooFar(zip_uint64_t size, zip_uint64_t packed_size) {
   return size > kLargestFile || (size > kSmallEnough && size / kLargestExpansion > packed_size);
-}
-
-/// Why the entry is not taken; ok when it may be.
-ZipOutcome CheckEntry(const zip_stat_t& entry, const std::string& what) {
-  constexpr zip_uint64_t kNeeded = ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE | ZIP_STAT_ENCRYPTION_METHOD;
-  if ((entry.valid & kNeeded) != kNeeded) return {kZipCorrupt, what + ": the entry does not state its size"};
-  if (entry.encryption_method != ZIP_EM_NONE) return {kZipReadProblem, what + ": the entry is encrypted"};
-  if (!ExpandsTooFar(entry.size, entry.comp_size)) return {};
-  return {kZipCorrupt, what + ": " + std::to_string(entry.comp_size) + " bytes would expand to " +
-                           std::to_string(entry.size) + ", which is beyond the limit"};
 }
 
 /// Hands the entry's bytes to the file, block by block; the caller's file is not committed after a failure.
@@ -105,6 +96,15 @@ ZipOutcome ExtractEntry(zip_t* archive, zip_uint64_t index, const std::string& w
 }
 
 }  // namespace
+
+ZipOutcome CheckEntry(const zip_stat_t& entry, const std::string& what) {
+  constexpr zip_uint64_t kNeeded = ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE | ZIP_STAT_ENCRYPTION_METHOD;
+  if ((entry.valid & kNeeded) != kNeeded) return {kZipCorrupt, what + ": the entry does not state its size"};
+  if (entry.encryption_method != ZIP_EM_NONE) return {kZipReadProblem, what + ": the entry is encrypted"};
+  if (!ExpandsTooFar(entry.size, entry.comp_size)) return {};
+  return {kZipCorrupt, what + ": " + std::to_string(entry.comp_size) + " bytes would expand to " +
+                           std::to_string(entry.size) + ", which is beyond the limit"};
+}
 
 ZipOutcome UnzipOneFile(const std::string& archive, const std::string& name, ReplacementFile& target,
                         ZipProgress& progress) {

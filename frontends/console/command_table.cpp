@@ -102,6 +102,17 @@ constexpr CommandRow kCommands[] = {
      "works while another program runs. assign gives the port number N, 1 to 50, the device DEVICE; -\n"
      "brings the built-in device back.",
      kEverywhere, 0, 3},
+    {CommandId::Keep, "keep", "FILE.zip", "put settings, tables, history and data into one archive",
+     "Keeps the settings, the tables, the language file and the history; with --with-data the raw and\n"
+     "calibrated files too. The archive holds the passwords, unless --without-passwords leaves them out, and\n"
+     "only its owner may read it. A FILE.zip that is there becomes FILE.1.zip, that one FILE.2.zip. Reads\n"
+     "only; works while another program runs.",
+     kKeepOption, 1, 1},
+    {CommandId::Restore, "restore", "FILE.zip", "put what keep has kept into the application folder",
+     "Looks through the whole archive first; then its files take the place of those that are there, which go\n"
+     "into a folder before-restore-1 beside them. On another computer it says which settings mean another\n"
+     "place now and what is missing here, with the command that mends it.",
+     kEverywhere, 1, 1},
     {CommandId::Script, "script", "FILE|-", "work the controls of the main window from a file",
      "FILE (- is the standard input, read to its end) holds one statement a line:\n"
      "  set NAME VALUE            enter a value and leave the field\n"
@@ -151,6 +162,12 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string& value) { options.until = value; }},
     {"--end", "", "end the practice of --home, or all that no program works in", kPractiseOption,
      [](Options& options, const std::string&) { options.end = true; }},
+    {"--with-data", "", "keep the raw and calibrated files too", kKeepOption,
+     [](Options& options, const std::string&) { options.with_data = true; }},
+    {"--without-passwords", "", "leave the passwords out", kKeepOption,
+     [](Options& options, const std::string&) { options.without_passwords = true; }},
+    {"--generations", "N", "how many former archives stay; 3 unless given", kKeepOption,
+     [](Options& options, const std::string& value) { options.generations = value; }},
     {"--yes", "", "answer every question with Yes (run: No all the same)", kEverywhere,
      [](Options& options, const std::string&) { options.yes = true; }},
     {"--go-on", "", "go on past units and files that fail, in this run", kEverywhere,

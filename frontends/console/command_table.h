@@ -21,6 +21,7 @@ enum OptionScope : unsigned {
   kStatusOption = 16,
   kNoteOption = 32,
   kRepairOption = 64,
+  kKeepOption = 4096,
   kPractiseOption = 128,
 };
 

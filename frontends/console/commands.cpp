@@ -4,6 +4,7 @@
 #include <array>
 
 #include "conversion_commands.h"
+#include "keep_command.h"
 #include "link_commands.h"
 #include "list_commands.h"
 #include "page_command.h"
@@ -47,6 +48,8 @@ constexpr std::array kEntries = {
     CommandEntry{CommandId::Set, SetSettings},
     CommandEntry{CommandId::Get, GetSettings},
     CommandEntry{CommandId::Ports, Ports},
+    CommandEntry{CommandId::Keep, Keep},
+    CommandEntry{CommandId::Restore, TellWhatIsMissing},
 };
 
 }  // namespace

@@ -16,6 +16,8 @@
 namespace corvane::console {
 namespace {
 
+constexpr std::int64_t kMostGenerations = 1000;
+
 std::string Quoted(std::string_view text) {
   return "\"" + std::string(text) + "\"";
 }
@@ -119,6 +121,14 @@ class Parser {
     if (!options_.until.empty() && !ParseDate(options_.until)) {
       throw UsageError("--until: " + Quoted(options_.until) + " is no date such as 2026-12-31");
     }
+    if (!options_.generations.empty() && !ParseInteger(options_.generations, 0, kMostGenerations)) {
+      throw UsageError("--generations: " + Quoted(options_.generations) + " is no whole number from 0 to " +
+                       std::to_string(kMostGenerations));
+    }
+    const bool takes_archive = row_->id == CommandId::Keep || row_->id == CommandId::Restore;
+    if (takes_archive && !arguments[0].ends_with(".zip")) {
+      throw UsageError(Quoted(arguments[0]) + " is no archive: name a file that ends in .zip");
+    }
     if (row_->id == CommandId::Set) CheckPairs(arguments);
     if (row_->id == CommandId::Ports) CheckPorts(arguments);
     if (row_->id == CommandId::Completion && arguments[0] != "bash" && arguments[0] != "zsh") {
@@ -187,6 +197,9 @@ bool OnlyReads(const Options& options) {
     case CommandId::Units:
     case CommandId::Page:
     case CommandId::Get:
+    case CommandId::Keep:
+    // It has taken and given back the lock when this is asked.
+    case CommandId::Restore:
       return true;
     case CommandId::Ports:
       return options.arguments.empty();

@@ -48,6 +48,8 @@ enum class CommandId {
   Ports,
   Completion,
   Help,
+  Keep,
+  Restore,
 };
 
 /// What was asked for.
@@ -59,13 +61,16 @@ struct Options {
   std::string since;                   ///< --since; empty when not given
   std::string interval;                ///< --interval; empty when not given
   std::string log_size;                ///< --log-size; empty when not given
+  std::string generations;             ///< --generations; empty when not given
   std::string until;                   ///< --until; empty when not given
   bool automatic = false;              ///< --automatic
   bool files = false;                  ///< --file: the arguments are raw files
   bool hand_held = false;
   bool yes = false;
-  bool go_on = false;    ///< --go-on
-  bool recover = false;  ///< --recover
+  bool go_on = false;              ///< --go-on
+  bool recover = false;            ///< --recover
+  bool with_data = false;          ///< --with-data
+  bool without_passwords = false;  ///< --without-passwords
   bool json = false;
   bool check = false;
   bool end = false;  ///< --end

@@ -18,11 +18,13 @@
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
+#include "keep_command.h"
 #include "page_command.h"
 #include "posix/posix_command_runner.h"
 #include "posix/posix_loop.h"
 #include "practise_command.h"
 #include "serial/termios_port.h"
+#include "setup/restore_moves.h"
 #include "sqlite/sqlite_history_store.h"
 #include "status_command.h"
 #include "zip/libzip_component.h"
@@ -163,11 +165,23 @@ class Program {
       return false;
     }
     const Status locked = shell_.TakeInstanceLock(folder_);
-    if (locked.ok()) return true;
+    if (locked.ok()) return FinishWhatWasBegun();
     output_.Error(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running in " + folder_ +
                                                      ": end it first, or name another folder with --home"
                                                : "corvanectl: " + locked.text());
     return false;
+  }
+
+  /// A restore that was killed is gone on with before anything is read.
+  bool FinishWhatWasBegun() {
+    std::string before;
+    const Status finished = FinishRestore(folder_, before);
+    if (!finished.ok())
+      output_.Error("corvanectl: a restore was broken off and cannot be finished: " + finished.text());
+    if (finished.ok() && !before.empty()) {
+      output_.Error("A restore that was broken off is finished; what was replaced is in " + before);
+    }
+    return finished.ok();
   }
 
   int RunAndSave() {
@@ -217,6 +231,9 @@ int RunProgram(const Options& options) {
     if (NeedsHistoryOnly(options.command)) return RunHistoryCommand(options, folder);
     // Whoever may read the history alone gets a page too.
     if (options.command == CommandId::Page && !CanReadSettings(folder)) return MakePageOfHistory(options, folder);
+    if (options.command == CommandId::Restore) {
+      if (const int status = RestoreFolder(options, folder); status != kAllWell) return status;
+    }
     return Program(options, folder).Run();
   } catch (const RunTimeError& error) {
     WriteOut(kStandardError, Printable(std::string("corvanectl: ") + error.what()) + "\n", true);

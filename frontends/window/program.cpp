@@ -32,6 +32,7 @@
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
 #include "setup/practice.h"
+#include "setup/restore_moves.h"
 #include "sqlite/sqlite_history_store.h"
 #include "window/main_window.h"
 #include "window/toolkit_messages.h"
@@ -102,6 +103,11 @@ class Program {
     if (const Status prepared = PrepareApplicationFolder(folder_); !prepared.ok()) return Refuse(prepared.text());
     if (const Status locked = shell_.TakeInstanceLock(folder_); !locked.ok()) {
       return Refuse(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running" : locked.text());
+    }
+    // A restore that was killed is gone on with before anything is read.
+    std::string replaced;
+    if (const Status finished = FinishRestore(folder_, replaced); !finished.ok()) {
+      return Refuse("A restore was broken off and cannot be finished: " + finished.text());
     }
     ProvideLanguageFile(folder_);
     app_ = std::make_unique<Application>(

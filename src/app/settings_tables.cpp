@@ -53,6 +53,18 @@ std::string ValueOf(const Setting& av_Setting) {
   return std::visit([](const auto* control) { return TextOf(*control); }, av_Setting.control);
 }
 
+KeptSettings SettingsToKeep(const AppInfo& av_App) {
+  Form form;
+  KeptSettings kept;
+  kept.is_password = IsPassword;
+  for (const auto& settings : {FileListSettings(form, av_App), OtherSettings(form, av_App)}) {
+    for (const Setting& setting : settings) {
+      if (setting.meaning == Setting::Meaning::Path) kept.paths.push_back({std::string(setting.key), setting.fallback});
+    }
+  }
+  return kept;
+}
+
 bool IsPassword(std::string_view as_Section, std::string_view as_Key) {
   constexpr std::string_view kPassword = "Password";
   if (EqualsNoCase(as_Section, "General")) {

@@ -10,6 +10,7 @@
 #include "base/numbers.h"
 #include "form/form.h"
 #include "history/network_settings.h"
+#include "setup/keeping.h"
 #include "state/app_info.h"
 #include "state/records.h"
 
@@ -52,6 +53,8 @@ template <class Record>
 [[nodiscard]] std::string ValueOf(const RecordField<Record>& av_Field, const Record& av_Record) {
   return std::visit([&](auto member) { return ValueText(av_Record.*member); }, av_Field.member);
 }
+/// What keeping and restoring an application folder have to know of the settings.
+[[nodiscard]] KeptSettings SettingsToKeep(const AppInfo& av_App);
 /// Whether the key of a section, a record's with its number, holds a password.
 [[nodiscard]] bool IsPassword(std::string_view as_Section, std::string_view as_Key);
 

@@ -157,6 +157,32 @@ TEST_F(CorvanectlTest, SetupAsksWritesAtTheEndOnlyAndCollects) {
   EXPECT_TRUE(std::filesystem::exists(folder + "/Acme/00002.txt")) << output_;
 }
 
+TEST_F(CorvanectlTest, KeepsBesideAProgramThatRunsAndRestoresElsewhere) {
+  StartStation({"--readings", "4"});
+  EXPECT_EQ(Run({"download"}), 0) << output_;
+  WriteSettings("Automatic=1\nFTPPassword=geheim\nBackupDestination=/not/there\n");
+  Child run(Command({"run"}));
+  EXPECT_TRUE(run.Shows("Running in ")) << run.output();
+  const TempFolder other;
+  const std::string archive = other.Name("net.zip");
+  EXPECT_EQ(Run({"keep", archive, "--with-data"}), 0) << output_;
+  EXPECT_TRUE(Printed("It holds the passwords")) << output_;
+  EXPECT_EQ(Run({"restore", archive}), 3) << output_;
+  EXPECT_TRUE(Printed("is running in " + home_.path() + ": end it first; nothing was restored")) << output_;
+  const Words there = {"--home", other.Name("home")};
+  const auto run_there = [&](Words words) {
+    words.insert(words.begin(), there.begin(), there.end());
+    return Run(words);
+  };
+  EXPECT_EQ(run_there({"restore", archive}), 0) << output_;
+  EXPECT_TRUE(Printed("corvanectl set BackupDestination PATH")) << output_;
+  EXPECT_TRUE(Printed("MoistureLookupFile") == false) << "bare names need no change: " << output_;
+  EXPECT_EQ(other.Read("home/00003.epd"), home_.Read("00003.epd"));
+  EXPECT_EQ(run_there({"status"}), 0) << output_;
+  EXPECT_TRUE(Printed("12 readings stored")) << output_;
+  EXPECT_EQ(run_there({"restore", other.Write("cut.zip", other.Read("net.zip").substr(0, 2000))}), 1);
+}
+
 TEST_F(CorvanectlTest, RunDownloadsWhenDueOutlivesAMissingPortAndEndsWithinASecond) {
   for (const bool has_port : {false, true}) {
     WriteSettings("Automatic=1\nNextDownload=1 Jan 2020 00:00\n");

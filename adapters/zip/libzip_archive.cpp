@@ -1,0 +1,156 @@
+#include "zip/libzip_archive.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/encoding.h"
+#include "base/files.h"
+#include "base/replacement_file.h"
+#include "zip/zip_limits.h"
+#include "zip/zip_writer.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr int kDeflateLevel = 6;
+
+struct CloseEntry {
+  void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
+using EntryHandle = std::unique_ptr<zip_file_t, CloseEntry>;
+
+Status StatusOf(const ZipOutcome& outcome) {
+  return outcome.code == kZipOk ? Status::Ok() : Status(outcome.code, outcome.text);
+}
+
+Status FailureOf(zip_t* archive, const std::string& what) {
+  return StatusOf(OutcomeOf(*zip_get_error(archive), what));
+}
+
+/// Adds one source; the library owns what it is given from then on, and reads files when the archive is closed.
+Status AddOne(zip_t* archive, const ArchiveSource& source) {
+  zip_source_t* from = nullptr;
+  if (source.file.empty()) {
+    from = zip_source_buffer(archive, source.text.data(), source.text.size(), 0);
+  } else {
+    const auto about = ExamineFile(source.file);
+    if (!about) return Status::FromErrno(source.file, ENOENT);
+    from = zip_source_file(archive, source.file.c_str(), 0, about->size);
+  }
+  if (from == nullptr) return FailureOf(archive, source.file);
+  const zip_flags_t encoding = IsUtf8(source.name) ? ZIP_FL_ENC_UTF_8 : ZIP_FL_ENC_GUESS;
+  const zip_int64_t index = zip_file_add(archive, source.name.c_str(), from, encoding);
+  if (index < 0) {
+    zip_source_free(from);
+    return FailureOf(archive, source.name);
+  }
+  zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), ZIP_CM_DEFLATE, kDeflateLevel);
+  return Status::Ok();
+}
+
+Status SyncFile(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return Status::FromErrno(path, errno);
+  const int error = fsync(descriptor) == 0 ? 0 : errno;
+  close(descriptor);
+  return error == 0 ? Status::Ok() : Status::FromErrno(path, error);
+}
+
+}  // namespace
+
+Status LibzipArchive::Add(const std::string& path, const std::vector<ArchiveSource>& sources) {
+  // What the library writes beside the file takes over its permissions: it may hold passwords from the first byte on.
+  const int made = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
+  if (made < 0) return Status::FromErrno(path, errno);
+  const int error = fchmod(made, kOwnerOnly) == 0 ? 0 : errno;
+  close(made);
+  if (error != 0) return Status::FromErrno(path, error);
+  const auto about = ExamineFile(path);
+  RemoveLeftOvers(path);
+  ZipOutcome outcome;
+  ArchiveHandle archive = OpenArchive(path, about && about->size > 0 ? 0 : ZIP_CREATE | ZIP_TRUNCATE, outcome);
+  if (!archive) return StatusOf(outcome);
+  for (const ArchiveSource& source : sources) {
+    if (Status added = AddOne(archive.get(), source); !added.ok()) return added;
+  }
+  if (zip_close(archive.get()) != 0) return FailureOf(archive.get(), path);
+  static_cast<void>(archive.release());
+  return SyncFile(path);
+}
+
+Status LibzipArchive::Open(const std::string& path) {
+  archive_.reset();
+  path_ = path;
+  const auto about = ExamineFile(path);
+  if (!about) return Status::FromErrno(path, ENOENT);
+  if (about->is_folder || about->size == 0) return {kZipNoArchive, path + ": is no archive"};
+  ZipOutcome outcome;
+  archive_ = OpenArchive(path, ZIP_RDONLY | ZIP_CHECKCONS, outcome);
+  return StatusOf(outcome);
+}
+
+Status LibzipArchive::List(std::vector<ArchiveEntry>& entries) {
+  entries.clear();
+  const zip_int64_t count = zip_get_num_entries(archive_.get(), 0);
+  for (zip_uint64_t index = 0; index < static_cast<zip_uint64_t>(count); ++index) {
+    zip_stat_t about;
+    zip_stat_init(&about);
+    if (zip_stat_index(archive_.get(), index, 0, &about) != 0) return FailureOf(archive_.get(), path_);
+    const char* const raw = zip_get_name(archive_.get(), index, ZIP_FL_ENC_RAW);
+    ArchiveEntry entry;
+    entry.name = raw != nullptr ? raw : "";
+    if (ZipOutcome checked = CheckEntry(about, path_ + ", " + entry.name); checked.code != kZipOk) {
+      return StatusOf(checked);
+    }
+    entry.size = static_cast<std::int64_t>(about.size);
+    entry.crc = about.crc;
+    entries.push_back(std::move(entry));
+  }
+  return Status::Ok();
+}
+
+Status LibzipArchive::Walk(const std::string& name, const Take& take) {
+  const std::string what = path_ + ", " + name;
+  const zip_int64_t index = zip_name_locate(archive_.get(), name.c_str(), ZIP_FL_ENC_RAW);
+  if (index < 0) return {kZipNothingToDo, what + ": is missing"};
+  const EntryHandle file(zip_fopen_index(archive_.get(), static_cast<zip_uint64_t>(index), 0));
+  if (!file) return FailureOf(archive_.get(), what);
+  std::string block(kBlockSize, '\0');
+  while (true) {
+    // The library compares the checksum with the last block and fails there.
+    const zip_int64_t got = zip_fread(file.get(), block.data(), block.size());
+    if (got < 0) return StatusOf(OutcomeOf(*zip_file_get_error(file.get()), what));
+    if (got == 0) return Status::Ok();
+    if (Status taken = take(block.data(), static_cast<std::size_t>(got)); !taken.ok()) return taken;
+  }
+}
+
+Status LibzipArchive::Read(const std::string& name, std::int64_t limit, std::string& text) {
+  text.clear();
+  return Walk(name, [&](const char* bytes, std::size_t length) {
+    if (static_cast<std::int64_t>(text.size() + length) > limit) {
+      return Status(kZipCorrupt, path_ + ", " + name + ": is too long");
+    }
+    text.append(bytes, length);
+    return Status::Ok();
+  });
+}
+
+Status LibzipArchive::Extract(const std::string& name, const std::string& target, unsigned mode) {
+  if (target.empty()) {
+    return Walk(name, [](const char*, std::size_t) { return Status::Ok(); });
+  }
+  ReplacementFile file(target, mode);
+  if (Status opened = file.Open(); !opened.ok()) return opened;
+  Status walked = Walk(name, [&file](const char* bytes, std::size_t length) {
+    file.buffer().append(bytes, length);
+    return file.FlushWhenFull();
+  });
+  return walked.ok() ? file.Commit() : walked;
+}
+
+}  // namespace corvane

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/archive.h"
+#include "zip/zip_run.h"
+
+namespace corvane {
+
+/// Archives of many files by libzip.
+class LibzipArchive : public Archive {
+ public:
+  Status Add(const std::string& path, const std::vector<ArchiveSource>& sources) override;
+  Status Open(const std::string& path) override;
+  Status List(std::vector<ArchiveEntry>& entries) override;
+  Status Read(const std::string& name, std::int64_t limit, std::string& text) override;
+  Status Extract(const std::string& name, const std::string& target, unsigned mode) override;
+
+ private:
+  using Take = std::function<Status(const char* bytes, std::size_t length)>;
+
+  /// Hands the bytes of an entry to `take`, block by block, and holds them against size and checksum.
+  Status Walk(const std::string& name, const Take& take);
+
+  std::string path_;
+  ArchiveHandle archive_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,177 @@
+#include "setup/keeping.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/profile.h"
+#include "base/text.h"
+
+namespace corvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kGeneral = "General";
+constexpr std::string_view kSettingsFile = "corvane.ini";
+constexpr std::string_view kHistoryFile = "history.db";
+constexpr std::string_view kNoText = "null";
+
+/// Takes a file away at the end, whatever happens.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string as_Path) : path_(std::move(as_Path)) { (void)RemoveFile(path_); }
+  ~TemporaryFile() { (void)RemoveFile(path_); }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+std::string WithoutPasswords(std::string as_Settings, const KeptSettings& av_Rules) {
+  ProfileFile profile;
+  profile.Parse(std::move(as_Settings));
+  for (const std::string_view section : {std::string_view("General"), std::string_view("Clients")}) {
+    for (const std::string& key : profile.Keys(section)) {
+      if (av_Rules.is_password(section, key)) profile.Set(section, key, kNoText);
+    }
+  }
+  return profile.Text();
+}
+
+void Rename(const std::string& as_From, const std::string& as_To) {
+  std::error_code failed;
+  fs::rename(as_From, as_To, failed);
+  if (failed) throw RunTimeError(Status::FromErrno(as_To, failed.value()));
+}
+
+/// The archive that is there becomes the first generation, that one the second; its own name stays until it is
+/// replaced.
+void MakeRoom(const std::string& as_Archive, int al_Generations) {
+  if (al_Generations < 1 || !ExamineFile(as_Archive)) return;
+  for (int number = al_Generations; number > 1; --number) {
+    const std::string younger = GenerationName(as_Archive, number - 1);
+    if (ExamineFile(younger)) Rename(younger, GenerationName(as_Archive, number));
+  }
+  Require(GiveSecondName(as_Archive, GenerationName(as_Archive, 1)));
+}
+
+}  // namespace
+
+std::string GenerationName(const std::string& as_Archive, int al_Number) {
+  return WithExtension(as_Archive, std::to_string(al_Number) + ".zip");
+}
+
+Kept Keeping::Keep(const KeepingOrder& av_Order) {
+  sources_.clear();
+  taken_.clear();
+  kept_ = {};
+  const TemporaryFile part(av_Order.archive + ".part");
+  const TemporaryFile history(av_Order.archive + ".history.part");
+  AddSettings(av_Order);
+  AddNamedFiles();
+  AddHistory(history.path());
+  if (av_Order.data) AddData();
+  Write(av_Order, part.path());
+  MakeRoom(av_Order.archive, av_Order.generations);
+  Rename(part.path(), av_Order.archive);
+  Require(SyncFolderOf(av_Order.archive));
+  if (const auto about = ExamineFile(av_Order.archive)) kept_.bytes = about->size;
+  return kept_;
+}
+
+void Keeping::AddSettings(const KeepingOrder& av_Order) {
+  std::string settings;
+  Require(ReadFile(p_.app.AppPath(kSettingsFile), settings, ProfileFile::kLargestFile));
+  if (!av_Order.passwords) settings = WithoutPasswords(std::move(settings), p_.settings);
+  sources_.push_back({std::string(kKeptSettings), "", std::move(settings)});
+}
+
+void Keeping::AddNamedFiles() {
+  std::string settings;
+  Require(ReadFile(p_.app.AppPath(kSettingsFile), settings, ProfileFile::kLargestFile));
+  ProfileFile profile;
+  profile.Parse(std::move(settings));
+  for (const auto& [key, fallback] : p_.settings.paths) {
+    const std::string value = profile.Get(kGeneral, key, fallback);
+    if (value.empty() || value == kNoText) continue;
+    const std::string file = p_.app.AppPath(WithSlashes(value));
+    const auto about = ExamineFile(file);
+    if (about && about->is_folder) continue;
+    if (!about) {
+      if (value != fallback) kept_.left_out.push_back(key + ": there is no " + file);
+      continue;
+    }
+    AddFile(std::string(kKeptFiles) + key + "/" + std::string(FileNameOf(file)), file);
+  }
+}
+
+void Keeping::AddHistory(const std::string& as_Copy) {
+  const std::string file = p_.app.AppPath(kHistoryFile);
+  if (!ExamineFile(file)) return;
+  Require(p_.copy_history(file, as_Copy));
+  AddFile(std::string(kKeptHistory), as_Copy);
+}
+
+void Keeping::AddData() {
+  std::set<std::string> clients = {""};
+  for (const Client& client : p_.registry.Clients) clients.insert(WithSlashes(client.Folder));
+  for (const std::string& client : clients) AddFolder(client);
+  const std::string summary = p_.app.AppPath("summary.csv");
+  if (ExamineFile(summary)) AddFile(std::string(kKeptSummary), summary);
+}
+
+void Keeping::AddFolder(const std::string& as_Client) {
+  std::string_view below = as_Client;
+  while (below.ends_with('/')) below.remove_suffix(1);
+  while (below.starts_with('/')) below.remove_prefix(1);
+  const std::string folder = AddBackslash(p_.names.DataFolder()) + AddBackslash(below);
+  if (!below.empty() && !IsSafeName(below)) {
+    kept_.left_out.push_back("The data files in " + folder + ": the client's folder leads out of the data folder");
+    return;
+  }
+  const std::string raw = "." + p_.names.DataFileExtension(false);
+  const std::string calibrated = "." + p_.names.DataFileExtension(true);
+  const auto wanted = [&](std::string_view name) {
+    return name.ends_with(raw) || name.ends_with(calibrated) || name.ends_with(raw + ".bad");
+  };
+  if (!ExamineFile(folder)) return;
+  std::vector<FolderEntry> entries;
+  Require(ListFiles(folder, wanted, entries));
+  std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+  for (const FolderEntry& entry : entries) {
+    AddFile(std::string(kKeptData) + AddBackslash(below) + entry.name, folder + entry.name);
+  }
+}
+
+void Keeping::AddFile(const std::string& as_Name, const std::string& as_File) {
+  if (!IsSafeName(as_Name)) {
+    kept_.left_out.push_back(as_File + ": its name cannot be kept");
+    return;
+  }
+  if (taken_.insert(as_Name).second) sources_.push_back({as_Name, as_File, ""});
+}
+
+void Keeping::Write(const KeepingOrder& av_Order, const std::string& as_Part) {
+  Require(p_.archive.Add(as_Part, sources_));
+  KeptManifest manifest;
+  manifest.version = AppInfo::VersionText();
+  manifest.made = av_Order.made;
+  manifest.host = av_Order.host;
+  manifest.folder = p_.app.Folder();
+  manifest.data_folder = p_.names.DataFolder();
+  manifest.passwords = av_Order.passwords;
+  manifest.data = av_Order.data;
+  // Told of what was stored: a file may have grown since it was looked at.
+  Require(p_.archive.Open(as_Part));
+  Require(p_.archive.List(manifest.entries));
+  Require(p_.archive.Add(as_Part, {{std::string(kManifestName), "", ManifestText(manifest)}}));
+  kept_.files = static_cast<std::int64_t>(sources_.size());
+}
+
+}  // namespace corvane

@@ -1,0 +1,127 @@
+#include "setup/restore_moves.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+#include "base/files.h"
+#include "base/numbers.h"
+#include "base/paths.h"
+#include "base/profile.h"
+#include "base/replacement_file.h"
+
+namespace corvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kSection = "Restore";
+constexpr std::string_view kListName = "restore.list";
+constexpr std::string_view kStageName = "restore.part";
+
+std::string ListFile(const std::string& as_Home) {
+  return AddBackslash(as_Home) + std::string(kListName);
+}
+
+std::string KeyOf(std::string_view as_Field, std::int64_t al_Number) {
+  return std::string(as_Field) + std::to_string(al_Number);
+}
+
+Status Renamed(const std::string& as_From, const std::string& as_To) {
+  std::error_code failed;
+  fs::rename(as_From, as_To, failed);
+  return failed ? Status::FromErrno(as_To, failed.value()) : Status::Ok();
+}
+
+/// Lets the former file have a name among what was replaced; one that has it already keeps it.
+Status KeepFormer(const std::string& as_Target, const std::string& as_Kept) {
+  if (!ExamineFile(as_Target) || ExamineFile(as_Kept)) return Status::Ok();
+  const std::string part = as_Kept + ".part";
+  Status named = GiveSecondName(as_Target, part);
+  return named.ok() ? Renamed(part, as_Kept) : named;
+}
+
+/// Renames, or copies to another disk.
+Status Move(const std::string& as_From, const std::string& as_To) {
+  Status moved = Renamed(as_From, as_To);
+  if (moved.code() != EXDEV) return moved;
+  const std::string part = as_To + ".part";
+  std::error_code failed;
+  fs::copy_file(as_From, part, fs::copy_options::overwrite_existing, failed);
+  if (failed) return Status::FromErrno(part, failed.value());
+  OutputFile copy;
+  if (Status synced = copy.OpenForAppending(part); !synced.ok()) return synced;
+  if (Status synced = copy.Sync(); !synced.ok()) return synced;
+  copy.Close();
+  if (Status renamed = Renamed(part, as_To); !renamed.ok()) return renamed;
+  return RemoveFile(as_From);
+}
+
+Status MakeMove(const RestoreMove& av_Move, const std::string& as_Stage, const std::string& as_Kept) {
+  const std::string from = as_Stage + av_Move.staged;
+  // It is in its place already.
+  if (!av_Move.staged.empty() && !ExamineFile(from)) return Status::Ok();
+  if (Status kept = KeepFormer(av_Move.target, as_Kept); !kept.ok()) return kept;
+  if (av_Move.staged.empty()) return ExamineFile(av_Move.target) ? RemoveFile(av_Move.target) : Status::Ok();
+  try {
+    CreatePath(FolderOf(av_Move.target));
+  } catch (const RunTimeError& error) {
+    return {EIO, error.what()};
+  }
+  if (Status moved = Move(from, av_Move.target); !moved.ok()) return moved;
+  return SyncFolderOf(av_Move.target);
+}
+
+}  // namespace
+
+std::string StageFolder(const std::string& as_Home) {
+  return AddBackslash(as_Home) + std::string(kStageName) + "/";
+}
+
+void DropStage(const std::string& as_Home) {
+  std::error_code ignored;
+  fs::remove_all(StageFolder(as_Home), ignored);
+}
+
+Status CommitRestore(const std::string& as_Home, const std::string& as_Before,
+                     const std::vector<RestoreMove>& av_Moves) {
+  ProfileFile list;
+  list.Set(kSection, "Before", as_Before);
+  list.Set(kSection, "Count", std::to_string(av_Moves.size()));
+  std::int64_t number = 0;
+  for (const RestoreMove& move : av_Moves) {
+    ++number;
+    list.Set(kSection, KeyOf("Staged", number), move.staged);
+    list.Set(kSection, KeyOf("Target", number), move.target);
+  }
+  return WriteFileAtomically(ListFile(as_Home), list.Text(), kOwnerOnly);
+}
+
+Status FinishRestore(const std::string& as_Home, std::string& as_Before) {
+  as_Before.clear();
+  std::string text;
+  const Status read = ReadFile(ListFile(as_Home), text, ProfileFile::kLargestFile);
+  if (read.code() == ENOENT) {
+    if (ExamineFile(StageFolder(as_Home))) DropStage(as_Home);
+    return Status::Ok();
+  }
+  if (!read.ok()) return read;
+  ProfileFile list;
+  list.Parse(std::move(text));
+  const std::string before = list.Get(kSection, "Before", "");
+  const std::int64_t count = ParseInteger(list.Get(kSection, "Count", ""), 0, INT32_MAX).value_or(0);
+  for (std::int64_t number = 1; number <= count; ++number) {
+    const RestoreMove move{list.Get(kSection, KeyOf("Staged", number), ""),
+                           list.Get(kSection, KeyOf("Target", number), "")};
+    // The number keeps files of the same name apart.
+    const std::string kept = AddBackslash(before) + std::to_string(number) + "-" + std::string(FileNameOf(move.target));
+    if (Status made = MakeMove(move, StageFolder(as_Home), kept); !made.ok()) return made;
+  }
+  if (Status removed = RemoveFile(ListFile(as_Home)); !removed.ok()) return removed;
+  DropStage(as_Home);
+  as_Before = before;
+  return Status::Ok();
+}
+
+}  // namespace corvane
