@@ -140,6 +140,13 @@ bool IsNumber(const std::string& name) {
   return !name.empty() && name.find_first_not_of("0123456789") == name.npos;
 }
 
+/// A folder as somebody may have typed it, with its whole name.
+fs::path FullPath(const std::string& folder) {
+  std::error_code error;
+  const fs::path path = fs::absolute(folder, error).lexically_normal();
+  return path.has_filename() ? path : path.parent_path();
+}
+
 /// Takes all of a folder away, the device first, so that its base station ends.
 Status TakeAway(const fs::path& folder) {
   std::error_code error;
@@ -277,17 +284,17 @@ std::vector<std::string> PracticeFolder::Folders() const {
 }
 
 Status PracticeFolder::Remove(const std::string& folder) {
-  const fs::path path(folder);
+  const fs::path path = FullPath(folder);
   if (path.parent_path() != fs::path(root_) || !IsNumber(path.filename().string()) || !IsFolder(path)) {
     return {ENOENT, folder + " is no folder for practice"};
   }
   {
     const RootLock lock(root_);
     if (Status locked = lock.status(); !locked.ok()) return locked;
-    if (folder != folder_ && IsWorkedIn(path)) {
+    if (path != folder_ && IsWorkedIn(path)) {
       return {EWOULDBLOCK, "a program works in the practice " + folder + ": end it first"};
     }
-    if (folder == folder_) LetGo();
+    if (path == folder_) LetGo();
     if (Status removed = TakeAway(path); !removed.ok() || !Folders().empty()) return removed;
     std::error_code error;
     fs::remove(fs::path(root_) / kRootLock, error);

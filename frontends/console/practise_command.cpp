@@ -1,5 +1,6 @@
 #include "practise_command.h"
 
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -72,7 +73,10 @@ int End(PracticeGround& ground, const Options& options) {
       options.home.empty() ? ground.Folders() : std::vector<std::string>{options.home};
   int problems = 0;
   for (const std::string& folder : folders) {
-    if (const Status removed = ground.Remove(folder); removed.ok()) {
+    const Status removed = ground.Remove(folder);
+    // Meanwhile somebody else has ended it.
+    if (removed.code() == ENOENT && options.home.empty()) continue;
+    if (removed.ok()) {
       Say(options, "The practice is over, and " + Printable(folder) + " is gone.");
     } else {
       Complain(removed);
