@@ -1,6 +1,9 @@
 #include "zip/libzip_archive.h"
 
 #include <cerrno>
+#include <memory>
+#include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +11,6 @@
 
 #include "base/encoding.h"
 #include "base/files.h"
-#include "base/replacement_file.h"
 #include "zip/zip_limits.h"
 #include "zip/zip_writer.h"
 
@@ -144,13 +146,11 @@ Status LibzipArchive::Extract(const std::string& name, const std::string& target
   if (target.empty()) {
     return Walk(name, [](const char*, std::size_t) { return Status::Ok(); });
   }
-  ReplacementFile file(target, mode);
-  if (Status opened = file.Open(); !opened.ok()) return opened;
-  Status walked = Walk(name, [&file](const char* bytes, std::size_t length) {
-    file.buffer().append(bytes, length);
-    return file.FlushWhenFull();
-  });
-  return walked.ok() ? file.Commit() : walked;
+  OutputFile file;
+  if (Status made = file.Create(target, mode); !made.ok()) return made;
+  Status walked = Walk(
+      name, [&file](const char* bytes, std::size_t length) { return file.Write(std::string_view(bytes, length)); });
+  return walked.ok() ? file.Sync() : walked;
 }
 
 }  // namespace corvane

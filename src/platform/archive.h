@@ -43,8 +43,8 @@ class Archive {
   virtual Status List(std::vector<ArchiveEntry>& av_Entries) = 0;
   /// Reads a whole entry of at most `al_Limit` bytes.
   virtual Status Read(const std::string& as_Name, std::int64_t al_Limit, std::string& as_Text) = 0;
-  /// Reads an entry to its end into the file `as_Target` of that mode, which is synced; an empty one: to see that it is
-  /// whole. Bytes that are not those of the checksum fail.
+  /// Reads an entry to its end into the file `as_Target` of that mode, which is synced (its
+  /// name is not); an empty one: to see that it is whole. Bytes that are not those of the checksum fail.
   virtual Status Extract(const std::string& as_Name, const std::string& as_Target, unsigned al_Mode) = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 #include "base/files.h"
@@ -69,8 +70,7 @@ Status MakeMove(const RestoreMove& av_Move, const std::string& as_Stage, const s
   } catch (const RunTimeError& error) {
     return {EIO, error.what()};
   }
-  if (Status moved = Move(from, av_Move.target); !moved.ok()) return moved;
-  return SyncFolderOf(av_Move.target);
+  return Move(from, av_Move.target);
 }
 
 }  // namespace
@@ -111,12 +111,19 @@ Status FinishRestore(const std::string& as_Home, std::string& as_Before) {
   list.Parse(std::move(text));
   const std::string before = list.Get(kSection, "Before", "");
   const std::int64_t count = ParseInteger(list.Get(kSection, "Count", ""), 0, INT32_MAX).value_or(0);
+  std::set<std::string> folders;
   for (std::int64_t number = 1; number <= count; ++number) {
     const RestoreMove move{list.Get(kSection, KeyOf("Staged", number), ""),
                            list.Get(kSection, KeyOf("Target", number), "")};
     // The number keeps files of the same name apart.
     const std::string kept = AddBackslash(before) + std::to_string(number) + "-" + std::string(FileNameOf(move.target));
     if (Status made = MakeMove(move, StageFolder(as_Home), kept); !made.ok()) return made;
+    folders.insert(std::string(FolderOf(move.target)));
+  }
+  // Each name is on the disk before the list of the moves is gone.
+  folders.insert(before);
+  for (const std::string& folder : folders) {
+    if (Status synced = SyncFolderOf(AddBackslash(folder) + "x"); !synced.ok()) return synced;
   }
   if (Status removed = RemoveFile(ListFile(as_Home)); !removed.ok()) return removed;
   DropStage(as_Home);

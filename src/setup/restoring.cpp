@@ -177,6 +177,7 @@ std::string Restoring::PutIn() {
     }
     moves.push_back({staged, placed.target});
   }
+  Require(SyncFolderOf(stage + "0"));
   Require(MakeFolder(before));
   Require(CommitRestore(home_, before, moves));
   std::string done;
