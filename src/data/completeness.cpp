@@ -11,6 +11,7 @@
 #include "data/channel_watch.h"
 #include "data/day_book.h"
 #include "data/gap_finder.h"
+#include "data/jump_places.h"
 #include "data/line_blocks.h"
 #include "data/reading_date.h"
 #include "data/scan_state.h"
@@ -47,7 +48,7 @@ std::int64_t HintSum(const ScanHints& av_Hints, DateTime av_Settled, DateTime av
   for (const PeriodChange& change : av_Hints.periods) {
     if (change.at >= av_Last) continue;
     text.PutDate(change.at);
-    text.Put(change.seconds);
+    text.Put(change.certain ? change.seconds : -change.seconds);
   }
   for (const auto& range : {av_Hints.moisture, av_Hints.salinity}) {
     text.Put(range ? std::bit_cast<std::int64_t>(range->least) : 0);
@@ -59,8 +60,14 @@ std::int64_t HintSum(const ScanHints& av_Hints, DateTime av_Settled, DateTime av
 /// One scan: what is known is put back, what is new is read, and what comes out of both is told and remembered.
 class Scan {
  public:
-  Scan(const InputFile& av_File, const ScanRecord& av_Former, const ScanHints& av_Hints)
-      : file_(av_File), former_(av_Former), hints_(av_Hints), finder_(av_Hints), watch_(av_Hints) {
+  /// `av_Located`: the hints with clock steps in the places that a scan has found for them.
+  Scan(const InputFile& av_File, const ScanRecord& av_Former, const ScanHints& av_Hints, const ScanHints& av_Located)
+      : file_(av_File),
+        former_(av_Former),
+        hints_(av_Hints),
+        finder_(av_Located),
+        jumps_(av_Located),
+        watch_(av_Hints) {
     for (const GapRecord& gap : av_Hints.known) known_[gap.from] = {gap.to, false};
   }
 
@@ -70,6 +77,7 @@ class Scan {
   /// Reads on. `TooEarly`: a reading came that is earlier than what is known goes back.
   [[nodiscard]] End Read(const std::function<bool()>& av_Poll);
   [[nodiscard]] RawScan Result();
+  [[nodiscard]] const JumpPlaces& jumps() const { return jumps_; }
 
  private:
   [[nodiscard]] bool IsSameFile() const;
@@ -92,6 +100,7 @@ class Scan {
   const ScanRecord& former_;
   const ScanHints& hints_;
   GapFinder finder_;
+  JumpPlaces jumps_;
   ChannelWatch watch_;
   DayBook book_;
   ReadingDateReader dates_;
@@ -130,7 +139,7 @@ std::string Scan::State() const {
   const auto days = std::distance(first_day, book_.days().end());
   const auto matters = [&](const GapRecord& gap) { return gap.to > boundary; };
   const auto gaps = std::count_if(gaps_.begin(), gaps_.end(), matters);
-  if (days > kMostKept || gaps > kMostKept) return "";
+  if (days > kMostKept || gaps > kMostKept || JumpPlaces::AreOpen(hints_, gaps_, boundary)) return "";
   state.Put(kStateVersion);
   state.Put(offset_);
   state.Put(first_line_ ? 1 : 0);
@@ -271,6 +280,7 @@ void Scan::AddGap(std::vector<GapRecord>& av_Gaps, const Verdict& av_Verdict) {
   gap.missing = av_Verdict.missing;
   gap.state = av_Verdict.kind == Verdict::Clock ? GapState::Clock : GapState::Found;
   av_Gaps.push_back(gap);
+  jumps_.Take(av_Verdict);
   book_.Miss(av_Verdict.from, av_Verdict.period, av_Verdict.missing - av_Verdict.behind);
   if (av_Verdict.behind == 0) return;
   const DateTime begin = av_Verdict.to - (av_Verdict.behind + 1) * av_Verdict.period_behind;
@@ -317,13 +327,21 @@ RawScan ScanRawFile(const std::string& as_File, const ScanRecord& av_Former, con
   if (result.missing) return result;
   Require(opened);
   for (const bool resume : {true, false}) {
-    Scan scan(file, av_Former, av_Hints);
+    Scan scan(file, av_Former, av_Hints, av_Hints);
     if (resume && !scan.Resume()) continue;
     const Scan::End end = scan.Read(av_Poll);
     if (end == Scan::End::TooEarly) continue;
     if (end == Scan::End::Cancelled) break;
     result = scan.Result();
     result.whole = !resume;
+    if (const auto located = scan.jumps().Located()) {
+      // The places of jumps before are found only by all that may hold them.
+      if (resume) continue;
+      Scan again(file, av_Former, av_Hints, *located);
+      if (again.Read(av_Poll) == Scan::End::Cancelled) break;
+      result = again.Result();
+      result.whole = true;
+    }
     return result;
   }
   result.scan = av_Former;

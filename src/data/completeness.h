@@ -19,10 +19,11 @@ struct ClockStep {
   std::optional<std::int64_t> seconds;  ///< by so much, forward above zero; none: set by command, by what is not known
 };
 
-/// The log period of a unit was set; `at` in the unit's time.
+/// The log period of a unit was set, or may have been by a command without an answer; `at` in the unit's time.
 struct PeriodChange {
   DateTime at;
   std::int64_t seconds = 0;
+  bool certain = true;
 };
 
 /// The values of one kind of item that its lookup table covers.

@@ -49,11 +49,16 @@ std::int64_t Missing(std::int64_t al_Seconds, std::int64_t al_Period) {
 
 GapFinder::GapFinder(const ScanHints& av_Hints) : hints_(av_Hints) {}
 
+bool GapFinder::MayHold(DateTime av_From, DateTime av_To, const ClockStep& av_Step) {
+  return av_Step.from <= av_To && av_Step.to >= av_From && av_Step.seconds.value_or(0) <= av_To - av_From + kInexact;
+}
+
 bool GapFinder::Tell(Distance& av_Distance) const {
   DateTime newest;
   av_Distance.told = 0;
   for (const PeriodChange& change : hints_.periods) {
-    if (change.at < av_Distance.from || change.at >= av_Distance.to || change.at < newest) continue;
+    if (!change.certain || change.at < newest) continue;
+    if (change.at < av_Distance.from || change.at >= av_Distance.to) continue;
     newest = change.at;
     av_Distance.told = std::max<std::int64_t>(change.seconds, 0);
   }
@@ -100,21 +105,31 @@ std::int64_t GapFinder::PeriodBehind(std::size_t al_At) const {
 }
 
 Verdict GapFinder::Judge(std::size_t al_At) const {
-  Verdict verdict = JudgeBy(At(al_At), PeriodBefore(al_At), PeriodBehind(al_At));
+  const std::int64_t behind = PeriodBehind(al_At);
+  Verdict verdict = JudgeBy(At(al_At), PeriodBefore(al_At), behind);
   const bool as_long = verdict.missing == Missing(At(al_At).length(), std::max<std::int64_t>(verdict.period, 1));
-  if (verdict.kind == Verdict::Gap && At(al_At).told > 0 && as_long) CountByStretches(verdict);
+  const bool told = At(al_At).told > 0;
+  // A command without an answer has reached the unit when it measures by it behind the gap and has not before.
+  if (verdict.kind == Verdict::Gap && as_long && (told || behind != verdict.period))
+    CountByStretches(verdict, told, behind);
   return verdict;
 }
 
-void GapFinder::CountByStretches(Verdict& av_Gap) const {
+void GapFinder::CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Behind) const {
+  const auto counts = [&](const PeriodChange& change) {
+    const bool within = change.at >= av_Gap.from && change.at < av_Gap.to && change.seconds > 0;
+    return within && change.certain == ab_Certain && (ab_Certain || change.seconds == al_Behind);
+  };
+  if (std::none_of(hints_.periods.begin(), hints_.periods.end(), counts)) return;
   DateTime begin = av_Gap.from;
   av_Gap.missing = 0;
   av_Gap.period_behind = av_Gap.period;
   for (const PeriodChange& change : hints_.periods) {
-    if (change.at < begin || change.at >= av_Gap.to || change.seconds <= 0) continue;
+    if (!counts(change) || change.at < begin) continue;
     av_Gap.missing += (change.at - begin) / av_Gap.period_behind;
     begin = change.at;
     av_Gap.period_behind = change.seconds;
+    if (!ab_Certain) break;
   }
   av_Gap.behind = (av_Gap.to - begin - 1) / av_Gap.period_behind;
   av_Gap.missing += av_Gap.behind;
@@ -132,10 +147,8 @@ Verdict GapFinder::JudgeBy(const Distance& av_Distance, std::int64_t al_Before, 
   verdict.kind = Verdict::Clock;
   if (seconds > kLongestGap) return verdict;
   for (const ClockStep& step : hints_.steps) {
-    if (step.from > av_Distance.to || step.to < av_Distance.from) continue;
+    if (!MayHold(av_Distance.from, av_Distance.to, step)) continue;
     if (!step.seconds) return verdict;
-    // A jump longer than the distance was not in it: the clock that was wrong was this computer's.
-    if (*step.seconds > av_Distance.length() + kInexact) continue;
     seconds -= std::max<std::int64_t>(*step.seconds, 0);
   }
   if (!IsLong(seconds, longest)) return verdict;

@@ -40,6 +40,9 @@ class GapFinder {
   static constexpr std::int64_t kLongestGap = 3653 * kSecondsPerDay;
 
   explicit GapFinder(const ScanHints& av_Hints);
+  /// Whether a clock may have jumped so between two readings. A jump longer than their distance was not in it: then the
+  /// clock that was wrong was this computer's.
+  [[nodiscard]] static bool MayHold(DateTime av_From, DateTime av_To, const ClockStep& av_Step);
 
   /// Takes the next reading. True when a distance became certain and is not `Nothing`: it is in `settled()`.
   bool Push(DateTime av_When) {
@@ -87,8 +90,9 @@ class GapFinder {
   [[nodiscard]] const Distance& At(std::size_t al_At) const { return ring_[al_At % kRing]; }
   [[nodiscard]] Verdict Judge(std::size_t al_At) const;
   [[nodiscard]] Verdict JudgeBy(const Distance& av_Distance, std::int64_t al_Before, std::int64_t al_After) const;
-  /// Counts what is missing where a period was set within the gap: each stretch by its own.
-  void CountByStretches(Verdict& av_Gap) const;
+  /// Counts what is missing where a period was set within the gap: each stretch by its own. `ab_Certain`: by commands
+  /// that were answered; else by the first one that was not and would have set the period behind.
+  void CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Behind) const;
   /// The first distance of the window before that one.
   [[nodiscard]] static std::size_t WindowBegin(std::size_t al_At) { return al_At > kWindow ? al_At - kWindow : 0; }
   [[nodiscard]] bool IsShort(std::size_t al_At) const;

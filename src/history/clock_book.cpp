@@ -20,7 +20,7 @@ std::optional<std::int64_t> ClockBook::JumpTo(const ContactRecord& av_Contact, c
 
 void ClockBook::Take(const ContactRecord& av_Contact, const OwnClock& av_Here) {
   const bool answered = av_Contact.outcome == Outcome::Answered;
-  if (!answered && !av_Contact.clock_offset) return;
+  if (!answered && !av_Contact.clock_offset && !av_Contact.period_minutes) return;
   if (last_) {
     last_->ahead += av_Here.SetBackSince(last_->round) - av_Here.SetBackSince(av_Contact.round);
     last_->round = av_Contact.round;
@@ -28,9 +28,10 @@ void ClockBook::Take(const ContactRecord& av_Contact, const OwnClock& av_Here) {
   const DateTime here = av_Contact.at.Local();
   const std::int64_t offset = av_Contact.clock_offset.value_or(last_ ? last_->ahead - av_Contact.at.ahead : 0);
   const Look now{here + offset, av_Contact.at.ahead + offset, av_Contact.round};
+  if (av_Contact.period_minutes)
+    hints_.periods.push_back({now.unit_time, *av_Contact.period_minutes * kMinute, answered});
+  if (!answered && !av_Contact.clock_offset) return;
   hints_.last_contact = now.unit_time;
-  if (answered && av_Contact.period_minutes)
-    hints_.periods.push_back({now.unit_time, *av_Contact.period_minutes * kMinute});
   if (answered && av_Contact.command == kSetDate) {
     TakeSetDate(now);
   } else if (av_Contact.clock_offset) {

@@ -80,7 +80,7 @@ struct ContactRecord {
   std::optional<double> ambient;               ///< degrees Celsius
   std::optional<std::int64_t> clock_offset;    ///< seconds that the unit's clock is ahead of this computer's
   std::int64_t milliseconds_on_air = 0;        ///< from the first command to the last line
-  std::optional<std::int64_t> period_minutes;  ///< that a command has set
+  std::optional<std::int64_t> period_minutes;  ///< that a command has set, or may have: no answer came
 
   bool operator==(const ContactRecord&) const = default;
 };

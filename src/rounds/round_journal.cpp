@@ -127,6 +127,9 @@ void RoundJournal::NoteTry(std::int64_t al_Index, TryEnd ae_End) {
   } else if (turn.contact.outcome == Outcome::Answered) {
     TakeAnswer(turn.contact);
   }
+  // A unit that did not answer may have taken it all the same.
+  if (command_ == kSetLogPeriod && sent)
+    turn.contact.period_minutes = LogPeriodMinutes(p_.form.Cmb_LogPeriod.shown_text());
 }
 
 void RoundJournal::TakeOutcome(Turn& av_Turn, TryEnd ae_End, const std::string& as_Problem) const {
@@ -172,7 +175,6 @@ void RoundJournal::TakeHeader(ContactRecord& av_Contact) const {
 
 void RoundJournal::TakeAnswer(ContactRecord& av_Contact) const {
   if (command_ == kSetDate) av_Contact.clock_offset = 0;
-  if (command_ == kSetLogPeriod) av_Contact.period_minutes = LogPeriodMinutes(p_.form.Cmb_LogPeriod.shown_text());
   if (command_ != kGetDate) return;
   const auto clock = ParseDate(p_.form.Lbl_HeaderLine.text());
   if (!clock) return;

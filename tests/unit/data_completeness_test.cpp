@@ -74,9 +74,9 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
     hints.steps.push_back({kStart + from * kMinute, kStart + to * kMinute, seconds});
     return hints;
   };
-  const auto period = [](int at, std::int64_t seconds) {
+  const auto period = [](int at, std::int64_t seconds, bool certain = true) {
     ScanHints hints;
-    hints.periods.push_back({kStart + at * kMinute, seconds});
+    hints.periods.push_back({kStart + at * kMinute, seconds, certain});
     return hints;
   };
   // The dates in minutes from the first one; "+15*20" stands for twenty more, 15 apart.
@@ -100,12 +100,16 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
       {"set back in a gap", "0 +15*5 +75 +15*5", step(75, 150, -3600), "75-150:4"},
       {"set by command", "0 +15*5 +1000 +15*5", step(100, 1075, {}), "75-1075:clock"},
       {"set by more than the distance", "0 +15*5 +75 +15*5", step(75, 150, 36000), "75-150:4"},
+      {"set forward in one of two", "0 +15*5 +90 +15*5 +75 +15*5", step(60, 330, 3600), "75-165:5 240-315:clock"},
+      {"set forward in either of two", "0 +15*5 +120 +15*5 +120 +15*5", step(60, 400, 3600), "75-195:3 270-390:3"},
       {"set elsewhere", "0 +15*5 +75 +15*5", step(160, 170, {}), "75-150:4"},
       {"set where nothing is missing", "0 +15*9", step(30, 30, {}), ""},
       {"ten years are the clock", "0 +15*5 +6000000 +15*5", {}, "75-6000075:clock"},
       {"a told period forbids the gap", "0 +15*5 +60 +15*2", period(80, 3600), ""},
       {"a told period begins anew", "0 +60*30 +15 +60 +15*2", period(1800, 900), "1815-1875:3"},
       {"a gap across a told period counts by both", "0 +15*30 +150 +60*5", period(480, 3600), "450-600:3"},
+      {"a period that was perhaps set", "0 +15*30 +150 +60*5", period(480, 3600, false), "450-600:3"},
+      {"a period that was not set", "0 +15*30 +150 +60*5", period(480, 1800, false), "450-600:9"},
       {"a told period that was not taken", "0 +15*30 +75 +15*9", period(100, 3600), "450-525:4"},
   };
   for (const auto& [name, dates, hints, expected] : rows) {
@@ -247,10 +251,10 @@ std::string AnyFile(std::mt19937& random, ScanHints& hints) {
   for (int i = below(400); i > 0; --i) {
     const int what = below(60);
     if (what == 0) period = below(3) == 0 ? 1440 : 1 + below(90);
-    if (what == 0 && below(2) == 0) hints.periods.push_back({when, period * kMinute});
+    if (what == 0 && below(2) == 0) hints.periods.push_back({when, period * kMinute, below(2) == 0});
     if (what == 1) when = when + below(3000) * kMinute;
     if (what == 2 && below(3) == 0) when = when - below(below(3) == 0 ? 30000 : 300) * kMinute;
-    if (what == 3) hints.steps.push_back({when, when + (period + 60) * kMinute, 3600});
+    if (what == 3) hints.steps.push_back({when - below(9) * 600, when + (period + 60 + below(999)) * kMinute, 3600});
     if (what == 3) when = when + 3600;
     if (what == 4 && below(40) == 0) when = when + 5000 * kSecondsPerDay;
     const int sensor = below(3) == 0 ? 700 : 1000 + below(3);
