@@ -13,7 +13,7 @@ constexpr std::int64_t kMinute = 60;
 }  // namespace
 
 std::optional<std::int64_t> ClockBook::JumpTo(const ContactRecord& av_Contact, const OwnClock& av_Here) const {
-  if (!last_ || !av_Contact.clock_offset || av_Contact.command == kSetDate) return std::nullopt;
+  if (!last_ || !av_Contact.clock_offset) return std::nullopt;
   const std::int64_t set_back = av_Here.SetBackSince(last_->round) - av_Here.SetBackSince(av_Contact.round);
   return av_Contact.at.ahead + *av_Contact.clock_offset - last_->ahead - set_back;
 }

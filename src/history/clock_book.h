@@ -17,8 +17,8 @@ class ClockBook {
   /// Between two that told the unit's clock it has been set when it jumped by more than two minutes against UTC: summer
   /// time here moves no unit's clock, nor does what sets this computer's.
   void Take(const ContactRecord& av_Contact, const OwnClock& av_Here);
-  /// How far the unit's clock has jumped to a contact that `Take` has not got, by this computer's clock; none when that
-  /// is not known, or when it was set.
+  /// How far the unit's clock has jumped to a contact that `Take` has not got, by this computer's clock, by itself or
+  /// because it was set; none when that is not known.
   [[nodiscard]] std::optional<std::int64_t> JumpTo(const ContactRecord& av_Contact, const OwnClock& av_Here) const;
   [[nodiscard]] const ScanHints& hints() const { return hints_; }
 

@@ -181,7 +181,7 @@ void History::BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All) {
   round_.automatic = ab_Automatic;
   round_.all = ab_All;
   round_.began = p_.loop.NowUtc();
-  clock_steps_.BeginRound();
+  clock_steps_.BeginRound(ClockBase());
   HistoryContents change;
   change.rounds.push_back(round_);
   Write(change);
@@ -196,7 +196,7 @@ void History::EndRound(const RoundRecord& av_Counts) {
   ended.all = round_.all;
   ended.began = round_.began;
   ended.ended = p_.loop.NowUtc();
-  ended.clock_step = clock_steps_.EndRound(ended.ended.utc - p_.loop.MonotonicMilliseconds() / 1000);
+  ended.clock_step = clock_steps_.EndRound();
   round_ = {};
   HistoryContents change;
   change.rounds.push_back(ended);
@@ -211,7 +211,12 @@ void History::TakeJump(std::int64_t al_Position, ContactRecord av_Contact) {
   const UnitMemory& unit = WithClock(KeyOf(al_Position));
   if (!unit.clock_read) return;
   av_Contact.round = round_.key;
-  if (const auto jump = unit.clock.JumpTo(av_Contact, clock_steps_.clock())) clock_steps_.TakeJump(al_Position, *jump);
+  const auto jump = unit.clock.JumpTo(av_Contact, clock_steps_.clock());
+  if (jump) clock_steps_.TakeJump(al_Position, *jump, av_Contact.command == kSetDate);
+}
+
+std::int64_t History::ClockBase() const {
+  return p_.loop.NowUtc().utc - p_.loop.MonotonicMilliseconds() / 1000;
 }
 
 void History::TakeSteps(const std::vector<RoundRecord>& av_Rounds) {
@@ -261,6 +266,8 @@ UnitMemory& History::WithClock(std::int64_t al_Key) {
 void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
   if (!Kept() || round_.key == 0) return;
   av_Contact.at = p_.loop.NowUtc();
+  // What the unit's clock was held against may have been another time.
+  if (av_Contact.command != kSetDate && !clock_steps_.IsSteady(ClockBase())) av_Contact.clock_offset.reset();
   TakeJump(al_Position, av_Contact);
   UnitRecord* unit = units_.Find(KeyOf(al_Position));
   if (unit == nullptr) return;

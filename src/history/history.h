@@ -134,6 +134,8 @@ class History {
   void Report(const std::string& as_CannotBe, const Status& av_Failure);
   /// Keeps how far a unit's clock has jumped to a contact of the round that runs.
   void TakeJump(std::int64_t al_Position, ContactRecord av_Contact);
+  /// Seconds UTC less monotonic ones.
+  [[nodiscard]] std::int64_t ClockBase() const;
   /// Takes the clock steps of rounds; what is known of units' clocks is read anew.
   void TakeSteps(const std::vector<RoundRecord>& av_Rounds);
   void DropOldest();

@@ -15,6 +15,13 @@ bool IsJump(std::int64_t al_Seconds) {
   return std::abs(al_Seconds) > kClockJump;
 }
 
+/// Whether most units had to be set by less if this computer's clock has been set by `al_Passed` before.
+bool MostAreNearer(const std::vector<std::int64_t>& av_Jumps, std::int64_t al_Passed) {
+  const auto nearer = std::count_if(av_Jumps.begin(), av_Jumps.end(),
+                                    [&](std::int64_t jump) { return std::abs(jump + al_Passed) < std::abs(jump); });
+  return 2 * nearer > std::ssize(av_Jumps);
+}
+
 }  // namespace
 
 OwnClock::OwnClock(std::span<const RoundRecord> av_Rounds) {
@@ -40,8 +47,9 @@ Moment OwnClock::TimeOf(const ContactRecord& av_Contact) const {
   return {av_Contact.at.utc - SetBackSince(av_Contact.round), av_Contact.at.ahead};
 }
 
-std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed) {
+std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed, bool ab_Set) {
   if (av_Passed && !IsJump(*av_Passed)) return 0;
+  if (ab_Set) return av_Passed && MostAreNearer(av_Jumps, *av_Passed) ? -*av_Passed : 0;
   std::sort(av_Jumps.begin(), av_Jumps.end());
   std::ptrdiff_t most = 0;
   std::int64_t step = 0;
@@ -65,12 +73,12 @@ bool ClockSteps::Take(const std::vector<RoundRecord>& av_Rounds) {
   return true;
 }
 
-std::int64_t ClockSteps::EndRound(std::int64_t al_Base) {
+std::int64_t ClockSteps::EndRound() {
   if (jumps_.empty()) return 0;
-  const auto before = std::exchange(base_, al_Base);
+  const auto before = std::exchange(base_, round_base_);
   std::vector<std::int64_t> jumps;
   for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
-  return StepOf(std::move(jumps), before ? std::optional(al_Base - *before) : std::nullopt);
+  return StepOf(std::move(jumps), before ? std::optional(round_base_ - *before) : std::nullopt, set_);
 }
 
 }  // namespace corvane

@@ -45,7 +45,10 @@ inline constexpr std::int64_t kClockJump = 120;
 ///
 /// `av_Passed`: by how much this computer's clock has gone forward more than time has passed, where that is known.
 /// Where it is, one unit that has jumped back by as much will do; else more than half of at least two have to agree.
-[[nodiscard]] std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed);
+/// `ab_Set`: the units were set by command, and what they jumped is not known for itself. Then this computer's clock
+/// has gone by `av_Passed` if most of them were the nearer to it for that.
+[[nodiscard]] std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed,
+                                  bool ab_Set = false);
 
 /// Finds the steps of this computer's clock, round by round, and keeps those that are known.
 class ClockSteps {
@@ -55,17 +58,31 @@ class ClockSteps {
   void Forget() { *this = {}; }
   [[nodiscard]] const OwnClock& clock() const { return clock_; }
 
-  void BeginRound() { jumps_.clear(); }
-  /// A unit's clock has jumped by so many seconds to its first contact of this round.
-  void TakeJump(std::int64_t al_Unit, std::int64_t al_Seconds) { jumps_.try_emplace(al_Unit, al_Seconds); }
-  /// The step of the round that ends; `al_Base`: seconds UTC less monotonic ones.
-  [[nodiscard]] std::int64_t EndRound(std::int64_t al_Base);
+  /// `al_Base`, here and below: seconds UTC less monotonic ones.
+  void BeginRound(std::int64_t al_Base) {
+    jumps_.clear();
+    set_ = false;
+    round_base_ = al_Base;
+  }
+  /// Whether this computer's clock has not been set since the round's begin; behind that no unit's tells a jump.
+  [[nodiscard]] bool IsSteady(std::int64_t al_Base) const {
+    return al_Base - round_base_ <= kClockJump && round_base_ - al_Base <= kClockJump;
+  }
+  /// A unit's clock has jumped by so many seconds to its first contact of this round, in which it may have been set.
+  void TakeJump(std::int64_t al_Unit, std::int64_t al_Seconds, bool ab_Set) {
+    jumps_.try_emplace(al_Unit, al_Seconds);
+    set_ = set_ || ab_Set;
+  }
+  /// The step of the round that ends.
+  [[nodiscard]] std::int64_t EndRound();
 
  private:
   std::map<std::int64_t, std::int64_t> jumps_;  ///< of this round, by unit
+  bool set_ = false;                            ///< units were set in it
   std::vector<RoundRecord> rounds_;             ///< of steps
   OwnClock clock_;                              ///< that these make
-  std::optional<std::int64_t> base_;            ///< when units' clocks were heard last
+  std::int64_t round_base_ = 0;
+  std::optional<std::int64_t> base_;  ///< when units' clocks were heard last
 };
 
 }  // namespace corvane

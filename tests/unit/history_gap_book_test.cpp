@@ -145,6 +145,7 @@ TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
     std::vector<std::int64_t> jumps;
     std::optional<std::int64_t> passed;
     std::int64_t wanted;
+    bool set = false;
   };
   const std::vector<Row> rows = {
       {"all have jumped", {7200, 7190, 7260}, std::nullopt, 7200},
@@ -156,8 +157,25 @@ TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
       {"one alone, and this clock was set back by as much", {7200}, -7201, 7200},
       {"one alone, and this clock was set back by another time", {600}, -7201, 0},
       {"this computer has slept", {1, 2}, 30000, 0},
+      {"this clock was set back, then the units by command", {155116, 149251, -9000}, -158636, 158636, true},
+      {"this computer has slept, then they were set", {3600, -20, -40}, 30000, 0, true},
+      {"they were set, and of this clock nothing is known", {7200, 7200, 7200}, std::nullopt, 0, true},
   };
-  for (const Row& row : rows) EXPECT_EQ(StepOf(row.jumps, row.passed), row.wanted) << row.name;
+  for (const Row& row : rows) EXPECT_EQ(StepOf(row.jumps, row.passed, row.set), row.wanted) << row.name;
+}
+
+TEST(ClockSteps, HoldTheJumpsOfARoundAgainstTheClockOfItsBegin) {
+  ClockSteps steps;
+  const auto round = [&steps](std::int64_t base, std::int64_t jump, std::int64_t base_behind) {
+    steps.BeginRound(base);
+    steps.TakeJump(1, jump, false);
+    EXPECT_EQ(steps.IsSteady(base_behind), base == base_behind);
+    return steps.EndRound();
+  };
+  EXPECT_EQ(round(1000, 0, 1000), 0);
+  // Set back before the round, and right again before its second unit.
+  EXPECT_EQ(round(-121000, 122000, 1000), 122000);
+  EXPECT_EQ(round(1000, -122000, 1000), -122000);
 }
 
 TEST(BelievedTime, IsNotThatOfAClockThatIsAhead) {
