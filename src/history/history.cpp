@@ -166,6 +166,12 @@ void History::Report(const std::string& as_CannotBe, const Status& av_Failure) {
                   StatusKind::Error);
 }
 
+void History::GiveUp(const std::string& as_CannotBe, const Status& av_Failure) {
+  // Set aside now: the next start would not come upon the damage when it opens the file.
+  if (av_Failure.code() == HistoryStore::kDamaged) static_cast<void>(BeginAnew());
+  Report(as_CannotBe, av_Failure);
+}
+
 void History::DropOldest() {
   if (!KeepNewest(waiting_) || std::exchange(dropped_, true)) return;
   p_.trace.Status("The history could not be written for long: the oldest of what waits is lost", StatusKind::Error);
@@ -332,7 +338,7 @@ bool History::NoteScan(std::int64_t al_Key, const RawScan& av_Scan, const std::v
   for (GapRecord& gap : change.gaps) gap.unit = al_Key;
   const Status written = p_.store->Replace(al_Key, av_Scan.changed_from, change);
   if (!written.ok()) {
-    Report("written", written);
+    GiveUp("written", written);
     return false;
   }
   UnitMemory& unit = memory_[al_Key];
@@ -367,19 +373,14 @@ void History::ForgetBefore(std::int64_t al_Years) {
   }
   const Moment today = believed_.Today(now, std::move(lasts));
   const Moment before{today.utc - al_Years * kSecondsPerYear, today.ahead};
-  if (const Status forgot = p_.store->Forget(before); !forgot.ok()) {
-    Report("written", forgot);
-  }
+  if (const Status forgot = p_.store->Forget(before); !forgot.ok()) GiveUp("written", forgot);
 }
 
 Status History::Read(const HistoryQuery& av_Query, HistoryContents& av_Result) {
   if (!IsReady()) return {HistoryStore::kBusy, problem_.empty() ? "no history is kept" : problem_};
   const Status read = p_.store->Read(av_Query, av_Result);
-  if (read.ok()) return read;
-  // Set aside now: the next start would not come upon the damage when it opens the file. What has just been begun
-  // holds too little yet to be told as the history.
-  if (read.code() == HistoryStore::kDamaged) static_cast<void>(BeginAnew());
-  Report("read", read);
+  // What has just been begun anew holds too little yet to be told as the history.
+  if (!read.ok()) GiveUp("read", read);
   return read;
 }
 

@@ -132,6 +132,8 @@ class History {
   void Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds);
   /// `as_CannotBe`: "written" or "read".
   void Report(const std::string& as_CannotBe, const Status& av_Failure);
+  /// Reports what fails with what the file holds; one that is damaged is begun anew.
+  void GiveUp(const std::string& as_CannotBe, const Status& av_Failure);
   /// Keeps how far a unit's clock has jumped to a contact of the round that runs.
   void TakeJump(std::int64_t al_Position, ContactRecord av_Contact);
   /// Seconds UTC less monotonic ones.

@@ -429,6 +429,11 @@ void Scenarios::AddGivens() {
     fs::last_write_time(world_.home.Name(name),
                         fs::file_time_type::clock::now() - std::chrono::hours(std::stoi(hours)));
   });
+  add("spoil", [this](const Line& line) {
+    const auto [name, page] = Cut(line.rest, " ");
+    std::fstream file(world_.home.Name(name), std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp((std::stoi(page) - 1) * 4096) << std::string(4096, '\x7F');
+  });
   add("failing-syncs", [](const Line& line) { failing_syncs = std::stoi(line.rest); });
   add("failing-reads", [](const Line& line) {
     const auto [error, count] = Cut(line.rest, " ");
