@@ -120,6 +120,7 @@ std::optional<basestation::Seconds> RawBook::LastDate() const {
 std::vector<BookGap> RawBook::Gaps() const {
   std::vector<BookGap> gaps;
   BookGap gap;
+  std::vector<std::size_t> lost;
   bool began = false;
   for (std::size_t number = 0; number < standing_.size(); ++number) {
     const LoggedReading& reading = book.readings[number];
@@ -127,13 +128,19 @@ std::vector<BookGap> RawBook::Gaps() const {
     gap.period_set |= reading.period_set;
     if (standing_[number].stored) {
       gap.to = reading.date;
+      // Of two readings of one minute the second one stands in the file.
+      const auto same = [&](std::size_t each) { return book.readings[each].date >= reading.date; };
+      gap.not_later += static_cast<std::int64_t>(std::erase_if(lost, same));
+      gap.missing = std::ssize(lost);
+      gap.held =
+          std::ranges::all_of(lost, [&](std::size_t each) { return book.IsHeld(static_cast<std::int64_t>(each)); });
       if (std::exchange(began, true)) gaps.push_back(gap);
-      gap = {reading.date, 0, 0, 0, false, false, true};
+      gap = {reading.date};
+      lost.clear();
     } else if (reading.is_not_later) {
       ++gap.not_later;
     } else if (!reading.is_future) {
-      ++gap.missing;
-      gap.held &= book.IsHeld(static_cast<std::int64_t>(number));
+      lost.push_back(number);
     }
   }
   gaps.resize(gaps.size() - std::min<std::size_t>(gaps.size(), 2));

@@ -76,7 +76,7 @@ struct BookGap {
   basestation::Seconds from = 0;
   basestation::Seconds to = 0;
   std::int64_t missing = 0;    ///< readings that the unit has logged between
-  std::int64_t not_later = 0;  ///< besides, dated not later than one before
+  std::int64_t not_later = 0;  ///< besides, dated not later than one before, or as late as the one behind
   bool clock_set = false;      ///< forward
   bool period_set = false;
   bool held = false;  ///< those missing are all in the unit's memory

@@ -121,18 +121,16 @@ bool RunSeed(const Options& options, std::uint64_t seed, Counts& all) {
 
 /// The tables of headings and kinds; false when a kind never struck in many seeds.
 bool PrintTables(const Options& options, Counts& all) {
-  std::cout << "\n| Where a reading is | Readings |\n|---|---|\n";
-  for (const char* heading : kHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
-  std::cout << "\n| What a raw file lacks | Readings |\n|---|---|\n";
-  for (const char* heading : Year::kGapHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
-  std::cout << "\n| What had to be told, by evening | How often |\n|---|---|\n";
-  for (const char* heading : Year::kAlertHeadings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
-  std::cout << "\n| What struck | How often |\n|---|---|\n";
-  bool all_struck = true;
-  for (const std::string& kind : Year::Kinds()) {
-    std::cout << "| " << kind << " | " << all[kind] << " |\n";
-    all_struck = all_struck && all[kind] > 0;
-  }
+  const auto print = [&all](const char* title, const auto& headings) {
+    std::cout << "\n| " << title << " |\n|---|---|\n";
+    for (const auto& heading : headings) std::cout << "| " << heading << " | " << all[heading] << " |\n";
+  };
+  print("Where a reading is | Readings", kHeadings);
+  print("What a raw file lacks | Readings", Year::kGapHeadings);
+  print("What had to be told, by evening | How often", Year::kAlertHeadings);
+  const std::vector<std::string> kinds = Year::Kinds();
+  print("What struck | How often", kinds);
+  const bool all_struck = std::ranges::all_of(kinds, [&all](const std::string& kind) { return all[kind] > 0; });
   return all_struck || options.last - options.first + 1 < kManySeeds;
 }
 

@@ -30,6 +30,16 @@ std::string TextOf(const UnitHealth& health) {
   return text;
 }
 
+/// All that the history holds, of one unit or of all.
+HistoryQuery Everything(std::int64_t unit = 0) {
+  HistoryQuery query;
+  query.unit = unit;
+  query.contacts_since = Moment{1, 0};
+  query.days_since = DateTime(1);
+  query.gaps = query.scans = true;
+  return query;
+}
+
 /// Name and value of a line of a JSON document, texts without their quotes.
 std::pair<std::string, std::string> MemberOf(const std::string& line) {
   const std::size_t begin = line.find('"');
@@ -129,13 +139,9 @@ void Year::JudgeHealth() {
   const auto status = program_->history().StatusNow();
   if (!status || std::ssize(status->units) != std::ssize(rows_)) return Break("how the network stands is not known");
   for (const UnitStatus& unit : status->units) {
-    HistoryQuery query;
-    query.unit = unit.key;
-    query.contacts_since = Moment{1, 0};
-    query.days_since = DateTime(1);
-    query.gaps = query.scans = true;
     HistoryContents history;
-    if (!program_->history().Read(query, history).ok()) return Break("the history of a unit cannot be read");
+    if (!program_->history().Read(Everything(unit.key), history).ok())
+      return Break("the history of a unit cannot be read");
     JudgeHealthOf(rows_[static_cast<std::size_t>(unit.position - 1)], unit, HealthOf(unit, *status, history));
   }
 }
@@ -173,13 +179,9 @@ void Year::JudgeHealthOf(const RawBook& book, const UnitStatus& unit, const Unit
 
 HistoryContents Year::ReadHistory() const {
   SqliteHistoryStore store;
-  HistoryQuery query;
-  query.contacts_since = Moment{1, 0};
-  query.days_since = DateTime(1);
-  query.gaps = query.scans = true;
   HistoryContents history;
   if (!store.OpenToRead(home_ + "/history.db").ok()) return history;
-  static_cast<void>(store.Read(query, history));
+  static_cast<void>(store.Read(Everything(), history));
   // Which file it was, another run does not know.
   for (ScanRecord& scan : history.scans) scan.inode = 0, scan.modified = 0;
   return history;
