@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QTabWidget>
+#include <QTableWidget>
 #include <QTreeView>
 
 #include "lang/language.h"
@@ -72,7 +73,24 @@ const std::vector<Captions::Item>& Captions::Items() const {
   for (Control* control : form_.controls()) {
     if (control->kind() == ControlKind::Menu) AddMenuEntries(dynamic_cast<MenuGroup&>(*control));
   }
+  RememberBuiltIn();
   return items_;
+}
+
+void Captions::RememberBuiltIn() const {
+  for (Item& item : items_) {
+    for (int tab = 0; item.caption && tab < std::max(1, item.tabs); ++tab) item.built_in.push_back(item.caption(tab));
+    item.built_in_tip = item.tool_tip();
+  }
+}
+
+void Captions::RestoreBuiltIn() {
+  for (const Item& item : Items()) {
+    for (int tab = 0; tab < static_cast<int>(item.built_in.size()); ++tab) {
+      item.set_caption(tab, item.built_in[static_cast<std::size_t>(tab)]);
+    }
+    item.set_tool_tip(item.built_in_tip);
+  }
 }
 
 void Captions::AddWidget(QWidget& widget) const {
@@ -97,6 +115,10 @@ void Captions::AddWidget(QWidget& widget) const {
     item.set_caption = [table](int tab, const QString& text) {
       table->model()->setHeaderData(tab, Qt::Horizontal, text);
     };
+  } else if (auto* cells = qobject_cast<QTableWidget*>(&widget)) {
+    item.tabs = cells->columnCount();
+    item.caption = [cells](int tab) { return cells->horizontalHeaderItem(tab)->text(); };
+    item.set_caption = [cells](int tab, const QString& text) { cells->horizontalHeaderItem(tab)->setText(text); };
   } else if (auto* button = dynamic_cast<Button*>(form_.Find(widget.objectName().toStdString()))) {
     item.caption = [button](int) { return QString::fromStdString(button->caption()); };
     item.set_caption = [button](int, const QString& text) { button->SetCaption(text.toStdString()); };
@@ -113,6 +135,9 @@ void Captions::AddWidget(QWidget& widget) const {
              label != nullptr && form_.Find(label->objectName().toStdString()) == nullptr) {
     item.caption = [label](int) { return label->text(); };
     item.set_caption = [label](int, const QString& text) { label->setText(text); };
+  } else if (widget.isWindow() && &widget != &window_) {
+    item.caption = [&widget](int) { return widget.windowTitle(); };
+    item.set_caption = [&widget](int, const QString& text) { widget.setWindowTitle(text); };
   }
   items_.push_back(std::move(item));
 }

@@ -33,6 +33,8 @@ class Captions : public CaptionedWindow {
   [[nodiscard]] Caption CaptionAt(std::int64_t position) const override;
   void SetCaption(std::int64_t position, int tab, const std::string& text) override;
   void SetToolTip(std::int64_t position, const std::string& text) override;
+  /// Puts the built-in texts back, so that another language file starts from them.
+  void RestoreBuiltIn();
 
   /// The language file that holds the captions as they are now, one line for each ID in ascending order, fields
   /// separated by "~".
@@ -46,10 +48,13 @@ class Captions : public CaptionedWindow {
     std::function<void(int tab, const QString& text)> set_caption;
     std::function<QString()> tool_tip;
     std::function<void(const QString& text)> set_tool_tip;
+    std::vector<QString> built_in;  ///< the caption of each tab, or the one there is
+    QString built_in_tip;
   };
 
   [[nodiscard]] const std::vector<Item>& Items() const;
   void AddWidget(QWidget& widget) const;
+  void RememberBuiltIn() const;
   void AddMenuEntries(MenuGroup& menu) const;
   [[nodiscard]] QMenu* MenuOf(const MenuGroup& menu) const;
   [[nodiscard]] QAction* ActionOf(const MenuGroup& menu, std::size_t row) const;

@@ -16,8 +16,10 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 
+#include "setup/practice.h"
 #include "ui_main_window.h"
 #include "window/access_keys.h"
+#include "window/assistant/practice_banner.h"
 #include "window/colours.h"
 #include "window/key_codes.h"
 #include "window/list_filter.h"
@@ -61,6 +63,7 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   for (QScrollArea* area : areas) area->setFocusPolicy(Qt::NoFocus);
   ui_->Cmd_Cancel->installEventFilter(this);
   AddPortDialog();
+  AddAssistant();
   NameNewRecords();
   AddUnitFilter();
   announcer_ = new Announcer(app_.form(), ui_->bottomPane);
@@ -191,8 +194,37 @@ void MainWindow::AddPortDialog() {
     if (!app_.slot().Taken()) app_.form().Cmb_Port[use].SelectByItemData(number);
   };
   ports_->help_asked = [this] { loop_.Post([this] { app_.form().mnu_Help.Click(0); }); };
-  connect(ui_->portsButton, &QAbstractButton::clicked, this,
-          [this] { ports_->OpenFor(app_.form().Cmb_Port[0].SelectedItemData()); });
+  connect(ui_->portsButton, &QAbstractButton::clicked, this, [this] {
+    // In the words of a language file that was read since.
+    NameControls(*ports_);
+    ports_->OpenFor(app_.form().Cmb_Port[0].SelectedItemData());
+  });
+}
+
+void MainWindow::AddAssistant() {
+  assistant_ = new Assistant(app_, loop_, this);
+  assistant_->show_language = [this](const std::string& file) { ShowLanguage(file); };
+  assistant_->put_in = [this] { ui_->tabs->setCurrentWidget(network_); };
+  assistant_->name_controls = NameControls;
+  assistant_->practise = StartPractice;
+  network_->set_up = [this] { OpenAssistant(); };
+  auto* banner = new PracticeBanner(ui_->centralWidget);
+  banner->ended = [this] { loop_.Post([this] { app_.commands().Close(false); }); };
+  banner->setVisible(IsPractice(app_.app().Folder()));
+  static_cast<QVBoxLayout*>(ui_->centralWidget->layout())->insertWidget(0, banner);
+}
+
+void MainWindow::ShowLanguage(const std::string& file) {
+  captions_.RestoreBuiltIn();
+  app_.LoadCaptions(file, captions_);
+  SpreadAccessKeys(*ui_->menuBar, *ui_->tabs, *this);
+  NameControls(*this);
+  assistant_->ShowTexts();
+}
+
+void MainWindow::CloseDialogs() {
+  ports_->reject();
+  assistant_->Abandon();
 }
 
 void MainWindow::NameNewRecords() {

@@ -10,6 +10,7 @@
 #include "app/application.h"
 #include "state/file_units.h"
 #include "window/accessible_names.h"
+#include "window/assistant/assistant.h"
 #include "window/binder.h"
 #include "window/captions.h"
 #include "window/network/history_views.h"
@@ -35,7 +36,9 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] Captions& captions() { return captions_; }
   [[nodiscard]] const Captions& captions() const { return captions_; }
   /// Takes away the window's own dialogs: the program ends.
-  void CloseDialogs() { ports_->reject(); }
+  void CloseDialogs();
+  /// Opens the assistant that sets a network up; for the loop.
+  void OpenAssistant() { assistant_->Open(); }
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -58,6 +61,9 @@ class MainWindow : public QMainWindow {
   void AddPages();
   void AddTabShortcuts();
   void AddPortDialog();
+  void AddAssistant();
+  /// Shows the captions of a language file.
+  void ShowLanguage(const std::string& file);
   void ShowPorts();
   void NameNewRecords();
   /// Shows the page of a name field and puts the focus there, with the text selected.
@@ -76,6 +82,7 @@ class MainWindow : public QMainWindow {
   NetworkPage* network_ = nullptr;
   PlotPage* plot_ = nullptr;
   PortDialog* ports_ = nullptr;
+  Assistant* assistant_ = nullptr;
 };
 
 }  // namespace corvane::window

@@ -18,6 +18,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "window/network/view_button.h"
+
 namespace corvane::window {
 namespace {
 
@@ -25,6 +27,26 @@ constexpr int kWidth = 760;
 constexpr int kHeight = 480;
 constexpr int kShownDevices = 6;
 constexpr int kProblemRole = Qt::UserRole;
+constexpr const char* kTextId = "textId";
+
+/// The texts of this dialog in language files.
+enum TextId : int {
+  kTitle = 1000,
+  kPortNumber,
+  kPortTip,
+  kAsRadio,
+  kAsHandheld,
+  kFound,
+  kHeadings,  ///< and those that follow it
+  kLookAgain = 1010,
+  kDevice,
+  kDeviceTip,
+  kUse,
+  kBuiltIn,
+  kClose,
+  kNoDevice,
+  kNotUsable,
+};
 
 QString ToText(const std::string& text) {
   return QString::fromStdString(text);
@@ -40,24 +62,23 @@ QLabel* MakeNote(const char* name) {
   return note;
 }
 
-QLabel* MakeCaption(const QString& text, QWidget* buddy) {
+QLabel* MakeCaption(int text_id, const QString& text, QWidget* buddy) {
   auto* caption = new QLabel(text);
+  caption->setProperty(kTextId, text_id);
   caption->setBuddy(buddy);
   return caption;
 }
 
-QPushButton* MakeButton(const QString& text, const char* name, const QString& tip) {
-  auto* button = new QPushButton(text);
-  button->setObjectName(name);
-  button->setToolTip(tip);
-  button->setAutoDefault(false);
-  return button;
-}
-
 }  // namespace
 
-PortDialog::PortDialog(PortChoices& choices, QWidget* parent) : QDialog(parent), choices_(choices) {
+PortDialog::PortDialog(PortChoices& choices, QWidget* parent)
+    : QDialog(parent),
+      choices_(choices),
+      sentences_({{kNoDevice, "No serial device was found. Plug the adapter in and look again."},
+                  {kNotUsable, "Not usable as it is: %1."}},
+                 *this) {
   setObjectName("PortDialog");
+  setProperty(kTextId, kTitle);
   setWindowTitle("Ports and devices");
   auto* content = new QWidget;
   auto* rows = new QVBoxLayout(content);
@@ -73,7 +94,7 @@ PortDialog::PortDialog(PortChoices& choices, QWidget* parent) : QDialog(parent),
   scrolled->setFocusPolicy(Qt::NoFocus);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(scrolled, 1);
-  close_ = MakeButton("&Close", "Close", "Close this window; the choices are kept");
+  close_ = NewButton("&Close", "Close this window; the choices are kept", kClose, "Close", this);
   layout->addWidget(close_, 0, Qt::AlignRight);
   OrderTabs();
   Connect();
@@ -94,15 +115,18 @@ void PortDialog::OpenFor(int number) {
 void PortDialog::AddPortSelector(QVBoxLayout& layout) {
   ports_ = new QComboBox;
   ports_->setObjectName("Ports");
+  ports_->setProperty(kTextId, kPortTip);
   ports_->setToolTip("The port number that gets a device, and what each number stands for now");
   ports_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   auto* row = new QHBoxLayout;
-  row->addWidget(MakeCaption("&Port number:", ports_));
+  row->addWidget(MakeCaption(kPortNumber, "&Port number:", ports_));
   row->addWidget(ports_, 1);
   layout.addLayout(row);
   state_ = MakeNote("State");
-  uses_ = {MakeButton("Use as &radio port", "UseAsRadio", "The radio base station is at this port number"),
-           MakeButton("Use as &handheld port", "UseAsHandheld", "The hand-held unit is at this port number")};
+  uses_ = {
+      NewButton("Use as &radio port", "The radio base station is at this port number", kAsRadio, "UseAsRadio", this),
+      NewButton("Use as &handheld port", "The hand-held unit is at this port number", kAsHandheld, "UseAsHandheld",
+                this)};
   auto* below = new QHBoxLayout;
   below->addWidget(state_, 1);
   for (QPushButton* use : uses_) below->addWidget(use, 0, Qt::AlignTop);
@@ -113,6 +137,7 @@ void PortDialog::AddDeviceList(QVBoxLayout& layout) {
   devices_ = new QTreeWidget;
   devices_->setObjectName("Devices");
   devices_->setToolTip("The serial devices that are there now; a name with \"by-id\" stays with its adapter");
+  devices_->setProperty(kTextId, kHeadings);
   devices_->setHeaderLabels({"Name", "Leads to", "State", "Port numbers"});
   devices_->setRootIsDecorated(false);
   devices_->setUniformRowHeights(true);
@@ -124,9 +149,10 @@ void PortDialog::AddDeviceList(QVBoxLayout& layout) {
   header->setStretchLastSection(false);
   header->setSectionResizeMode(QHeaderView::ResizeToContents);
   header->setSectionResizeMode(0, QHeaderView::Stretch);
-  look_again_ = MakeButton("&Look again", "LookAgain", "Look for devices once more, after an adapter was plugged in");
+  look_again_ = NewButton("&Look again", "Look for devices once more, after an adapter was plugged in", kLookAgain,
+                          "LookAgain", this);
   auto* row = new QHBoxLayout;
-  row->addWidget(MakeCaption("Devices &found:", devices_), 1);
+  row->addWidget(MakeCaption(kFound, "Devices &found:", devices_), 1);
   row->addWidget(look_again_);
   layout.addLayout(row);
   layout.addWidget(devices_, 1);
@@ -135,16 +161,18 @@ void PortDialog::AddDeviceList(QVBoxLayout& layout) {
 void PortDialog::AddDeviceField(QVBoxLayout& layout) {
   device_ = new QLineEdit;
   device_->setObjectName("Device");
+  device_->setProperty(kTextId, kDeviceTip);
   device_->setPlaceholderText("/dev/...");
   device_->setToolTip("The full name of the device: chosen above, or typed");
-  use_ =
-      MakeButton("&Use this device", "Use", "Give the port number this device, from the next opening of the port on");
+  use_ = NewButton("&Use this device", "Give the port number this device, from the next opening of the port on", kUse,
+                   "Use", this);
   use_->setDefault(true);
-  built_in_ = MakeButton("&Built-in device", "BuiltIn",
-                         "Take your own choice back: the port number stands for its built-in device again");
+  built_in_ =
+      NewButton("&Built-in device", "Take your own choice back: the port number stands for its built-in device again",
+                kBuiltIn, "BuiltIn", this);
   check_ = MakeNote("Check");
   auto* row = new QHBoxLayout;
-  row->addWidget(MakeCaption("&Device:", device_));
+  row->addWidget(MakeCaption(kDevice, "&Device:", device_));
   row->addWidget(device_, 1);
   row->addWidget(use_);
   layout.addLayout(row);
@@ -213,7 +241,7 @@ void PortDialog::FillDevices() {
     if (row->text(0) == wanted) devices_->setCurrentItem(row);
   }
   if (devices_->topLevelItemCount() > 0) return;
-  auto* none = new QTreeWidgetItem(devices_, {"No serial device was found. Plug the adapter in and look again."});
+  auto* none = new QTreeWidgetItem(devices_, {sentences_[kNoDevice]});
   none->setFlags(Qt::NoItemFlags);
   none->setFirstColumnSpanned(true);
 }
@@ -244,7 +272,7 @@ void PortDialog::ShowCheck() {
 }
 
 void PortDialog::ShowProblem(const QString& problem) {
-  check_->setText(problem.isEmpty() ? QString() : "Not usable as it is: " + problem + ".");
+  check_->setText(problem.isEmpty() ? QString() : sentences_[kNotUsable].arg(problem));
 }
 
 void PortDialog::TakeFromList() {

@@ -6,6 +6,7 @@
 #include <QDialog>
 
 #include "link/port_choices.h"
+#include "window/assistant/sentences.h"
 
 class QComboBox;
 class QLabel;
@@ -59,6 +60,7 @@ class PortDialog : public QDialog {
   [[nodiscard]] int Number() const;
 
   PortChoices& choices_;
+  Sentences sentences_;
   QComboBox* ports_ = nullptr;
   QLabel* state_ = nullptr;
   std::array<QPushButton*, 2> uses_{};

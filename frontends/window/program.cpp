@@ -45,6 +45,7 @@ namespace {
 constexpr std::chrono::seconds kTimeToSave{5};
 constexpr std::int64_t kRefusalSeconds = 10;
 constexpr std::int64_t kMillisecondsASecond = 1000;
+constexpr const char* kSettingsFileName = "corvane.ini";
 constexpr const char* kLanguageFileName = "hveng.lng";
 constexpr const char* kLanguageResource = ":/hveng.lng";
 
@@ -109,6 +110,7 @@ class Program {
     if (const Status finished = FinishRestore(folder_, replaced); !finished.ok()) {
       return Refuse("A restore was broken off and cannot be finished: " + finished.text());
     }
+    const bool is_new = !ExamineFile(AddBackslash(folder_) + kSettingsFileName);
     ProvideLanguageFile(folder_);
     app_ = std::make_unique<Application>(
         Platform{loop_, port_, shell_, dialogs_, internet_, zip_, FindHelp(shell_.ProgramFolder()),
@@ -124,7 +126,7 @@ class Program {
     if (!app_->life().OnWindowCreate(switches_)) return kNotStarted;
     WatchForALostDisplay();
     if (!app_->flags().closing) {
-      ShowWindow();
+      ShowWindow(is_new);
       QApplication::exec();
     }
     return Finish() ? kClosed : kNotSaved;
@@ -188,11 +190,16 @@ class Program {
     ReplacementFile::RemoveUnfinished();
   }
 
-  void ShowWindow() {
+  /// Where nothing was set up before and a person is there, the assistant opens by itself.
+  void ShowWindow(bool is_new) {
     dialogs_.SetParent(window_.get());
     dialogs_.on_box_closed = [this] { OnBoxClosed(); };
     window_->show();
     loop_.Post([this] { Activate(); });
+    if (!is_new || !switches_.empty()) return;
+    loop_.Post([this] {
+      if (!window_->isMinimized() && !app_->flags().closing) window_->OpenAssistant();
+    });
   }
 
   void OnBoxClosed() {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/paths.h"
+
 namespace corvane {
 
 Application::Application(const Platform& av_Platform, std::string as_Folder)
@@ -63,6 +65,11 @@ void Application::Wire() {
   editors_.units.selection_changed = refresh_files;
   editors_.relays.selection_changed = refresh_files;
   editors_.clients.selection_changed = refresh_files;
+}
+
+void Application::LoadCaptions(const std::string& as_File, CaptionedWindow& av_Window) {
+  settings_.language.SetLanguageFile(state_.app.AppPath(WithSlashes(as_File)));
+  settings_.language.LoadCaptions(av_Window);
 }
 
 void Application::RunUntilClosed() {

@@ -61,6 +61,9 @@ class Application {
   [[nodiscard]] SetupCommands& setup() { return setup_.commands; }
   [[nodiscard]] LifeCycle& life() { return life_; }
 
+  /// Gives a window the captions of a language file, a full path or a name in the application folder. **Yields** for a
+  /// message where it cannot be read.
+  void LoadCaptions(const std::string& as_File, CaptionedWindow& av_Window);
   /// Captions the menus and the buttons, which the creation of the window does too.
   void BindCommands() { commands_.bindings.Bind(); }
   /// Waits until the program is to end. **Yields.**

@@ -32,7 +32,7 @@ TEST_F(Captions, EveryTextOfTheWindowHasAnIdOfItsOwn) {
   for (const QWidget* widget : window().findChildren<QWidget*>()) {
     const QString name = widget->objectName();
     // Widgets without a name are parts of others.
-    if (widget->window() != &window() || name.isEmpty() || name.startsWith("qt_")) continue;
+    if (name.isEmpty() || name.contains("qt_")) continue;
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const auto* group = qobject_cast<const QGroupBox*>(widget);
     const bool has_text = !widget->toolTip().isEmpty() || (button != nullptr && !button->text().isEmpty()) ||

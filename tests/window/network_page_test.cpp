@@ -160,7 +160,7 @@ TEST(NetworkPageWithoutUnits, SaysWhatToDo) {
   world.ShowPage("tabNetwork");
   world.Settle();
   auto& advice = world.Widget<QLabel>("networkAdvice");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return advice.text().startsWith("Press New"); }, 2000));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return advice.text().startsWith("Press Set up"); }, 2000));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTreeView>
+#include <QWizard>
 
 #include "app/application.h"
 #include "base/status.h"
@@ -96,6 +97,7 @@ class Photographer {
     Take("unit");
     TakeTabs();
     TakePortDialog();
+    TakeAssistant();
     TakePortProblem();
     TakeWhileDownloading();
   }
@@ -188,6 +190,18 @@ class Photographer {
     ShowTab("settingsTabs", kPortsGroup);
     window_.findChild<QAbstractButton*>("portsButton")->click();
     Take("ports-dialog", *QApplication::activeModalWidget());
+    window_.CloseDialogs();
+  }
+
+  /// The assistant as it shows a network that exists.
+  void TakeAssistant() {
+    window_.OpenAssistant();
+    auto* assistant = window_.findChild<QWizard*>("Assistant");
+    for (const SetupPage page : kSetupPages) {
+      if (page == SetupPage::Stations) Take("set-up-stations", *assistant);
+      if (page == SetupPage::Summary) Take("set-up-summary", *assistant);
+      assistant->next();
+    }
     window_.CloseDialogs();
   }
 

@@ -8,17 +8,20 @@
 #include <QLabel>
 #include <QLayout>
 #include <QMargins>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "history/status_headline.h"
 #include "window/network/station_table.h"
 #include "window/network/stations_view.h"
+#include "window/network/view_button.h"
 
 namespace corvane::window {
 namespace {
 
 constexpr int kViewsTextId = 782;  ///< and those that follow it
+constexpr int kSetUpTextId = 918;
 constexpr int kMinute = 60'000;
 /// While units answer, reading the whole status takes at most this part of the time.
 constexpr std::int64_t kRestFactor = 40;
@@ -29,7 +32,7 @@ constexpr int kMostUnits = 8;
 /// What to do about it; empty when nothing is to be done.
 QString AdviceOn(const NetworkStatus& status) {
   if (status.units.empty()) {
-    return "Press New below the list at the left and fill in the tab Unit; then the button Download collects.";
+    return "Press Set up... here; or press New below the list at the left, fill in the tab Unit, and press Download.";
   }
   if (!status.nobody_collects.empty()) {
     return "The tab Settings, page Schedule and backup, holds the interval of the automatic download. The button "
@@ -60,6 +63,7 @@ NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(l
   advice_ = AddLine(*column, "networkAdvice");
   round_->hide();
   advice_->hide();
+  AddSetUp(*column);
   views_ = new QTabWidget(contents);
   views_->setObjectName("networkViews");
   views_->setProperty("textId", kViewsTextId);
@@ -88,6 +92,18 @@ QLabel* NetworkPage::AddLine(QVBoxLayout& column, const char* name) {
   line->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   column.addWidget(line);
   return line;
+}
+
+void NetworkPage::AddSetUp(QVBoxLayout& column) {
+  QPushButton* const button =
+      NewButton("Set &up...", "Asks for what the network needs, a page at a time, and shows what is there",
+                kSetUpTextId, "setUpButton", this);
+  column.addWidget(button, 0, Qt::AlignLeft);
+  connect(button, &QPushButton::clicked, this, [this] {
+    loop_.Post([this] {
+      if (set_up && !app_.flags().closing) set_up();
+    });
+  });
 }
 
 void NetworkPage::AddView(QWidget& view, const QString& caption) {

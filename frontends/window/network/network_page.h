@@ -39,6 +39,8 @@ class NetworkPage : public QScrollArea {
 
   /// Shows one unit's readings; set by the window. Positions are those of the list of units, from 1.
   std::function<void(std::int64_t position)> show_plot;
+  /// Opens the assistant that sets a network up; called from the loop.
+  std::function<void()> set_up;
   /// How the network stands, whenever that was read.
   std::function<void(const NetworkStatus& status)> on_status;
 
@@ -51,6 +53,7 @@ class NetworkPage : public QScrollArea {
   using Command = std::function<void(const std::vector<std::int64_t>& positions)>;
 
   QLabel* AddLine(QVBoxLayout& column, const char* name);
+  void AddSetUp(QVBoxLayout& column);
   /// A view of its own beside the table of the stations: the gap map, the rounds.
   void AddView(QWidget& view, const QString& caption);
   void BindCommands();

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QScrollArea>
+
+namespace corvane::window::assistant {
+
+/// What a page holds, to be scrolled only where the window is too small for it: sentences that wrap get the lines that
+/// they need at the width there is.
+class PageArea : public QScrollArea {
+ public:
+  explicit PageArea(QWidget& content);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void FitHeight();
+};
+
+}  // namespace corvane::window::assistant

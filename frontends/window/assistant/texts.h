@@ -1,0 +1,93 @@
+#pragma once
+
+#include <vector>
+
+#include "window/assistant/sentences.h"
+
+namespace corvane::window::assistant {
+
+/// The texts of the assistant in language files; table headings have as many from theirs on as there are columns.
+enum TextId : int {
+  kWindow = 900,
+  kBack = 901,
+  kNext = 902,
+  kFinish = 903,
+  kCancel = 904,
+  kToSummary = 905,
+  kToSummaryTip = 906,
+  kTrying = 907,
+  kBusy = 908,
+  kFirstTitle = 909,  ///< of nine pages, in their order
+  kSetUp = 918,
+  kStop = 919,
+  kLanguageIntro = 920,
+  kLanguage = 921,
+  kPractise = 922,
+  kPractiseIntro = 923,
+  kPractiseFailed = 924,
+  kPortIntro = 926,
+  kDevices = 927,
+  kDeviceHeadings = 928,
+  kLookAgain = 931,
+  kDevice = 932,
+  kTestPort = 933,
+  kNoDevice = 934,
+  kStationsIntro = 936,
+  kRelays = 937,
+  kRelayHeadings = 938,
+  kUnits = 940,
+  kUnitHeadings = 941,
+  kRemoveRow = 947,
+  kFoldersIntro = 948,
+  kDataFolder = 949,
+  kChoose = 950,
+  kClients = 951,
+  kClientHeadings = 952,
+  kTablesIntro = 954,
+  kTablesFolder = 955,
+  kTablesFound = 956,
+  kTablesKept = 957,
+  kTablesMissing = 958,
+  kTablesNone = 959,
+  kClockIntro = 960,
+  kClockUnit = 961,
+  kAskClock = 962,
+  kSetClock = 963,
+  kNoUnit = 965,
+  kScheduleIntro = 966,
+  kAutomatic = 967,
+  kInterval = 968,
+  kAtLogOn = 969,
+  kGoesOn = 970,
+  kLogSize = 971,
+  kService = 972,
+  kDeliveryIntro = 973,
+  kServer = 974,
+  kServerFolder = 975,
+  kUser = 976,
+  kPassword = 977,
+  kAnonymous = 978,
+  kEncrypted = 979,
+  kCertificate = 980,
+  kCalibrated = 981,
+  kTryServer = 982,
+  kBackup = 983,
+  kTryBackup = 984,
+  kSummaryIntro = 985,
+  kNotDone = 986,
+  kAllDone = 987,
+  kCollect = 988,
+  kNotPutIn = 990,
+  kDirect = 991,
+  kChooseTables = 992,
+  kChooseBackup = 993,
+  kPracticeText = 994,
+  kEndPractice = 995,
+  kSendsAll = 996,
+  kChooseAFolder = 997,
+};
+
+/// The texts that stand in no caption, as they are built in.
+[[nodiscard]] std::vector<Sentences::Row> BuiltInSentences();
+
+}  // namespace corvane::window::assistant

@@ -1,0 +1,32 @@
+// The widgets that the pages of the assistant are made of; each text with its ID in language files.
+#pragma once
+
+#include <functional>
+
+#include <QString>
+
+class QBoxLayout;
+class QCheckBox;
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QWidget;
+
+namespace corvane::window::assistant {
+
+/// Plain text that wraps and can be selected and copied; with ID 0 one that is set later.
+[[nodiscard]] QLabel* NewNote(const QString& text, int text_id, const char* name);
+/// The caption of a field, with its access key.
+[[nodiscard]] QLabel* NewCaption(const QString& text, int text_id, QWidget& field);
+[[nodiscard]] QLineEdit* NewField(const char* name, QWidget* parent);
+[[nodiscard]] QCheckBox* NewTick(const QString& text, int text_id, const char* name);
+[[nodiscard]] QPushButton* NewPush(const QString& text, int text_id, const char* name);
+/// A field under its caption, as a row of a form.
+QLineEdit* AddField(QFormLayout& form, const QString& text, int text_id, const char* name, QWidget* parent);
+/// A field and a button behind it.
+void AddRow(QFormLayout& form, const QString& text, int text_id, QLineEdit& field, QPushButton& button);
+/// Has a button choose a folder for a field; the dialog stands over the button's window.
+void ChooseInto(QLineEdit& field, QPushButton& button, std::function<QString()> title);
+
+}  // namespace corvane::window::assistant
