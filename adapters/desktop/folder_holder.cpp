@@ -39,9 +39,9 @@ bool IsPlainFileSystem(const std::string& folder) {
   }
 }
 
-/// Whether a line such as "1: FLOCK  ADVISORY  WRITE 812 08:01:1835 0 EOF" is about this file. The device is not
-/// looked at: some file systems show programs another one.
-bool IsLockOf(const std::string& line, ino_t inode) {
+/// The process that a line such as "1: FLOCK  ADVISORY  WRITE 812 08:01:1835 0 EOF" tells to hold this file; empty when
+/// it is about another one. The device is not looked at: some file systems show programs another one.
+std::string ProcessIn(const std::string& line, ino_t inode) {
   std::istringstream words(line);
   std::string number;
   std::string kind;
@@ -50,7 +50,17 @@ bool IsLockOf(const std::string& line, ino_t inode) {
   std::string process;
   std::string file;
   words >> number >> kind >> advisory >> mode >> process >> file;
-  return kind == "FLOCK" && file.substr(file.rfind(':') + 1) == std::to_string(inode);
+  const bool is_about = kind == "FLOCK" && file.substr(file.rfind(':') + 1) == std::to_string(inode);
+  return is_about ? process : std::string();
+}
+
+/// The process that holds this file; empty where none is told.
+std::string ProcessAt(std::istream& locks, ino_t inode) {
+  std::string line;
+  while (std::getline(locks, line)) {
+    if (std::string process = ProcessIn(line, inode); !process.empty()) return process;
+  }
+  return {};
 }
 
 }  // namespace
@@ -63,12 +73,20 @@ std::optional<bool> FolderIsHeld(const std::string& folder) {
   }
   std::ifstream locks("/proc/locks");
   if (!locks) return std::nullopt;
-  std::string line;
-  while (std::getline(locks, line)) {
-    if (IsLockOf(line, about.st_ino)) return true;
-  }
+  if (!ProcessAt(locks, about.st_ino).empty()) return true;
   if (!IsInFirstProcessSpace() || !IsPlainFileSystem(folder)) return std::nullopt;
   return false;
+}
+
+std::string HolderOfFolder(const std::string& folder) {
+  struct stat about {};
+  std::ifstream locks("/proc/locks");
+  if (!locks || stat((std::filesystem::path(folder) / kLockFile).c_str(), &about) != 0) return {};
+  const std::string process = ProcessAt(locks, about.st_ino);
+  std::ifstream name("/proc/" + process + "/comm");
+  std::string program;
+  if (process.empty() || !std::getline(name, program)) return {};
+  return program + " (process " + process + ")";
 }
 
 }  // namespace corvane

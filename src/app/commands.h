@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "app/conversion_commands.h"
@@ -58,6 +59,14 @@ class Commands {
   /// Makes these units (positions from 1) active, or no longer so. **Yields.**
   void SetActive(const std::vector<std::int64_t>& av_Units, bool ab_Active) {
     p_.registry.SetActive(av_Units, ab_Active);
+  }
+
+  /// The units, relays and clients as they are, to be written as a table or asked what one would change. **Yields.**
+  [[nodiscard]] StationsQuestion AskStations() { return p_.registry.AskStations(); }
+  /// Puts in what an answer without faults says; false, without doing anything, when the lists are not as they were.
+  /// **Yields.**
+  bool PutInStations(const StationsQuestion& av_Question, StationsPlan av_Answer) {
+    return p_.registry.PutInStations(av_Question, std::move(av_Answer));
   }
 
   /// Cancels what runs; while idle tells the base station to stop whatever it does.

@@ -12,13 +12,13 @@
 #include "link/exchange.h"
 #include "platform/line_settings.h"
 #include "setup/field_rules.h"
+#include "state/unit_choices.h"
 
 namespace corvane {
 namespace {
 
 constexpr double kLowest32 = std::numeric_limits<std::int32_t>::min();
 constexpr double kHighest32 = std::numeric_limits<std::int32_t>::max();
-constexpr double kLargestCorrection = 50;
 }  // namespace
 
 FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileNames& av_Names)

@@ -6,6 +6,7 @@
 #include "app/operations.h"
 #include "history/history.h"
 #include "registry/editors.h"
+#include "setup/stations_question.h"
 #include "state/file_names.h"
 #include "state/operation_slot.h"
 #include "state/records.h"
@@ -35,6 +36,11 @@ class RegistryCommands {
   void RunOnRelays(std::int16_t ai_Command);
   void RunOnClients(std::int16_t ai_Command);
   void CreateFolders();
+  /// The lists as they are, with what the editors show, to be written as a table or asked what one would change.
+  [[nodiscard]] StationsQuestion AskStations();
+  /// Puts in what an answer without faults says; false, without doing anything, while an operation runs and when the
+  /// lists are not as they were when it was asked.
+  bool PutInStations(const StationsQuestion& av_Question, StationsPlan av_Answer);
 
  private:
   Parts p_;

@@ -146,26 +146,23 @@ void RecordEditor::UndoDelete() {
 }
 
 void RecordEditor::ShowReplaced(const std::vector<std::int64_t>& av_Formers) {
-  {
-    const SuppressEvents::Guard guard(p_.form.Suppress);
-    p_.form.Cmd_Undo.SetVisible(false);
-    std::vector<RowMark> marks;
-    for (std::int64_t row = 0; row < list_.count(); ++row) marks.push_back(list_.mark(row));
-    const std::int64_t selected = Selected();
-    shown_ = -1;
-    FillList();
-    for (std::size_t row = 0; row < av_Formers.size(); ++row) {
-      if (av_Formers[row] == 0) continue;
-      list_.SetMark(static_cast<std::int64_t>(row), marks[static_cast<std::size_t>(av_Formers[row] - 1)]);
-    }
-    const auto same = std::find(av_Formers.begin(), av_Formers.end(), selected);
-    const bool stays = selected != 0 && same != av_Formers.end();
-    list_.SetCurrent(stays ? same - av_Formers.begin() : std::min(selected, Count()) - 1);
-    AfterListChanged();
-    ShowRecord();
-    p_.states.UpdateCommandStates();
+  const SuppressEvents::Guard guard(p_.form.Suppress);
+  p_.form.Cmd_Undo.SetVisible(false);
+  std::vector<RowMark> marks;
+  for (std::int64_t row = 0; row < list_.count(); ++row) marks.push_back(list_.mark(row));
+  const std::int64_t selected = Selected();
+  shown_ = -1;
+  FillList();
+  for (std::size_t row = 0; row < av_Formers.size(); ++row) {
+    if (av_Formers[row] == 0) continue;
+    list_.SetMark(static_cast<std::int64_t>(row), marks[static_cast<std::size_t>(av_Formers[row] - 1)]);
   }
-  if (selection_changed) selection_changed();
+  const auto same = std::find(av_Formers.begin(), av_Formers.end(), selected);
+  const bool stays = selected != 0 && same != av_Formers.end();
+  list_.SetCurrent(stays ? same - av_Formers.begin() : std::min(selected, Count()) - 1);
+  AfterListChanged();
+  ShowRecord();
+  p_.states.UpdateCommandStates();
 }
 
 void RecordEditor::WatchForEdits(std::initializer_list<Control*> av_Fields) {

@@ -127,7 +127,7 @@ class RecordEditorOf : public RecordEditor {
 
  public:
   /// Puts these records in place of the whole list, as one command; false, without doing it, while an operation runs.
-  /// What the editor shows must have been stored.
+  /// What the editor shows must have been stored; `selection_changed` is left to the caller. Does not yield.
   bool TakeAll(std::vector<Placed<Record>> av_Records) {
     if (p_.slot.Taken()) return false;
     std::vector<std::int64_t> formers;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "registry/editors.h"
+#include "registry/record_editor.h"
 #include "setup/stations_table.h"
 #include "state/records.h"
 
@@ -13,7 +13,7 @@ namespace corvane {
 
 /// How a table is to be put in.
 struct StationsWish {
-  /// Records that the table does not have are deleted, of the kinds that it has rows of.
+  /// Records that the table does not have are deleted, of the kinds that it has rows of; "Direct" stays.
   bool deletes = false;
   /// The raw file of the unit at a position (from 1) of the list, empty where there is none; an empty function: none.
   std::function<std::string(std::int64_t position)> raw_file;
@@ -35,8 +35,5 @@ struct StationsPlan {
 /// Works out what a table would change; changes nothing. What the editors show must have been stored.
 [[nodiscard]] StationsPlan PlanStations(const Registry& av_Registry, const StationTable& av_Table,
                                         const StationsWish& av_Wish);
-/// Puts the lists of a plan without faults in, through the editors, and selects what was selected; false, without
-/// doing anything, while an operation runs.
-bool PutInStations(StationsPlan av_Plan, RegistryEditors& av_Editors);
 
 }  // namespace corvane

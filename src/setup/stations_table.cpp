@@ -85,7 +85,7 @@ std::string_view WithoutMark(std::string_view text) {
 /// Reads the rows of one file.
 class TableReader {
  public:
-  TableReader(StationTable& table, std::vector<StationFault>& faults) : table_(table), faults_(faults) {}
+  explicit TableReader(StationTable& table) : table_(table), faults_(table.faults) {}
 
   void TakeHeadings(const CsvRow& row) {
     for (const std::string& cell : row.cells) {
@@ -116,7 +116,9 @@ class TableReader {
       }
       if (place < columns_.size() && columns_[place]) row[*columns_[place]] = Trim(WithoutMark(text));
     }
-    if (TakeKind(row) && HasNothingStrange(row)) table_.rows.push_back(std::move(row));
+    if (!TakeKind(row)) return;
+    LeaveOutStrange(row);
+    table_.rows.push_back(std::move(row));
   }
 
  private:
@@ -132,21 +134,18 @@ class TableReader {
     return kind.has_value();
   }
 
-  /// Cells of another kind are empty.
-  bool HasNothingStrange(StationRow& row) {
-    bool fine = true;
+  /// Cells of columns that the kind does not have must be empty.
+  void LeaveOutStrange(StationRow& row) {
     for (std::size_t place = 0; place < kStationColumns; ++place) {
       const auto column = static_cast<StationColumn>(place);
       auto& cell = row.cells[place];
       if (!cell || HasColumn(row.kind, column)) continue;
       if (!cell->empty()) {
-        fine = false;
         faults_.push_back({row.line, std::string(HeadingOf(column)),
                            "a " + std::string(WordOf(row.kind)) + " has nothing in this column; empty the cell"});
       }
       cell.reset();
     }
-    return fine;
   }
 
   StationTable& table_;
@@ -174,23 +173,23 @@ std::string StationFault::Sentence() const {
   return where.empty() ? text : where + ": " + text;
 }
 
-std::vector<StationFault> ReadStations(std::string as_Bytes, StationTable& av_Table) {
-  av_Table = {};
-  std::vector<StationFault> faults;
+StationTable ReadStations(std::string as_Bytes) {
+  StationTable table;
   if (as_Bytes.find('\0') != std::string::npos) {
-    return {{0, "", "this is no text in UTF-8 or Windows-1252; save the table as CSV in UTF-8"}};
+    table.faults.push_back({0, "", "this is no text in UTF-8 or Windows-1252; save the table as CSV in UTF-8"});
+    return table;
   }
   CsvContents contents = ParseCsv(DecodeText(std::move(as_Bytes)));
-  for (CsvFault& fault : contents.faults) faults.push_back({fault.line, "", std::move(fault.text)});
+  for (CsvFault& fault : contents.faults) table.faults.push_back({fault.line, "", std::move(fault.text)});
   if (contents.rows.empty()) {
-    faults.push_back({0, "", "the file is empty; its first line holds the headings, Name among them"});
-    return faults;
+    table.faults.push_back({0, "", "the file is empty; its first line holds the headings, Name among them"});
+    return table;
   }
-  TableReader reader(av_Table, faults);
+  TableReader reader(table);
   reader.TakeHeadings(contents.rows.front());
-  if (!reader.has_headings()) return faults;
+  if (!reader.has_headings()) return table;
   for (std::size_t row = 1; row < contents.rows.size(); ++row) reader.TakeRow(contents.rows[row]);
-  return faults;
+  return table;
 }
 
 std::string StationsFile(const StationTable& av_Table) {

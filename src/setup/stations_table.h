@@ -69,12 +69,16 @@ struct StationFault {
 
 struct StationTable {
   std::vector<StationRow> rows;
-  std::vector<std::string> unused;  ///< headings of columns that are none of these
+  std::vector<std::string> unused;   ///< headings of columns that are none of these
+  std::vector<StationFault> faults;  ///< what is wrong with the file itself
 };
 
+/// The largest file that is read, in bytes.
+inline constexpr std::int64_t kLargestStationsFile = 64LL * 1024 * 1024;
+
 /// Reads the bytes of a file: UTF-8 or Windows-1252, with commas, semicolons or tabs. Without a column "Kind" every row
-/// is a unit. Returns what is wrong with the file itself, all of it; what its cells say is looked at by `PlanStations`.
-[[nodiscard]] std::vector<StationFault> ReadStations(std::string as_Bytes, StationTable& av_Table);
+/// is a unit. What the cells say is looked at by `PlanStations`.
+[[nodiscard]] StationTable ReadStations(std::string as_Bytes);
 /// The file of a table: UTF-8 with a byte order mark, commas, lines that end with CR LF. What a spreadsheet would run
 /// is kept from it by "'", which `ReadStations` takes away again.
 [[nodiscard]] std::string StationsFile(const StationTable& av_Table);

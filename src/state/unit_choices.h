@@ -1,4 +1,4 @@
-// What a unit's selectors offer: texts and the numbers that are stored.
+// What a unit's fields offer and take: texts of its selectors and the numbers that are stored, limits.
 #pragma once
 
 #include <array>
@@ -19,5 +19,8 @@ inline constexpr std::array<UnitChoice, 4> kGetFromChoices = {
     {{"None", kFromNone}, {"Radio", kFromRadio}, {"Hand held", kFromHandHeld}, {"ftp", kFromFtp}}};
 /// Where a unit's file is sent.
 inline constexpr std::array<UnitChoice, 2> kSendToChoices = {{{"None", 0}, {"ftp", 1}}};
+
+/// Most that a correction factor is to be.
+inline constexpr double kLargestCorrection = 50;
 
 }  // namespace corvane

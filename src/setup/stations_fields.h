@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "setup/stations_names.h"
+#include "setup/stations_table.h"
+#include "state/records.h"
+
+namespace corvane {
+
+/// One column of one kind of records: what a cell holds, and what it does.
+template <class Record>
+struct StationField {
+  StationColumn column;
+  bool empty_is_text = false;  ///< an empty cell empties it; else it keeps what is there
+  std::function<std::string(const Record& record)> text;
+  /// Takes a text that differs from the present one; what is wrong with it, empty when it was taken.
+  std::function<std::string(Record& record, const std::string& text)> set;
+};
+
+[[nodiscard]] std::vector<StationField<Relay>> RelayFields();
+/// A client's ID is read by its column and never set.
+[[nodiscard]] std::vector<StationField<Client>> ClientFields();
+/// `av_Relays` and `av_Clients` must outlive what is returned.
+[[nodiscard]] std::vector<StationField<Unit>> UnitFields(const RecordNames& av_Relays, const RecordNames& av_Clients);
+
+[[nodiscard]] RecordNames NamesOf(const RecordArray<Relay>& av_Relays);
+[[nodiscard]] RecordNames NamesOf(const RecordArray<Client>& av_Clients);
+[[nodiscard]] RecordNames NoRelayNames();
+[[nodiscard]] RecordNames NoClientNames();
+
+}  // namespace corvane
