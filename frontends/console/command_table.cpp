@@ -81,6 +81,12 @@ constexpr CommandRow kCommands[] = {
      "Writes index.html into FOLDER, which must be there: one file that is whole in itself. Reads only the\n"
      "application folder; works while another program runs.",
      kEverywhere, 1, 1},
+    {CommandId::Stations, "stations", "export|import FILE", "write or read units, relays and clients as a table",
+     "export writes them as a CSV file for a spreadsheet; works while another program runs. import says\n"
+     "what the file would add and change, and puts it in; where something is wrong it names every line\n"
+     "and puts in nothing. What the file does not have stays, but with --delete. FILE - is the standard\n"
+     "output or input. The columns: docs/formats/stations-file.md.",
+     kStationsOption, 2, 2},
     {CommandId::Practise, "practise", "", "try it all on a simulated network that leaves nothing",
      "Makes an application folder of its own with a simulated base station, units and invented calibration\n"
      "tables, brings in a first whole day, and says what to try there. The base station stays behind until\n"
@@ -160,6 +166,10 @@ constexpr OptionRow kOptions[] = {
      [](Options& options, const std::string&) { options.metrics = true; }},
     {"--until", "DATE", "the last day of the note, such as 2026-12-31", kNoteOption,
      [](Options& options, const std::string& value) { options.until = value; }},
+    {"--dry-run", "", "import: only say what it would come to", kStationsOption,
+     [](Options& options, const std::string&) { options.dry_run = true; }},
+    {"--delete", "", "import: delete what the file has no row of", kStationsOption,
+     [](Options& options, const std::string&) { options.deletes = true; }},
     {"--end", "", "end the practice of --home, or all that no program works in", kPractiseOption,
      [](Options& options, const std::string&) { options.end = true; }},
     {"--with-data", "", "keep the raw and calibrated files too", kKeepOption,

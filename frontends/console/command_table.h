@@ -23,6 +23,7 @@ enum OptionScope : unsigned {
   kRepairOption = 64,
   kKeepOption = 4096,
   kPractiseOption = 128,
+  kStationsOption = 256,
 };
 
 struct CommandRow {

@@ -14,6 +14,7 @@
 #include "script_command.h"
 #include "settings_commands.h"
 #include "setup_command.h"
+#include "stations_command.h"
 #include "transfer_commands.h"
 
 namespace corvane::console {
@@ -50,6 +51,7 @@ constexpr std::array kEntries = {
     CommandEntry{CommandId::Ports, Ports},
     CommandEntry{CommandId::Keep, Keep},
     CommandEntry{CommandId::Restore, TellWhatIsMissing},
+    CommandEntry{CommandId::Stations, Stations},
 };
 
 }  // namespace

@@ -20,6 +20,7 @@ struct Desk {
   ConsoleView& view;
   ConsoleDialogs& dialogs;
   ConsoleOutput& output;
+  bool saves = true;          ///< false: the command has changed nothing, and the settings stay as they are
   std::int64_t problems = 0;  ///< of all operations of the command
 };
 

@@ -135,11 +135,20 @@ class Parser {
       throw UsageError(Quoted(arguments[0]) + " is no shell: say bash or zsh");
     }
     if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
+    if (row_->id == CommandId::Stations) CheckStations(options_);
     if (row_->id == CommandId::TestPort || row_->id == CommandId::FindPort) CheckPort(arguments);
     if (row_->options != kUnitOption || arguments.empty()) return;
     const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
     if (std::any_of(arguments[0].begin(), arguments[0].end(), is_control)) {
       throw UsageError("a text for units must be one line without control characters");
+    }
+  }
+
+  static void CheckStations(const Options& options) {
+    const std::string& action = options.arguments[0];
+    if (action != "export" && action != "import") throw UsageError(Quoted(action) + " is neither export nor import");
+    if (action == "export" && (options.dry_run || options.deletes)) {
+      throw UsageError("stations export takes neither --dry-run nor --delete");
     }
   }
 
@@ -203,6 +212,8 @@ bool OnlyReads(const Options& options) {
       return true;
     case CommandId::Ports:
       return options.arguments.empty();
+    case CommandId::Stations:
+      return options.dry_run || options.arguments[0] == "export";
     default:
       return false;
   }

@@ -50,6 +50,7 @@ enum class CommandId {
   Help,
   Keep,
   Restore,
+  Stations,
 };
 
 /// What was asked for.
@@ -73,7 +74,9 @@ struct Options {
   bool without_passwords = false;  ///< --without-passwords
   bool json = false;
   bool check = false;
-  bool end = false;  ///< --end
+  bool end = false;      ///< --end
+  bool dry_run = false;  ///< --dry-run
+  bool deletes = false;  ///< --delete
   bool metrics = false;
   bool quiet = false;
   bool verbose = false;

@@ -1,13 +1,12 @@
 #include "page_command.h"
 
-#include <filesystem>
 #include <functional>
-#include <system_error>
 #include <vector>
 
 #include "base/outside_text.h"
 #include "base/paths.h"
 #include "desktop/terminal.h"
+#include "full_path.h"
 #include "history_reading.h"
 #include "page/page_contents.h"
 #include "page/page_html.h"
@@ -16,12 +15,6 @@ namespace corvane::console {
 namespace {
 
 using SeriesMaker = std::function<std::vector<PageSeries>(const NetworkStatus&)>;
-
-std::string FullFolder(const std::string& folder) {
-  std::error_code error;
-  if (folder.starts_with('/')) return folder;
-  return AddBackslash(std::filesystem::current_path(error).string()) + folder;
-}
 
 /// Writes the page of the application folder `home` into `folder`.
 Status Make(const std::string& home, const std::string& folder, const SeriesMaker& series) {
@@ -43,7 +36,7 @@ std::string DoneText(const std::string& folder) {
 }  // namespace
 
 int MakePage(Desk& desk, const Options& options) {
-  const std::string folder = FullFolder(options.arguments[0]);
+  const std::string folder = FullPath(options.arguments[0]);
   const Status made = Make(desk.app.app().Folder(), folder, [&desk](const NetworkStatus& network) {
     return SeriesOf(network, desk.app.form(), desk.app.registry(), desk.app.names());
   });
@@ -56,7 +49,7 @@ int MakePage(Desk& desk, const Options& options) {
 }
 
 int MakePageOfHistory(const Options& options, const std::string& folder) {
-  const std::string target = FullFolder(options.arguments[0]);
+  const std::string target = FullPath(options.arguments[0]);
   const Status made = Make(folder, target, [](const NetworkStatus&) { return std::vector<PageSeries>(); });
   if (!made.ok()) {
     WriteOut(kStandardError, Printable("corvanectl: " + made.text()) + "\n", true);

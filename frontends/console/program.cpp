@@ -16,6 +16,7 @@
 #include "console_view.h"
 #include "curl/curl_internet_client.h"
 #include "desktop/application_folder.h"
+#include "desktop/folder_holder.h"
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
 #include "keep_command.h"
@@ -166,6 +167,11 @@ class Program {
     }
     const Status locked = shell_.TakeInstanceLock(folder_);
     if (locked.ok()) return FinishWhatWasBegun();
+    const std::string holder = options_.command == CommandId::Stations ? HolderOfFolder(folder_) : std::string();
+    if (locked.code() == EWOULDBLOCK && !holder.empty()) {
+      output_.Error(holder + " works in " + folder_ + " now: end it first, or name another folder with --home");
+      return false;
+    }
     output_.Error(locked.code() == EWOULDBLOCK ? shell_.ProgramName() + " is already running in " + folder_ +
                                                      ": end it first, or name another folder with --home"
                                                : "corvanectl: " + locked.text());
@@ -188,7 +194,8 @@ class Program {
     int status = RunOnDesk();
     // People are told before the program goes; a signal waits for nothing.
     while (runner_.Running() && signal_ == 0) loop_.Yield();
-    if (OnlyReads(options_) || status == kUsage) return status;
+    if (!saves_) app_.history().Close();
+    if (OnlyReads(options_) || status == kUsage || !saves_) return status;
     if (!app_.life().OnWindowClose() && status == kAllWell) status = kProblems;
     return status;
   }
@@ -198,7 +205,9 @@ class Program {
     const VerboseTrace trace(app_.form(), options_.verbose);
     try {
       Desk desk{app_, loop_, view_, dialogs_, output_};
-      return RunCommand(desk, options_);
+      const int status = RunCommand(desk, options_);
+      saves_ = desk.saves;
+      return status;
     } catch (const UsageError& error) {
       output_.Error(std::string("corvanectl: ") + error.what());
       return kUsage;
@@ -219,7 +228,8 @@ class Program {
   PosixCommandRunner runner_{loop_, loop_};
   Application app_;
   ConsoleView view_;
-  int signal_ = 0;  ///< the first that asked the program to end
+  bool saves_ = true;  ///< the command may have changed settings
+  int signal_ = 0;     ///< the first that asked the program to end
 };
 
 }  // namespace

@@ -50,6 +50,9 @@ TEST(ConsoleOptions, RefusesWrongUsage) {
       {{"set-log-period", "00:00"}, "no log period"},
       {{"test-port", "both"}, "\"both\" is no port"},
       {{"run", "--interval", "0:00"}, "no interval"},
+      {{"stations", "import"}, "stations needs export|import FILE"},
+      {{"stations", "show", "f.csv"}, "\"show\" is neither export nor import"},
+      {{"stations", "export", "f.csv", "--delete"}, "takes neither"},
       {{"units", "--quiet", "--verbose"}, "exclude each other"},
   };
   for (const auto& [words, says] : rows) {
