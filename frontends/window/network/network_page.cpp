@@ -14,6 +14,7 @@
 
 #include "history/status_headline.h"
 #include "window/network/station_table.h"
+#include "window/network/stations_dialog.h"
 #include "window/network/stations_view.h"
 #include "window/network/view_button.h"
 
@@ -72,6 +73,8 @@ NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(l
   setWidget(contents);
   stations_ = new StationsView(views_);
   AddView(*stations_, "Units");
+  table_ = new StationsDialog(app_, loop_, this);
+  table_->on_put_in = [this] { Refresh(); };
   BindCommands();
   FollowRounds();
   soon_.setSingleShot(true);
@@ -124,6 +127,7 @@ void NetworkPage::BindCommands() {
       Refresh();
     });
   };
+  stations_->as_table = [this] { table_->Open(); };
   stations_->plot = [this](std::int64_t key) {
     const auto positions = app_.history().PositionsOf({key});
     if (!positions.empty() && show_plot) show_plot(positions.front());
@@ -160,12 +164,17 @@ void NetworkPage::FollowRounds() {
 
 void NetworkPage::FollowCommand(QWidget& command) {
   command.installEventFilter(this);
-  stations_->SetBusy(!command.isEnabled());
+  SetBusy(!command.isEnabled());
 }
 
 bool NetworkPage::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::EnabledChange) stations_->SetBusy(!static_cast<QWidget*>(watched)->isEnabled());
+  if (event->type() == QEvent::EnabledChange) SetBusy(!static_cast<QWidget*>(watched)->isEnabled());
   return QScrollArea::eventFilter(watched, event);
+}
+
+void NetworkPage::SetBusy(bool busy) {
+  stations_->SetBusy(busy);
+  table_->SetBusy(busy);
 }
 
 void NetworkPage::resizeEvent(QResizeEvent* event) {

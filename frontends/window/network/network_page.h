@@ -18,6 +18,7 @@ class QVBoxLayout;
 
 namespace corvane::window {
 
+class StationsDialog;
 class StationsView;
 
 /// The page "Network": how things stand. A view of the network's status; no rule of the system lives here.
@@ -60,6 +61,7 @@ class NetworkPage : public QScrollArea {
   /// Runs a command for units by their keys, from the loop; not while an operation runs.
   void Run(const std::vector<std::int64_t>& keys, Command command);
   void FollowRounds();
+  void SetBusy(bool busy);
   void RefreshUnit(std::int64_t position);
   void Take(const Status& read, NetworkStatus status);
   void ShowRound();
@@ -72,6 +74,7 @@ class NetworkPage : public QScrollArea {
   QLabel* advice_ = nullptr;
   QTabWidget* views_ = nullptr;
   StationsView* stations_ = nullptr;
+  StationsDialog* table_ = nullptr;
   QString last_round_;
   std::int64_t running_ = 0;   ///< place of the unit that has its turn, 0 none
   bool reading_ = false;       ///< the status is being read

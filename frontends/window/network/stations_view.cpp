@@ -31,7 +31,8 @@ enum TextId : int {
   kFilterLabel = 795,
   kFilter = 796,
   kLetters = 797,
-  kGroups = 798
+  kGroups = 798,
+  kStations = 880
 };
 
 /// A choice of states, in the order of the selector.
@@ -141,6 +142,10 @@ void StationsView::AddCommands(QVBoxLayout& column) {
                           "Makes the selected units inactive: they are left out when all units are asked", kDeactivate);
   plot_ = AddButton(*row, "plotButton", "Plot", "Shows the readings of the unit (Enter)", kPlot);
   row->addStretch();
+  auto* as_table_button =
+      AddButton(*row, "stationsButton", "Stations...",
+                "Saves units, relays and clients as a table of a spreadsheet, or puts one in", kStations);
+  connect(as_table_button, &QPushButton::clicked, this, [this] { as_table(); });
   column.addLayout(row);
   const auto with_selected = [this](auto command) {
     return [this, command] {

@@ -39,6 +39,8 @@ class StationsView : public QWidget {
   std::function<void(const Keys& keys)> repair;
   std::function<void(const Keys& keys, bool active)> set_active;
   std::function<void(std::int64_t key)> plot;
+  /// The person asks for the stations as a table.
+  std::function<void()> as_table;
 
  private:
   void AddFilters(QVBoxLayout& column);
