@@ -320,7 +320,7 @@ int SetUp(Desk& desk, const Options& options) {
   const int status = walk.collects() ? Download(desk, options) : kAllWell;
   desk.output.Line("The files are in " + desk.app.names().DataFolder());
   if (walk.plan().automatic)
-    desk.output.Line("To stay and download on schedule: corvanectl run, or systemctl --user enable --now corvanectl");
+    desk.output.Line("To stay and download on schedule: corvanectl run, or one of the services (man corvanectl)");
   return status;
 }
 

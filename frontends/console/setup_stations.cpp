@@ -4,11 +4,13 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/csv.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "full_path.h"
 #include "text_table.h"
 
 namespace corvane::console {
@@ -85,6 +87,23 @@ std::vector<SetupFault> FaultsIn(const Desk& desk, const SetupPlan& plan, const 
   return faults;
 }
 
+/// Takes a table's file where one is named; false where none is.
+bool TakeFile(Desk& desk, SetupTalk& talk, SetupPlan& plan, const std::string& line) {
+  constexpr std::string_view kFile = "file ";
+  if (!StartsWithNoCase(line, kFile)) return false;
+  const std::string name(Trim(std::string_view(line).substr(kFile.size())));
+  const SetupTable table = desk.app.setup().TakeTable(plan, FullPath(name));
+  for (const std::string& change : table.changes) talk.Say("  " + change);
+  if (table.faults.empty()) {
+    if (table.changes.empty()) talk.Say("  no change");
+    return true;
+  }
+  std::string text;
+  for (const std::string& fault : table.faults) text += (text.empty() ? "" : "\n") + fault;
+  talk.Refuse(text);
+  return true;
+}
+
 /// Enters what was typed, unless it has a fault of its own.
 template <class Row>
 void Take(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list, const std::string& line) {
@@ -107,6 +126,7 @@ void AskRows(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& l
   for (;;) {
     const std::string line = talk.Line(list.prompt);
     if (line.empty() || line == "-") return;
+    if (TakeFile(desk, talk, plan, line)) continue;
     Take(desk, talk, plan, list, line);
   }
 }
@@ -130,7 +150,9 @@ void ShowUnits(Desk& desk, const SetupPlan& plan) {
 }  // namespace
 
 void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
-  talk.Say("  A row a line; Enter ends the list, \"-2\" takes row 2 away, \"2: ...\" enters it anew.");
+  talk.Say(
+      "  A row a line; Enter ends the list, \"-2\" takes row 2 away, \"2: ...\" enters it anew, \"file NAME\" reads a "
+      "table.");
   ShowRelays(desk, plan);
   AskRows<SetupRelay>(desk, talk, plan,
                       {plan.relays,

@@ -34,8 +34,8 @@ struct SetupAssembly {
         tries({av_Parts.state.form, av_Parts.state.registry, av_Parts.state.devices, av_Parts.state.link,
                av_Parts.link.port, av_Parts.link.exchange, av_Parts.rounds.finder, av_Parts.rounds.attempts,
                av_Parts.link.pauser, server, av_Parts.machine.loop}),
-        commands({av_Parts.commands.operations, av_Parts.state.slot, av_Parts.state.app, reader, writer, tries,
-                  av_Parts.settings.settings, av_Parts.history.watch}) {}
+        commands({av_Parts.commands.operations, av_Parts.state.slot, av_Parts.state.app, av_Parts.state.registry,
+                  reader, writer, tries, av_Parts.settings.settings, av_Parts.history.watch}) {}
 
   SetupReader reader;
   SetupWriter writer;

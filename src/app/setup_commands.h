@@ -7,6 +7,7 @@
 #include "rounds/network_watch.h"
 #include "setup/setup_plan.h"
 #include "setup/setup_reader.h"
+#include "setup/setup_table.h"
 #include "setup/setup_tries.h"
 #include "setup/setup_writer.h"
 #include "state/app_info.h"
@@ -22,6 +23,7 @@ class SetupCommands {
     Operations& operations;
     const OperationSlot& slot;
     const AppInfo& app;
+    const Registry& registry;
     SetupReader& reader;
     SetupWriter& writer;
     SetupTries& tries;
@@ -34,6 +36,10 @@ class SetupCommands {
   [[nodiscard]] SetupPlan PlanOf() const { return p_.reader.PlanOf(p_.settings.WasNew()); }
   void ChooseDevice(SetupPlan& av_Plan, const std::string& as_Device) const {
     p_.reader.ChooseDevice(av_Plan, as_Device);
+  }
+  /// Takes the stations of a table's file into the plan; a bare name is one of the application folder.
+  [[nodiscard]] SetupTable TakeTable(SetupPlan& av_Plan, const std::string& as_File) const {
+    return corvane::TakeTable(av_Plan, p_.registry, p_.app.AppPath(as_File));
   }
   [[nodiscard]] std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page) const {
     return corvane::FaultsOf(av_Plan, av_Page, p_.app);
