@@ -15,28 +15,6 @@ namespace {
 
 constexpr char kBreakOff = 3;  // what Ctrl-C gives where it raises no signal
 
-/// Keeps the terminal at the standard input from showing what is typed, and from ending the program meanwhile: it would
-/// be left so.
-class UnseenTyping {
- public:
-  UnseenTyping() : on_(tcgetattr(kStandardInput, &before_) == 0) {
-    if (!on_) return;
-    termios unseen = before_;
-    unseen.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
-    unseen.c_cc[VEOL] = kBreakOff;  // it ends the line, so that it arrives at once
-    tcsetattr(kStandardInput, TCSAFLUSH, &unseen);
-  }
-  ~UnseenTyping() {
-    if (on_) tcsetattr(kStandardInput, TCSANOW, &before_);
-  }
-  UnseenTyping(const UnseenTyping&) = delete;
-  UnseenTyping& operator=(const UnseenTyping&) = delete;
-
- private:
-  termios before_{};
-  bool on_;
-};
-
 }  // namespace
 
 bool IsTerminal(int descriptor) {
@@ -76,25 +54,32 @@ bool ReadArrived(int descriptor, std::string& text) {
   return true;
 }
 
-NoEcho::NoEcho(int descriptor) : descriptor_(descriptor) {
+NoEcho::NoEcho(int descriptor, BreakOff break_off) : descriptor_(descriptor) {
   termios line{};
   on_ = tcgetattr(descriptor_, &line) == 0;
   if (!on_) return;
-  before_ = line.c_lflag;
+  modes_ = line.c_lflag;
+  line_end_ = line.c_cc[VEOL];
   line.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  if (break_off == BreakOff::IsRead) {
+    line.c_lflag &= ~static_cast<tcflag_t>(ISIG);
+    line.c_cc[VEOL] = kBreakOff;  // it ends the line, so that it arrives at once
+  }
   tcsetattr(descriptor_, TCSAFLUSH, &line);
 }
 
 NoEcho::~NoEcho() {
   termios line{};
   if (!on_ || tcgetattr(descriptor_, &line) != 0) return;
-  line.c_lflag = before_;
+  line.c_lflag = modes_;
+  line.c_cc[VEOL] = line_end_;
   tcsetattr(descriptor_, TCSANOW, &line);
 }
 
 std::optional<std::string> ReadSecret(std::string_view prompt) {
   const bool is_terminal = IsTerminal(kStandardInput);
-  const UnseenTyping unseen;
+  // A signal would end the program and leave the terminal so.
+  const NoEcho unseen(kStandardInput, NoEcho::BreakOff::IsRead);
   if (is_terminal) WriteOut(kStandardError, prompt, true);
   std::string line;
   bool more = true;

@@ -30,14 +30,18 @@ bool WriteOut(int descriptor, std::string_view text, bool patient);
 /// Keeps a terminal from showing what is typed, as long as it lives; does nothing to any other descriptor.
 class NoEcho {
  public:
-  explicit NoEcho(int descriptor);
+  /// What Ctrl-C does meanwhile: it ends the program as ever, or is read as one more character that ends a line.
+  enum class BreakOff { Signals, IsRead };
+
+  explicit NoEcho(int descriptor, BreakOff break_off = BreakOff::Signals);
   ~NoEcho();
   NoEcho(const NoEcho&) = delete;
   NoEcho& operator=(const NoEcho&) = delete;
 
  private:
   int descriptor_;
-  unsigned before_ = 0;
+  unsigned modes_ = 0;          ///< before
+  unsigned char line_end_ = 0;  ///< likewise
   bool on_ = false;
 };
 
