@@ -15,8 +15,10 @@
 #include <QTableWidget>
 #include <QTreeView>
 
+#include "history/history_phrases.h"
 #include "lang/language.h"
 #include "window/access_keys.h"
+#include "window/network/network_phrases.h"
 
 namespace corvane::window {
 namespace {
@@ -66,6 +68,17 @@ void Captions::SetToolTip(std::int64_t position, const std::string& text) {
   Items()[static_cast<std::size_t>(position)].set_tool_tip(QString::fromStdString(text));
 }
 
+std::vector<Phrase> Captions::PhraseList() const {
+  std::vector<Phrase> all = HistoryPhrases();
+  const std::vector<Phrase> more = PhrasesIn(kNetworkSays);
+  all.insert(all.end(), more.begin(), more.end());
+  return all;
+}
+
+void Captions::SetPhrases(const Phrases& phrases) {
+  if (on_phrases) on_phrases(phrases);
+}
+
 const std::vector<Captions::Item>& Captions::Items() const {
   if (!items_.empty()) return items_;
   const auto widgets = window_.findChildren<QWidget*>();
@@ -91,6 +104,7 @@ void Captions::RestoreBuiltIn() {
     }
     item.set_tool_tip(item.built_in_tip);
   }
+  SetPhrases(Phrases());
 }
 
 void Captions::AddWidget(QWidget& widget) const {
@@ -179,6 +193,10 @@ std::string Captions::LanguageTemplate() const {
       lines[text_id] = std::to_string(text_id) + "~" + caption + "~" + caption + "~" +
                        (tab == 0 ? FieldText(item.tool_tip()) : std::string());
     }
+  }
+  for (const auto& [text_id, english] : PhraseList()) {
+    const std::string text = FieldText(QString::fromUtf8(english.data(), static_cast<qsizetype>(english.size())));
+    lines[text_id] = std::to_string(text_id) + "~" + text + "~" + text + "~";
   }
   std::string file = kTitleLine;
   file += "\n";

@@ -17,7 +17,8 @@ class QWidget;
 
 namespace corvane::window {
 
-/// The captions and tool tips of the window: every widget with the property "textId", and every menu entry.
+/// The captions and tool tips of the window: every widget with the property "textId", and every menu entry. Besides
+/// them the phrases that its pages make sentences of.
 ///
 /// Tab strips and table headings take as many IDs as they have tabs, from their own upward; so do the entries of a
 /// selector with the property "captionedEntries".
@@ -35,9 +36,14 @@ class Captions : public CaptionedWindow {
   void SetToolTip(std::int64_t position, const std::string& text) override;
   /// Puts the built-in texts back, so that another language file starts from them.
   void RestoreBuiltIn();
+  [[nodiscard]] std::vector<Phrase> PhraseList() const override;
+  void SetPhrases(const Phrases& phrases) override;
 
-  /// The language file that holds the captions as they are now, one line for each ID in ascending order, fields
-  /// separated by "~".
+  /// Gets the phrases of the language file; set by the window.
+  std::function<void(const Phrases& phrases)> on_phrases;
+
+  /// The language file that holds the captions as they are now, and the phrases, one line for each ID in ascending
+  /// order, fields separated by "~".
   [[nodiscard]] std::string LanguageTemplate() const;
 
  private:

@@ -68,6 +68,7 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   AddUnitFilter();
   announcer_ = new Announcer(app_.form(), ui_->bottomPane);
   AddTray();
+  captions_.on_phrases = [this](const Phrases& phrases) { TakePhrases(phrases); };
   network_->on_status = [this](const NetworkStatus& status) { TakeStatus(status); };
   binder_ = std::make_unique<Binder>(app_.form(), Context());
   binder_->on_change = [this](const Control& control, Aspect aspect) { TakeChange(control, aspect); };
@@ -152,6 +153,12 @@ void MainWindow::AddTray() {
     raise();
     activateWindow();
   };
+}
+
+void MainWindow::TakePhrases(const Phrases& phrases) {
+  network_->SetPhrases(phrases);
+  history_views_->SetPhrases(phrases);
+  tray_->SetPhrases(phrases);
 }
 
 void MainWindow::TakeStatus(const NetworkStatus& status) {

@@ -52,6 +52,8 @@ class MainWindow : public QMainWindow {
   void ApplyListColours();
   void AddUnitFilter();
   void AddTray();
+  /// The language file was read.
+  void TakePhrases(const Phrases& phrases);
   /// How the network stands was read.
   void TakeStatus(const NetworkStatus& status);
   /// What stands beside a row of a list.

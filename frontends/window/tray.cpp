@@ -12,6 +12,7 @@
 #include "base/outside_text.h"
 #include "history/status_headline.h"
 #include "history/status_texts.h"
+#include "window/network/network_phrases.h"
 
 namespace corvane::window {
 namespace {
@@ -44,9 +45,9 @@ QIcon WithBadge(const QIcon& icon, std::int64_t number) {
 
 }  // namespace
 
-QString TrayTip(const NetworkStatus& status) {
-  const std::string silent = CountText(SilentIn(status), "station is silent", "stations are silent");
-  return QString::fromStdString(silent + "\n" + Printable(HeadlineOf(status)));
+QString TrayTip(const NetworkStatus& status, const Phrases& phrases) {
+  const std::string silent = CountText(SilentIn(status), kNetworkSays.stations_silent, phrases);
+  return QString::fromStdString(silent + "\n" + Printable(HeadlineOf(status, phrases)));
 }
 
 Tray::Tray(QIcon icon, QString title, QObject* parent)
@@ -79,7 +80,7 @@ void Tray::Make() {
 }
 
 void Tray::Take(const NetworkStatus& status) {
-  tip_ = TrayTip(status);
+  tip_ = TrayTip(status, phrases_);
   silent_ = SilentIn(status);
   Show();
 }

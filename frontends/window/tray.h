@@ -9,6 +9,7 @@
 #include <QString>
 
 #include "history/network_status.h"
+#include "lang/phrases.h"
 
 class QMenu;
 class QSystemTrayIcon;
@@ -16,7 +17,7 @@ class QSystemTrayIcon;
 namespace corvane::window {
 
 /// What the icon says when the pointer rests on it: how many stations are silent, and how the network stands.
-[[nodiscard]] QString TrayTip(const NetworkStatus& status);
+[[nodiscard]] QString TrayTip(const NetworkStatus& status, const Phrases& phrases = {});
 
 /// An icon in the tray of the desktop that draws attention without a box. Where the desktop has no tray nothing
 /// happens.
@@ -27,6 +28,7 @@ class Tray : public QObject {
   ~Tray() override;
 
   void SetOn(bool on);
+  void SetPhrases(const Phrases& phrases) { phrases_ = phrases; }
   /// Shows how the network stands.
   void Take(const NetworkStatus& status);
 
@@ -39,6 +41,7 @@ class Tray : public QObject {
 
   QIcon icon_;
   QString title_;
+  Phrases phrases_;
   std::unique_ptr<QMenu> menu_;
   QSystemTrayIcon* tray_ = nullptr;  ///< none while it is switched off
   QString tip_;

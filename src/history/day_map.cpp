@@ -121,10 +121,35 @@ class RowMaker {
   DayRow row_;
 };
 
+constexpr struct {
+  Phrase day_unheard{1369, "the unit was not heard of"};
+  Phrase none_due{1370, "no readings were due"};
+  Phrase rest_unheard{1371, "and the unit was not heard of for the rest of the day"};
+  Phrase its_one{1372, "its one reading"};
+  Phrase all{1373, "all %1 readings"};
+  Phrase some{1374, "%1 of %2, %3 missing"};
+  Phrase part{1375, "%1 of them %2"};
+  Phrase lost{1376, "lost for ever"};
+  Phrase by_itself{1377, "asked for by the next repair"};
+  Phrase open{1378, "open to a repair"};
+  Phrase to_come{1379, "to come with the next download"};
+  Phrase not_now{1380, "not to be asked for now"};
+} kSay;
+
 /// "lost for ever", or "3 of them lost for ever" where others are not.
-std::string PartText(std::int32_t ai_Part, std::int32_t ai_Missing, std::string_view as_What) {
+std::string PartText(std::int32_t ai_Part, std::int32_t ai_Missing, const Phrase& av_What, const Phrases& av_Phrases) {
   if (ai_Part == 0) return "";
-  return ", " + (ai_Part == ai_Missing ? "" : std::to_string(ai_Part) + " of them ") + std::string(as_What);
+  const std::string what = av_Phrases.Text(av_What);
+  return ", " + (ai_Part == ai_Missing ? what : av_Phrases.Text(kSay.part, {std::to_string(ai_Part), what}));
+}
+
+/// What became of the readings that a day lacks.
+std::string MissingText(const DayCell& av_Cell, const Phrases& av_Phrases) {
+  const std::int32_t missing = av_Cell.missing();
+  const std::int32_t unsettled = missing - av_Cell.lost - av_Cell.open;
+  return PartText(av_Cell.lost, missing, kSay.lost, av_Phrases) +
+         PartText(av_Cell.open, missing, av_Cell.by_itself ? kSay.by_itself : kSay.open, av_Phrases) +
+         PartText(unsettled, missing, av_Cell.to_come ? kSay.to_come : kSay.not_now, av_Phrases);
 }
 
 }  // namespace
@@ -167,22 +192,23 @@ DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t
   return map;
 }
 
-std::string DayText(DateTime av_Day, const DayCell& av_Cell) {
+std::string DayText(DateTime av_Day, const DayCell& av_Cell, const Phrases& av_Phrases) {
   const std::string day = FormatDate(av_Day, "d mmmm") + ": ";
-  if (av_Cell.expected <= 0) return day + (av_Cell.unheard ? "the unit was not heard of" : "no readings were due");
-  const std::int32_t missing = av_Cell.missing();
-  const std::string until = av_Cell.unheard ? ", and the unit was not heard of for the rest of the day" : "";
-  if (missing == 0) {
-    if (av_Cell.unheard) return day + CountText(av_Cell.stored, "reading", "readings") + until;
-    return day + (av_Cell.stored == 1 ? "its one reading" : "all " + CountText(av_Cell.stored, "", "readings"));
+  if (av_Cell.expected <= 0) return day + av_Phrases.Text(av_Cell.unheard ? kSay.day_unheard : kSay.none_due);
+  const std::string until = av_Cell.unheard ? ", " + av_Phrases.Text(kSay.rest_unheard) : "";
+  if (av_Cell.missing() == 0) {
+    if (av_Cell.unheard) return day + CountText(av_Cell.stored, kCommonPhrases.readings, av_Phrases) + until;
+    if (av_Cell.stored == 1) return day + av_Phrases.Text(kSay.its_one);
+    return day + av_Phrases.Text(kSay.all, {std::to_string(av_Cell.stored)});
   }
-  std::string text = day + std::to_string(av_Cell.stored) + " of " +
-                     CountText(av_Cell.expected, "reading", "readings") + ", " + std::to_string(missing) + " missing";
-  text += PartText(av_Cell.lost, missing, "lost for ever");
-  text += PartText(av_Cell.open, missing, av_Cell.by_itself ? "asked for by the next repair" : "open to a repair");
-  const std::int32_t unsettled = missing - av_Cell.lost - av_Cell.open;
-  text += PartText(unsettled, missing, av_Cell.to_come ? "to come with the next download" : "not to be asked for now");
-  return text + until;
+  const std::string some = av_Phrases.Text(
+      kSay.some, {std::to_string(av_Cell.stored), CountText(av_Cell.expected, kCommonPhrases.readings, av_Phrases),
+                  std::to_string(av_Cell.missing())});
+  return day + some + MissingText(av_Cell, av_Phrases) + until;
+}
+
+std::vector<Phrase> DayPhrases() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

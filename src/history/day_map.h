@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/dates.h"
+#include "lang/phrases.h"
 #include "platform/history_records.h"
 #include "platform/history_store.h"
 
@@ -64,6 +65,9 @@ inline constexpr std::int64_t kMapDays = 90;
 /// The map of what that query has read, in the order in which it was read. Depends on nothing but its arguments.
 [[nodiscard]] DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t al_Days = kMapDays);
 /// One sentence without a full stop: "3 October: 40 of 48 readings, 8 missing, asked for by the next repair".
-[[nodiscard]] std::string DayText(DateTime av_Day, const DayCell& av_Cell);
+[[nodiscard]] std::string DayText(DateTime av_Day, const DayCell& av_Cell, const Phrases& av_Phrases = {});
+
+/// What that is made of.
+[[nodiscard]] std::vector<Phrase> DayPhrases();
 
 }  // namespace corvane

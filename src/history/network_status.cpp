@@ -20,7 +20,15 @@ constexpr std::int64_t kAliveWithin = 1800;
 constexpr std::int64_t kLongestRound = kSecondsPerDay;
 constexpr std::int64_t kFewestBehindRelay = 2;
 
-constexpr std::array<std::string_view, 6> kStates = {"off", "new", "silent", "late", "trouble", "fine"};
+constexpr std::array kStates = {Phrase{1065, "off"},  Phrase{1066, "new"},     Phrase{1067, "silent"},
+                                Phrase{1068, "late"}, Phrase{1069, "trouble"}, Phrase{1070, "fine"}};
+constexpr struct {
+  CountPhrase undelivered{{1093, "%1 file has not got to the server"}, {1094, "%1 files have not got to the server"}};
+  Phrase no_program{1300, "Automatic download is on, and no program is running that would do it"};
+  Phrase not_heard_of{1301, "Automatic download is on, and the program has not been heard of since %1"};
+  Phrase no_interval{1302, "Automatic download is on, and its interval in the settings is none"};
+  Phrase round_missed{1303, "The round of %1 has not begun"};
+} kSay;
 constexpr std::array<std::string_view, 5> kLetters = {"empty", "nobody collects", "critical", "warning", "well"};
 /// The worst first.
 constexpr std::array kOrder = {UnitState::Silent, UnitState::Late, UnitState::Trouble,
@@ -33,8 +41,8 @@ bool Collects(const RoundRecord& av_Round) {
 /// The whole network, behind its units.
 class NetworkView {
  public:
-  NetworkView(const HistoryContents& av_History, NetworkStatus& av_Status, Holder ae_Holder)
-      : history_(av_History), status_(av_Status), holder_(ae_Holder) {
+  NetworkView(const HistoryContents& av_History, NetworkStatus& av_Status, Holder ae_Holder, const Phrases& av_Phrases)
+      : history_(av_History), status_(av_Status), holder_(ae_Holder), phrases_(av_Phrases) {
     if (av_History.network) network_ = *av_History.network;
   }
 
@@ -58,7 +66,7 @@ class NetworkView {
     for (const RoundRecord& round : history_.rounds) {
       if (Collects(round)) status_.last = round;
     }
-    status_.last_round = status_.last.key != 0 ? RoundText(status_.last) : "";
+    status_.last_round = status_.last.key != 0 ? RoundText(status_.last, phrases_) : "";
   }
 
   [[nodiscard]] bool AliveLately() const {
@@ -87,14 +95,14 @@ class NetworkView {
     if (!network_.automatic) return "";
     // A program that was ended in order has said so.
     if (holder_ == Holder::Nobody || (holder_ == Holder::Unknown && !network_.open)) {
-      return "Automatic download is on, and no program is running that would do it";
+      return phrases_.Text(kSay.no_program);
     }
     if (holder_ == Holder::Unknown && !AliveLately()) {
-      return "Automatic download is on, and the program has not been heard of since " + WhenText(network_.alive);
+      return phrases_.Text(kSay.not_heard_of, {WhenText(network_.alive)});
     }
-    if (!network_.interval) return "Automatic download is on, and its interval in the settings is none";
+    if (!network_.interval) return phrases_.Text(kSay.no_interval);
     if (!RoundIsMissed()) return "";
-    return "The round of " + WhenText(network_.next_download) + " has not begun";
+    return phrases_.Text(kSay.round_missed, {WhenText(network_.next_download)});
   }
 
   void TakeWorstRelay() {
@@ -155,6 +163,7 @@ class NetworkView {
   const HistoryContents& history_;
   NetworkStatus& status_;
   Holder holder_;
+  const Phrases& phrases_;
   NetworkRecord network_;
   std::int64_t silent_behind_relay_ = 0;
 };
@@ -162,14 +171,18 @@ class NetworkView {
 }  // namespace
 
 std::string_view NameOf(UnitState ae_State) {
-  return kStates[static_cast<std::size_t>(ae_State)];
+  return kStates[static_cast<std::size_t>(ae_State)].english;
 }
 
-std::string UndeliveredText(const NetworkStatus& av_Status) {
+std::string StateText(UnitState ae_State, const Phrases& av_Phrases) {
+  return av_Phrases.Text(kStates[static_cast<std::size_t>(ae_State)]);
+}
+
+std::string UndeliveredText(const NetworkStatus& av_Status, const Phrases& av_Phrases) {
   const std::int64_t files = std::count_if(av_Status.units.begin(), av_Status.units.end(), [](const UnitStatus& unit) {
     return unit.state != UnitState::Off && !unit.silenced && !unit.delivery_problem.empty();
   });
-  return files == 0 ? "" : CountText(files, "file has", "files have") + " not got to the server";
+  return files == 0 ? "" : CountText(files, kSay.undelivered, av_Phrases);
 }
 
 int PlaceOf(UnitState ae_State) {
@@ -190,11 +203,13 @@ HistoryQuery StatusQuery(Moment av_Now) {
   return query;
 }
 
-NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Holder ae_Holder) {
+NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Holder ae_Holder,
+                            const Phrases& av_Phrases) {
   NetworkStatus status;
   status.now = av_Now;
   StatusRules rules;
   rules.now = av_Now;
+  rules.phrases = av_Phrases;
   rules.own_clock = OwnClock(av_History.rounds);
   if (av_History.network) {
     rules.interval = av_History.network->interval;
@@ -209,8 +224,15 @@ NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Ho
     const int place_b = PlaceOf(b.state);
     return place_a != place_b ? place_a < place_b : a.position < b.position;
   });
-  NetworkView(av_History, status, ae_Holder).Fill();
+  NetworkView(av_History, status, ae_Holder, av_Phrases).Fill();
   return status;
+}
+
+std::vector<Phrase> NetworkStatusPhrases() {
+  std::vector<Phrase> all = PhrasesIn(kStates);
+  const std::vector<Phrase> more = PhrasesIn(kSay);
+  all.insert(all.end(), more.begin(), more.end());
+  return all;
 }
 
 }  // namespace corvane

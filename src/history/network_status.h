@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/dates.h"
+#include "lang/phrases.h"
 #include "platform/history_records.h"
 #include "platform/history_store.h"
 
@@ -17,6 +18,8 @@ namespace corvane {
 enum class UnitState : std::uint8_t { Off, New, Silent, Late, Trouble, Fine };
 /// "off", "new", "silent", "late", "trouble", "fine".
 [[nodiscard]] std::string_view NameOf(UnitState ae_State);
+/// The same in another language.
+[[nodiscard]] std::string StateText(UnitState ae_State, const Phrases& av_Phrases);
 
 /// Where a state stands when the worst comes first, from 0.
 [[nodiscard]] int PlaceOf(UnitState ae_State);
@@ -77,7 +80,7 @@ enum class NetworkLetter : std::uint8_t { Empty, NobodyCollects, Critical, Warni
 struct NetworkStatus {
   Moment now;
   NetworkLetter letter = NetworkLetter::Empty;
-  std::string sentence;              ///< how things stand, in one line
+  std::string sentence;              ///< how things stand, in one line, English
   std::string nobody_collects;       ///< why nobody collects; empty when somebody does
   std::string last_round;            ///< the last round in one sentence
   RoundRecord last;                  ///< that round, key 0 when there was none
@@ -93,9 +96,15 @@ enum class Holder : std::uint8_t { Unknown, Nobody, Somebody };
 /// What the status reads of the history, at `av_Now`.
 [[nodiscard]] HistoryQuery StatusQuery(Moment av_Now);
 /// Works out how the network stands. Depends on nothing but its arguments.
-[[nodiscard]] NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Holder ae_Holder);
+///
+/// Told in the words of `av_Phrases`; the sentence for other programs stays English but for what it quotes.
+[[nodiscard]] NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Holder ae_Holder,
+                                          const Phrases& av_Phrases = {});
 
 /// "2 files have not got to the server"; empty when all that were to go have.
-[[nodiscard]] std::string UndeliveredText(const NetworkStatus& av_Status);
+[[nodiscard]] std::string UndeliveredText(const NetworkStatus& av_Status, const Phrases& av_Phrases = {});
+
+/// What the texts of the network and its states are made of.
+[[nodiscard]] std::vector<Phrase> NetworkStatusPhrases();
 
 }  // namespace corvane

@@ -8,6 +8,7 @@
 
 #include "base/outside_text.h"
 #include "history/status_texts.h"
+#include "history/unit_health.h"
 #include "state/link_state.h"
 
 namespace corvane {
@@ -15,22 +16,44 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kSigns = {"problem", "not asked", "well"};
 
-/// By number; a round of another command than a download names it.
-constexpr std::array<std::string_view, 9> kCommands = {
-    "", "", "Set date", "Get date", "Set log period", "Set mode", "Set delays", "Read memory", "Test of the base"};
+/// By number, from the first one on that is no download; the last one is that of a number that is not known.
+constexpr std::array kCommands = {Phrase{1408, "Set date: %1"},         Phrase{1409, "Get date: %1"},
+                                  Phrase{1410, "Set log period: %1"},   Phrase{1411, "Set mode: %1"},
+                                  Phrase{1412, "Set delays: %1"},       Phrase{1413, "Read memory: %1"},
+                                  Phrase{1414, "Test of the base: %1"}, Phrase{1415, "Command: %1"}};
+constexpr std::int32_t kFirstCommand = 2;
+
+constexpr struct {
+  Phrase problem{1389, "problem"};
+  CountPhrase tries{{1390, "%1 try"}, {1391, "%1 tries"}};
+  Phrase nothing_new{1392, "nothing new"};
+  CountPhrase rejected{{1393, "%1 line rejected"}, {1394, "%1 lines rejected"}};
+  Phrase not_asked{1395, "not asked: %1"};
+  Phrase filled{1396, "%1 of %2 filled"};
+  Phrase still_there{1397, "%1 of %2 asked for and still there"};
+  Phrase lost{1398, "%1 of %2 not in the unit any more"};
+  Phrase fetched{1400, "fetched"};
+  Phrase not_fetched{1401, "not fetched"};
+  Phrase converted{1402, "converted"};
+  Phrase not_converted{1403, "not converted"};
+  Phrase sent{1404, "sent"};
+  Phrase not_sent{1405, "not sent"};
+  Phrase backed_up{1406, "backed up"};
+  Phrase not_backed_up{1407, "not backed up"};
+} kSay;
 
 struct TargetText {
   Target target;
-  std::string_view done;
-  std::string_view failed;
+  Phrase done;
+  Phrase failed;
 };
 
 /// In the order in which a round goes through them.
 constexpr std::array kTargets = {
-    TargetText{Target::Fetched, "fetched", "not fetched"},
-    TargetText{Target::Calibrated, "converted", "not converted"},
-    TargetText{Target::Server, "sent", "not sent"},
-    TargetText{Target::Backup, "backed up", "not backed up"},
+    TargetText{Target::Fetched, kSay.fetched, kSay.not_fetched},
+    TargetText{Target::Calibrated, kSay.converted, kSay.not_converted},
+    TargetText{Target::Server, kSay.sent, kSay.not_sent},
+    TargetText{Target::Backup, kSay.backed_up, kSay.not_backed_up},
 };
 
 /// All that is known of one unit in the round.
@@ -50,19 +73,20 @@ void Add(std::string& av_Text, std::string_view as_Separator, std::string_view a
   av_Text += as_More;
 }
 
-std::string TriesText(const ContactRecord& av_Contact) {
-  return av_Contact.tries > 1 ? CountText(av_Contact.tries, "try", "tries") : "";
+std::string TriesText(const ContactRecord& av_Contact, const Phrases& av_Phrases) {
+  return av_Contact.tries > 1 ? CountText(av_Contact.tries, kSay.tries, av_Phrases) : "";
 }
 
-std::string ReadingsText(const ContactRecord& av_Contact) {
+std::string ReadingsText(const ContactRecord& av_Contact, const Phrases& av_Phrases) {
   if (av_Contact.command != kDownload) return "";
-  if (av_Contact.stored > 0) return CountText(av_Contact.stored, "reading", "readings");
-  return av_Contact.outcome == Outcome::Answered ? "nothing new" : "";
+  if (av_Contact.stored > 0) return CountText(av_Contact.stored, kCommonPhrases.readings, av_Phrases);
+  return av_Contact.outcome == Outcome::Answered ? av_Phrases.Text(kSay.nothing_new) : "";
 }
 
 class LineWriter {
  public:
-  LineWriter(const RoundRecord& av_Round, const UnitCase& av_Case) : round_(av_Round), case_(av_Case) {}
+  LineWriter(const RoundRecord& av_Round, const UnitCase& av_Case, const Phrases& av_Phrases)
+      : round_(av_Round), case_(av_Case), phrases_(av_Phrases) {}
 
   RoundLine Write() {
     if (case_.contact != nullptr) SayContact(*case_.contact);
@@ -76,27 +100,30 @@ class LineWriter {
 
  private:
   void SayContact(const ContactRecord& contact) {
-    const auto command = static_cast<std::size_t>(contact.command);
-    const std::string_view name = command < kCommands.size() ? kCommands[command] : "Command";
-    if (!name.empty()) line_.text = std::string(name) + ": ";
-    line_.text += ContactText(contact);
+    line_.text = ContactText(contact);
+    // A round of another command than a download names it.
+    if (contact.command >= 0 && contact.command < kFirstCommand) return;
+    const auto command = static_cast<std::size_t>(contact.command - kFirstCommand);
+    line_.text = phrases_.Text(kCommands[std::min(command, kCommands.size() - 1)], {line_.text});
   }
 
   std::string ContactText(const ContactRecord& contact) {
     if (contact.outcome == Outcome::NotAsked || contact.outcome == Outcome::NoPort) {
       line_.sign = contact.outcome == Outcome::NoPort ? RoundSign::Problem : RoundSign::NotAsked;
       const std::string& why = contact.error.empty() ? round_.ending : contact.error;
-      return why.empty() ? "not asked" : "not asked: " + Printable(why);
+      if (why.empty()) return OutcomeText(Outcome::NotAsked, phrases_);
+      return phrases_.Text(kSay.not_asked, {Printable(why)});
     }
     std::string text;
     if (contact.outcome == Outcome::Answered) {
-      text = "answered";
+      text = OutcomeText(Outcome::Answered, phrases_);
     } else {
-      text = contact.outcome == Outcome::Silent || contact.error.empty() ? "no answer" : "problem";
+      const bool silent = contact.outcome == Outcome::Silent || contact.error.empty();
+      text = silent ? OutcomeText(Outcome::Silent, phrases_) : phrases_.Text(kSay.problem);
     }
-    Add(text, ", ", TriesText(contact));
-    Add(text, ", ", ReadingsText(contact));
-    if (contact.rejected > 0) Add(text, ", ", CountText(contact.rejected, "line", "lines") + " rejected");
+    Add(text, ", ", TriesText(contact, phrases_));
+    Add(text, ", ", ReadingsText(contact, phrases_));
+    if (contact.rejected > 0) Add(text, ", ", CountText(contact.rejected, kSay.rejected, phrases_));
     if (contact.outcome != Outcome::Answered || !contact.error.empty()) line_.sign = RoundSign::Problem;
     if (contact.outcome != Outcome::Silent) Add(text, ": ", Printable(contact.error));
     return text;
@@ -104,8 +131,8 @@ class LineWriter {
 
   void SayGaps() {
     for (const auto& [state, text] :
-         {std::pair(GapState::Filled, "filled"), std::pair(GapState::Asked, "asked for and still there"),
-          std::pair(GapState::Lost, "not in the unit any more")}) {
+         {std::pair(GapState::Filled, kSay.filled), std::pair(GapState::Asked, kSay.still_there),
+          std::pair(GapState::Lost, kSay.lost)}) {
       std::int64_t gaps = 0;
       std::int64_t missing = 0;
       for (const GapRecord* gap : case_.gaps) {
@@ -115,7 +142,8 @@ class LineWriter {
       }
       if (gaps == 0) continue;
       Add(line_.text, "; ",
-          CountText(gaps, "gap", "gaps") + " of " + CountText(missing, "reading", "readings") + " " + text);
+          phrases_.Text(text, {CountText(gaps, kCommonPhrases.gaps, phrases_),
+                               CountText(missing, kCommonPhrases.readings, phrases_)}));
       if (state != GapState::Filled) line_.sign = RoundSign::Problem;
     }
   }
@@ -125,15 +153,16 @@ class LineWriter {
     if (found == case_.deliveries.end()) return "";
     const DeliveryRecord& delivery = *found->second;
     const bool tried = LiesIn(round_, delivery.tried);
-    if (!tried || delivery.problem.empty()) return std::string(target.done);
+    if (!tried || delivery.problem.empty()) return phrases_.Text(target.done);
     line_.sign = RoundSign::Problem;
     const bool arrived = delivery.done == delivery.tried;
-    if (!arrived && delivery.problem == target.failed) return delivery.problem;
-    return std::string(arrived ? target.done : target.failed) + ": " + Printable(delivery.problem);
+    if (!arrived && delivery.problem == target.failed.english) return phrases_.Text(target.failed);
+    return phrases_.Text(arrived ? target.done : target.failed) + ": " + Printable(delivery.problem);
   }
 
   const RoundRecord& round_;
   const UnitCase& case_;
+  const Phrases& phrases_;
   RoundLine line_;
 };
 
@@ -168,15 +197,15 @@ HistoryQuery RoundQuery(std::int64_t al_Key) {
   return query;
 }
 
-RoundTexts TextsOf(const RoundRecord& av_Round, const HistoryContents& av_History) {
-  RoundTexts texts{av_Round, RoundText(av_Round), {}};
+RoundTexts TextsOf(const RoundRecord& av_Round, const HistoryContents& av_History, const Phrases& av_Phrases) {
+  RoundTexts texts{av_Round, RoundText(av_Round, av_Phrases), {}};
   if (texts.head[0] >= 'a' && texts.head[0] <= 'z') texts.head[0] -= 'a' - 'A';
   std::map<std::int64_t, UnitCase> cases = CasesOf(av_Round, av_History);
   std::vector<std::tuple<RoundSign, bool, std::int32_t, RoundLine>> sorted;
   for (const UnitRecord& unit : av_History.units) {
     const auto found = cases.find(unit.key);
     if (found == cases.end()) continue;
-    RoundLine line = LineWriter(av_Round, found->second).Write();
+    RoundLine line = LineWriter(av_Round, found->second, av_Phrases).Write();
     if (line.text.empty()) continue;
     line.unit = unit.key;
     line.name = Printable(unit.name);
@@ -204,6 +233,13 @@ std::string RoundInShort(const RoundTexts& av_Texts, std::size_t al_Units) {
   }
   if (left > 0) text += told > 0 ? "; and " + CountText(left, "other", "others") : "";
   return text;
+}
+
+std::vector<Phrase> RoundTextPhrases() {
+  std::vector<Phrase> all = PhrasesIn(kSay);
+  const std::vector<Phrase> more = PhrasesIn(kCommands);
+  all.insert(all.end(), more.begin(), more.end());
+  return all;
 }
 
 }  // namespace corvane

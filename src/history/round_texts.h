@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "lang/phrases.h"
 #include "platform/history_records.h"
 #include "platform/history_store.h"
 
@@ -37,9 +38,13 @@ struct RoundTexts {
 /// A round in sentences; `av_History` holds its contacts, the units and the deliveries.
 ///
 /// Of deliveries the history holds the last one only: what later ones have replaced is left out.
-[[nodiscard]] RoundTexts TextsOf(const RoundRecord& av_Round, const HistoryContents& av_History);
+[[nodiscard]] RoundTexts TextsOf(const RoundRecord& av_Round, const HistoryContents& av_History,
+                                 const Phrases& av_Phrases = {});
 
 /// The round in one line: how it went, and at most so many units that did not end well, with the reason.
 [[nodiscard]] std::string RoundInShort(const RoundTexts& av_Texts, std::size_t al_Units);
+
+/// What the sentences of a round are made of.
+[[nodiscard]] std::vector<Phrase> RoundTextPhrases();
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #include "history/status_texts.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdlib>
@@ -10,19 +11,47 @@
 namespace corvane {
 namespace {
 
+constexpr struct {
+  CountPhrase seconds{{1030, "%1 second"}, {1031, "%1 seconds"}};
+  Phrase minutes{1032, "%1 minutes"};
+  Phrase hours{1033, "%1 hours"};
+  Phrase days{1034, "%1 days"};
+  CountPhrase dependent_seconds{{1035, "%1 second"}, {1036, "%1 seconds"}};
+  Phrase dependent_minutes{1037, "%1 minutes"};
+  Phrase dependent_hours{1038, "%1 hours"};
+  Phrase dependent_days{1039, "%1 days"};
+  Phrase brief_seconds{1040, "%1 s"};
+  Phrase brief_minutes{1041, "%1 min"};
+  Phrase brief_hours{1042, "%1 h"};
+  Phrase brief_days{1043, "%1 d"};
+} kSpans;
+
 struct SpanUnit {
   std::int64_t seconds;
   std::int64_t from;  ///< durations from here on are told in it
-  std::string_view one;
-  std::string_view many;
-  std::string_view brief;
+  CountPhrase alone;
+  CountPhrase dependent;
+  Phrase brief;
 };
 
+/// Of what is told from two on there is never one.
 constexpr std::array kSpanUnits = {
-    SpanUnit{kSecondsPerDay, 2 * kSecondsPerDay, "day", "days", "d"},
-    SpanUnit{3600, 2 * 3600, "hour", "hours", "h"},
-    SpanUnit{60, 2 * 60, "minute", "minutes", "min"},
-    SpanUnit{1, 0, "second", "seconds", "s"},
+    SpanUnit{kSecondsPerDay,
+             2 * kSecondsPerDay,
+             {kSpans.days, kSpans.days},
+             {kSpans.dependent_days, kSpans.dependent_days},
+             kSpans.brief_days},
+    SpanUnit{3600,
+             2 * 3600,
+             {kSpans.hours, kSpans.hours},
+             {kSpans.dependent_hours, kSpans.dependent_hours},
+             kSpans.brief_hours},
+    SpanUnit{60,
+             2 * 60,
+             {kSpans.minutes, kSpans.minutes},
+             {kSpans.dependent_minutes, kSpans.dependent_minutes},
+             kSpans.brief_minutes},
+    SpanUnit{1, 0, kSpans.seconds, kSpans.dependent_seconds, kSpans.brief_seconds},
 };
 
 /// The unit in which a duration is told, and how many of it.
@@ -33,7 +62,20 @@ std::pair<const SpanUnit&, std::int64_t> ToldIn(std::int64_t al_Seconds) {
   return {*unit, (seconds + unit->seconds / 2) / unit->seconds};
 }
 
-constexpr std::array<std::string_view, 4> kRoundNames = {"download", "fetching", "command", "repair"};
+/// By `RoundKind`, and a kind that is not known.
+constexpr std::array kByHand = {Phrase{1050, "download of %1"}, Phrase{1051, "fetching of %1"},
+                                Phrase{1052, "command of %1"}, Phrase{1053, "repair of %1"},
+                                Phrase{1054, "round of %1"}};
+constexpr std::array kAutomatic = {Phrase{1055, "automatic download of %1"}, Phrase{1056, "automatic fetching of %1"},
+                                   Phrase{1057, "automatic command of %1"}, Phrase{1058, "automatic repair of %1"},
+                                   Phrase{1059, "automatic round of %1"}};
+
+constexpr struct {
+  Phrase not_ended{1060, "%1, not ended"};
+  Phrase ended{1061, "%1, %2: %3 of %4 answered, %5 stored"};
+  CountPhrase failed{{1062, "%1 unit or file failed"}, {1063, "%1 units or files failed"}};
+  Phrase ended_early{1064, "ended early: %1"};
+} kRound;
 
 }  // namespace
 
@@ -41,14 +83,18 @@ std::string CountText(std::int64_t al_Count, std::string_view as_One, std::strin
   return std::to_string(al_Count) + " " + std::string(al_Count == 1 ? as_One : as_Many);
 }
 
-std::string SpanText(std::int64_t al_Seconds) {
-  const auto [unit, count] = ToldIn(al_Seconds);
-  return CountText(count, unit.one, unit.many);
+std::string CountText(std::int64_t al_Count, const CountPhrase& av_Words, const Phrases& av_Phrases) {
+  return av_Phrases.Text(al_Count == 1 ? av_Words.one : av_Words.many, {std::to_string(al_Count)});
 }
 
-std::string BriefSpanText(std::int64_t al_Seconds) {
+std::string SpanText(std::int64_t al_Seconds, const Phrases& av_Phrases, SpanForm ae_Form) {
   const auto [unit, count] = ToldIn(al_Seconds);
-  return std::to_string(count) + " " + std::string(unit.brief);
+  return CountText(count, ae_Form == SpanForm::Dependent ? unit.dependent : unit.alone, av_Phrases);
+}
+
+std::string BriefSpanText(std::int64_t al_Seconds, const Phrases& av_Phrases) {
+  const auto [unit, count] = ToldIn(al_Seconds);
+  return av_Phrases.Text(unit.brief, {std::to_string(count)});
 }
 
 std::string WhenText(DateTime av_When) {
@@ -59,18 +105,26 @@ std::string WhenText(Moment av_When) {
   return WhenText(av_When.Local());
 }
 
-std::string RoundText(const RoundRecord& av_Round) {
-  std::string text = av_Round.automatic ? "automatic " : "";
-  const auto kind = static_cast<std::size_t>(av_Round.kind);
-  text += kind < kRoundNames.size() ? kRoundNames[kind] : "round";
-  text += " of " + WhenText(av_Round.began);
-  if (av_Round.ended.IsNone()) return text + ", not ended";
-  text += ", " + SpanText(av_Round.ended - av_Round.began) + ": " + std::to_string(av_Round.answered) + " of " +
-          CountText(av_Round.asked, "unit", "units") + " answered, " +
-          CountText(av_Round.stored, "reading", "readings") + " stored";
-  if (av_Round.problems > 0) text += ", " + CountText(av_Round.problems, "unit or file", "units or files") + " failed";
-  if (!av_Round.ending.empty()) text += "; ended early: " + av_Round.ending;
+std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases) {
+  const auto& names = av_Round.automatic ? kAutomatic : kByHand;
+  const std::size_t kind = std::min(static_cast<std::size_t>(av_Round.kind), names.size() - 1);
+  const std::string head = av_Phrases.Text(names[kind], {WhenText(av_Round.began)});
+  if (av_Round.ended.IsNone()) return av_Phrases.Text(kRound.not_ended, {head});
+  std::string text = av_Phrases.Text(
+      kRound.ended, {head, SpanText(av_Round.ended - av_Round.began, av_Phrases), std::to_string(av_Round.answered),
+                     CountText(av_Round.asked, kCommonPhrases.units, av_Phrases),
+                     CountText(av_Round.stored, kCommonPhrases.readings, av_Phrases)});
+  if (av_Round.problems > 0) text += ", " + CountText(av_Round.problems, kRound.failed, av_Phrases);
+  if (!av_Round.ending.empty()) text += "; " + av_Phrases.Text(kRound.ended_early, {av_Round.ending});
   return text;
+}
+
+std::vector<Phrase> StatusTextPhrases() {
+  std::vector<Phrase> all = PhrasesIn(kSpans);
+  for (const auto& more : {PhrasesIn(kCommonPhrases), PhrasesIn(kByHand), PhrasesIn(kAutomatic), PhrasesIn(kRound)}) {
+    all.insert(all.end(), more.begin(), more.end());
+  }
+  return all;
 }
 
 }  // namespace corvane

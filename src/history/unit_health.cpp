@@ -25,8 +25,13 @@ constexpr std::int64_t kManyTries = 2;  ///< a contact, on the average of the la
 constexpr double kSteady = 0.0005;      ///< volts a day
 constexpr std::int64_t kClockOff = 600;
 
-constexpr std::array<std::string_view, 5> kOutcomes = {"answered", "error", "no answer", "not asked", "no port"};
+constexpr std::array kOutcomes = {Phrase{1314, "answered"},  Phrase{1315, "error"},   Phrase{1316, "no answer"},
+                                  Phrase{1317, "not asked"}, Phrase{1318, "no port"}, Phrase{1331, "other"}};
 constexpr std::array<std::string_view, 5> kSources = {"by radio", "from nowhere", "by hand", "by FTP", "as web data"};
+
+const Phrase& PhraseOf(Outcome ae_Outcome) {
+  return kOutcomes[std::min(static_cast<std::size_t>(ae_Outcome), kOutcomes.size() - 1)];
+}
 
 /// What others say of the way to the unit.
 struct Neighbours {
@@ -259,8 +264,15 @@ class HealthWriter {
 }  // namespace
 
 std::string_view NameOf(Outcome ae_Outcome) {
-  const auto index = static_cast<std::size_t>(ae_Outcome);
-  return index < kOutcomes.size() ? kOutcomes[index] : "other";
+  return PhraseOf(ae_Outcome).english;
+}
+
+std::string OutcomeText(Outcome ae_Outcome, const Phrases& av_Phrases) {
+  return av_Phrases.Text(PhraseOf(ae_Outcome));
+}
+
+std::vector<Phrase> OutcomePhrases() {
+  return PhrasesIn(kOutcomes);
 }
 
 UnitHealth HealthOf(const UnitStatus& av_Unit, const NetworkStatus& av_Network, const HistoryContents& av_History) {

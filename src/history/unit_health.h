@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "history/network_status.h"
+#include "lang/phrases.h"
 
 namespace corvane {
 
@@ -27,5 +28,10 @@ struct UnitHealth {
 
 /// "answered", "no answer", ...
 [[nodiscard]] std::string_view NameOf(Outcome ae_Outcome);
+/// The same in another language.
+[[nodiscard]] std::string OutcomeText(Outcome ae_Outcome, const Phrases& av_Phrases);
+
+/// What that is made of.
+[[nodiscard]] std::vector<Phrase> OutcomePhrases();
 
 }  // namespace corvane

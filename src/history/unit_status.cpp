@@ -25,6 +25,19 @@ constexpr std::size_t kRoundsShown = 20;
 constexpr std::int64_t kSilentRounds = 2;
 constexpr std::int64_t kCompleteDays = 30;
 
+constexpr struct {
+  Phrase from_nowhere{1304, "Its readings are got from nowhere"};
+  Phrase not_active{1305, "It is not active"};
+  Phrase no_answer{1306, "No answer in the last %1 rounds; it last answered on %2"};
+  Phrase never_answered{1307, "No answer in the last %1 rounds; it has never answered"};
+  Phrase no_reading{1308, "No reading has ever come"};
+  Phrase old_reading{1309, "The last reading, of %1, is %2 old"};
+  Phrase by_hand{1310, "it is read by hand"};
+  Phrase last_answer{1311, "its last answer: %1"};
+  Phrase no_port{1312, "the port could not be used"};
+  Phrase is_new{1313, "No reading yet; it was added on %1"};
+} kSay;
+
 template <typename Record>
 std::span<const Record> OfUnit(const std::vector<Record>& av_Records, std::int64_t al_Unit) {
   const auto first = std::lower_bound(av_Records.begin(), av_Records.end(), al_Unit,
@@ -57,13 +70,13 @@ void TakeAnswers(std::span<const ContactRecord> av_Contacts, UnitStatus& av_Stat
   av_Status.answered = std::count(av_Status.answers.begin(), av_Status.answers.end(), true);
 }
 
-void TakeLastContact(std::span<const ContactRecord> av_Contacts, UnitStatus& av_Status) {
+void TakeLastContact(std::span<const ContactRecord> av_Contacts, const Phrases& av_Phrases, UnitStatus& av_Status) {
   if (av_Contacts.empty()) return;
   const ContactRecord& last = av_Contacts.back();
   av_Status.last_contact = last.at;
-  av_Status.contact = NameOf(last.outcome);
-  if (!last.error.empty() && last.error != av_Status.contact) av_Status.contact += ": " + last.error;
-  if (last.stored > 0) av_Status.contact += ", " + CountText(last.stored, "reading", "readings");
+  av_Status.contact = OutcomeText(last.outcome, av_Phrases);
+  if (!last.error.empty() && last.error != NameOf(last.outcome)) av_Status.contact += ": " + last.error;
+  if (last.stored > 0) av_Status.contact += ", " + CountText(last.stored, kCommonPhrases.readings, av_Phrases);
 }
 
 void TakeReadings(const UnitHistory& av_History, const StatusRules& av_Rules, UnitStatus& av_Status) {
@@ -147,29 +160,32 @@ std::int64_t SilentRounds(std::span<const ContactRecord> av_Contacts) {
   return rounds;
 }
 
-std::string WhyOff(const UnitRecord& av_Unit) {
-  if (av_Unit.active && av_Unit.get_from == kFromNone) return "Its readings are got from nowhere";
-  return av_Unit.active ? "" : "It is not active";
+std::string WhyOff(const UnitRecord& av_Unit, const Phrases& av_Phrases) {
+  if (!av_Unit.active) return av_Phrases.Text(kSay.not_active);
+  return av_Unit.get_from == kFromNone ? av_Phrases.Text(kSay.from_nowhere) : "";
 }
 
-std::string WhySilent(std::int64_t al_Rounds, const UnitStatus& av_Status) {
-  return "No answer in the last " + std::to_string(al_Rounds) + " rounds; it " +
-         (av_Status.last_answered.IsNone() ? "has never answered"
-                                           : "last answered on " + WhenText(av_Status.last_answered));
+std::string WhySilent(std::int64_t al_Rounds, const UnitStatus& av_Status, const Phrases& av_Phrases) {
+  const std::string rounds = std::to_string(al_Rounds);
+  if (av_Status.last_answered.IsNone()) return av_Phrases.Text(kSay.never_answered, {rounds});
+  return av_Phrases.Text(kSay.no_answer, {rounds, WhenText(av_Status.last_answered)});
 }
 
 /// Empty for a unit that is not late.
 std::string WhyLate(const UnitHistory& av_History, const StatusRules& av_Rules, const UnitStatus& av_Status) {
-  if (av_Status.last_reading.IsNone()) return "No reading has ever come";
+  const Phrases& phrases = av_Rules.phrases;
+  if (av_Status.last_reading.IsNone()) return phrases.Text(kSay.no_reading);
   const std::int64_t period = av_History.scan != nullptr ? av_History.scan->period : 0;
   if (*av_Status.reading_age <= av_Rules.LateFrom(period)) return "";
   std::string why =
-      "The last reading, of " + WhenText(av_Status.last_reading) + ", is " + SpanText(*av_Status.reading_age) + " old";
-  if (av_History.unit->get_from == kFromHandHeld) why += "; it is read by hand";
+      phrases.Text(kSay.old_reading, {WhenText(av_Status.last_reading), SpanText(*av_Status.reading_age, phrases)});
+  if (av_History.unit->get_from == kFromHandHeld) why += "; " + phrases.Text(kSay.by_hand);
   if (av_History.contacts.empty()) return why;
   const ContactRecord& last = av_History.contacts.back();
-  if (last.outcome == Outcome::Failed && !last.error.empty()) why += "; its last answer: " + last.error;
-  if (last.outcome == Outcome::NoPort) why += "; the port could not be used";
+  if (last.outcome == Outcome::Failed && !last.error.empty()) {
+    why += "; " + phrases.Text(kSay.last_answer, {last.error});
+  }
+  if (last.outcome == Outcome::NoPort) why += "; " + phrases.Text(kSay.no_port);
   return why;
 }
 
@@ -182,12 +198,12 @@ bool IsNew(const UnitRecord& av_Unit, const StatusRules& av_Rules, const UnitSta
 std::pair<UnitState, std::string> Judge(const UnitHistory& av_History, const StatusRules& av_Rules,
                                         const UnitStatus& av_Status) {
   const UnitRecord& unit = *av_History.unit;
-  if (std::string why = WhyOff(unit); !why.empty()) return {UnitState::Off, std::move(why)};
+  if (std::string why = WhyOff(unit, av_Rules.phrases); !why.empty()) return {UnitState::Off, std::move(why)};
   if (IsNew(unit, av_Rules, av_Status)) {
-    return {UnitState::New, "No reading yet; it was added on " + WhenText(unit.added)};
+    return {UnitState::New, av_Rules.phrases.Text(kSay.is_new, {WhenText(unit.added)})};
   }
   const std::int64_t silent = unit.get_from == kFromRadio ? SilentRounds(av_History.contacts) : 0;
-  if (silent >= kSilentRounds) return {UnitState::Silent, WhySilent(silent, av_Status)};
+  if (silent >= kSilentRounds) return {UnitState::Silent, WhySilent(silent, av_Status, av_Rules.phrases)};
   if (std::string why = WhyLate(av_History, av_Rules, av_Status); !why.empty()) {
     return {UnitState::Late, std::move(why)};
   }
@@ -220,7 +236,7 @@ UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules) 
   UnitStatus status;
   TakeRecord(*av_History.unit, status);
   TakeAnswers(av_History.contacts, status);
-  TakeLastContact(av_History.contacts, status);
+  TakeLastContact(av_History.contacts, av_Rules.phrases, status);
   const ClockView clock = ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock);
   status.clock_offset = clock.offset;
   status.clock_drift = clock.drift;
@@ -232,6 +248,10 @@ UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules) 
   status.troubles = TroublesOf(av_History, av_Rules, status);
   std::tie(status.state, status.why) = Judge(av_History, av_Rules, status);
   return status;
+}
+
+std::vector<Phrase> UnitStatusPhrases() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

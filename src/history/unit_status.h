@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "history/network_status.h"
 #include "history/own_clock.h"
+#include "lang/phrases.h"
 
 namespace corvane {
 
@@ -30,6 +32,7 @@ struct StatusRules {
   double late_after = 2;                 ///< intervals
   double battery_limit = 11.5;           ///< volts
   OwnClock own_clock;
+  Phrases phrases;  ///< in which its reasons are told
 
   /// What is wrong for good is told of gaps that end from then on.
   [[nodiscard]] DateTime NewsFrom() const { return now.Local() - 30 * kSecondsPerDay; }
@@ -47,5 +50,8 @@ inline constexpr std::int64_t kHeardLately = kSecondsPerDay + 3600;
 
 /// How one unit stands.
 [[nodiscard]] UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules);
+
+/// What its texts are made of, but for troubles.
+[[nodiscard]] std::vector<Phrase> UnitStatusPhrases();
 
 }  // namespace corvane

@@ -12,61 +12,82 @@ namespace {
 
 constexpr double kSlopeShown = 0.005;  ///< volts a day
 
-std::string AgoText(Moment av_When, Moment av_Now) {
+constexpr struct {
+  Phrase ago{1332, "%1 ago"};
+  Phrase in{1333, "in %1"};
+  Phrase ahead{1334, "%1 ahead"};
+  CountPhrase days_left{{1335, "%1 day left"}, {1336, "%1 days left"}};
+  Phrase volts_a_day{1337, "%1 V a day"};
+  Phrase known_to{1338, "to %1"};
+  Phrase lost{1339, "%1 lost"};
+  Phrase up_to{1340, "up to %1"};
+  Phrase never{1341, "never"};
+  Phrase then{1342, "then: %1"};
+} kSay;
+
+std::string AgoText(Moment av_When, Moment av_Now, const Phrases& av_Phrases) {
   const std::int64_t ago = av_Now - av_When;
-  return ago < 0 ? "in " + SpanText(ago) : SpanText(ago) + " ago";
+  return av_Phrases.Text(ago < 0 ? kSay.in : kSay.ago, {SpanText(ago, av_Phrases, SpanForm::Dependent)});
 }
 
 }  // namespace
 
-std::string LastReadingText(const UnitStatus& av_Unit) {
+std::string LastReadingText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
   if (av_Unit.last_reading.IsNone()) return "";
   if (!av_Unit.reading_age) return WhenText(av_Unit.last_reading);
   const DateTime now = av_Unit.last_reading + *av_Unit.reading_age;
   const bool this_year = FormatDate(now, "yyyy") == FormatDate(av_Unit.last_reading, "yyyy");
-  return (this_year ? FormatDate(av_Unit.last_reading, "d mmm HH:MM") : WhenText(av_Unit.last_reading)) + " (" +
-         BriefSpanText(*av_Unit.reading_age) + (*av_Unit.reading_age < 0 ? " ahead)" : ")");
+  const std::string date = this_year ? FormatDate(av_Unit.last_reading, "d mmm HH:MM") : WhenText(av_Unit.last_reading);
+  const std::string age = BriefSpanText(*av_Unit.reading_age, av_Phrases);
+  return date + " (" + (*av_Unit.reading_age < 0 ? av_Phrases.Text(kSay.ahead, {age}) : age) + ")";
 }
 
-std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now) {
+std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {
   if (av_Unit.last_contact.IsNone()) return "";
-  return av_Unit.contact + ", " + AgoText(av_Unit.last_contact, av_Now);
+  return av_Unit.contact + ", " + AgoText(av_Unit.last_contact, av_Now, av_Phrases);
 }
 
-std::string BatteryText(const UnitStatus& av_Unit) {
+std::string BatteryText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
   if (!av_Unit.battery) return "";
   const std::string volts = FixedText(*av_Unit.battery, 2) + " V";
   if (av_Unit.battery_days) {
-    return volts + ", " + CountText(static_cast<std::int64_t>(*av_Unit.battery_days), "day", "days") + " left";
+    return volts + ", " + CountText(static_cast<std::int64_t>(*av_Unit.battery_days), kSay.days_left, av_Phrases);
   }
   if (!av_Unit.battery_slope || std::fabs(*av_Unit.battery_slope) < kSlopeShown) return volts;
-  return volts + (*av_Unit.battery_slope > 0 ? ", +" : ", ") + FixedText(*av_Unit.battery_slope, 2) + " V a day";
+  const std::string slope = (*av_Unit.battery_slope > 0 ? "+" : "") + FixedText(*av_Unit.battery_slope, 2);
+  return volts + ", " + av_Phrases.Text(kSay.volts_a_day, {slope});
 }
 
 std::string CompleteText(const UnitStatus& av_Unit) {
   return av_Unit.complete ? FixedText(std::floor(*av_Unit.complete * 1000) / 10, 1) : "";
 }
 
-std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now) {
+std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {
   if (av_Unit.state == UnitState::Off || !av_Unit.complete || av_Unit.last_answered.IsNone()) return "";
-  const bool lately = av_Now - av_Unit.last_answered <= kHeardLately;
-  return lately ? "" : "to " + FormatDate(av_Unit.last_answered.Local(), "d mmm");
+  if (av_Now - av_Unit.last_answered <= kHeardLately) return "";
+  return av_Phrases.Text(kSay.known_to, {FormatDate(av_Unit.last_answered.Local(), "d mmm")});
 }
 
-std::string GapsText(const UnitStatus& av_Unit) {
+std::string GapsText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
   if (av_Unit.gaps == 0) return "";
-  std::string text = std::to_string(av_Unit.gaps) + ": " + CountText(av_Unit.missing, "reading", "readings");
-  if (av_Unit.lost > 0) text += ", " + std::to_string(av_Unit.lost) + " lost";
+  std::string text =
+      std::to_string(av_Unit.gaps) + ": " + CountText(av_Unit.missing, kCommonPhrases.readings, av_Phrases);
+  if (av_Unit.lost > 0) text += ", " + av_Phrases.Text(kSay.lost, {std::to_string(av_Unit.lost)});
   return text;
 }
 
-std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now) {
-  std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now);
+std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {
+  std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now, av_Phrases);
   const DateTime last = av_Unit.delivered_to;
   if (!when.empty() && !last.IsNone() && av_Unit.delivered.Local() - last > kHeardLately)
-    when += ", up to " + WhenText(last);
+    when += ", " + av_Phrases.Text(kSay.up_to, {WhenText(last)});
   if (av_Unit.delivery_problem.empty()) return when;
-  return (when.empty() ? "never" : when) + ", then: " + av_Unit.delivery_problem;
+  return (when.empty() ? av_Phrases.Text(kSay.never) : when) + ", " +
+         av_Phrases.Text(kSay.then, {av_Unit.delivery_problem});
+}
+
+std::vector<Phrase> UnitTextPhrases() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

@@ -17,6 +17,20 @@ constexpr std::int64_t kClockOff = 600;
 constexpr std::int64_t kStill = 48 * 3600;
 constexpr std::int64_t kOutsideShare = 10;  ///< of so many readings of a day one may lie outside
 
+constexpr struct {
+  CountPhrase missing{{1319, "%1 reading is missing in %2 since %3"}, {1320, "%1 readings are missing in %2 since %3"}};
+  CountPhrase lost{{1321, "%1 reading is lost for ever in %2 since %3"},
+                   {1322, "%1 readings are lost for ever in %2 since %3"}};
+  CountPhrase rejected{{1323, "%1 line was rejected in the last round"},
+                       {1324, "%1 lines were rejected in the last round"}};
+  Phrase clock_ahead{1325, "Its clock is %1 ahead"};
+  Phrase clock_behind{1326, "Its clock is %1 behind"};
+  Phrase future{1327, "The last reading, of %1, is %2 in the future"};
+  Phrase battery{1328, "The battery is down to %1 V, below %2 V"};
+  Phrase still{1329, "Item %1 of its readings has not changed since %2"};
+  Phrase outside{1330, "Item %1 lay outside its table in %2 of %3"};
+} kSay;
+
 struct Missing {
   std::int64_t readings = 0;
   std::int64_t gaps = 0;
@@ -40,20 +54,21 @@ std::string MissingText(const UnitHistory& av_History, const StatusRules& av_Rul
     if (open && (news || IsAskedForByItself(gap, av_History.unit->get_from))) missing.Take(gap);
     if (gap.state == GapState::Lost && news) lost.Take(gap);
   }
-  const auto text = [](const Missing& which, const char* one, const char* many) {
-    return CountText(which.readings, one, many) + " in " + CountText(which.gaps, "gap", "gaps") + " since " +
-           WhenText(which.since);
+  const auto text = [&phrases = av_Rules.phrases](const Missing& which, const CountPhrase& words) {
+    return phrases.Text(
+        which.readings == 1 ? words.one : words.many,
+        {std::to_string(which.readings), CountText(which.gaps, kCommonPhrases.gaps, phrases), WhenText(which.since)});
   };
-  if (missing.gaps > 0) return text(missing, "reading is missing", "readings are missing");
-  return lost.gaps > 0 ? text(lost, "reading is lost for ever", "readings are lost for ever") : "";
+  if (missing.gaps > 0) return text(missing, kSay.missing);
+  return lost.gaps > 0 ? text(lost, kSay.lost) : "";
 }
 
-std::string RejectedText(const UnitHistory& av_History) {
+std::string RejectedText(const UnitHistory& av_History, const Phrases& av_Phrases) {
   const auto& contacts = av_History.contacts;
   for (std::size_t i = contacts.size(); i-- > 0;) {
     if (!WasAsked(contacts[i].outcome)) continue;
     if (contacts[i].rejected == 0) break;
-    return CountText(contacts[i].rejected, "line was", "lines were") + " rejected in the last round";
+    return CountText(contacts[i].rejected, kSay.rejected, av_Phrases);
   }
   return "";
 }
@@ -62,30 +77,28 @@ std::string ClockText(const UnitHistory& av_History, const StatusRules& av_Rules
   if (!av_Status.clock_offset || std::llabs(*av_Status.clock_offset) <= kClockOff) return "";
   // Intended: a unit keeps the time it was given; where summer time moves this computer's clock, nobody sets all units.
   if (ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock).of_another_season) return "";
-  return "Its clock is " + SpanText(*av_Status.clock_offset) + (*av_Status.clock_offset > 0 ? " ahead" : " behind");
+  return av_Rules.phrases.Text(*av_Status.clock_offset > 0 ? kSay.clock_ahead : kSay.clock_behind,
+                               {SpanText(*av_Status.clock_offset, av_Rules.phrases)});
 }
 
-std::string FutureText(const UnitStatus& av_Status) {
+std::string FutureText(const UnitStatus& av_Status, const Phrases& av_Phrases) {
   if (av_Status.reading_age.value_or(0) >= -kClockOff) return "";
-  return "The last reading, of " + WhenText(av_Status.last_reading) + ", is " + SpanText(*av_Status.reading_age) +
-         " in the future";
+  return av_Phrases.Text(kSay.future, {WhenText(av_Status.last_reading), SpanText(*av_Status.reading_age, av_Phrases)});
 }
 
 std::string BatteryText(const StatusRules& av_Rules, const UnitStatus& av_Status) {
   if (!av_Status.battery || *av_Status.battery >= av_Rules.battery_limit) return "";
-  return "The battery is down to " + FixedText(*av_Status.battery, 2) + " V, below " +
-         FixedText(av_Rules.battery_limit, 2) + " V";
+  return av_Rules.phrases.Text(kSay.battery, {FixedText(*av_Status.battery, 2), FixedText(av_Rules.battery_limit, 2)});
 }
 
-std::string StillText(const UnitHistory& av_History) {
+std::string StillText(const UnitHistory& av_History, const Phrases& av_Phrases) {
   const ScanRecord* const scan = av_History.scan;
   if (scan == nullptr || scan->still_channel == 0 || scan->last - scan->still_since < kStill) return "";
-  return "Item " + std::to_string(scan->still_channel) + " of its readings has not changed since " +
-         WhenText(scan->still_since);
+  return av_Phrases.Text(kSay.still, {std::to_string(scan->still_channel), WhenText(scan->still_since)});
 }
 
 /// Of the last two days with readings: today is not over.
-std::string OutsideText(const UnitHistory& av_History) {
+std::string OutsideText(const UnitHistory& av_History, const Phrases& av_Phrases) {
   const std::int64_t period = av_History.scan != nullptr ? av_History.scan->period : 0;
   int days = 2;
   for (std::size_t i = av_History.days.size(); i-- > 0 && days > 0;) {
@@ -94,8 +107,9 @@ std::string OutsideText(const UnitHistory& av_History) {
     --days;
     const std::int64_t of_day = std::max(day.stored, period > 0 ? kSecondsPerDay / period : 0);
     if (day.outside_channel == 0 || day.outside * kOutsideShare <= of_day) continue;
-    return "Item " + std::to_string(day.outside_channel) + " lay outside its table in " +
-           CountText(day.outside, "reading", "readings") + " of " + FormatDate(day.day, "d mmm yyyy");
+    return av_Phrases.Text(
+        kSay.outside, {std::to_string(day.outside_channel), CountText(day.outside, kCommonPhrases.readings, av_Phrases),
+                       FormatDate(day.day, "d mmm yyyy")});
   }
   return "";
 }
@@ -109,13 +123,17 @@ std::vector<Trouble> TroublesOf(const UnitHistory& av_History, const StatusRules
     if (!text.empty()) troubles.push_back({kind, std::move(text)});
   };
   take(TroubleKind::Missing, MissingText(av_History, av_Rules));
-  take(TroubleKind::Rejected, RejectedText(av_History));
+  take(TroubleKind::Rejected, RejectedText(av_History, av_Rules.phrases));
   take(TroubleKind::Clock, ClockText(av_History, av_Rules, av_Status));
-  take(TroubleKind::Future, FutureText(av_Status));
+  take(TroubleKind::Future, FutureText(av_Status, av_Rules.phrases));
   take(TroubleKind::Battery, BatteryText(av_Rules, av_Status));
-  take(TroubleKind::Sensor, StillText(av_History));
-  take(TroubleKind::Sensor, OutsideText(av_History));
+  take(TroubleKind::Sensor, StillText(av_History, av_Rules.phrases));
+  take(TroubleKind::Sensor, OutsideText(av_History, av_Rules.phrases));
   return troubles;
+}
+
+std::vector<Phrase> TroublePhrases() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

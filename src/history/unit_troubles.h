@@ -11,4 +11,7 @@ namespace corvane {
 [[nodiscard]] std::vector<Trouble> TroublesOf(const UnitHistory& av_History, const StatusRules& av_Rules,
                                               const UnitStatus& av_Status);
 
+/// What their texts are made of.
+[[nodiscard]] std::vector<Phrase> TroublePhrases();
+
 }  // namespace corvane

@@ -3,6 +3,9 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
+
+#include "lang/phrases.h"
 
 namespace corvane {
 
@@ -26,6 +29,11 @@ class CaptionedWindow {
   /// Replaces a caption; `tab` (from 0) is meant for tabbed controls only. "&" marks the access key.
   virtual void SetCaption(std::int64_t position, int tab, const std::string& text) = 0;
   virtual void SetToolTip(std::int64_t position, const std::string& text) = 0;
+
+  /// What its sentences are made of.
+  [[nodiscard]] virtual std::vector<Phrase> PhraseList() const { return {}; }
+  /// Takes the texts of these, behind all captions.
+  virtual void SetPhrases(const Phrases& /*phrases*/) {}
 };
 
 }  // namespace corvane

@@ -146,6 +146,16 @@ void CLanguage::LoadCaptions(CaptionedWindow& av_Window) {
       LoadCaption(av_Window, position, caption.text_id);
     }
   }
+  av_Window.SetPhrases(PhrasesFor(av_Window.PhraseList()));
+}
+
+Phrases CLanguage::PhrasesFor(const std::vector<Phrase>& av_List) const {
+  Phrases::Texts texts;
+  for (const Phrase& phrase : av_List) {
+    const Entry* entry = EntryOf(phrase.id);
+    if (entry != nullptr && CanStandFor(phrase, entry->Text)) texts[phrase.id] = entry->Text;
+  }
+  return Phrases(std::move(texts));
 }
 
 void CLanguage::LoadTabs(CaptionedWindow& av_Window, std::int64_t al_Position,

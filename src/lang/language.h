@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lang/captioned_window.h"
+#include "lang/phrases.h"
 #include "ui/messages.h"
 
 namespace corvane {
@@ -32,7 +33,8 @@ class CLanguage {
   [[nodiscard]] std::optional<std::int64_t> FindEntry(std::int32_t al_ID) const;
   /// The entry's text; the ID followed by "NT" when it is not in the table. **Yields** for a message of the first use.
   [[nodiscard]] std::string LanguageText(std::int32_t al_ID);
-  /// Gives every control of the window the caption and tool tip of its ID. **Yields** for a message of the first use.
+  /// Gives every control of the window the caption and tool tip of its ID, then the window its phrases. **Yields** for
+  /// a message of the first use.
   void LoadCaptions(CaptionedWindow& av_Window);
 
  private:
@@ -46,6 +48,8 @@ class CLanguage {
   void ReadEntries();
   void AddEntry(const std::vector<std::string_view>& av_Fields, std::int64_t al_Line);
   [[nodiscard]] const Entry* EntryOf(std::int64_t al_ID) const;
+  /// The texts that can stand for phrases of `av_List`; the others stay English.
+  [[nodiscard]] Phrases PhrasesFor(const std::vector<Phrase>& av_List) const;
   void LoadTabs(CaptionedWindow& av_Window, std::int64_t al_Position, const CaptionedWindow::Caption& av_Caption) const;
   void LoadCaption(CaptionedWindow& av_Window, std::int64_t al_Position, std::int32_t al_ID) const;
 

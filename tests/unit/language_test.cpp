@@ -22,9 +22,13 @@ class FakeCaptions : public CaptionedWindow {
     shown[Name(position) + (At(position).tabs > 0 ? "/" + std::to_string(tab) : "")] = text;
   }
   void SetToolTip(std::int64_t position, const std::string& text) override { shown[Name(position) + "?"] = text; }
+  [[nodiscard]] std::vector<Phrase> PhraseList() const override { return {kPhrase}; }
+  void SetPhrases(const Phrases& taken) override { phrases = taken; }
 
   std::vector<Caption> controls = {{1213, 0}, {0, 0}, {300, 3}, {2147483647, 2}};
+  static constexpr Phrase kPhrase{1300, "%1 of %2"};
   std::map<std::string, std::string> shown;
+  Phrases phrases;
 
  private:
   [[nodiscard]] const Caption& At(std::int64_t position) const { return controls[static_cast<std::size_t>(position)]; }
@@ -98,6 +102,24 @@ TEST(Language, TextsFallBackToTheirIDAndAMissingFileIsReportedOnce) {
   EXPECT_EQ(language.LanguageText(7), "first");
   EXPECT_EQ(language.LanguageText(99), "99NT");
   EXPECT_EQ(language.FindEntry(100099), 100002);
+}
+
+TEST(Language, PhrasesStandInWhereTheyHoldTheSameValues) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"1300~~%2: %1~", "100 %1: 3"}, {"1300~~%1 %2 %1 % %x~", "3 100 %1 3 % %x"},
+      {"1300~~%1~", "3 of 100 %1"},   {"1300~~%1 %2 %3~", "3 of 100 %1"},
+      {"1300~~~", "3 of 100 %1"},     {"1301~~%1 %2~", "3 of 100 %1"},
+  };
+  for (const auto& [line, says] : rows) {
+    World world("[General]\nLanguage=my.lng\n");
+    world.home.Write("my.lng", "t\n" + std::string(line) + "\n");
+    Application app(Platform{world.loop, world.port, world.shell, world.dialogs, world.internet, world.zip},
+                    world.home.path());
+    FakeCaptions window;
+    app.life().SetCaptions(&window);
+    app.life().OnWindowCreate();
+    EXPECT_EQ(window.phrases.Text(FakeCaptions::kPhrase, {"3", "100 %1"}), says) << line;
+  }
 }
 
 TEST(Language, EncodingsAreToldApart) {

@@ -49,6 +49,9 @@ TEST_F(Captions, EveryTextOfTheWindowHasAnIdOfItsOwn) {
   ForEach([&ids](auto, auto, std::int32_t id) {
     EXPECT_TRUE(ids.insert(id).second) << "text ID " << id << " is used twice";
   });
+  for (const Phrase& phrase : captions.PhraseList()) {
+    EXPECT_TRUE(ids.insert(phrase.id).second) << "text ID " << phrase.id << " is used twice";
+  }
 }
 
 TEST_F(Captions, ShippedLanguageFileHoldsEveryTextAsItIs) {

@@ -69,9 +69,13 @@ TEST(Stations, AreSortedChosenAndPutTogether) {
 /// A window of three units of which the history is kept; the second is behind a relay.
 class NetworkPage : public testing::Test {
  protected:
-  NetworkPage()
-      : world_(SmallNetwork(3) + "RelayID2=5\nGetFrom3=2\n[Relays]\nNumRelays=2\nName2=Ridge\nID2=5\n", &store_) {
+  /// `general` are lines behind the settings' first one.
+  explicit NetworkPage(const std::string& general = "")
+      : world_(SmallNetwork(3).insert(std::string("[General]\n").size(), general) +
+                   "RelayID2=5\nGetFrom3=2\n[Relays]\nNumRelays=2\nName2=Ridge\nID2=5\n",
+               &store_) {
     WriteTables(world_.home);
+    if (!general.empty()) world_.app().life().SetCaptions(&world_.window().captions());
     world_.Open();
     world_.ShowPage("tabNetwork");
     world_.Settle();
@@ -147,6 +151,29 @@ TEST_F(NetworkPage, CommandsReachTheSelectedUnitsWhereverTheyAreByNow) {
   EXPECT_EQ(world_.app().registry().Units[unit].Active, 0);
   EXPECT_FALSE(world_.form().Lst_Units.checked(unit - 1));
   EXPECT_TRUE(ShowsSoon([&] { return Table().stations().IndexOf(key).data().toString() == "off"; }));
+}
+
+class GermanNetworkPage : public NetworkPage {
+ protected:
+  GermanNetworkPage() : NetworkPage("Language=" GERMAN_FILE "\n") {}
+};
+
+TEST_F(GermanNetworkPage, SpeaksGermanAllOver) {
+  EXPECT_EQ(
+      Line("networkHeadline"),
+      "0 von 3 Stationen sind in Ordnung, Site 1 ist neu, Site 2 ist neu, Site 3 ist neu; keine Runde ist geplant");
+  EXPECT_TRUE(Line("networkAdvice").starts_with("Noch lief keine Runde"));
+  EXPECT_EQ(world_.Widget<QComboBox>("stationLetters").itemText(2), "schweigt");
+  Select({0});
+  EXPECT_TRUE(Line("stationWhy").starts_with("Site 1: Noch kein Messwert; angelegt am "));
+  world_.Choose("mnu_Download", 1);
+  EXPECT_TRUE(
+      ShowsSoon([this] { return Cell(2, StationColumn::LastContact).startsWith("Antwort, 2 Messwerte, vor "); }));
+  EXPECT_TRUE(
+      ShowsSoon([this] { return Line("networkRound").find("2 von 2 Stationen mit Antwort") != std::string::npos; }));
+  EXPECT_EQ(Cell(0, StationColumn::State), "neu");
+  world_.Widget<QComboBox>("stationGroups").setCurrentIndex(2);
+  EXPECT_TRUE(Cell(0, StationColumn::State).startsWith("Kein Relais: 2 Stationen, "));
 }
 
 TEST(NetworkPageWithoutUnits, SaysWhatToDo) {

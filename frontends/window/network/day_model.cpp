@@ -70,7 +70,7 @@ const DayCell& DayModel::CellAt(const QModelIndex& index) const {
 }
 
 QString DayModel::SentenceAt(const QModelIndex& index) const {
-  return NameAt(index.row()) + ", " + QString::fromStdString(DayText(DayOf(index.column()), CellAt(index)));
+  return NameAt(index.row()) + ", " + QString::fromStdString(DayText(DayOf(index.column()), CellAt(index), phrases_));
 }
 
 int DayModel::RowOf(std::int64_t key) const {

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include "history/day_map.h"
+#include "lang/phrases.h"
 #include "platform/history_records.h"
 
 namespace corvane::window {
@@ -18,6 +19,8 @@ class DayModel : public QAbstractTableModel {
 
   /// Shows `map`; `units` gives its rows their names and their order.
   void Take(DayMap map, const std::vector<UnitRecord>& units);
+  /// Tells the days in these words from then on.
+  void SetPhrases(const Phrases& phrases) { phrases_ = phrases; }
   /// Leaves out units whose name does not hold `text`, and where wanted those that lack nothing.
   void Filter(const QString& text, bool only_missing);
 
@@ -50,6 +53,7 @@ class DayModel : public QAbstractTableModel {
   [[nodiscard]] const Row& Shown(int row) const { return rows_[shown_[static_cast<std::size_t>(row)]]; }
   void Choose();
 
+  Phrases phrases_;
   DayMap map_;
   std::vector<Row> rows_;           ///< in the order of the list of units
   std::vector<std::size_t> shown_;  ///< of those

@@ -21,6 +21,7 @@
 #include "base/format.h"
 #include "window/network/day_cells.h"
 #include "window/network/day_model.h"
+#include "window/network/network_phrases.h"
 #include "window/network/view_button.h"
 
 namespace corvane::window {
@@ -219,6 +220,12 @@ void GapMap::Show(DayMap map, const std::vector<UnitRecord>& units) {
   EnableCommands();
 }
 
+void GapMap::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  model_->SetPhrases(phrases);
+  SayAtRest();
+}
+
 void GapMap::SetIdle(bool idle) {
   idle_ = idle;
   EnableCommands();
@@ -255,13 +262,13 @@ void GapMap::Filter() {
 }
 
 void GapMap::SayAtRest() {
+  const Phrase* says = &kNetworkSays.point_at_a_day;
   if (model_->Units() == 0) {
-    sentence_->setText("No day of any unit is known yet: the first download brings them.");
+    says = &kNetworkSays.no_day;
   } else if (model_->rowCount() == 0) {
-    sentence_->setText("No unit is left by the filter.");
-  } else {
-    sentence_->setText("Point at a day, or go there with the arrow keys, to read its numbers.");
+    says = &kNetworkSays.none_left;
   }
+  sentence_->setText(QString::fromStdString(phrases_.Text(*says)));
 }
 
 void GapMap::Tell(const QModelIndex& index) {

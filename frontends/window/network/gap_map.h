@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include "history/day_map.h"
+#include "lang/phrases.h"
 #include "platform/history_records.h"
 
 class QCheckBox;
@@ -27,6 +28,8 @@ class GapMap : public QWidget {
 
   /// Shows `map`; the cursor stays on its unit and day as far as these are there.
   void Show(DayMap map, const std::vector<UnitRecord>& units);
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// Whether a repair can be begun now.
   void SetIdle(bool idle);
 
@@ -58,6 +61,7 @@ class GapMap : public QWidget {
   QPushButton* repair_;
   QPushButton* plot_;
   QLabel* sentence_;
+  Phrases phrases_;
   bool idle_ = true;
   bool shown_ = false;
 };

@@ -63,6 +63,12 @@ void HistoryViews::Connect() {
   ageing_.start(kAgeingMilliseconds);
 }
 
+void HistoryViews::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  map_->SetPhrases(phrases);
+  rounds_->SetPhrases(phrases);
+}
+
 void HistoryViews::SetIdle(bool idle) {
   map_->SetIdle(idle);
   if (!idle) return;
@@ -100,9 +106,9 @@ void HistoryViews::ReadRound(std::int64_t key) {
   if (key < 1) return rounds_->Show(std::nullopt);
   reader_.Read<std::optional<RoundTexts>>(
       RoundQuery(key),
-      [](const HistoryContents& history) -> std::optional<RoundTexts> {
+      [phrases = phrases_](const HistoryContents& history) -> std::optional<RoundTexts> {
         if (history.rounds.empty()) return std::nullopt;
-        return TextsOf(history.rounds.front(), history);
+        return TextsOf(history.rounds.front(), history, phrases);
       },
       [this](const Status&, const std::optional<RoundTexts>& texts) { rounds_->Show(texts); });
 }

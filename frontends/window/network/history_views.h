@@ -8,6 +8,7 @@
 
 #include "app/application.h"
 #include "history/day_map.h"
+#include "lang/phrases.h"
 #include "platform/event_loop.h"
 #include "window/network/history_reader.h"
 
@@ -24,6 +25,8 @@ class HistoryViews : public QObject {
   /// Adds both to `views`; all must outlive this object.
   HistoryViews(Application& app, EventLoop& loop, QTabWidget& views);
 
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// An operation begins or has ended.
   void SetIdle(bool idle);
 
@@ -42,6 +45,7 @@ class HistoryViews : public QObject {
 
   Application& app_;
   EventLoop& loop_;
+  Phrases phrases_;
   GapMap* map_;
   RoundsView* rounds_;
   bool map_is_stale_ = true;

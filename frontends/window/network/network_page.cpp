@@ -1,6 +1,7 @@
 #include "window/network/network_page.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include <QEvent>
@@ -13,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "history/status_headline.h"
+#include "window/network/network_phrases.h"
 #include "window/network/station_table.h"
 #include "window/network/stations_dialog.h"
 #include "window/network/stations_view.h"
@@ -30,21 +32,12 @@ constexpr int kShortestRest = 1000;
 /// More single units than these do not wait for being read: the whole status shows them soon.
 constexpr int kMostUnits = 8;
 
-/// What to do about it; empty when nothing is to be done.
-QString AdviceOn(const NetworkStatus& status) {
-  if (status.units.empty()) {
-    return "Press Set up... here; or press New below the list at the left, fill in the tab Unit, and press Download.";
-  }
-  if (!status.nobody_collects.empty()) {
-    return "The tab Settings, page Schedule and backup, holds the interval of the automatic download. The button "
-           "Download collects now.";
-  }
-  if (status.last.key == 0) return "No round has run yet: the button Download begins one.";
-  if (status.next_round.IsNone()) {
-    return "Rounds begin only when somebody presses Download: automatic download is switched off in the tab Settings, "
-           "page Schedule and backup.";
-  }
-  return {};
+/// What to do about it; null when nothing is to be done.
+const Phrase* AdviceOn(const NetworkStatus& status) {
+  if (status.units.empty()) return &kNetworkSays.begin_here;
+  if (!status.nobody_collects.empty()) return &kNetworkSays.set_interval;
+  if (status.last.key == 0) return &kNetworkSays.first_round;
+  return status.next_round.IsNone() ? &kNetworkSays.by_hand_only : nullptr;
 }
 
 }  // namespace
@@ -107,6 +100,13 @@ void NetworkPage::AddSetUp(QVBoxLayout& column) {
       if (set_up && !app_.flags().closing) set_up();
     });
   });
+}
+
+void NetworkPage::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  stations_->SetPhrases(phrases);
+  // What stands there in other words is told anew.
+  if (!headline_->text().isEmpty()) Refresh();
 }
 
 void NetworkPage::AddView(QWidget& view, const QString& caption) {
@@ -205,7 +205,10 @@ void NetworkPage::Refresh() {
   since_begin_.start();
   const Moment now = loop_.NowUtc();
   reader_.Read<NetworkStatus>(
-      StatusQuery(now), [now](const HistoryContents& read) { return WorkOutStatus(read, now, Holder::Somebody); },
+      StatusQuery(now),
+      [now, phrases = phrases_](const HistoryContents& read) {
+        return WorkOutStatus(read, now, Holder::Somebody, phrases);
+      },
       [this](const Status& read, NetworkStatus status) { Take(read, std::move(status)); });
 }
 
@@ -218,10 +221,10 @@ void NetworkPage::RefreshUnit(std::int64_t position) {
   query.unit = key;
   reader_.Read<NetworkStatus>(
       query,
-      [now, key](const HistoryContents& read) {
+      [now, key, phrases = phrases_](const HistoryContents& read) {
         HistoryContents of_unit = read;
         std::erase_if(of_unit.units, [key](const UnitRecord& unit) { return unit.key != key; });
-        return WorkOutStatus(of_unit, now, Holder::Somebody);
+        return WorkOutStatus(of_unit, now, Holder::Somebody, phrases);
       },
       [this](const Status& read, const NetworkStatus& status) {
         --units_reading_;
@@ -237,11 +240,11 @@ void NetworkPage::Take(const Status& read, NetworkStatus status) {
     return;
   }
   if (!read.ok()) {
-    headline_->setText(QString::fromStdString("It cannot be told how things stand: " + read.text()));
-    return ShowAdvice("Rounds go on meanwhile. What happens in them is shown in the tab Log.");
+    headline_->setText(QString::fromStdString(phrases_.Text(kNetworkSays.cannot_tell, {read.text()})));
+    return ShowAdvice(&kNetworkSays.rounds_go_on);
   }
-  headline_->setText(QString::fromStdString(HeadlineOf(status)));
-  last_round_ = QString::fromStdString(status.last_round);
+  headline_->setText(QString::fromStdString(HeadlineOf(status, phrases_)));
+  last_round_ = status.last_round;
   ShowRound();
   ShowAdvice(AdviceOn(status));
   if (on_status) on_status(status);
@@ -250,20 +253,22 @@ void NetworkPage::Take(const Status& read, NetworkStatus status) {
 }
 
 void NetworkPage::ShowRound() {
+  std::string text;
   const bool running = running_ > 0 && app_.registry().Units.Has(running_);
   if (running) {
-    round_->setText(QString::fromStdString("A round runs; " + app_.registry().Units[running_].Name + " is asked now."));
+    text = phrases_.Text(kNetworkSays.round_asks, {app_.registry().Units[running_].Name});
   } else if (app_.history().Round().key > 0) {
-    round_->setText("A round runs; no unit is asked now.");
-  } else {
-    round_->setText(last_round_.isEmpty() ? QString() : "Last round: " + last_round_);
+    text = phrases_.Text(kNetworkSays.round_runs);
+  } else if (!last_round_.empty()) {
+    text = phrases_.Text(kNetworkSays.last_round, {last_round_});
   }
-  round_->setVisible(!round_->text().isEmpty());
+  round_->setText(QString::fromStdString(text));
+  round_->setVisible(!text.empty());
 }
 
-void NetworkPage::ShowAdvice(const QString& advice) {
-  advice_->setText(advice);
-  advice_->setVisible(!advice.isEmpty());
+void NetworkPage::ShowAdvice(const Phrase* advice) {
+  advice_->setText(advice == nullptr ? QString() : QString::fromStdString(phrases_.Text(*advice)));
+  advice_->setVisible(advice != nullptr);
 }
 
 }  // namespace corvane::window

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include <QElapsedTimer>
@@ -10,6 +11,7 @@
 
 #include "app/application.h"
 #include "history/network_status.h"
+#include "lang/phrases.h"
 #include "window/network/history_reader.h"
 
 class QLabel;
@@ -33,6 +35,8 @@ class NetworkPage : public QScrollArea {
 
   /// Disables the commands whenever that widget is.
   void FollowCommand(QWidget& command);
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// Reads how things stand, soon.
   void Refresh();
   /// What reads the history for every view of it.
@@ -65,7 +69,8 @@ class NetworkPage : public QScrollArea {
   void RefreshUnit(std::int64_t position);
   void Take(const Status& read, NetworkStatus status);
   void ShowRound();
-  void ShowAdvice(const QString& advice);
+  /// Null: there is none.
+  void ShowAdvice(const Phrase* advice);
 
   Application& app_;
   EventLoop& loop_;
@@ -75,7 +80,8 @@ class NetworkPage : public QScrollArea {
   QTabWidget* views_ = nullptr;
   StationsView* stations_ = nullptr;
   StationsDialog* table_ = nullptr;
-  QString last_round_;
+  Phrases phrases_;
+  std::string last_round_;
   std::int64_t running_ = 0;   ///< place of the unit that has its turn, 0 none
   bool reading_ = false;       ///< the status is being read
   bool again_ = false;         ///< something has happened since that began

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "window/network/network_phrases.h"
 #include "window/network/view_button.h"
 
 namespace corvane::window {
@@ -24,20 +25,20 @@ constexpr int kSentencesText = 815;
 constexpr std::int64_t kLastRound = std::numeric_limits<std::int64_t>::max();
 
 /// By `RoundSign`.
-constexpr std::array kHeadings = {"With a problem", "Not asked", "Well"};
+constexpr std::array kHeadings = {kNetworkSays.with_a_problem, kNetworkSays.not_asked, kNetworkSays.well};
 
 /// The sentences, under a heading for each sign.
-QString TextOf(const RoundTexts& texts) {
+QString TextOf(const RoundTexts& texts, const Phrases& phrases) {
   std::string text;
   std::optional<RoundSign> under;
   for (const RoundLine& line : texts.lines) {
     if (line.sign != under) {
-      text += (under ? "\n" : "") + std::string(kHeadings[static_cast<std::size_t>(line.sign)]) + "\n";
+      text += (under ? "\n" : "") + phrases.Text(kHeadings[static_cast<std::size_t>(line.sign)]) + "\n";
       under = line.sign;
     }
     text += "    " + line.name + ": " + line.text + "\n";
   }
-  return text.empty() ? "No unit had a part in it." : QString::fromStdString(text);
+  return QString::fromStdString(text.empty() ? phrases.Text(kNetworkSays.nobody_in_it) : text);
 }
 
 }  // namespace
@@ -70,6 +71,11 @@ RoundsView::RoundsView(QWidget* parent)
   connect(later_, &QPushButton::clicked, this, [this] { GoOn(); });
   connect(last_, &QPushButton::clicked, this, [this] { GoToLast(); });
   Show(std::nullopt);
+}
+
+void RoundsView::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  if (key_ == 0) Show(std::nullopt);
 }
 
 void RoundsView::RoundEnded() {
@@ -111,12 +117,12 @@ void RoundsView::GoToLast() {
 void RoundsView::Show(const std::optional<RoundTexts>& texts) {
   if (!texts) {
     first_ = asked_ > 0;
-    if (key_ == 0) head_->setText("No round is known yet: the first download brings one.");
+    if (key_ == 0) head_->setText(QString::fromStdString(phrases_.Text(kNetworkSays.no_round)));
     // The round before was none.
     if (key_ != 0 && !later_keys_.empty() && later_keys_.back() == key_) later_keys_.pop_back();
     return EnableButtons();
   }
-  const QString sentences = TextOf(*texts);
+  const QString sentences = TextOf(*texts, phrases_);
   first_ = texts->round.key <= 1;
   key_ = texts->round.key;
   head_->setText(QString::fromStdString(texts->head) + ".");

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include "history/round_texts.h"
+#include "lang/phrases.h"
 
 class QLabel;
 class QPlainTextEdit;
@@ -20,6 +21,8 @@ class RoundsView : public QWidget {
  public:
   explicit RoundsView(QWidget* parent = nullptr);
 
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// A round has ended: it is shown where the last one was.
   void RoundEnded();
   /// The round that `read_round` was asked for; none: there is none of that key or before.
@@ -46,8 +49,9 @@ class RoundsView : public QWidget {
   std::vector<std::int64_t> later_keys_;  ///< of the rounds that were paged back from, the last one first
   std::int64_t key_ = 0;                  ///< of the round that is shown, 0 none
   std::int64_t asked_ = 0;                ///< the key that was asked for
-  bool first_ = false;                    ///< there is no earlier one
-  bool stale_ = true;                     ///< a round has ended since the last one was read
+  Phrases phrases_;
+  bool first_ = false;  ///< there is no earlier one
+  bool stale_ = true;   ///< a round has ended since the last one was read
 };
 
 }  // namespace corvane::window

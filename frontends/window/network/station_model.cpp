@@ -8,6 +8,7 @@
 
 #include "history/status_texts.h"
 #include "history/unit_texts.h"
+#include "window/network/network_phrases.h"
 #include "window/network/station_signs.h"
 
 namespace corvane::window {
@@ -16,9 +17,9 @@ namespace {
 /// Marks the index of a group; that of a unit holds the place of its group, from 1.
 constexpr quintptr kTopLevel = 0;
 
-std::string Percent(const UnitStatus& unit, Moment now) {
+std::string Percent(const UnitStatus& unit, Moment now, const Phrases& phrases) {
   const std::string text = CompleteText(unit);
-  const std::string to = KnownToText(unit, now);
+  const std::string to = KnownToText(unit, now, phrases);
   return text.empty() ? text : text + " %" + (to.empty() ? "" : ", " + to);
 }
 
@@ -41,9 +42,14 @@ StationModel::StationModel(QObject* parent)
       headings_({"State", "Name", "Client", "Last reading", "Last contact", "Answered", "Battery", "30 days", "Gaps",
                  "Delivered"}) {}
 
+void StationModel::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  SetChoice(StationChoice(choice_));
+}
+
 void StationModel::Take(std::vector<UnitStatus> units, Moment now) {
   now_ = now;
-  std::vector<StationGroup> groups = Arrange(units, choice_);
+  std::vector<StationGroup> groups = Arrange(units, choice_, phrases_);
   if (SameRows(units_, groups_, units, groups)) {
     units_ = std::move(units);
     groups_ = std::move(groups);
@@ -60,7 +66,7 @@ void StationModel::TakeUnit(const UnitStatus& unit) {
       std::find_if(units_.begin(), units_.end(), [&unit](const UnitStatus& each) { return each.key == unit.key; });
   if (known == units_.end()) return;
   *known = unit;
-  std::vector<StationGroup> groups = Arrange(units_, choice_);
+  std::vector<StationGroup> groups = Arrange(units_, choice_, phrases_);
   if (SameRows(units_, groups_, units_, groups)) return TellAllChanged();
   beginResetModel();
   groups_ = std::move(groups);
@@ -80,7 +86,7 @@ void StationModel::SetRunning(std::int64_t position) {
 void StationModel::SetChoice(const StationChoice& choice) {
   beginResetModel();
   choice_ = choice;
-  groups_ = Arrange(units_, choice_);
+  groups_ = Arrange(units_, choice_, phrases_);
   endResetModel();
 }
 
@@ -165,33 +171,34 @@ QVariant StationModel::GroupData(const StationGroup& group, int column, int role
   if (column != 0 || role != Qt::DisplayRole) return {};
   const auto fine = std::count_if(group.units.begin(), group.units.end(),
                                   [this](std::size_t place) { return units_[place].state == UnitState::Fine; });
-  return group.name + ": " + QString::fromStdString(CountText(std::ssize(group.units), "unit", "units")) + ", " +
-         QString::number(fine) + " fine";
+  return group.name + ": " +
+         QString::fromStdString(CountText(std::ssize(group.units), kCommonPhrases.units, phrases_) + ", " +
+                                phrases_.Text(kNetworkSays.count_fine, {std::to_string(fine)}));
 }
 
 QString StationModel::TextOf(const UnitStatus& unit, StationColumn column) const {
   const auto text = [&]() -> std::string {
     switch (column) {
       case StationColumn::State:
-        return unit.position == running_ ? "asked now" : std::string(NameOf(unit.state));
+        return unit.position == running_ ? phrases_.Text(kNetworkSays.asked_now) : StateText(unit.state, phrases_);
       case StationColumn::Name:
         return unit.name;
       case StationColumn::Client:
         return unit.client;
       case StationColumn::LastReading:
-        return LastReadingText(unit);
+        return LastReadingText(unit, phrases_);
       case StationColumn::LastContact:
-        return LastContactText(unit, now_);
+        return LastContactText(unit, now_, phrases_);
       case StationColumn::Answered:
         return unit.asked == 0 ? "" : std::to_string(unit.answered) + "/" + std::to_string(unit.asked);
       case StationColumn::Battery:
-        return BatteryText(unit);
+        return BatteryText(unit, phrases_);
       case StationColumn::Complete:
-        return Percent(unit, now_);
+        return Percent(unit, now_, phrases_);
       case StationColumn::Gaps:
-        return GapsText(unit);
+        return GapsText(unit, phrases_);
       case StationColumn::Delivered:
-        return DeliveredText(unit, now_);
+        return DeliveredText(unit, now_, phrases_);
     }
     return "";
   };
@@ -205,12 +212,12 @@ QString StationModel::ToolTipOf(const UnitStatus& unit, StationColumn column) co
   };
   // A column may be too narrow for it.
   add(TextOf(unit, column).toStdString());
-  add(unit.name + " (" + std::to_string(unit.id) + "): " + std::string(NameOf(unit.state)));
+  add(unit.name + " (" + std::to_string(unit.id) + "): " + StateText(unit.state, phrases_));
   add(unit.why);
   for (const Trouble& trouble : unit.troubles) add(trouble.text);
   add(unit.delivery_problem);
-  if (!unit.relay.empty()) add("Behind relay " + unit.relay);
-  if (!unit.note.empty()) add("Note: " + unit.note);
+  if (!unit.relay.empty()) add(phrases_.Text(kNetworkSays.behind_relay, {unit.relay}));
+  if (!unit.note.empty()) add(phrases_.Text(kNetworkSays.note, {unit.note}));
   // What comes from units and people is text and never markup.
   for (QString& line : lines) line = line.toHtmlEscaped();
   return "<p>" + lines.join("<br>") + "</p>";

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include "history/network_status.h"
+#include "lang/phrases.h"
 #include "window/network/station_order.h"
 
 namespace corvane::window {
@@ -24,6 +25,8 @@ class StationModel : public QAbstractItemModel {
 
   explicit StationModel(QObject* parent);
 
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// Takes how the network stands; rows keep their places where their order did not change.
   void Take(std::vector<UnitStatus> units, Moment now);
   /// Takes how one unit stands.
@@ -63,6 +66,7 @@ class StationModel : public QAbstractItemModel {
 
   std::vector<UnitStatus> units_;
   Moment now_;
+  Phrases phrases_;
   StationChoice choice_;
   std::vector<StationGroup> groups_;  ///< one, without a name, where units are not put together
   std::int64_t running_ = 0;

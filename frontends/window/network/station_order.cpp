@@ -8,6 +8,8 @@
 #include <tuple>
 #include <utility>
 
+#include "window/network/network_phrases.h"
+
 namespace corvane::window {
 namespace {
 
@@ -85,13 +87,17 @@ bool Before(const Sorted& one, const Sorted& other, bool descending) {
 
 }  // namespace
 
-QString GroupOf(const UnitStatus& unit, Grouping grouping) {
+QString GroupOf(const UnitStatus& unit, Grouping grouping, const Phrases& phrases) {
   if (grouping == Grouping::None) return {};
-  if (grouping == Grouping::Client) return unit.client.empty() ? "No client" : QString::fromStdString(unit.client);
-  return unit.relay.empty() ? "No relay" : "Relay " + QString::fromStdString(unit.relay);
+  if (grouping == Grouping::Client) {
+    return QString::fromStdString(unit.client.empty() ? phrases.Text(kNetworkSays.no_client) : unit.client);
+  }
+  return QString::fromStdString(unit.relay.empty() ? phrases.Text(kNetworkSays.no_relay)
+                                                   : phrases.Text(kNetworkSays.relay, {unit.relay}));
 }
 
-std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const StationChoice& choice) {
+std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const StationChoice& choice,
+                                  const Phrases& phrases) {
   std::vector<Sorted> sorted;
   for (std::size_t place = 0; place < units.size(); ++place) {
     const UnitStatus& unit = units[place];
@@ -103,7 +109,7 @@ std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const St
             [&choice](const Sorted& one, const Sorted& other) { return Before(one, other, choice.descending); });
   std::map<QString, std::vector<std::size_t>> groups;
   if (choice.grouping == Grouping::None) groups[{}];
-  for (const Sorted& each : sorted) groups[GroupOf(units[each.place], choice.grouping)].push_back(each.place);
+  for (const Sorted& each : sorted) groups[GroupOf(units[each.place], choice.grouping, phrases)].push_back(each.place);
   std::vector<StationGroup> all;
   for (auto& [name, places] : groups) all.push_back({name, std::move(places)});
   return all;

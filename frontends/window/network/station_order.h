@@ -7,6 +7,7 @@
 #include <QString>
 
 #include "history/network_status.h"
+#include "lang/phrases.h"
 
 namespace corvane::window {
 
@@ -44,8 +45,9 @@ struct StationGroup {
 };
 
 /// The groups in the order of their names, the units in the order chosen, the worst first where they are equal in it.
-[[nodiscard]] std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const StationChoice& choice);
+[[nodiscard]] std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const StationChoice& choice,
+                                                const Phrases& phrases = {});
 /// What the units of a group have in common.
-[[nodiscard]] QString GroupOf(const UnitStatus& unit, Grouping grouping);
+[[nodiscard]] QString GroupOf(const UnitStatus& unit, Grouping grouping, const Phrases& phrases);
 
 }  // namespace corvane::window

@@ -1,6 +1,7 @@
 #include "window/network/stations_view.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
 #include <string>
 #include <utility>
@@ -16,6 +17,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "window/network/network_phrases.h"
 #include "window/network/station_table.h"
 #include "window/network/view_button.h"
 
@@ -35,30 +37,38 @@ enum TextId : int {
   kStations = 880
 };
 
-/// A choice of states, in the order of the selector.
+/// A choice of states, in the order of the selector; one state alone is named by itself.
 struct LettersRow {
-  const char* caption;
+  const Phrase* caption;
   std::vector<UnitState> letters;
 };
 
 const std::vector<LettersRow>& LetterRows() {
   using enum UnitState;
-  static const std::vector<LettersRow> kRows = {{"All states", {}},     {"Not fine", {Silent, Late, Trouble, New}},
-                                                {"silent", {Silent}},   {"late", {Late}},
-                                                {"trouble", {Trouble}}, {"new", {New}},
-                                                {"fine", {Fine}},       {"off", {Off}}};
+  static const std::vector<LettersRow> kRows = {{&kNetworkSays.all_states, {}},
+                                                {&kNetworkSays.not_fine, {Silent, Late, Trouble, New}},
+                                                {nullptr, {Silent}},
+                                                {nullptr, {Late}},
+                                                {nullptr, {Trouble}},
+                                                {nullptr, {New}},
+                                                {nullptr, {Fine}},
+                                                {nullptr, {Off}}};
   return kRows;
 }
 
+/// By `Grouping`.
+constexpr std::array kGroupings = {&kNetworkSays.no_groups, &kNetworkSays.by_client, &kNetworkSays.by_relay};
+
 /// All that is known to be wrong with a unit, one sentence after the other.
-QString WhatIsWrong(const UnitStatus& unit) {
+QString WhatIsWrong(const UnitStatus& unit, const Phrases& phrases) {
   std::string text = unit.why;
+  const auto add = [&text](const std::string& more) { text += (text.empty() ? "" : ". ") + more; };
   for (const Trouble& trouble : unit.troubles) {
-    if (trouble.text != unit.why) text += (text.empty() ? "" : ". ") + trouble.text;
+    if (trouble.text != unit.why) add(trouble.text);
   }
-  if (!unit.delivery_problem.empty()) text += (text.empty() ? "" : ". ") + unit.delivery_problem;
-  if (!unit.note.empty()) text += (text.empty() ? "Note: " : ". Note: ") + unit.note;
-  return QString::fromStdString(unit.name + ": " + (text.empty() ? "all is well" : text));
+  if (!unit.delivery_problem.empty()) add(unit.delivery_problem);
+  if (!unit.note.empty()) add(phrases.Text(kNetworkSays.note, {unit.note}));
+  return QString::fromStdString(unit.name + ": " + (text.empty() ? phrases.Text(kNetworkSays.all_is_well) : text));
 }
 
 }  // namespace
@@ -103,12 +113,13 @@ void StationsView::AddFilters(QVBoxLayout& column) {
   letters_->setObjectName("stationLetters");
   letters_->setToolTip("Shows the units that stand so");
   letters_->setProperty("textId", kLetters);
-  for (const LettersRow& each : LetterRows()) letters_->addItem(each.caption);
+  while (std::cmp_less(letters_->count(), LetterRows().size())) letters_->addItem(QString());
   groups_ = new QComboBox(this);
   groups_->setObjectName("stationGroups");
   groups_->setToolTip("Puts the units together that have the same client or are behind the same relay");
   groups_->setProperty("textId", kGroups);
-  groups_->addItems({"No groups", "By client", "By relay"});
+  while (std::cmp_less(groups_->count(), kGroupings.size())) groups_->addItem(QString());
+  NameChoices();
   counts_ = new QLabel(this);
   counts_->setObjectName("stationCounts");
   for (QWidget* widget : std::initializer_list<QWidget*>{label, filter_, letters_, groups_}) row->addWidget(widget);
@@ -119,6 +130,17 @@ void StationsView::AddFilters(QVBoxLayout& column) {
   connect(filter_, &QLineEdit::returnPressed, this, [this] { table_->setFocus(Qt::TabFocusReason); });
   connect(letters_, &QComboBox::currentIndexChanged, this, [this] { ApplyChoice(); });
   connect(groups_, &QComboBox::currentIndexChanged, this, [this] { ApplyChoice(); });
+}
+
+void StationsView::NameChoices() {
+  for (int row = 0; row < letters_->count(); ++row) {
+    const auto& [caption, letters] = LetterRows().at(static_cast<std::size_t>(row));
+    letters_->setItemText(
+        row, QString::fromStdString(caption != nullptr ? phrases_.Text(*caption) : StateText(letters.at(0), phrases_)));
+  }
+  for (int row = 0; row < groups_->count(); ++row) {
+    groups_->setItemText(row, QString::fromStdString(phrases_.Text(*kGroupings.at(static_cast<std::size_t>(row)))));
+  }
 }
 
 QPushButton* StationsView::AddButton(QHBoxLayout& row, const char* name, const char* caption, const char* tip,
@@ -184,7 +206,7 @@ void StationsView::ShowMenu(const QPoint& where) {
     QAction* entry = menu->addAction(QString(button->text()).remove('&'), button, &QPushButton::click);
     entry->setEnabled(button->isEnabled());
   }
-  QMenu* sort = menu->addMenu("Sort by");
+  QMenu* sort = menu->addMenu(QString::fromStdString(phrases_.Text(kNetworkSays.sort_by)));
   for (int column = 0; column < kStationColumns; ++column) {
     const QString heading = table_->model()->headerData(column, Qt::Horizontal).toString();
     sort->addAction(heading, table_, [this, column] {
@@ -194,6 +216,14 @@ void StationsView::ShowMenu(const QPoint& where) {
     });
   }
   menu->popup(table_->viewport()->mapToGlobal(where));
+}
+
+void StationsView::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  NameChoices();
+  table_->stations().SetPhrases(phrases);
+  ShowCounts();
+  ShowSelection();
 }
 
 void StationsView::Take(std::vector<UnitStatus> units, Moment now) {
@@ -227,9 +257,10 @@ void StationsView::ApplyChoice() {
 
 void StationsView::ShowCounts() {
   const StationModel& model = table_->stations();
-  const auto all = static_cast<qulonglong>(model.AllUnits());
-  const auto shown = static_cast<qulonglong>(model.ShownUnits());
-  counts_->setText(all == 0 || shown == all ? QString() : QString("%1 of %2 units").arg(shown).arg(all));
+  const std::size_t all = model.AllUnits();
+  const std::size_t shown = model.ShownUnits();
+  const std::string text = phrases_.Text(kNetworkSays.shown, {std::to_string(shown), std::to_string(all)});
+  counts_->setText(all == 0 || shown == all ? QString() : QString::fromStdString(text));
 }
 
 void StationsView::ShowSelection() {
@@ -237,7 +268,7 @@ void StationsView::ShowSelection() {
   for (QPushButton* button : {collect_, repair_, activate_, deactivate_}) button->setEnabled(any && !busy_);
   const UnitStatus* const unit = table_->CurrentUnit();
   plot_->setEnabled(unit != nullptr);
-  why_->setText(unit != nullptr ? WhatIsWrong(*unit) : QString());
+  why_->setText(unit != nullptr ? WhatIsWrong(*unit, phrases_) : QString());
 }
 
 }  // namespace corvane::window

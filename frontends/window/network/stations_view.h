@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include "history/network_status.h"
+#include "lang/phrases.h"
 
 class QComboBox;
 class QHBoxLayout;
@@ -25,6 +26,8 @@ class StationsView : public QWidget {
  public:
   explicit StationsView(QWidget* parent);
 
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   void Take(std::vector<UnitStatus> units, Moment now);
   void TakeUnit(const UnitStatus& unit);
   /// The unit that has its turn in a round, by its place in the list of units; 0 none.
@@ -50,6 +53,7 @@ class StationsView : public QWidget {
   void ApplyChoice();
   void ShowSelection();
   void ShowCounts();
+  void NameChoices();
   QPushButton* AddButton(QHBoxLayout& row, const char* name, const char* caption, const char* tip, int text_id);
 
   QLineEdit* filter_ = nullptr;
@@ -63,6 +67,7 @@ class StationsView : public QWidget {
   QPushButton* activate_ = nullptr;
   QPushButton* deactivate_ = nullptr;
   QPushButton* plot_ = nullptr;
+  Phrases phrases_;
   bool busy_ = false;
 };
 
