@@ -4,15 +4,12 @@
 #include <string>
 #include <system_error>
 
-#include "base/paths.h"
-
 namespace corvane::console {
 
-/// A path as it was typed, from the root.
+/// A path as it was typed, from the root and without "." and "..".
 [[nodiscard]] inline std::string FullPath(const std::string& path) {
   std::error_code error;
-  if (path.starts_with('/')) return path;
-  return AddBackslash(std::filesystem::current_path(error).string()) + path;
+  return std::filesystem::absolute(path, error).lexically_normal().string();
 }
 
 }  // namespace corvane::console

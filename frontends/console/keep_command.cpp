@@ -1,9 +1,7 @@
 #include "keep_command.h"
 
 #include <cerrno>
-#include <filesystem>
 #include <fstream>
-#include <system_error>
 
 #include "app/settings_tables.h"
 #include "base/files.h"
@@ -16,6 +14,7 @@
 #include "desktop/application_folder.h"
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
+#include "full_path.h"
 #include "setup/keeping.h"
 #include "setup/restoring.h"
 #include "sqlite/sqlite_history_store.h"
@@ -26,11 +25,6 @@ namespace corvane::console {
 namespace {
 
 constexpr int kUsualGenerations = 3;
-
-std::string FullPath(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::absolute(path, error).lexically_normal().string();
-}
 
 std::string HostName() {
   std::string name;

@@ -74,10 +74,13 @@ class StationsPage : public AssistantPage {
 
   /// A relay has another name: its units go with it.
   void FollowRelayNames();
+  /// Takes the rows of a table of stations, or says what is wrong with it.
+  void TakeFile(const QString& file);
 
   RowsTable* relays_ = nullptr;
   RowsTable* units_ = nullptr;
   RowsTable* last_ = nullptr;              ///< the table that was worked in last
+  QLabel* from_file_ = nullptr;            ///< what came of a file
   std::vector<SetupRelay> former_relays_;  ///< as they were shown, by origin
   std::vector<SetupUnit> former_units_;
   QStringList relay_names_;

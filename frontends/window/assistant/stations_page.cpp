@@ -19,6 +19,8 @@ constexpr SetupField kRelayColumns[] = {SetupField::RelayName, SetupField::Relay
 constexpr SetupField kUnitColumns[] = {SetupField::UnitName, SetupField::UnitID, SetupField::UnitRelay,
                                        SetupField::UnitClient, SetupField::UnitDepths};
 constexpr int kRelayColumn = 2;
+/// Of a table that is wrong; the rest shows when these are mended.
+constexpr std::size_t kMostFaults = 5;
 
 /// Place of a field among the columns, -1 when it is none of them.
 template <std::size_t kCount>
@@ -54,9 +56,16 @@ StationsPage::StationsPage(Desk& desk) : AssistantPage(SetupPage::Stations, desk
   auto* head = new QHBoxLayout;
   QPushButton* const remove = NewPush("Rem&ove row", kRemoveRow, "setupRemoveRow");
   head->addWidget(NewCaption("&Units:", kUnits, *units_), 1);
+  QPushButton* const from_file = NewPush("From a fi&le...", kFromFile, "setupFromFile");
+  head->addWidget(from_file);
   head->addWidget(remove);
   rows().addLayout(head);
   rows().addWidget(units_, 3);
+  from_file_ = NewNote({}, 0, "setupFromFileAnswer");
+  from_file_->hide();
+  rows().addWidget(from_file_);
+  ChooseFile(
+      *from_file, [this] { return Say(kChooseStations); }, [this](const QString& file) { TakeFile(file); });
   units_->SetChoices(kRelayColumn, [this] { return RelayNames(); });
   relays_->preset = [this] {
     TakeAll();
@@ -75,6 +84,20 @@ StationsPage::StationsPage(Desk& desk) : AssistantPage(SetupPage::Stations, desk
     connect(table, &QTableWidget::currentCellChanged, this, [this, table] { last_ = table; });
   }
   connect(remove, &QPushButton::clicked, this, [this] { last_->RemoveCurrentRow(); });
+}
+
+void StationsPage::TakeFile(const QString& file) {
+  TakeAll();
+  const SetupTable table = desk().app.setup().TakeTable(desk().plan, file.toStdString());
+  QStringList lines;
+  for (std::size_t fault = 0; fault < std::min(table.faults.size(), kMostFaults); ++fault) {
+    lines << Text(table.faults[fault]);
+  }
+  if (table.faults.size() > kMostFaults) lines << "...";
+  if (table.faults.empty()) lines << Say(kTakenFromFile).arg(table.changes.size());
+  Show();
+  from_file_->setText(lines.join('\n'));
+  from_file_->show();
 }
 
 QWidget* StationsPage::First() {

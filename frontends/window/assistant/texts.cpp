@@ -25,6 +25,8 @@ std::vector<Sentences::Row> BuiltInSentences() {
       {kNotDone, "Not done yet:"},
       {kAllDone, "Everything that was entered has been tried."},
       {kChooseAFolder, "Choose a folder"},
+      {kChooseStations, "Choose a table of stations"},
+      {kTakenFromFile, "Taken from the file; rows that are new or differ: %1"},
       {kNotPutIn, "This could not be put in and saved. Nothing is lost: mend what was said and press Finish again."},
       {kDirect, "Direct"},
       {kPractiseFailed, "The practice could not be started: %1"},

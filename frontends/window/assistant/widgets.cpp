@@ -13,6 +13,20 @@
 #include "form/control.h"
 
 namespace corvane::window::assistant {
+namespace {
+
+/// Opens a dialog over the button's window that chooses one thing that is there.
+QFileDialog* OpenChooser(QPushButton& button, const QString& title, const QString& begin, QFileDialog::FileMode mode) {
+  auto* dialog = new QFileDialog(button.window(), title, begin);
+  dialog->setObjectName("qt_chooser");
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->setFileMode(mode);
+  dialog->setOption(QFileDialog::ShowDirsOnly, mode == QFileDialog::Directory);
+  dialog->open();
+  return dialog;
+}
+
+}  // namespace
 
 QLabel* NewNote(const QString& text, int text_id, const char* name) {
   auto* note = new QLabel(text);
@@ -70,17 +84,20 @@ void AddRow(QFormLayout& form, const QString& text, int text_id, QLineEdit& fiel
 
 void ChooseInto(QLineEdit& field, QPushButton& button, std::function<QString()> title) {
   QObject::connect(&button, &QPushButton::clicked, &button, [&field, &button, title = std::move(title)] {
-    auto* dialog = new QFileDialog(button.window(), title(), field.text());
-    dialog->setObjectName("qt_chooser");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::Directory);
-    dialog->setOption(QFileDialog::ShowDirsOnly);
+    const QFileDialog* dialog = OpenChooser(button, title(), field.text(), QFileDialog::Directory);
     QObject::connect(dialog, &QFileDialog::fileSelected, &field, [&field](const QString& file) {
       field.setText(file);
       Q_EMIT field.textEdited(file);
     });
-    dialog->open();
   });
+}
+
+void ChooseFile(QPushButton& button, std::function<QString()> title, std::function<void(const QString& file)> take) {
+  QObject::connect(&button, &QPushButton::clicked, &button,
+                   [&button, title = std::move(title), take = std::move(take)] {
+                     const QFileDialog* dialog = OpenChooser(button, title(), {}, QFileDialog::ExistingFile);
+                     QObject::connect(dialog, &QFileDialog::fileSelected, &button, take);
+                   });
 }
 
 }  // namespace corvane::window::assistant

@@ -28,5 +28,7 @@ QLineEdit* AddField(QFormLayout& form, const QString& text, int text_id, const c
 void AddRow(QFormLayout& form, const QString& text, int text_id, QLineEdit& field, QPushButton& button);
 /// Has a button choose a folder for a field; the dialog stands over the button's window.
 void ChooseInto(QLineEdit& field, QPushButton& button, std::function<QString()> title);
+/// Has a button choose a file that is there.
+void ChooseFile(QPushButton& button, std::function<QString()> title, std::function<void(const QString& file)> take);
 
 }  // namespace corvane::window::assistant
