@@ -9,6 +9,7 @@
 #include "base/paths.h"
 #include "base/status.h"
 #include "base/text.h"
+#include "history/status_texts.h"
 #include "setup/field_rules.h"
 #include "setup/setup_records.h"
 
@@ -54,17 +55,6 @@ bool SoundsLikeModem(std::string_view as_Answer) {
     if (EqualsNoCase(as_Answer, word)) return true;
   }
   return StartsWithNoCase(as_Answer, "AT+") || StartsWithNoCase(as_Answer, "+CME");
-}
-
-/// "3 h 20 min".
-std::string SpanText(std::int64_t al_Seconds) {
-  const std::int64_t seconds = std::abs(al_Seconds);
-  if (seconds < 120) return std::to_string(seconds) + " s";
-  if (seconds < 7200) return std::to_string(seconds / 60) + " min";
-  if (seconds < 2 * kSecondsPerDay) {
-    return std::to_string(seconds / 3600) + " h " + std::to_string(seconds % 3600 / 60) + " min";
-  }
-  return std::to_string(seconds / kSecondsPerDay) + " days";
 }
 
 SetupAnswer WriteIn(const std::string& as_Folder) {

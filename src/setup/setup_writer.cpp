@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "setup/setup_records.h"
+#include "setup/stations_question.h"
 
 namespace corvane {
 namespace {
@@ -38,10 +39,11 @@ void SetupWriter::PutIn(const SetupPlan& av_Plan) {
 
 void SetupWriter::PutInStations(const SetupPlan& av_Plan) {
   SetupRecords records = RecordsOf(av_Plan, p_.registry);
-  // Relays and clients first: the units' selectors are filled with them.
-  (void)p_.editors.relays.TakeAll(std::move(records.relays));
-  (void)p_.editors.clients.TakeAll(std::move(records.clients));
-  (void)p_.editors.units.TakeAll(std::move(records.units));
+  StationsPlan lists;
+  lists.units = std::move(records.units);
+  lists.relays = std::move(records.relays);
+  lists.clients = std::move(records.clients);
+  (void)corvane::PutInStations(std::move(lists), p_.registry, p_.editors);
 }
 
 void SetupWriter::PutInTables(const SetupPlan& av_Plan) {
