@@ -147,13 +147,15 @@ void Database::CopyTo(const std::string& path) const {
   constexpr int kAllPages = -1;
   Database copy;
   copy.Open(path, Access::Write);
+  // A file that is copied elsewhere has no log beside it.
+  int keep = 0;
+  sqlite3_file_control(copy.connection_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
   sqlite3_backup* const backup = sqlite3_backup_init(copy.connection_, "main", connection_, "main");
   if (backup == nullptr) throw SqliteError(sqlite3_errcode(copy.connection_), sqlite3_errmsg(copy.connection_));
   sqlite3_backup_step(backup, kAllPages);
   if (const int code = sqlite3_backup_finish(backup); code != SQLITE_OK) {
     throw SqliteError(code, sqlite3_errstr(code));
   }
-  // A file that is copied elsewhere has no log beside it.
   copy.Execute("PRAGMA journal_mode = DELETE");
 }
 

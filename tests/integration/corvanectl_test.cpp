@@ -167,6 +167,7 @@ TEST_F(CorvanectlTest, KeepsBesideAProgramThatRunsAndRestoresElsewhere) {
   const std::string archive = other.Name("net.zip");
   EXPECT_EQ(Run({"keep", archive, "--with-data"}), 0) << output_;
   EXPECT_TRUE(Printed("It holds the passwords")) << output_;
+  EXPECT_FALSE(std::filesystem::exists(archive + ".history.part-wal")) << "only the archive is left";
   EXPECT_EQ(Run({"restore", archive}), 3) << output_;
   EXPECT_TRUE(Printed("is running in " + home_.path() + ": end it first; nothing was restored")) << output_;
   const Words there = {"--home", other.Name("home")};

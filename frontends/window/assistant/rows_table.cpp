@@ -137,11 +137,14 @@ void RowsTable::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint 
   const bool backward = hint == QAbstractItemDelegate::EditPreviousItem;
   if ((!onward && !backward) || !IsAtAnEnd(onward)) return QTableWidget::closeEditor(editor, hint);
   QTableWidget::closeEditor(editor, QAbstractItemDelegate::NoHint);
-  QAbstractScrollArea::focusNextPrevChild(onward);
+  focusNextPrevChild(onward);
 }
 
 bool RowsTable::focusNextPrevChild(bool next) {
-  return IsAtAnEnd(next) ? QAbstractScrollArea::focusNextPrevChild(next) : QTableWidget::focusNextPrevChild(next);
+  setTabKeyNavigation(!IsAtAnEnd(next));
+  const bool moved = QTableWidget::focusNextPrevChild(next);
+  setTabKeyNavigation(true);
+  return moved;
 }
 
 void RowsTable::keyPressEvent(QKeyEvent* event) {

@@ -127,7 +127,7 @@ void NetworkPage::BindCommands() {
       Refresh();
     });
   };
-  stations_->as_table = [this] { table_->Open(); };
+  stations_->as_table = [this] { table_->ShowEmpty(); };
   stations_->plot = [this](std::int64_t key) {
     const auto positions = app_.history().PositionsOf({key});
     if (!positions.empty() && show_plot) show_plot(positions.front());

@@ -120,7 +120,7 @@ void StationsDialog::Connect() {
   work_->failed = [this](const QString& why) { Say(why); };
 }
 
-void StationsDialog::Open() {
+void StationsDialog::ShowEmpty() {
   table_.reset();
   question_.reset();
   plan_ = {};

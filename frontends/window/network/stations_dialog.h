@@ -29,7 +29,7 @@ class StationsDialog : public QDialog {
   ~StationsDialog() override;
 
   /// Opens the dialog with nothing read; returns at once.
-  void Open();
+  void ShowEmpty();
   /// While an operation runs nothing is put in.
   void SetBusy(bool busy);
   /// Reads a table, and shows soon what it would change.
