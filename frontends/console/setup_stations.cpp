@@ -1,6 +1,7 @@
 #include "setup_stations.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -16,9 +17,10 @@
 namespace corvane::console {
 namespace {
 
-/// The cells of a line as a comma-separated file has them, at least `count`.
+/// The cells of a line as a file of a spreadsheet has them, at least `count`; semicolons part them where no comma does.
 std::vector<std::string> CellsOf(const std::string& line, std::size_t count) {
-  const CsvContents contents = ParseCsv("sep=,\n" + line);
+  const char* const separator = line.find(',') == line.npos ? "sep=;\n" : "sep=,\n";
+  const CsvContents contents = ParseCsv(separator + line);
   std::vector<std::string> cells;
   if (!contents.rows.empty()) cells = contents.rows.front().cells;
   for (std::string& cell : cells) cell = Trim(cell);
@@ -32,6 +34,16 @@ struct Typed {
   bool goes = false;
   std::string text;
 };
+
+constexpr std::string_view kHowRowsAreTyped =
+    "  A row a line; Enter ends the list, \"-2\" takes row 2 away, \"2: ...\" enters it anew, \"file NAME\" reads a "
+    "table.";
+
+/// What stands at a row's place where it is asked for one that is not there.
+std::string NoSuchRow(const std::string& line, std::size_t rows) {
+  const bool is_number = line.starts_with('-') && ParseInteger(line.substr(1), 0, INT32_MAX);
+  return is_number ? "There is no row " + line.substr(1) + ", only " + std::to_string(rows) + "." : "";
+}
 
 /// "-2" takes row 2 away, "2: ..." enters it anew, anything else is a new row.
 Typed Read(const std::string& line, std::size_t rows) {
@@ -76,7 +88,19 @@ struct RowList {
   std::function<Row()> fresh;
   Row (*entered)(const SetupPlan& plan, Row row, const std::string& text);
   std::vector<SetupField> fields;
+  std::string (*told)(const Row& row);
 };
+
+std::string TextOf(const SetupRelay& relay) {
+  return relay.name + ", ID " + relay.id;
+}
+
+std::string TextOf(const SetupUnit& unit) {
+  std::string text = unit.name + ", ID " + unit.id + (unit.relay.empty() ? ", direct" : ", relay " + unit.relay);
+  if (!unit.client.empty()) text += ", client " + unit.client;
+  if (!unit.depths.empty()) text += ", depths " + unit.depths;
+  return text;
+}
 
 std::vector<SetupFault> FaultsIn(const Desk& desk, const SetupPlan& plan, const std::vector<SetupField>& fields,
                                  std::size_t row) {
@@ -108,6 +132,9 @@ bool TakeFile(Desk& desk, SetupTalk& talk, SetupPlan& plan, const std::string& l
 template <class Row>
 void Take(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list, const std::string& line) {
   const Typed typed = Read(line, list.rows.size());
+  if (const std::string none = NoSuchRow(line, list.rows.size()); !typed.goes && !none.empty()) {
+    return talk.Refuse(none);
+  }
   const std::vector<Row> before = list.rows;
   if (typed.goes)
     return static_cast<void>(list.rows.erase(list.rows.begin() + static_cast<std::ptrdiff_t>(*typed.row)));
@@ -118,7 +145,11 @@ void Take(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list
   } else {
     list.rows.push_back(std::move(row));
   }
-  if (talk.Refuse(FaultsIn(desk, plan, list.fields, at + 1), false)) list.rows = before;
+  if (talk.Refuse(FaultsIn(desk, plan, list.fields, at + 1), false)) {
+    list.rows = before;
+  } else {
+    talk.Say("  Row " + std::to_string(at + 1) + ": " + list.told(list.rows[at]));
+  }
 }
 
 template <class Row>
@@ -126,6 +157,10 @@ void AskRows(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& l
   for (;;) {
     const std::string line = talk.Line(list.prompt);
     if (line.empty() || line == "-") return;
+    if (line == "?") {
+      talk.Say(std::string(kHowRowsAreTyped));
+      continue;
+    }
     if (TakeFile(desk, talk, plan, line)) continue;
     Take(desk, talk, plan, list, line);
   }
@@ -150,16 +185,15 @@ void ShowUnits(Desk& desk, const SetupPlan& plan) {
 }  // namespace
 
 void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
-  talk.Say(
-      "  A row a line; Enter ends the list, \"-2\" takes row 2 away, \"2: ...\" enters it anew, \"file NAME\" reads a "
-      "table.");
+  talk.Say(std::string(kHowRowsAreTyped));
   ShowRelays(desk, plan);
   AskRows<SetupRelay>(desk, talk, plan,
                       {plan.relays,
                        "Relay: name, ID",
                        [&plan] { return NextRelay(plan); },
                        RelayOf,
-                       {SetupField::RelayName, SetupField::RelayID}});
+                       {SetupField::RelayName, SetupField::RelayID},
+                       [](const SetupRelay& relay) { return TextOf(relay); }});
   if (!plan.relays.empty()) ShowRelays(desk, plan);
   talk.Say("  A unit is behind the relay of the one before; - stands for none.");
   ShowUnits(desk, plan);
@@ -169,7 +203,8 @@ void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
                       [&plan] { return NextUnit(plan); },
                       UnitOf,
                       {SetupField::UnitName, SetupField::UnitID, SetupField::UnitRelay, SetupField::UnitClient,
-                       SetupField::UnitDepths}});
+                       SetupField::UnitDepths},
+                      [](const SetupUnit& unit) { return TextOf(unit); }});
   ShowUnits(desk, plan);
   // A relay that units name may have gone.
   if (talk.Refuse(desk.app.setup().FaultsOf(plan, SetupPage::Stations), true)) throw Leave::Again;
