@@ -30,6 +30,8 @@ class RowsTable : public QTableWidget {
   /// Goes to a cell, so that typing replaces what it holds.
   void GoTo(int row, int column);
   void RemoveCurrentRow();
+  /// No higher than it has to be: what is left of the page is shared out.
+  [[nodiscard]] QSize sizeHint() const override { return {QTableWidget::sizeHint().width(), minimumHeight()}; }
 
   /// What a new row holds beside what was typed first; an empty text is nothing.
   std::function<QStringList()> preset;

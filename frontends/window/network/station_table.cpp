@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kTextId = 785;  ///< and those of the other headings behind it
 /// In characters; what is wider is shortened, and shown whole below the table or by the pointer.
-constexpr std::array kWidths = {15, 17, 13, 21, 23, 21, 20, 9, 20, 16};
+constexpr std::array kWidths = {14, 16, 12, 24, 21, 20, 19, 11, 20, 16};
 
 }  // namespace
 
