@@ -133,7 +133,7 @@ void Assistant::ShowTexts() {
   if (isVisible()) currentPage()->initializePage();
 }
 
-void Assistant::RunTry(std::function<SetupAnswer()> attempt, const std::function<void(const QString&)>& show) {
+void Assistant::RunTry(const std::function<SetupAnswer()>& attempt, const std::function<void(const QString&)>& show) {
   if (desk_.trying || !isVisible()) return;
   if (desk_.app.slot().Taken()) return show(say_[kBusy]);
   SetTrying(true);

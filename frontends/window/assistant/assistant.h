@@ -44,7 +44,7 @@ class Assistant : public QWizard {
   void AddPages();
   void TakePlan();
   void ChooseLanguages();
-  void RunTry(std::function<SetupAnswer()> attempt, const std::function<void(const QString&)>& show);
+  void RunTry(const std::function<SetupAnswer()>& attempt, const std::function<void(const QString&)>& show);
   void SetTrying(bool trying);
   void ShowButtons();
   void GoToSummary();
