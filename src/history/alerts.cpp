@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kSeconds = 60;                  ///< that a command may take
-constexpr std::int64_t kLookMilliseconds = 1'800'000;  ///< between two looks without a round
+constexpr std::int64_t kLookMilliseconds = 3'600'000;  ///< between two looks without a round
 constexpr std::int64_t kHoldMilliseconds = 3'600'000;  ///< behind a command that failed, without a round
 constexpr std::int64_t kJustNow = 600;                 ///< seconds behind a round's end
 constexpr std::size_t kLinesInLog = 50;

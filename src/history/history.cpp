@@ -65,6 +65,7 @@ Status History::OpenStore() {
 }
 
 void History::Adopt(const HistoryContents& av_Stored) {
+  followed_.reset();
   const auto changed = units_.Adopt(av_Stored.units);
   const std::int64_t stored_round = av_Stored.rounds.empty() ? 0 : av_Stored.rounds.back().key;
   Renumber(changed, keys_are_known_ ? 0 : stored_round);
@@ -234,6 +235,9 @@ void History::FollowUnits() {
   if (!Kept()) return;
   // Where it can be, the file is opened first: it has the keys.
   static_cast<void>(IsReady());
+  const ListsView lists{p_.registry.edits(), p_.names.DataFileShortName(FileNames::kExample, false)};
+  if (followed_ == lists) return;
+  followed_ = lists;
   std::vector<std::string> sentences;
   HistoryContents change;
   change.units = units_.Follow(PresentUnits(p_.registry, p_.names), p_.loop.NowUtc(), sentences);

@@ -8,7 +8,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kLook = 60'000;   ///< milliseconds
-constexpr std::int64_t kSayAlive = 300;  ///< seconds
+constexpr std::int64_t kSayAlive = 600;  ///< seconds
 
 bool SaysTheSame(const NetworkRecord& av_One, const NetworkRecord& av_Other) {
   return av_One.version == av_Other.version && av_One.automatic == av_Other.automatic &&

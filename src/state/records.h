@@ -58,20 +58,28 @@ class RecordArray {
   [[nodiscard]] std::int32_t count() const { return static_cast<std::int32_t>(records_.size()); }
   [[nodiscard]] bool Has(std::int64_t index) const { return index >= 1 && index <= count(); }
   /// The record at `index`, 1 to `count()`.
-  Record& operator[](std::int64_t index) { return records_[static_cast<std::size_t>(index - 1)]; }
+  Record& operator[](std::int64_t index) { return Edit()[static_cast<std::size_t>(index - 1)]; }
   const Record& operator[](std::int64_t index) const { return records_[static_cast<std::size_t>(index - 1)]; }
-  void Resize(std::int32_t count) { records_.resize(static_cast<std::size_t>(count)); }
-  void Append(Record record) { records_.push_back(std::move(record)); }
+  void Resize(std::int32_t count) { Edit().resize(static_cast<std::size_t>(count)); }
+  void Append(Record record) { Edit().push_back(std::move(record)); }
   /// Puts the record at `index`, 1 to `count()` + 1.
-  void Insert(std::int64_t index, Record record) { records_.insert(records_.begin() + (index - 1), std::move(record)); }
-  void Remove(std::int64_t index) { records_.erase(records_.begin() + (index - 1)); }
+  void Insert(std::int64_t index, Record record) { Edit().insert(records_.begin() + (index - 1), std::move(record)); }
+  void Remove(std::int64_t index) { Edit().erase(records_.begin() + (index - 1)); }
   auto begin() const { return records_.begin(); }
   auto end() const { return records_.end(); }
-  auto begin() { return records_.begin(); }
-  auto end() { return records_.end(); }
+  auto begin() { return Edit().begin(); }
+  auto end() { return Edit().end(); }
+  /// Grows with each access that may change a record: as long as it stays, so do they.
+  [[nodiscard]] std::uint64_t edits() const { return edits_; }
 
  private:
+  std::vector<Record>& Edit() {
+    ++edits_;
+    return records_;
+  }
+
   std::vector<Record> records_;
+  std::uint64_t edits_ = 0;
 };
 
 /// Positions in the unit array, both included; none when `last` is below `first`.
@@ -84,6 +92,8 @@ struct Registry {
   RecordArray<Unit> Units;
   RecordArray<Relay> Relays;
   RecordArray<Client> Clients;
+
+  [[nodiscard]] std::uint64_t edits() const { return Units.edits() + Relays.edits() + Clients.edits(); }
 
   /// All units, or the one at `al_Selected`; none when there is no such unit.
   [[nodiscard]] UnitSpan UnitRange(bool ab_All, std::int64_t al_Selected) const {

@@ -23,11 +23,13 @@ constexpr std::size_t kConvertedApart = 3;
 constexpr std::size_t kLargestLog = 1'100'000;
 constexpr std::size_t kMoreHeld = 5;  ///< a log and the three files of the history that were closed are opened again
 
-std::string Replaced(std::string text, const std::string& what, const std::string& with) {
-  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
-    text.replace(at, what.size(), with);
+std::string Replaced(const std::string& text, const std::string& what, const std::string& with) {
+  std::string result;
+  std::size_t from = 0;
+  for (std::size_t at = 0; (at = text.find(what, from)) != std::string::npos; from = at + what.size()) {
+    result.append(text, from, at - from).append(with);
   }
-  return text;
+  return result.append(text, from);
 }
 
 std::vector<fs::path> FilesOf(const std::string& folder) {

@@ -33,7 +33,7 @@ class YearStore : public SqliteHistoryStore {
     return Fails() ? kNoRoom : SqliteHistoryStore::Replace(unit, from, changes);
   }
   Status Forget(Moment before) override { return Fails() ? kNoRoom : SqliteHistoryStore::Forget(before); }
-  /// What a status looks at is remembered until it changes: people are told every half hour of the year.
+  /// What a status looks at is remembered until it changes: alerts are looked at every hour of the year.
   Status Read(const HistoryQuery& query, HistoryContents& result) override {
     if (Fails() || !query.days_since) return SqliteHistoryStore::Read(query, result);
     if (!status_) {
