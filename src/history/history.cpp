@@ -108,17 +108,7 @@ void History::Remember(const GapRecord& av_Gap) {
 }
 
 void History::Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds) {
-  const auto renumber = [&av_Units](auto& av_Records) {
-    for (auto& record : av_Records) {
-      if (const auto found = av_Units.find(record.unit); found != av_Units.end()) record.unit = found->second;
-    }
-  };
-  renumber(waiting_.contacts);
-  renumber(waiting_.deliveries);
-  renumber(waiting_.gaps);
-  renumber(waiting_.alerts);
-  for (ContactRecord& contact : waiting_.contacts) contact.round += al_Rounds;
-  for (RoundRecord& round : waiting_.rounds) round.key += al_Rounds;
+  RenumberRecords(waiting_, av_Units, al_Rounds);
   if (round_.key != 0) round_.key += al_Rounds;
   last_round_ += al_Rounds;
   auto deliveries = std::exchange(deliveries_, {});

@@ -54,6 +54,21 @@ void Append(HistoryContents& av_To, const HistoryContents& av_From) {
   if (av_From.network) av_To.network = av_From.network;
 }
 
+void RenumberRecords(HistoryContents& av_Records, const std::map<std::int64_t, std::int64_t>& av_Units,
+                     std::int64_t al_Rounds) {
+  const auto renumber = [&av_Units](auto& av_OfAKind) {
+    for (auto& record : av_OfAKind) {
+      if (const auto found = av_Units.find(record.unit); found != av_Units.end()) record.unit = found->second;
+    }
+  };
+  renumber(av_Records.contacts);
+  renumber(av_Records.deliveries);
+  renumber(av_Records.gaps);
+  renumber(av_Records.alerts);
+  for (ContactRecord& contact : av_Records.contacts) contact.round += al_Rounds;
+  for (RoundRecord& round : av_Records.rounds) round.key += al_Rounds;
+}
+
 bool KeepNewest(HistoryContents& av_Waiting) {
   if (CountOf(av_Waiting) <= kMostWaiting) return false;
   KeepLastOfEachKey(av_Waiting.units, [](const UnitRecord& unit) { return unit.key; });
