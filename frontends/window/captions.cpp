@@ -15,10 +15,13 @@
 #include <QTableWidget>
 #include <QTreeView>
 
+#include "data/series_phrases.h"
 #include "history/history_phrases.h"
+#include "lang/date_words.h"
 #include "lang/language.h"
 #include "window/access_keys.h"
 #include "window/network/network_phrases.h"
+#include "window/plot/plot_phrases.h"
 
 namespace corvane::window {
 namespace {
@@ -70,8 +73,9 @@ void Captions::SetToolTip(std::int64_t position, const std::string& text) {
 
 std::vector<Phrase> Captions::PhraseList() const {
   std::vector<Phrase> all = HistoryPhrases();
-  const std::vector<Phrase> more = PhrasesIn(kNetworkSays);
-  all.insert(all.end(), more.begin(), more.end());
+  for (const auto& more : {PhrasesIn(kNetworkSays), DatePhrases(), PhrasesIn(kSeriesSays), PhrasesIn(kPlotSays)}) {
+    all.insert(all.end(), more.begin(), more.end());
+  }
   return all;
 }
 

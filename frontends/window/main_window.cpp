@@ -159,6 +159,7 @@ void MainWindow::TakePhrases(const Phrases& phrases) {
   network_->SetPhrases(phrases);
   history_views_->SetPhrases(phrases);
   tray_->SetPhrases(phrases);
+  plot_->SetPhrases(phrases);
 }
 
 void MainWindow::TakeStatus(const NetworkStatus& status) {

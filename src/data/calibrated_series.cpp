@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "data/line_blocks.h"
 #include "data/series_collector.h"
+#include "data/series_phrases.h"
 
 namespace corvane {
 namespace {
@@ -24,8 +25,7 @@ class CalibratedReading {
 
   void Read(const InputFile& av_File, const std::function<bool()>& av_Poll) {
     if (!dates_.TellsMinute()) {
-      series_.problem = "There is no raw file, and the date format \"" + request_.date_format +
-                        "\" does not tell day and minute, so that " + request_.calibrated_file + " cannot be shown";
+      series_.problem = request_.phrases.Text(kSeriesSays.no_minute, {request_.date_format, request_.calibrated_file});
       return;
     }
     LineBlocks blocks(av_File, 0);
@@ -45,8 +45,7 @@ class CalibratedReading {
     }
     collector_.Finish();
     if (!series_.times.empty() || others_ == 0 || series_.columns.empty()) return;
-    series_.problem = "There is no raw file, and " + request_.calibrated_file +
-                      " was written with another date format than \"" + request_.date_format + "\"";
+    series_.problem = request_.phrases.Text(kSeriesSays.other_format, {request_.calibrated_file, request_.date_format});
   }
 
  private:
@@ -79,7 +78,7 @@ class CalibratedReading {
     std::vector<bool> wanted;
     for (const SeriesChannel& channel : request_.channels) {
       if (channel.quantity == Quantity::Item) {
-        series_.problem = "There is no raw file, and " + request_.calibrated_file + " holds no raw items";
+        series_.problem = request_.phrases.Text(kSeriesSays.no_items, {request_.calibrated_file});
       }
       const auto found = std::find(names.begin(), names.end(), NameOf(channel));
       wanted.push_back(found != names.end());

@@ -14,6 +14,7 @@
 #include "data/lookup.h"
 #include "data/reading_date.h"
 #include "data/series_collector.h"
+#include "data/series_phrases.h"
 
 namespace corvane {
 namespace {
@@ -101,14 +102,14 @@ class RawReading {
                                                    Load(tables_.Correction, request_.tables.correction));
   }
   [[nodiscard]] bool Load(LookupTable& av_Table, const std::string& as_File) {
-    std::string why = "it holds no points";
+    std::string why = request_.phrases.Text(kSeriesSays.no_points);
     try {
       av_Table.Read(as_File);
       if (av_Table.Count() > 0) return true;
     } catch (const RunTimeError& error) {
       why = error.what();
     }
-    series_.problem = "The lookup table " + as_File + " cannot be used: " + why;
+    series_.problem = request_.phrases.Text(kSeriesSays.table_unusable, {as_File, why});
     return false;
   }
 
@@ -120,7 +121,7 @@ class RawReading {
     if (layout_.expected < kFewestItems) {
       layout_ = {};
       if (series_.problem.empty()) {
-        series_.problem = "The first line of " + request_.raw_file + " is no header: the sensors are not known";
+        series_.problem = request_.phrases.Text(kSeriesSays.no_header, {request_.raw_file});
       }
     }
     if (layout_.expected > 0) Prepare();
@@ -238,7 +239,7 @@ ReadingSeries ReadSeries(const SeriesRequest& av_Request, const std::function<bo
     } else if (InputFile calibrated; calibrated.Open(av_Request.calibrated_file).ok()) {
       ReadCalibratedSeries(av_Request, calibrated, series, av_Poll);
     } else {
-      series.problem = "There are no readings yet: " + av_Request.raw_file + " is not there";
+      series.problem = av_Request.phrases.Text(kSeriesSays.no_readings, {av_Request.raw_file});
     }
   } catch (const RunTimeError& error) {
     series.problem = error.what();

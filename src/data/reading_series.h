@@ -10,6 +10,7 @@
 #include "base/dates.h"
 #include "data/calibration_rules.h"
 #include "form/form.h"
+#include "lang/phrases.h"
 #include "state/file_names.h"
 #include "state/records.h"
 
@@ -44,6 +45,7 @@ struct SeriesRequest {
   DateTime to;    ///< included; none: to the last reading
   /// What stands in the raw file before readings from days before `from` is not looked at, whatever its dates.
   bool newest_only = false;
+  Phrases phrases;  ///< that a problem is told in
 };
 
 /// What was read.

@@ -4,6 +4,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "data/series_phrases.h"
 
 namespace corvane {
 
@@ -13,13 +14,13 @@ std::optional<double> DepthOf(std::string_view as_Text) {
   return depth && *depth >= 0 && *depth <= kDeepest ? depth : std::nullopt;
 }
 
-std::string SensorName(std::string_view as_Depths, std::int32_t al_Sensor) {
-  std::string name = "sensor " + std::to_string(al_Sensor);
+std::string SensorName(std::string_view as_Depths, std::int32_t al_Sensor, const Phrases& av_Phrases) {
+  const std::string number = std::to_string(al_Sensor);
   const std::vector<std::string_view> depths = Split(as_Depths, ';');
-  if (al_Sensor < 1 || static_cast<std::size_t>(al_Sensor) > depths.size()) return name;
-  const std::optional<double> depth = DepthOf(depths[static_cast<std::size_t>(al_Sensor) - 1]);
-  if (depth) name += ", " + ShortestText(*depth) + " cm";
-  return name;
+  const bool listed = al_Sensor >= 1 && static_cast<std::size_t>(al_Sensor) <= depths.size();
+  const auto depth = listed ? DepthOf(depths[static_cast<std::size_t>(al_Sensor) - 1]) : std::nullopt;
+  return depth ? av_Phrases.Text(kSeriesSays.sensor_at, {number, ShortestText(*depth)})
+               : av_Phrases.Text(kSeriesSays.sensor, {number});
 }
 
 }  // namespace corvane

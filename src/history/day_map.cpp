@@ -7,10 +7,10 @@
 #include <limits>
 #include <utility>
 
-#include "base/format.h"
 #include "history/gap_book.h"
 #include "history/status_texts.h"
 #include "history/unit_status.h"
+#include "lang/date_words.h"
 #include "state/records.h"
 
 namespace corvane {
@@ -193,7 +193,7 @@ DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t
 }
 
 std::string DayText(DateTime av_Day, const DayCell& av_Cell, const Phrases& av_Phrases) {
-  const std::string day = FormatDate(av_Day, "d mmmm") + ": ";
+  const std::string day = DateText(av_Day, "d mmmm", av_Phrases) + ": ";
   if (av_Cell.expected <= 0) return day + av_Phrases.Text(av_Cell.unheard ? kSay.day_unheard : kSay.none_due);
   const std::string until = av_Cell.unheard ? ", " + av_Phrases.Text(kSay.rest_unheard) : "";
   if (av_Cell.missing() == 0) {

@@ -98,11 +98,11 @@ class NetworkView {
       return phrases_.Text(kSay.no_program);
     }
     if (holder_ == Holder::Unknown && !AliveLately()) {
-      return phrases_.Text(kSay.not_heard_of, {WhenText(network_.alive)});
+      return phrases_.Text(kSay.not_heard_of, {WhenText(network_.alive, phrases_)});
     }
     if (!network_.interval) return phrases_.Text(kSay.no_interval);
     if (!RoundIsMissed()) return "";
-    return phrases_.Text(kSay.round_missed, {WhenText(network_.next_download)});
+    return phrases_.Text(kSay.round_missed, {WhenText(network_.next_download, phrases_)});
   }
 
   void TakeWorstRelay() {

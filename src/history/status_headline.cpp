@@ -97,7 +97,7 @@ std::string NextRound(const NetworkStatus& av_Status, const Phrases& av_Phrases)
   const DateTime now = av_Status.now.Local();
   if (av_Status.next_round <= now) return av_Phrases.Text(kSay.round_due);
   if (av_Status.next_round.Midnight() != now.Midnight()) {
-    return av_Phrases.Text(kSay.round_on, {WhenText(av_Status.next_round)});
+    return av_Phrases.Text(kSay.round_on, {WhenText(av_Status.next_round, av_Phrases)});
   }
   return av_Phrases.Text(kSay.round_today, {FormatDate(av_Status.next_round, "HH:MM")});
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/format.h"
+#include "lang/date_words.h"
 
 namespace corvane {
 namespace {
@@ -97,18 +98,18 @@ std::string BriefSpanText(std::int64_t al_Seconds, const Phrases& av_Phrases) {
   return av_Phrases.Text(unit.brief, {std::to_string(count)});
 }
 
-std::string WhenText(DateTime av_When) {
-  return FormatDate(av_When, kShownDatePattern);
+std::string WhenText(DateTime av_When, const Phrases& av_Phrases) {
+  return DateText(av_When, kShownDatePattern, av_Phrases);
 }
 
-std::string WhenText(Moment av_When) {
-  return WhenText(av_When.Local());
+std::string WhenText(Moment av_When, const Phrases& av_Phrases) {
+  return WhenText(av_When.Local(), av_Phrases);
 }
 
 std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases) {
   const auto& names = av_Round.automatic ? kAutomatic : kByHand;
   const std::size_t kind = std::min(static_cast<std::size_t>(av_Round.kind), names.size() - 1);
-  const std::string head = av_Phrases.Text(names[kind], {WhenText(av_Round.began)});
+  const std::string head = av_Phrases.Text(names[kind], {WhenText(av_Round.began, av_Phrases)});
   if (av_Round.ended.IsNone()) return av_Phrases.Text(kRound.not_ended, {head});
   std::string text = av_Phrases.Text(
       kRound.ended, {head, SpanText(av_Round.ended - av_Round.began, av_Phrases), std::to_string(av_Round.answered),

@@ -38,9 +38,9 @@ enum class SpanForm : std::uint8_t { Alone, Dependent };
 /// The same for a narrow column: "5 s", "40 min", "30 h", "12 d".
 [[nodiscard]] std::string BriefSpanText(std::int64_t al_Seconds, const Phrases& av_Phrases = {});
 /// "12 Mar 2010 14:05".
-[[nodiscard]] std::string WhenText(DateTime av_When);
+[[nodiscard]] std::string WhenText(DateTime av_When, const Phrases& av_Phrases = {});
 /// The same of a moment, as the local clock showed it then.
-[[nodiscard]] std::string WhenText(Moment av_When);
+[[nodiscard]] std::string WhenText(Moment av_When, const Phrases& av_Phrases = {});
 /// How one round went, in one sentence without a full stop.
 [[nodiscard]] std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases = {});
 

@@ -168,7 +168,7 @@ std::string WhyOff(const UnitRecord& av_Unit, const Phrases& av_Phrases) {
 std::string WhySilent(std::int64_t al_Rounds, const UnitStatus& av_Status, const Phrases& av_Phrases) {
   const std::string rounds = std::to_string(al_Rounds);
   if (av_Status.last_answered.IsNone()) return av_Phrases.Text(kSay.never_answered, {rounds});
-  return av_Phrases.Text(kSay.no_answer, {rounds, WhenText(av_Status.last_answered)});
+  return av_Phrases.Text(kSay.no_answer, {rounds, WhenText(av_Status.last_answered, av_Phrases)});
 }
 
 /// Empty for a unit that is not late.
@@ -177,8 +177,8 @@ std::string WhyLate(const UnitHistory& av_History, const StatusRules& av_Rules, 
   if (av_Status.last_reading.IsNone()) return phrases.Text(kSay.no_reading);
   const std::int64_t period = av_History.scan != nullptr ? av_History.scan->period : 0;
   if (*av_Status.reading_age <= av_Rules.LateFrom(period)) return "";
-  std::string why =
-      phrases.Text(kSay.old_reading, {WhenText(av_Status.last_reading), SpanText(*av_Status.reading_age, phrases)});
+  std::string why = phrases.Text(
+      kSay.old_reading, {WhenText(av_Status.last_reading, phrases), SpanText(*av_Status.reading_age, phrases)});
   if (av_History.unit->get_from == kFromHandHeld) why += "; " + phrases.Text(kSay.by_hand);
   if (av_History.contacts.empty()) return why;
   const ContactRecord& last = av_History.contacts.back();
@@ -200,7 +200,7 @@ std::pair<UnitState, std::string> Judge(const UnitHistory& av_History, const Sta
   const UnitRecord& unit = *av_History.unit;
   if (std::string why = WhyOff(unit, av_Rules.phrases); !why.empty()) return {UnitState::Off, std::move(why)};
   if (IsNew(unit, av_Rules, av_Status)) {
-    return {UnitState::New, av_Rules.phrases.Text(kSay.is_new, {WhenText(unit.added)})};
+    return {UnitState::New, av_Rules.phrases.Text(kSay.is_new, {WhenText(unit.added, av_Rules.phrases)})};
   }
   const std::int64_t silent = unit.get_from == kFromRadio ? SilentRounds(av_History.contacts) : 0;
   if (silent >= kSilentRounds) return {UnitState::Silent, WhySilent(silent, av_Status, av_Rules.phrases)};

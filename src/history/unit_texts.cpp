@@ -6,6 +6,7 @@
 #include "base/numbers.h"
 #include "history/status_texts.h"
 #include "history/unit_status.h"
+#include "lang/date_words.h"
 
 namespace corvane {
 namespace {
@@ -34,10 +35,11 @@ std::string AgoText(Moment av_When, Moment av_Now, const Phrases& av_Phrases) {
 
 std::string LastReadingText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
   if (av_Unit.last_reading.IsNone()) return "";
-  if (!av_Unit.reading_age) return WhenText(av_Unit.last_reading);
+  if (!av_Unit.reading_age) return WhenText(av_Unit.last_reading, av_Phrases);
   const DateTime now = av_Unit.last_reading + *av_Unit.reading_age;
   const bool this_year = FormatDate(now, "yyyy") == FormatDate(av_Unit.last_reading, "yyyy");
-  const std::string date = this_year ? FormatDate(av_Unit.last_reading, "d mmm HH:MM") : WhenText(av_Unit.last_reading);
+  const std::string date = this_year ? DateText(av_Unit.last_reading, "d mmm HH:MM", av_Phrases)
+                                     : WhenText(av_Unit.last_reading, av_Phrases);
   const std::string age = BriefSpanText(*av_Unit.reading_age, av_Phrases);
   return date + " (" + (*av_Unit.reading_age < 0 ? av_Phrases.Text(kSay.ahead, {age}) : age) + ")";
 }
@@ -65,7 +67,7 @@ std::string CompleteText(const UnitStatus& av_Unit) {
 std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {
   if (av_Unit.state == UnitState::Off || !av_Unit.complete || av_Unit.last_answered.IsNone()) return "";
   if (av_Now - av_Unit.last_answered <= kHeardLately) return "";
-  return av_Phrases.Text(kSay.known_to, {FormatDate(av_Unit.last_answered.Local(), "d mmm")});
+  return av_Phrases.Text(kSay.known_to, {DateText(av_Unit.last_answered.Local(), "d mmm", av_Phrases)});
 }
 
 std::string GapsText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
@@ -80,7 +82,7 @@ std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now, const Phrase
   std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now, av_Phrases);
   const DateTime last = av_Unit.delivered_to;
   if (!when.empty() && !last.IsNone() && av_Unit.delivered.Local() - last > kHeardLately)
-    when += ", " + av_Phrases.Text(kSay.up_to, {WhenText(last)});
+    when += ", " + av_Phrases.Text(kSay.up_to, {WhenText(last, av_Phrases)});
   if (av_Unit.delivery_problem.empty()) return when;
   return (when.empty() ? av_Phrases.Text(kSay.never) : when) + ", " +
          av_Phrases.Text(kSay.then, {av_Unit.delivery_problem});

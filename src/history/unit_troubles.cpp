@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "base/format.h"
 #include "base/numbers.h"
 #include "history/clock_view.h"
 #include "history/gap_book.h"
 #include "history/status_texts.h"
+#include "lang/date_words.h"
 
 namespace corvane {
 namespace {
@@ -55,9 +55,9 @@ std::string MissingText(const UnitHistory& av_History, const StatusRules& av_Rul
     if (gap.state == GapState::Lost && news) lost.Take(gap);
   }
   const auto text = [&phrases = av_Rules.phrases](const Missing& which, const CountPhrase& words) {
-    return phrases.Text(
-        which.readings == 1 ? words.one : words.many,
-        {std::to_string(which.readings), CountText(which.gaps, kCommonPhrases.gaps, phrases), WhenText(which.since)});
+    return phrases.Text(which.readings == 1 ? words.one : words.many,
+                        {std::to_string(which.readings), CountText(which.gaps, kCommonPhrases.gaps, phrases),
+                         WhenText(which.since, phrases)});
   };
   if (missing.gaps > 0) return text(missing, kSay.missing);
   return lost.gaps > 0 ? text(lost, kSay.lost) : "";
@@ -83,7 +83,8 @@ std::string ClockText(const UnitHistory& av_History, const StatusRules& av_Rules
 
 std::string FutureText(const UnitStatus& av_Status, const Phrases& av_Phrases) {
   if (av_Status.reading_age.value_or(0) >= -kClockOff) return "";
-  return av_Phrases.Text(kSay.future, {WhenText(av_Status.last_reading), SpanText(*av_Status.reading_age, av_Phrases)});
+  return av_Phrases.Text(kSay.future,
+                         {WhenText(av_Status.last_reading, av_Phrases), SpanText(*av_Status.reading_age, av_Phrases)});
 }
 
 std::string BatteryText(const StatusRules& av_Rules, const UnitStatus& av_Status) {
@@ -94,7 +95,7 @@ std::string BatteryText(const StatusRules& av_Rules, const UnitStatus& av_Status
 std::string StillText(const UnitHistory& av_History, const Phrases& av_Phrases) {
   const ScanRecord* const scan = av_History.scan;
   if (scan == nullptr || scan->still_channel == 0 || scan->last - scan->still_since < kStill) return "";
-  return av_Phrases.Text(kSay.still, {std::to_string(scan->still_channel), WhenText(scan->still_since)});
+  return av_Phrases.Text(kSay.still, {std::to_string(scan->still_channel), WhenText(scan->still_since, av_Phrases)});
 }
 
 /// Of the last two days with readings: today is not over.
@@ -109,7 +110,7 @@ std::string OutsideText(const UnitHistory& av_History, const Phrases& av_Phrases
     if (day.outside_channel == 0 || day.outside * kOutsideShare <= of_day) continue;
     return av_Phrases.Text(
         kSay.outside, {std::to_string(day.outside_channel), CountText(day.outside, kCommonPhrases.readings, av_Phrases),
-                       FormatDate(day.day, "d mmm yyyy")});
+                       DateText(day.day, "d mmm yyyy", av_Phrases)});
   }
   return "";
 }

@@ -113,7 +113,11 @@ TEST(Plot, LeavesGapsOpen) {
 
 class PlotPageTest : public testing::Test, protected WindowWorld {
  protected:
-  PlotPageTest() : WindowWorld(SmallNetwork(2) + "Name1=Hill\nName2=River\nDepths1=10;20\n") {
+  /// `general` are lines behind the settings' first one.
+  explicit PlotPageTest(const std::string& general = "")
+      : WindowWorld(SmallNetwork(2).insert(std::string("[General]\n").size(), general) +
+                    "Name1=Hill\nName2=River\nDepths1=10;20\n") {
+    if (!general.empty()) app().life().SetCaptions(&window().captions());
     WriteTables(home);
     std::string raw = "$V2,00001,4,3,9,2010/3/12 00:00,12500*00\r\n";
     for (int hour = 0; hour < 20; ++hour) {
@@ -161,6 +165,28 @@ TEST_F(PlotPageTest, ShowsTheSelectedUnitAndIsUsedByKeys) {
   Wait();
   EXPECT_EQ(Widget<QLabel>("plotCursor").text(), "There are no readings of 11 Apr 2010; the nearest are shown.");
   EXPECT_EQ(Cursor(), "");
+}
+
+class GermanPlotPage : public PlotPageTest {
+ protected:
+  GermanPlotPage() : PlotPageTest("Language=" GERMAN_FILE "\n") {}
+};
+
+TEST_F(GermanPlotPage, SpeaksGermanAndReadsGermanDates) {
+  PressKeys({Qt::Key_Home, Qt::Key_Right});
+  EXPECT_EQ(Cursor(), "12 M\xC3\xA4r 2010 01:00: Sensor 1, 10 cm 15.09");
+  EXPECT_EQ(page_.view().contents().axis_titles[0], "Feuchte");
+  Field("plotFrom").selectAll();
+  Field("plotFrom").insert(QString::fromUtf8("12 m\xC3\xA4r 2010 06:00"));
+  Press(Field("plotFrom"), Qt::Key_Return);
+  EXPECT_EQ(Hours(), 13);
+  Type("plotFrom", "heute");
+  Press(Field("plotFrom"), Qt::Key_Return);
+  EXPECT_EQ(Widget<QLabel>("plotCursor").text(), "\"heute\" ist kein Datum; so wird es geschrieben: 5 Sep 2026 06:00.");
+  page_.SaveTo(QString::fromStdString(home.Name("plot.csv")));
+  Wait();
+  EXPECT_TRUE(home.Read("plot.csv").starts_with("Datum,\"Sensor 1, 10 cm, Feuchte\"\r\n2010-03-12 06:00,15.09\r\n"))
+      << home.Read("plot.csv");
 }
 
 TEST_F(PlotPageTest, ZoomsByDraggingAndTheWheel) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/format.h"
 #include "base/outside_text.h"
+#include "lang/date_words.h"
 
 namespace corvane::window {
 
@@ -62,7 +62,7 @@ QVariant DayModel::headerData(int section, Qt::Orientation orientation, int role
   const bool is_unit = orientation == Qt::Vertical;
   if (section < 0 || section >= (is_unit ? rowCount() : columnCount())) return {};
   if (is_unit) return role == Qt::DisplayRole || role == Qt::ToolTipRole ? NameAt(section) : QVariant();
-  return role == Qt::DisplayRole ? QString::fromStdString(FormatDate(DayOf(section), "d mmmm")) : QVariant();
+  return role == Qt::DisplayRole ? QString::fromStdString(DateText(DayOf(section), "d mmmm", phrases_)) : QVariant();
 }
 
 const DayCell& DayModel::CellAt(const QModelIndex& index) const {

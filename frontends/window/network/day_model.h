@@ -21,6 +21,7 @@ class DayModel : public QAbstractTableModel {
   void Take(DayMap map, const std::vector<UnitRecord>& units);
   /// Tells the days in these words from then on.
   void SetPhrases(const Phrases& phrases) { phrases_ = phrases; }
+  [[nodiscard]] const Phrases& phrases() const { return phrases_; }
   /// Leaves out units whose name does not hold `text`, and where wanted those that lack nothing.
   void Filter(const QString& text, bool only_missing);
 

@@ -18,7 +18,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
-#include "base/format.h"
+#include "lang/date_words.h"
 #include "window/network/day_cells.h"
 #include "window/network/day_model.h"
 #include "window/network/network_phrases.h"
@@ -60,7 +60,7 @@ class DayHeader : public QHeaderView {
     const int between = 2 * fontMetrics().averageCharWidth();
     int free = length();  // up to the date at the right
     for (int day = count() - 1; day >= 0; day -= kWeek) {
-      const QString text = QString::fromStdString(FormatDate(days_.DayOf(day), "d mmm"));
+      const QString text = QString::fromStdString(DateText(days_.DayOf(day), "d mmm", days_.phrases()));
       const int width = fontMetrics().horizontalAdvance(text) + 1;
       const int middle = sectionPosition(day) + sectionSize(day) / 2;
       // Today's is not cut off, nor the first day's.

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
-#include "base/format.h"
+#include "lang/date_words.h"
 
 namespace corvane::window {
 namespace {
@@ -17,26 +18,37 @@ constexpr std::array<std::int64_t, 11> kSteps = {kMinute,        5 * kMinute,   
                                                  kSecondsPerDay, 2 * kSecondsPerDay, 7 * kSecondsPerDay};
 constexpr std::array<int, 8> kMonthSteps = {1, 3, 6, 12, 24, 60, 120, 600};
 
-QString Written(std::int64_t seconds, const char* pattern) {
-  return QString::fromStdString(FormatDate(DateTime(seconds), pattern));
+QString Written(std::int64_t seconds, const char* pattern, const Phrases& phrases) {
+  return QString::fromStdString(DateText(DateTime(seconds), pattern, phrases));
 }
 
-void Add(std::vector<Tick>& ticks, std::int64_t at, const char* pattern, const char* context, QString& former) {
-  const QString now = *context == '\0' ? QString() : Written(at, context);
-  ticks.push_back({static_cast<double>(at), Written(at, pattern), now == former ? QString() : now});
-  former = now;
-}
+/// Marks one behind the other, in one language.
+class TimeMarks {
+ public:
+  explicit TimeMarks(const Phrases& phrases) : phrases_(phrases) {}
 
-std::vector<Tick> TicksOfMonths(const TimeSpan& span, int months) {
+  void Add(std::int64_t at, const char* pattern, const char* context) {
+    const QString now = *context == '\0' ? QString() : Written(at, context, phrases_);
+    ticks.push_back({static_cast<double>(at), Written(at, pattern, phrases_), now == former_ ? QString() : now});
+    former_ = now;
+  }
+
   std::vector<Tick> ticks;
-  QString context;
+
+ private:
+  const Phrases& phrases_;
+  QString former_;
+};
+
+std::vector<Tick> TicksOfMonths(const TimeSpan& span, int months, const Phrases& phrases) {
+  TimeMarks marks(phrases);
   const std::int64_t begin = DateTime(static_cast<std::int64_t>(span.from)).ToCivil().year;
   for (std::int64_t month = begin * 12 / months * months;; month += months) {
     const auto at = DateTime::FromCivil(month / 12, static_cast<int>(month % 12) + 1, 1).seconds();
-    if (static_cast<double>(at) > span.to) return ticks;
+    if (static_cast<double>(at) > span.to) return std::move(marks.ticks);
     if (static_cast<double>(at) < span.from) continue;
     const bool years = months >= 12;
-    Add(ticks, at, years ? "yyyy" : "mmm", years ? "" : "yyyy", context);
+    marks.Add(at, years ? "yyyy" : "mmm", years ? "" : "yyyy");
   }
 }
 
@@ -59,7 +71,7 @@ std::vector<Tick> NumberTicks(double least, double most, int count) {
   return ticks;
 }
 
-std::vector<Tick> TimeTicks(const TimeSpan& span, int count) {
+std::vector<Tick> TimeTicks(const TimeSpan& span, int count, const Phrases& phrases) {
   if (!(span.length() > 0)) return {};
   const double wanted = span.length() / std::max(count, 1);
   const auto* const step = std::find_if(kSteps.begin(), kSteps.end(),
@@ -68,20 +80,19 @@ std::vector<Tick> TimeTicks(const TimeSpan& span, int count) {
     const double months = wanted / kDaysPerMonth / static_cast<double>(kSecondsPerDay);
     const auto* const found = std::find_if(kMonthSteps.begin(), kMonthSteps.end(),
                                            [months](int each) { return static_cast<double>(each) >= months; });
-    return TicksOfMonths(span, found == kMonthSteps.end() ? kMonthSteps.back() : *found);
+    return TicksOfMonths(span, found == kMonthSteps.end() ? kMonthSteps.back() : *found, phrases);
   }
-  std::vector<Tick> ticks;
-  QString context;
+  TimeMarks marks(phrases);
   const bool days = *step >= kSecondsPerDay;
   const auto first = static_cast<std::int64_t>(std::ceil(span.from / static_cast<double>(*step))) * *step;
   for (std::int64_t at = first; static_cast<double>(at) <= span.to; at += *step) {
-    Add(ticks, at, days ? "d mmm" : "hh:nn", days ? "yyyy" : "d mmm yyyy", context);
+    marks.Add(at, days ? "d mmm" : "hh:nn", days ? "yyyy" : "d mmm yyyy");
   }
-  return ticks;
+  return std::move(marks.ticks);
 }
 
-QString TimeText(double seconds) {
-  return Written(std::llround(seconds), "d mmm yyyy HH:NN");
+QString TimeText(double seconds, const Phrases& phrases) {
+  return Written(std::llround(seconds), "d mmm yyyy HH:NN", phrases);
 }
 
 }  // namespace corvane::window

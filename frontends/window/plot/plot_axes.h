@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include "lang/phrases.h"
 #include "window/plot/plot_line.h"
 
 namespace corvane::window {
@@ -20,8 +21,8 @@ struct Tick {
 /// Round numbers from `least` to `most`, at most about `count`.
 [[nodiscard]] std::vector<Tick> NumberTicks(double least, double most, int count);
 /// Round times of the span, at most about `count`.
-[[nodiscard]] std::vector<Tick> TimeTicks(const TimeSpan& span, int count);
+[[nodiscard]] std::vector<Tick> TimeTicks(const TimeSpan& span, int count, const Phrases& phrases = {});
 /// A time as it is written beside a value.
-[[nodiscard]] QString TimeText(double seconds);
+[[nodiscard]] QString TimeText(double seconds, const Phrases& phrases);
 
 }  // namespace corvane::window

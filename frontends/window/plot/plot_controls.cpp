@@ -228,6 +228,11 @@ void PlotControls::EnableChoices() {
   if (auto* label = item_->parentWidget()->findChild<QLabel*>("plotItemLabel")) label->setVisible(item);
 }
 
+void PlotControls::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  for (TimeField* field : {from_, to_}) field->SetPhrases(phrases);
+}
+
 void PlotControls::SetUnits(const std::vector<std::string>& names) {
   const auto count = static_cast<int>(names.size());
   bool same = units_->count() == count;
@@ -280,7 +285,7 @@ void PlotControls::Offer(std::int32_t sensors, std::int32_t items, const std::st
   filling_ = true;
   while (sensors_->count() > sensors) delete sensors_->takeItem(sensors_->count() - 1);
   for (std::int32_t sensor = 1; sensor <= sensors; ++sensor) {
-    const QString name = QString::fromStdString(SensorName(depths, sensor));
+    const QString name = QString::fromStdString(SensorName(depths, sensor, phrases_));
     const bool shown = std::find(hidden.begin(), hidden.end(), sensor) == hidden.end();
     if (sensor > sensors_->count()) {
       AddTickable(*sensors_, name, shown);

@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include "data/reading_series.h"
+#include "lang/phrases.h"
 #include "window/plot/plot_line.h"
 
 class QComboBox;
@@ -30,6 +31,8 @@ class PlotControls {
   /// Builds the controls in `page`; `view` goes beside them.
   PlotControls(QWidget& page, QWidget& view, QWidget& below);
 
+  /// Shows dates and sensors in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// Gives the list of units these names; what was ticked stays so by position.
   void SetUnits(const std::vector<std::string>& names);
   /// Ticks this unit alone, by its position from 1.
@@ -77,6 +80,7 @@ class PlotControls {
   QPushButton* back_ = nullptr;
   QPushButton* save_ = nullptr;
   QPushButton* copy_ = nullptr;
+  Phrases phrases_;
   bool filling_ = false;
 };
 

@@ -16,6 +16,7 @@
 #include "base/replacement_file.h"
 #include "base/text.h"
 #include "window/plot/plot_painter.h"
+#include "window/plot/plot_phrases.h"
 
 namespace corvane::window {
 namespace {
@@ -93,7 +94,7 @@ Status SaveTable(const std::string& file, const PlotContents& contents, const Ti
   ReplacementFile out(file);
   if (Status opened = out.Open(); !opened.ok()) return opened;
   std::string& text = out.buffer();
-  text += "Date";
+  text += contents.phrases.Text(kPlotSays.date);
   std::vector<std::size_t> next;
   for (const PlotLine& line : contents.lines) {
     text += "," + TitleField(contents, line);

@@ -10,6 +10,7 @@
 #include <QString>
 
 #include "data/reading_series.h"
+#include "lang/phrases.h"
 
 namespace corvane::window {
 
@@ -74,6 +75,7 @@ struct PlotContents {
   std::array<QString, 2> axis_titles;
   std::array<int, 2> decimals{};  ///< of the values of either axis
   QString problem;                ///< what is not shown and why, empty when all is
+  Phrases phrases;                ///< what the lines and titles are told in
 
   /// From the first reading to the last one; empty when there is none.
   [[nodiscard]] TimeSpan Whole() const;

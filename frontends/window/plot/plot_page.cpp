@@ -1,6 +1,7 @@
 #include "window/plot/plot_page.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -10,10 +11,11 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "base/format.h"
 #include "data/sensor_names.h"
+#include "lang/date_words.h"
 #include "window/plot/plot_axes.h"
 #include "window/plot/plot_export.h"
+#include "window/plot/plot_phrases.h"
 
 namespace corvane::window {
 namespace {
@@ -23,14 +25,22 @@ using Chosen = PlotControls::Chosen;
 constexpr int kLookAgainMilliseconds = 5000;
 constexpr int kCursorLines = 2;
 constexpr double kSameSpan = 60;  // seconds, which is what the fields from and to show
-constexpr const char* kFilters = "Picture (*.png);;Drawing (*.svg);;Document (*.pdf);;Table of the readings (*.csv)";
+
+struct FilterRow {
+  const Phrase& kind;
+  const char* files;
+};
+constexpr std::array<FilterRow, 4> kFilters = {{{kPlotSays.picture, "*.png"},
+                                                {kPlotSays.drawing, "*.svg"},
+                                                {kPlotSays.document, "*.pdf"},
+                                                {kPlotSays.table, "*.csv"}}};
 
 }  // namespace
 
 PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_text_(new QLabel), problem_(new QLabel) {
   setObjectName("tabPlot");
   view_->setObjectName("plotView");
-  view_->setAccessibleName("Plot");
+  view_->setAccessibleName(Words(kPlotSays.plot));
   cursor_text_->setObjectName("plotCursor");
   problem_->setObjectName("plotProblem");
   problem_->setWordWrap(true);
@@ -49,9 +59,9 @@ PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_te
   texts->addWidget(problem_);
   controls_ = std::make_unique<PlotControls>(*this, *view_, *below);
   work_ = new BackgroundWork(this);
-  work_->failed = [this](const QString& why) { view_->SetMessage("Not read: " + why); };
+  work_->failed = [this](const QString& why) { view_->SetMessage(Words(kPlotSays.not_read, {why.toStdString()})); };
   saving_ = new BackgroundWork(this);
-  saving_->failed = [this](const QString& why) { Say("Not saved: " + why); };
+  saving_->failed = [this](const QString& why) { Say(Words(kPlotSays.not_saved, {why.toStdString()})); };
   look_again_.setInterval(kLookAgainMilliseconds);
   Connect();
   controls_->EnableBack(false);
@@ -63,6 +73,13 @@ PlotPage::~PlotPage() {
   controls_->units_changed = controls_->lines_changed = controls_->span_chosen = nullptr;
   controls_->date_refused = nullptr;
   qDeleteAll(findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
+}
+
+void PlotPage::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  view_->setAccessibleName(Words(kPlotSays.plot));
+  controls_->SetPhrases(phrases);
+  if (shown_) Load(true);
 }
 
 void PlotPage::Connect() {
@@ -114,12 +131,13 @@ PlotWish PlotPage::Wish() const {
   wish.right = controls_->Right();
   wish.hidden_sensors = controls_->HiddenSensors();
   wish.item = controls_->Item();
+  wish.phrases = phrases_;
   return wish;
 }
 
 void PlotPage::Load(bool keeps_span) {
   work_->CancelAll();
-  view_->SetMessage("Reading ...");
+  view_->SetMessage(Words(kPlotSays.reading));
   work_->Add([this, wish = Wish(), keeps_span](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
     std::string files = StateOf(wish);
     auto reading = std::make_shared<PlotReading>(ReadPlot(wish, cancelled));
@@ -153,7 +171,9 @@ void PlotPage::Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span
   // What reached to the last reading goes on doing so.
   const TimeSpan former_whole = view_->contents().Whole();
   const bool showed_all = view_->span().to >= former_whole.to && view_->span().from <= former_whole.from;
-  view_->SetMessage(reading->units == 0 ? "Tick a unit to see its readings." : empty ? "No readings to show." : "");
+  view_->SetMessage(reading->units == 0 ? Words(kPlotSays.tick_a_unit)
+                    : empty             ? Words(kPlotSays.no_readings)
+                                        : QString());
   view_->Show(std::shared_ptr<const PlotContents>(reading, &reading->contents), keeps_span && !showed_all);
   controls_->EnableSave(!empty);
   CursorMoved(false);
@@ -167,7 +187,7 @@ void PlotPage::ShowDay() {
   const auto from = static_cast<double>(day.Midnight().seconds());
   view_->Zoom({from - kSecondsPerDay, from + 2 * kSecondsPerDay});
   if (from <= whole.to && from + kSecondsPerDay > whole.from) return;
-  Say("There are no readings of " + QString::fromStdString(FormatDate(day, "d mmm yyyy")) + "; the nearest are shown.");
+  Say(Words(kPlotSays.none_of_day, {DateText(day, "d mmm yyyy", phrases_)}));
 }
 
 void PlotPage::ShowSpan() {
@@ -175,16 +195,16 @@ void PlotPage::ShowSpan() {
   const TimeSpan chosen = controls_->ChosenSpan(whole);
   CursorMoved(false);
   setting_span_ = true;
+  const auto text = [this](double seconds) { return TimeText(seconds, phrases_).toStdString(); };
   if (!controls_->IsFromTo()) {
     view_->Zoom(chosen);
   } else if (chosen.from >= chosen.to) {
-    Say("\"From\" has to lie before \"To\": " + TimeText(chosen.from) + " does not lie before " + TimeText(chosen.to) +
-        ".");
+    Say(Words(kPlotSays.from_before_to, {text(chosen.from), text(chosen.to)}));
   } else {
     const TimeSpan shown = {std::max(chosen.from, whole.from), std::min(chosen.to, whole.to)};
     // The fields show whole minutes.
     const bool cut = shown.from - chosen.from >= kSameSpan || chosen.to - shown.to >= kSameSpan;
-    if (cut) Say("There are readings from " + TimeText(whole.from) + " to " + TimeText(whole.to) + ".");
+    if (cut) Say(Words(kPlotSays.readings_from_to, {text(whole.from), text(whole.to)}));
     if (shown.from < shown.to) view_->Zoom(shown);
   }
   setting_span_ = false;
@@ -214,9 +234,11 @@ PlotLayout PlotPage::Layout() const {
 
 void PlotPage::AskWhereToSave() {
   if (auto* open = findChild<QFileDialog*>(); open != nullptr) return open->activateWindow();
-  auto* dialog = new QFileDialog(this, "Save the plot as", QString::fromStdString(app_.names().DataFolder()));
+  auto* dialog = new QFileDialog(this, Words(kPlotSays.save_as), QString::fromStdString(app_.names().DataFolder()));
   dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setNameFilters(QString(kFilters).split(";;"));
+  QStringList filters;
+  for (const FilterRow& row : kFilters) filters << Words(row.kind) + " (" + row.files + ")";
+  dialog->setNameFilters(filters);
   dialog->setDefaultSuffix("png");
   connect(dialog, &QFileDialog::filterSelected, dialog,
           [dialog](const QString& filter) { dialog->setDefaultSuffix(filter.section("*.", 1).chopped(1)); });
@@ -236,14 +258,19 @@ void PlotPage::SaveTo(const QString& file) {
                 layout = Layout()](const BackgroundWork::Cancelled& cancelled) -> std::function<void()> {
     const Status saved =
         table ? SaveTable(name, *contents, layout.span, cancelled) : SavePicture(name, *contents, layout);
-    const QString text = QString::fromStdString(saved.ok() ? "Saved: " + name : "Not saved: " + saved.text());
-    return [this, text] { Say(text); };
+    return [this, name, saved] {
+      Say(saved.ok() ? Words(kPlotSays.saved, {name}) : Words(kPlotSays.not_saved, {saved.text()}));
+    };
   });
 }
 
 void PlotPage::Copy() {
   QApplication::clipboard()->setImage(PictureOf(view_->contents(), Layout()));
-  Say("The picture is in the clipboard.");
+  Say(Words(kPlotSays.copied));
+}
+
+QString PlotPage::Words(const Phrase& phrase, std::initializer_list<std::string_view> values) const {
+  return QString::fromStdString(phrases_.Text(phrase, values));
 }
 
 void PlotPage::Say(const QString& text) {

@@ -2,14 +2,17 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <QTimer>
 #include <QWidget>
 
 #include "app/application.h"
+#include "lang/phrases.h"
 #include "window/plot/background_work.h"
 #include "window/plot/plot_controls.h"
 #include "window/plot/plot_export.h"
@@ -28,6 +31,8 @@ class PlotPage : public QWidget {
   explicit PlotPage(Application& app);
   ~PlotPage() override;
 
+  /// Shows everything in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// Shows the unit at that position (from 1) of the list of units: all of it, or a day with the ones beside it.
   void ShowUnit(std::int64_t position, DateTime day = {});
   /// Saves what is shown as the ending of the name says: .png, .svg, .pdf or .csv. Says in the page how it went.
@@ -55,6 +60,7 @@ class PlotPage : public QWidget {
   void AskWhereToSave();
   void Copy();
   [[nodiscard]] PlotLayout Layout() const;
+  [[nodiscard]] QString Words(const Phrase& phrase, std::initializer_list<std::string_view> values = {}) const;
   void Say(const QString& text);
 
   Application& app_;
@@ -65,6 +71,7 @@ class PlotPage : public QWidget {
   BackgroundWork* work_;    ///< reads
   BackgroundWork* saving_;  ///< writes, and is not cancelled by another choice
   QTimer look_again_;
+  Phrases phrases_;
   std::string shown_files_;  ///< the state of the files and settings behind what is shown
   DateTime day_;             ///< to be shown when it has been read; none: as it is
   bool shown_ = false;       ///< has been shown once

@@ -73,7 +73,7 @@ void PlotPainter::Arrange() {
   }
   canvas_.adjust(widths[0], 0, -widths[1], 0);
   const double time_distance = 1.3 * metrics.horizontalAdvance("30 Nov ");
-  times_ = TimeTicks(span_, static_cast<int>(canvas_.width() / time_distance));
+  times_ = TimeTicks(span_, static_cast<int>(canvas_.width() / time_distance), contents_.phrases);
 }
 
 std::pair<std::size_t, std::size_t> PlotPainter::Shown(const PlotLine& line) const {

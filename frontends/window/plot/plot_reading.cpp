@@ -9,6 +9,7 @@
 #include "base/files.h"
 #include "base/numbers.h"
 #include "data/sensor_names.h"
+#include "window/plot/plot_phrases.h"
 
 namespace corvane::window {
 namespace {
@@ -17,22 +18,19 @@ namespace {
 constexpr std::int32_t kMostSensors = 32;
 
 struct Kind {
-  const char* name;
+  Phrase axis;   ///< with the unit
+  Phrase line;   ///< in the legend
   int decimals;  ///< as in calibrated files
   bool of_sensor;
 };
 
 const Kind& KindOf(Quantity quantity) {
-  static constexpr std::array<Kind, 6> kKinds = {{{"Moisture", 2, true},
-                                                  {"Salinity", 3, true},
-                                                  {"Temperature (\xC2\xB0"
-                                                   "C)",
-                                                   2, true},
-                                                  {"Battery (V)", 3, false},
-                                                  {"Ambient temperature (\xC2\xB0"
-                                                   "C)",
-                                                   2, false},
-                                                  {"Raw item", 0, false}}};
+  static constexpr std::array<Kind, 6> kKinds = {{{kPlotSays.moisture_axis, kPlotSays.moisture, 2, true},
+                                                  {kPlotSays.salinity_axis, kPlotSays.salinity, 3, true},
+                                                  {kPlotSays.temperature_axis, kPlotSays.temperature, 2, true},
+                                                  {kPlotSays.battery_axis, kPlotSays.battery, 3, false},
+                                                  {kPlotSays.ambient_axis, kPlotSays.ambient, 2, false},
+                                                  {kPlotSays.item_axis, kPlotSays.item, 0, false}}};
   return kKinds[static_cast<std::size_t>(quantity)];
 }
 
@@ -55,21 +53,15 @@ std::vector<SeriesChannel> ChannelsOf(const PlotWish& wish, std::size_t& left) {
 QString LineName(const PlotWish& wish, const PlotUnit& unit, const SeriesChannel& channel) {
   QStringList parts;
   if (wish.units.size() > 1) parts << QString::fromStdString(unit.name);
-  const bool of_sensor = KindOf(channel.quantity).of_sensor;
-  if (of_sensor) parts << QString::fromStdString(SensorName(unit.depths, channel.number));
-  if (channel.quantity == Quantity::Item) {
-    parts << "raw item " + QString::number(channel.number);
-  } else if (wish.right || !of_sensor) {
-    parts << NameOf(channel.quantity).section(" (", 0, 0).toLower();
+  const Kind& kind = KindOf(channel.quantity);
+  if (kind.of_sensor) parts << QString::fromStdString(SensorName(unit.depths, channel.number, wish.phrases));
+  if (wish.right || !kind.of_sensor) {
+    parts << QString::fromStdString(wish.phrases.Text(kind.line, {std::to_string(channel.number)}));
   }
   return parts.join(", ");
 }
 
 }  // namespace
-
-QString NameOf(Quantity quantity) {
-  return QString::fromUtf8(KindOf(quantity).name);
-}
 
 std::string StateOf(const PlotWish& wish) {
   std::string state;
@@ -93,10 +85,13 @@ PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelle
   PlotContents& contents = reading.contents;
   std::size_t left = 0;
   const std::vector<SeriesChannel> channels = ChannelsOf(wish, left);
-  contents.axis_titles[0] = NameOf(wish.left);
-  contents.decimals[0] = KindOf(wish.left).decimals;
-  if (wish.right) contents.axis_titles[1] = NameOf(*wish.right);
-  if (wish.right) contents.decimals[1] = KindOf(*wish.right).decimals;
+  contents.phrases = wish.phrases;
+  const auto title = [&](std::size_t axis, const Kind& kind) {
+    contents.axis_titles[axis] = QString::fromStdString(wish.phrases.Text(kind.axis));
+    contents.decimals[axis] = kind.decimals;
+  };
+  title(0, KindOf(wish.left));
+  if (wish.right) title(1, KindOf(*wish.right));
   QStringList problems;
   std::size_t left_out = 0;
   reading.units = wish.units.size();
@@ -107,6 +102,7 @@ PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelle
   for (const PlotUnit& unit : wish.units) {
     SeriesRequest request = unit.request;
     request.channels = channels;
+    request.phrases = wish.phrases;
     const auto series =
         std::make_shared<const ReadingSeries>(ReadSeries(request, [&cancelled] { return !cancelled(); }));
     if (series->cancelled) return reading;
@@ -115,7 +111,7 @@ PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelle
     const QString name = QString::fromStdString(unit.name);
     if (!series->problem.empty()) problems << name + ": " + QString::fromStdString(series->problem) + ".";
     if (series->problem.empty() && series->source == ReadingSeries::Source::Calibrated) {
-      problems << name + ": there is no raw file; shown is what its calibrated file holds.";
+      problems << QString::fromStdString(wish.phrases.Text(kPlotSays.from_calibrated, {unit.name}));
     }
     for (std::size_t column = 0; column < channels.size(); ++column) {
       if (series->columns[column].empty()) continue;
@@ -127,8 +123,8 @@ PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelle
     }
   }
   if (left_out > 0) {
-    problems
-        << QString("%1 lines are shown, %2 more are not: choose fewer units or sensors.").arg(kMostLines).arg(left_out);
+    problems << QString::fromStdString(
+        wish.phrases.Text(kPlotSays.too_many, {std::to_string(kMostLines), std::to_string(left_out)}));
   }
   contents.problem = problems.join(" ");
   return reading;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "data/reading_series.h"
+#include "lang/phrases.h"
 #include "window/plot/plot_line.h"
 
 namespace corvane::window {
@@ -25,6 +26,7 @@ struct PlotWish {
   std::optional<Quantity> right;  ///< on the second axis
   std::vector<std::int32_t> hidden_sensors;
   std::int32_t item = 1;  ///< the raw item, where those are wanted
+  Phrases phrases;
 };
 
 /// What came of it.
@@ -43,7 +45,5 @@ inline constexpr std::size_t kMostLines = 14;
 [[nodiscard]] PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelled);
 /// Tells one state of the files and settings behind a wish from another.
 [[nodiscard]] std::string StateOf(const PlotWish& wish);
-/// A quantity with its unit, as an axis and a column are called.
-[[nodiscard]] QString NameOf(Quantity quantity);
 
 }  // namespace corvane::window

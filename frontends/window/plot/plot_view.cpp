@@ -132,7 +132,7 @@ void PlotView::DrawCursor(PlotPainter& plot, QPainter& painter) {
   painter.setPen(QPen(colours.text, 1, Qt::DashLine));
   painter.drawLine(QPointF(x, canvas_.top()), QPointF(x, canvas_.bottom()));
   const QFontMetricsF metrics(painter.font());
-  QStringList texts{TimeText(*cursor_)};
+  QStringList texts{TimeText(*cursor_, contents_->phrases)};
   std::vector<std::size_t> lines;
   for (std::size_t line = 0; line < contents_->lines.size(); ++line) {
     const PlotLine& shown = contents_->lines[line];
@@ -169,7 +169,7 @@ QString PlotView::CursorText() const {
   for (const PlotLine& line : contents_->lines) {
     if (line.Covers(*cursor_)) texts << line.name() + " " + ValueText(*contents_, line, line.Nearest(*cursor_));
   }
-  return TimeText(*cursor_) + ": " + texts.join(", ");
+  return TimeText(*cursor_, contents_->phrases) + ": " + texts.join(", ");
 }
 
 void PlotView::ClearCursor() {

@@ -6,7 +6,9 @@
 #include <QKeyEvent>
 
 #include "base/format.h"
+#include "lang/date_words.h"
 #include "window/plot/plot_axes.h"
+#include "window/plot/plot_phrases.h"
 
 namespace corvane::window {
 
@@ -38,6 +40,11 @@ QSize TimeField::sizeHint() const {
   return size;
 }
 
+void TimeField::SetPhrases(const Phrases& phrases) {
+  phrases_ = phrases;
+  SetSeconds(seconds_);
+}
+
 void TimeField::SetSeconds(double seconds) {
   // Who types goes on with it, whatever new readings come meanwhile.
   const bool typing = isModified() && hasFocus();
@@ -47,15 +54,18 @@ void TimeField::SetSeconds(double seconds) {
 
 QString TimeField::Shown() const {
   // Before there are readings there is no time to show.
-  return seconds_ == 0 ? "-" : TimeText(seconds_);
+  return seconds_ == 0 ? "-" : TimeText(seconds_, phrases_);
 }
 
 bool TimeField::Take() {
   const QString typed = text().trimmed();
   if (typed == Shown()) return true;
-  const auto date = ParseDate(typed.toStdString());
+  const auto date = ParseDate(WithEnglishMonths(typed.toStdString(), phrases_));
   if (!date || date->ToCivil().day != DayIn(typed)) {
-    if (refused) refused("\"" + typed + "\" is no date: write it like 5 Sep 2026 06:00.");
+    const auto example = static_cast<double>(DateTime::FromCivil(2026, 9, 5, 6).seconds());
+    const std::string why =
+        phrases_.Text(kPlotSays.no_date, {typed.toStdString(), TimeText(example, phrases_).toStdString()});
+    if (refused) refused(QString::fromStdString(why));
     return false;
   }
   Choose(static_cast<double>(date->seconds()));

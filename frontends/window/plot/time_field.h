@@ -4,6 +4,8 @@
 
 #include <QLineEdit>
 
+#include "lang/phrases.h"
+
 namespace corvane::window {
 
 /// A date with its time, typed or moved by a day with arrow up and down.
@@ -13,6 +15,8 @@ class TimeField : public QLineEdit {
  public:
   explicit TimeField(const char* name);
 
+  /// Names months in these words from then on.
+  void SetPhrases(const Phrases& phrases);
   /// Shows a time; 0 is none.
   void SetSeconds(double seconds);
   [[nodiscard]] double seconds() const { return seconds_; }
@@ -31,6 +35,7 @@ class TimeField : public QLineEdit {
   void Choose(double seconds);
   [[nodiscard]] QString Shown() const;
 
+  Phrases phrases_;
   double seconds_ = 0;
 };
 
