@@ -13,6 +13,7 @@
 #include "desktop/terminal.h"
 #include "posix/signal_watch.h"
 #include "state/app_info.h"
+#include "window/box_style.h"
 #include "window/options.h"
 #include "window/program.h"
 #include "window/toolkit_messages.h"
@@ -61,6 +62,7 @@ int main(int argc, char** argv) {
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setApplicationName("corvane");
   QApplication::setDesktopFileName("corvane");
+  QApplication::setStyle(new BoxStyle);
   try {
     const Options options = ParseOptions(Arguments(QCoreApplication::arguments()));
     return options.language_template ? PrintLanguageTemplate() : RunProgram(options);

@@ -24,6 +24,7 @@
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
 #include "sqlite/sqlite_history_store.h"
+#include "window/box_style.h"
 #include "window/main_window.h"
 #include "window/plot/plot_page.h"
 #include "zip/libzip_component.h"
@@ -253,7 +254,7 @@ class Photographer {
 
 int main(int argc, char** argv) {
   QApplication toolkit(argc, argv);
-  QApplication::setStyle("Fusion");
+  QApplication::setStyle(new corvane::window::BoxStyle("Fusion"));
   const QStringList arguments = QCoreApplication::arguments();
   if (arguments.size() != 3) {
     std::cerr << "usage: corvane-pictures APPLICATION-FOLDER TARGET-FOLDER\n";
