@@ -2,18 +2,26 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <set>
 #include <string>
 #include <vector>
 
 #include <QAccessible>
+#include <QCheckBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QListView>
+#include <QStandardItemModel>
 #include <QTabWidget>
+
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 
 #include <gtest/gtest.h>
 
+#include "window/box_style.h"
 #include "window/colours.h"
 #include "window_world.h"
 
@@ -122,6 +130,66 @@ TEST(Announcements, TellOfUnitsAndProblemsAndNotOfWhatIsReceived) {
             "Site 2: waited 45 secs|Finished (1 unit(s) with problems)...|");
 }
 
+/// A screen reader, for a scope: what it gets, by the widget it is of.
+class ScreenReader {
+ public:
+  ScreenReader() : former_(QAccessible::installUpdateHandler(Hear)) {
+    heard_.clear();
+    Platform().setActive(true);
+  }
+  ~ScreenReader() {
+    QAccessible::installUpdateHandler(former_);
+    Platform().setActive(false);
+  }
+  ScreenReader(const ScreenReader&) = delete;
+  ScreenReader& operator=(const ScreenReader&) = delete;
+
+  [[nodiscard]] static int Of(const std::string& widget) { return heard_[widget]; }
+  [[nodiscard]] static int All() {
+    return std::accumulate(heard_.begin(), heard_.end(), 0,
+                           [](int sum, const auto& each) { return sum + each.second; });
+  }
+  [[nodiscard]] static std::string List() {
+    std::string list;
+    for (const auto& [widget, events] : heard_) list += widget + " " + std::to_string(events) + "\n";
+    return list;
+  }
+
+ private:
+  // Only a platform can say that somebody listens, and the one without a screen never does.
+  static QPlatformAccessibility& Platform() { return *QGuiApplicationPrivate::platformIntegration()->accessibility(); }
+  static void Hear(QAccessibleEvent* event) {
+    ++heard_[event->object() == nullptr ? "" : event->object()->objectName().toStdString()];
+  }
+
+  inline static std::map<std::string, int> heard_;
+  QAccessible::UpdateHandler former_;
+};
+
+TEST(Announcements, AreFewWhileManyReadingsAreReceived) {
+  WindowWorld world(SmallNetwork(3));
+  WriteTables(world.home);
+  world.readings.clear();
+  for (int hour = 0; hour < 240; ++hour) {
+    world.readings.push_back("2010/3/" + std::to_string(1 + hour / 24) + " " + std::to_string(hour % 24) +
+                             ":00,12500,29310,1,1500,900,29300");
+  }
+  world.Open();
+  world.ShowPage("tabLog");
+  for (int trace = 0; trace < 5; ++trace) world.form().Chk_Trace[trace].SetTicked(true);
+  world.form().Chk_ShowTrace.SetTicked(true);
+  world.form().Chk_ShowReply.SetTicked(true);
+  QApplication::processEvents();
+  const ScreenReader reader;
+  ASSERT_TRUE(QAccessible::isActive());
+  world.Choose("mnu_Download", 1);
+  QTest::qWait(1100);
+  ASSERT_GT(world.form().Lst_Debug.count(), 700) << "lines were shown";
+  EXPECT_GE(reader.Of("announcer"), 4) << "each unit, and the end\n" << reader.List();
+  // Each control tells once that it is disabled and once that it is back.
+  EXPECT_LE(reader.All(), 360) << "of 720 readings\n" << reader.List();
+}
+
 /// How well one colour can be told from another, from 1 to 21.
 double Contrast(const QColor& one, const QColor& other) {
   const auto light = [](const QColor& colour) {
@@ -144,6 +212,34 @@ TEST_F(Accessible, TextsAndSignsStandOutFromTheirGround) {
     const QImage picture = sign.pixmap(16, 16, QIcon::Selected).toImage();
     EXPECT_GE(Contrast(picture.pixelColor(8, 14), picture.pixelColor(0, 0)), 3);
     EXPECT_EQ(picture.pixelColor(0, 0).alpha(), 255) << "the row's own colour does not shine through";
+  }
+}
+
+TEST_F(Accessible, ABoxWithoutATickStandsOutFromItsGround) {
+  window::BoxStyle style("Fusion");
+  const std::pair<QColor, QColor> rows[] = {{QColor(53, 53, 53), QColor(35, 35, 35)},
+                                            {QColor(32, 32, 32), QColor(20, 20, 20)}};
+  for (const auto& [around, within] : rows) {
+    QPalette dark(Qt::white, around, Qt::gray, Qt::black, Qt::gray, Qt::white, Qt::white, within, around);
+    QCheckBox box;
+    QStandardItemModel one;
+    one.appendRow(new QStandardItem);
+    one.item(0)->setCheckable(true);
+    QListView list;
+    list.setModel(&one);
+    list.setFrameShape(QFrame::NoFrame);
+    for (QWidget* shown : {static_cast<QWidget*>(&box), static_cast<QWidget*>(&list)}) {
+      shown->setStyle(&style);
+      shown->setPalette(dark);
+      const QImage picture = shown->grab().toImage();
+      const int middle = shown == &box ? picture.height() / 2 : list.visualRect(one.index(0, 0)).center().y();
+      double best = 1;
+      // The frame is the only thing at the left that is neither ground.
+      for (int x = 0; x < std::min(20, picture.width()); ++x) {
+        best = std::max(best, Contrast(picture.pixelColor(x, middle), shown == &box ? around : within));
+      }
+      EXPECT_GE(best, 3) << shown->metaObject()->className();
+    }
   }
 }
 
