@@ -6,10 +6,10 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "window/network/long_text_view.h"
 #include "window/network/network_phrases.h"
 #include "window/network/view_button.h"
 
@@ -49,7 +49,7 @@ RoundsView::RoundsView(QWidget* parent)
       later_(NewButton("&Later", "Shows the round behind this one", kLaterText, "roundsLater", this)),
       last_(NewButton("Last &round", "Shows the round that ended last", kLastText, "roundsLast", this)),
       head_(new QLabel(this)),
-      text_(new QPlainTextEdit(this)) {
+      text_(new LongTextView(this)) {
   setObjectName("rounds");
   auto* column = new QVBoxLayout(this);
   auto* row = new QHBoxLayout;
@@ -63,9 +63,6 @@ RoundsView::RoundsView(QWidget* parent)
   text_->setObjectName("roundsText");
   text_->setToolTip("What became of each unit in this round; the text can be selected and copied");
   text_->setProperty("textId", kSentencesText);
-  text_->setReadOnly(true);
-  text_->setTabChangesFocus(true);
-  text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   column->addWidget(text_, 1);
   connect(earlier_, &QPushButton::clicked, this, [this] { GoBack(); });
   connect(later_, &QPushButton::clicked, this, [this] { GoOn(); });
@@ -122,12 +119,10 @@ void RoundsView::Show(const std::optional<RoundTexts>& texts) {
     if (key_ != 0 && !later_keys_.empty() && later_keys_.back() == key_) later_keys_.pop_back();
     return EnableButtons();
   }
-  const QString sentences = TextOf(*texts, phrases_);
   first_ = texts->round.key <= 1;
   key_ = texts->round.key;
   head_->setText(QString::fromStdString(texts->head) + ".");
-  // What is selected in a text that stays the same stays selected.
-  if (text_->toPlainText() != sentences) text_->setPlainText(sentences);
+  text_->Show(TextOf(*texts, phrases_));
   EnableButtons();
 }
 

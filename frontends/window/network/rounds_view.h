@@ -11,10 +11,11 @@
 #include "lang/phrases.h"
 
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
 
 namespace corvane::window {
+
+class LongTextView;
 
 /// One round in sentences that stay, and the way back to earlier ones.
 class RoundsView : public QWidget {
@@ -45,7 +46,7 @@ class RoundsView : public QWidget {
   QPushButton* later_;
   QPushButton* last_;
   QLabel* head_;
-  QPlainTextEdit* text_;
+  LongTextView* text_;
   std::vector<std::int64_t> later_keys_;  ///< of the rounds that were paged back from, the last one first
   std::int64_t key_ = 0;                  ///< of the round that is shown, 0 none
   std::int64_t asked_ = 0;                ///< the key that was asked for

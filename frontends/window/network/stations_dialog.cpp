@@ -6,7 +6,6 @@
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -14,6 +13,7 @@
 #include "base/files.h"
 #include "base/outside_text.h"
 #include "base/replacement_file.h"
+#include "window/network/long_text_view.h"
 #include "window/network/view_button.h"
 #include "window/plot/background_work.h"
 
@@ -92,14 +92,11 @@ void StationsDialog::AddContents() {
   state_->setWordWrap(true);
   state_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   column->addWidget(state_);
-  lines_ = new QPlainTextEdit(this);
+  lines_ = new LongTextView(this);
   lines_->setObjectName("stationsChanges");
   lines_->setToolTip("What the table would change, or what is wrong with it; the text can be selected and copied");
   lines_->setProperty("textId", kLines);
   lines_->setAccessibleName("Changes");
-  lines_->setReadOnly(true);
-  lines_->setTabChangesFocus(true);
-  lines_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   column->addWidget(lines_, 1);
   put_in_ = NewButton("&Put in", "Makes these changes; they are saved as everything is", kPutIn, "putInStations", this);
   close_ =
@@ -179,7 +176,7 @@ void StationsDialog::SaveTo(const QString& file) {
                 question = app_.commands().AskStations()](const BackgroundWork::Cancelled&) -> std::function<void()> {
       const Status saved = WriteFileAtomically(file.toStdString(), question.File());
       const QString said = saved.ok() ? "Saved: " + file : "Not saved: " + QString::fromStdString(saved.text());
-      return [this, said] { Say(said, lines_->toPlainText()); };
+      return [this, said] { Say(said, lines_->text()); };
     });
   });
 }
@@ -221,10 +218,10 @@ void StationsDialog::PutIn() {
   const QString count = Counted(plan_.changes.size(), "change");
   const bool done = app_.commands().PutInStations(*question_, plan_);
   if (!done && app_.slot().Taken())
-    return Say("An operation runs; put the table in when it has ended.", lines_->toPlainText());
+    return Say("An operation runs; put the table in when it has ended.", lines_->text());
   if (!done) return WorkOut("The lists have changed meanwhile. ");
   table_.reset();
-  Say(count + (plan_.changes.size() == 1 ? " is" : " are") + " put in.", lines_->toPlainText());
+  Say(count + (plan_.changes.size() == 1 ? " is" : " are") + " put in.", lines_->text());
   EnableCommands();
   close_->setFocus();
   if (on_put_in) on_put_in();
@@ -232,7 +229,7 @@ void StationsDialog::PutIn() {
 
 void StationsDialog::Say(const QString& text, const QString& lines) {
   state_->setText(text);
-  if (lines_->toPlainText() != lines) lines_->setPlainText(lines);
+  lines_->Show(lines);
 }
 
 void StationsDialog::EnableCommands() {

@@ -12,12 +12,12 @@
 class QCheckBox;
 class QFileDialog;
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
 
 namespace corvane::window {
 
 class BackgroundWork;
+class LongTextView;
 
 /// Units, relays and clients as a table: saves them, and shows what a table would change before anything happens.
 ///
@@ -57,7 +57,7 @@ class StationsDialog : public QDialog {
   QPushButton* read_ = nullptr;
   QCheckBox* delete_ = nullptr;
   QLabel* state_ = nullptr;
-  QPlainTextEdit* lines_ = nullptr;
+  LongTextView* lines_ = nullptr;
   QPushButton* put_in_ = nullptr;
   QPushButton* close_ = nullptr;
   QString file_;                               ///< that was read
