@@ -152,6 +152,8 @@ void NetworkPage::FollowRounds() {
     ShowRound();
   };
   follower.on_contact = [this](std::int64_t position) {
+    // Who shows the page gets all of it.
+    if (!isVisible()) return;
     RefreshUnit(position);
     if (!soon_.isActive()) soon_.start(static_cast<int>(std::max<std::int64_t>(kShortestRest, took_ * kRestFactor)));
   };

@@ -66,11 +66,14 @@ void StationModel::TakeUnit(const UnitStatus& unit) {
       std::find_if(units_.begin(), units_.end(), [&unit](const UnitStatus& each) { return each.key == unit.key; });
   if (known == units_.end()) return;
   *known = unit;
-  std::vector<StationGroup> groups = Arrange(units_, choice_, phrases_);
-  if (SameRows(units_, groups_, units_, groups)) return TellAllChanged();
-  beginResetModel();
-  groups_ = std::move(groups);
-  endResetModel();
+  const QModelIndex row = IndexOf(unit.key);
+  if (!row.isValid()) return;
+  TellChanged(row);
+  if (row.parent().isValid()) TellChanged(row.parent());
+}
+
+void StationModel::TellChanged(const QModelIndex& row) {
+  Q_EMIT dataChanged(row, row.siblingAtColumn(kStationColumns - 1));
 }
 
 void StationModel::SetRunning(std::int64_t position) {
@@ -79,7 +82,7 @@ void StationModel::SetRunning(std::int64_t position) {
   for (const UnitStatus& unit : units_) {
     if (unit.position != before && unit.position != position) continue;
     const QModelIndex row = IndexOf(unit.key);
-    if (row.isValid()) Q_EMIT dataChanged(row, row.siblingAtColumn(kStationColumns - 1));
+    if (row.isValid()) TellChanged(row);
   }
 }
 

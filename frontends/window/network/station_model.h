@@ -29,7 +29,7 @@ class StationModel : public QAbstractItemModel {
   void SetPhrases(const Phrases& phrases);
   /// Takes how the network stands; rows keep their places where their order did not change.
   void Take(std::vector<UnitStatus> units, Moment now);
-  /// Takes how one unit stands.
+  /// Takes how one unit stands. Its row stays where it is until the whole network is taken.
   void TakeUnit(const UnitStatus& unit);
   /// The unit that has its turn in a round, by its place in the list of units; 0 none.
   void SetRunning(std::int64_t position);
@@ -60,6 +60,7 @@ class StationModel : public QAbstractItemModel {
  private:
   [[nodiscard]] bool Grouped() const { return choice_.grouping != Grouping::None; }
   void TellAllChanged();
+  void TellChanged(const QModelIndex& row);
   [[nodiscard]] QString TextOf(const UnitStatus& unit, StationColumn column) const;
   [[nodiscard]] QString ToolTipOf(const UnitStatus& unit, StationColumn column) const;
   [[nodiscard]] QVariant GroupData(const StationGroup& group, int column, int role) const;

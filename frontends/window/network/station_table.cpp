@@ -74,6 +74,13 @@ void StationTable::selectionChanged(const QItemSelection& selected, const QItemS
   if (on_selected) on_selected();
 }
 
+void StationTable::dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+  if (first.row() != last.row()) return QTreeView::dataChanged(first, last, roles);
+  // The toolkit would paint the whole table for each unit of a round.
+  const QRect cell = visualRect(first);
+  viewport()->update(0, cell.top(), viewport()->width(), cell.height());
+}
+
 void StationTable::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTreeView::currentChanged(current, previous);
   if (!restoring_ && on_selected) on_selected();

@@ -29,6 +29,7 @@ class StationTable : public QTreeView {
   std::function<void(std::int64_t key)> on_opened;
 
  protected:
+  void dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) override;
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
