@@ -41,8 +41,6 @@ std::string OfTheDesktop(const std::vector<SetupLanguage>& languages) {
 Assistant::Assistant(Application& app, EventLoop& loop, QWidget* parent)
     : QWizard(parent), say_(BuiltInSentences(), *this), desk_{app, loop, say_, {}, {}, false, {}} {
   setObjectName("Assistant");
-  setProperty("textId", kWindow);
-  setWindowTitle("Set up a network");
   setWizardStyle(ModernStyle);
   setOption(NoBackButtonOnStartPage);
   setOption(HaveCustomButton1);
@@ -55,7 +53,7 @@ Assistant::Assistant(Application& app, EventLoop& loop, QWidget* parent)
   button(CustomButton1)->setObjectName("qt_toSummary");
   button(CustomButton1)->setProperty("autoDefault", false);
   connect(this, &QWizard::customButtonClicked, this, [this] { GoToSummary(); });
-  connect(this, &QWizard::currentIdChanged, this, [this] { ShowButtons(); });
+  connect(this, &QWizard::currentIdChanged, this, [this] { BeginPage(); });
   resize(kSize.boundedTo(screen()->availableSize()));
 }
 
@@ -129,8 +127,22 @@ void Assistant::ShowTexts() {
   for (const SetupPage id : kSetupPages) {
     page(static_cast<int>(id))->setTitle(say_[kFirstTitle + static_cast<int>(id)]);
   }
+  ShowTitle();
   if (name_controls) name_controls(*this);
   if (isVisible()) currentPage()->initializePage();
+}
+
+void Assistant::BeginPage() {
+  auto* const present = dynamic_cast<AssistantPage*>(currentPage());
+  if (present == nullptr) return;
+  ShowButtons();
+  // What is typed next belongs to the page: it has the focus before anything else is handled.
+  present->FocusFirst();
+  ShowTitle();
+}
+
+void Assistant::ShowTitle() {
+  if (currentPage() != nullptr) setWindowTitle(say_[kWindow] + ": " + currentPage()->title());
 }
 
 void Assistant::RunTry(const std::function<SetupAnswer()>& attempt, const std::function<void(const QString&)>& show) {

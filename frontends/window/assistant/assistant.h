@@ -47,6 +47,9 @@ class Assistant : public QWizard {
   void RunTry(const std::function<SetupAnswer()>& attempt, const std::function<void(const QString&)>& show);
   void SetTrying(bool trying);
   void ShowButtons();
+  /// A page is shown: the focus, its name and its buttons.
+  void BeginPage();
+  void ShowTitle();
   void GoToSummary();
   /// The page after the present one that has to be mended first; the last one when all are fine.
   [[nodiscard]] int FirstFaulty() const;

@@ -3,13 +3,15 @@
 #include <utility>
 
 #include <QAccessible>
+#include <QFormLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "window/assistant/page_area.h"
+#include "window/assistant/rows_table.h"
 #include "window/assistant/texts.h"
-#include "window/assistant/widgets.h"
 
 namespace corvane::window::assistant {
 
@@ -19,11 +21,14 @@ AssistantPage::AssistantPage(SetupPage page, Desk& desk) : page_(page), desk_(de
   rows_ = new QVBoxLayout(content);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
-  layout->addWidget(new PageArea(*content), 1);
+  area_ = new PageArea(*content);
+  layout->addWidget(area_, 1);
   fault_ = NewNote({}, 0, "setupFault");
   QFont bold = fault_->font();
   bold.setBold(true);
   fault_->setFont(bold);
+  const QMargins inside = rows_->contentsMargins();
+  fault_->setContentsMargins(inside.left(), 0, inside.right(), 0);
   fault_->hide();
   layout->addWidget(fault_);
 }
@@ -32,10 +37,10 @@ void AssistantPage::initializePage() {
   fault_->hide();
   Show();
   ShowAnswers();
-  // The wizard gives the focus away behind this.
-  desk_.loop.Post([this] {
-    if (QWidget* const first = First(); isVisible() && first != nullptr) first->setFocus(Qt::TabFocusReason);
-  });
+}
+
+void AssistantPage::FocusFirst() {
+  if (QWidget* const first = First(); first != nullptr) first->setFocus(Qt::TabFocusReason);
 }
 
 bool AssistantPage::validatePage() {
@@ -44,6 +49,8 @@ bool AssistantPage::validatePage() {
   const auto faults = desk_.app.setup().FaultsOf(desk_.plan, page_);
   fault_->setVisible(!faults.empty());
   if (!faults.empty()) {
+    // What was tried may have been something else.
+    ShowAnswers();
     ShowFault(faults.front());
     return false;
   }
@@ -52,6 +59,10 @@ bool AssistantPage::validatePage() {
 }
 
 void AssistantPage::TakeAll() {
+  const auto tables = findChildren<QTableWidget*>();
+  for (QTableWidget* each : tables) {
+    if (auto* const table = dynamic_cast<RowsTable*>(each)) table->TakeOpenCell();
+  }
   const SetupPlan before = desk_.plan;
   Take();
   ForgetOutdated(desk_.tried, before, desk_.plan);
@@ -65,6 +76,15 @@ void AssistantPage::ShowFault(const SetupFault& fault) {
   QAccessible::updateAccessibility(&alert);
 }
 
+void AssistantPage::GoTo(const SetupFault& fault) {
+  if (const auto lead = leads_.find(fault.field); lead != leads_.end()) lead->second->setFocus();
+}
+
+void AssistantPage::Reveal(QWidget& part) {
+  // Behind the layout, which gives it its lines.
+  desk_.loop.Post([this, &part] { area_->Reveal(part); });
+}
+
 void AssistantPage::ShowAnswers() {
   for (const auto& [label, kept] : answers_) {
     const std::optional<SetupAnswer>& answer = desk_.tried.*kept;
@@ -74,6 +94,14 @@ void AssistantPage::ShowAnswers() {
 
 void AssistantPage::AddIntroduction(const QString& text, int text_id) {
   rows_->addWidget(NewNote(text, text_id, ("introduction" + QByteArray::number(text_id)).constData()));
+}
+
+QLineEdit* AssistantPage::AddFolder(const FolderTexts& texts, SetupField field) {
+  auto* form = new QFormLayout;
+  QLineEdit* const folder = AddFolderField(*form, texts, this, [this] { return Say(kChooseAFolder); });
+  rows().addLayout(form);
+  LeadTo(field, *folder);
+  return folder;
 }
 
 void AssistantPage::AddTry(QVBoxLayout& column, QPushButton& button, const char* answer_name,
@@ -87,12 +115,16 @@ void AssistantPage::AddTry(QVBoxLayout& column, QPushButton& button, const char*
   column.addLayout(row);
   connect(&button, &QPushButton::clicked, this, [this, answer, kept, attempt = std::move(attempt)] {
     TakeAll();
+    fault_->hide();
     const auto keep = [this, kept, attempt, plan = desk_.plan] {
       SetupAnswer found = attempt(plan);
       desk_.tried.*kept = found;
       return found;
     };
-    desk_.run_try(keep, [answer](const QString& text) { answer->setText(text); });
+    desk_.run_try(keep, [this, answer](const QString& text) {
+      answer->setText(text);
+      Reveal(*answer);
+    });
   });
 }
 

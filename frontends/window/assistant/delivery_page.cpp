@@ -25,6 +25,9 @@ SchedulePage::SchedulePage(Desk& desk) : AssistantPage(SetupPage::Schedule, desk
   form->addRow(goes_on_);
   form->addRow(at_log_on_);
   log_size_ = AddField(*form, "Begin a new log file a&t (MB, 0 never):", kLogSize, "setupLogSize", this);
+  LeadTo(SetupField::Interval, *interval_);
+  LeadTo(SetupField::LogSize, *log_size_);
+  BeginAt(*automatic_);
   rows().addLayout(form);
   rows().addWidget(
       NewNote("On a computer where nobody logs on, let the service collect instead: see the page "
@@ -32,10 +35,6 @@ SchedulePage::SchedulePage(Desk& desk) : AssistantPage(SetupPage::Schedule, desk
               kService, "setupService"));
   rows().addStretch(1);
   connect(automatic_, &QCheckBox::toggled, interval_, &QWidget::setEnabled);
-}
-
-QWidget* SchedulePage::First() {
-  return automatic_;
 }
 
 void SchedulePage::Show() {
@@ -57,10 +56,6 @@ void SchedulePage::Take() {
   plan.log_size = log_size_->text().trimmed().toStdString();
 }
 
-void SchedulePage::GoTo(const SetupFault& fault) {
-  (fault.field == SetupField::LogSize ? log_size_ : interval_)->setFocus();
-}
-
 DeliveryPage::DeliveryPage(Desk& desk) : AssistantPage(SetupPage::Delivery, desk) {
   AddIntroduction(
       "Files can be sent to an FTP server and copied to a backup folder behind each round. Both may stay "
@@ -70,7 +65,8 @@ DeliveryPage::DeliveryPage(Desk& desk) : AssistantPage(SetupPage::Delivery, desk
   const auto add = [this, form](const QString& text, int text_id, const char* name, std::string SetupPlan::*member,
                                 SetupField field) {
     QLineEdit* const edit = AddField(*form, text, text_id, name, this);
-    fields_.push_back({edit, member, field});
+    fields_.push_back({edit, member});
+    LeadTo(field, *edit);
     return edit;
   };
   const auto tick = [this, form](const QString& text, int text_id, const char* name, bool SetupPlan::*member) {
@@ -79,7 +75,7 @@ DeliveryPage::DeliveryPage(Desk& desk) : AssistantPage(SetupPage::Delivery, desk
     ticks_.push_back({box, member});
     return box;
   };
-  add("&Server:", kServer, "setupServer", &SetupPlan::server, SetupField::Server);
+  BeginAt(*add("&Server:", kServer, "setupServer", &SetupPlan::server, SetupField::Server));
   add("F&older on it:", kServerFolder, "setupServerFolder", &SetupPlan::server_folder, SetupField::Server);
   QLineEdit* const user = add("&User:", kUser, "setupUser", &SetupPlan::user, SetupField::User);
   QLineEdit* const password = add("Pass&word:", kPassword, "setupPassword", &SetupPlan::password, SetupField::User);
@@ -95,20 +91,12 @@ DeliveryPage::DeliveryPage(Desk& desk) : AssistantPage(SetupPage::Delivery, desk
   rows().addLayout(form);
   AddTry(rows(), *NewPush("&Try the server", kTryServer, "setupTryServer"), "setupServerAnswer", &SetupTried::server,
          [this](const SetupPlan& plan) { return this->desk().app.setup().TryServer(plan); });
-  auto* second = new QFormLayout;
-  QLineEdit* const folder = NewField("setupBackup", this);
-  QPushButton* const choose = NewPush("&Choose...", kChooseBackup, "setupChooseBackup");
-  AddRow(*second, "Bac&kup folder:", kBackup, *folder, *choose);
-  ChooseInto(*folder, *choose, [this] { return Say(kChooseAFolder); });
-  fields_.push_back({folder, &SetupPlan::backup_folder, SetupField::BackupFolder});
-  rows().addLayout(second);
+  QLineEdit* const folder = AddFolder({"Bac&kup folder:", kBackup, "setupBackup", kChooseBackup, "setupChooseBackup"},
+                                      SetupField::BackupFolder);
+  fields_.push_back({folder, &SetupPlan::backup_folder});
   AddTry(rows(), *NewPush("Try the fol&der", kTryBackup, "setupTryBackup"), "setupBackupAnswer", &SetupTried::backup,
          [this](const SetupPlan& plan) { return this->desk().app.setup().TryBackup(plan); });
   rows().addStretch(1);
-}
-
-QWidget* DeliveryPage::First() {
-  return fields_.front().edit;
 }
 
 void DeliveryPage::Show() {
@@ -140,12 +128,6 @@ void DeliveryPage::Take() {
   }
   for (const Tick& tick : ticks_) desk().plan.*tick.member = tick.box->isChecked();
   TakeSent();
-}
-
-void DeliveryPage::GoTo(const SetupFault& fault) {
-  const auto found =
-      std::find_if(fields_.begin(), fields_.end(), [&](const Field& field) { return field.field == fault.field; });
-  if (found != fields_.end()) found->edit->setFocus();
 }
 
 }  // namespace corvane::window::assistant

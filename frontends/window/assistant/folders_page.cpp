@@ -1,10 +1,8 @@
 #include <algorithm>
 #include <utility>
 
-#include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "window/assistant/pages.h"
@@ -18,12 +16,8 @@ FoldersPage::FoldersPage(Desk& desk) : AssistantPage(SetupPage::Folders, desk) {
       "The readings are stored in the data folder. A client is the owner of some units, whose files get a "
       "folder of their own below it and on the server; without clients leave the table empty.",
       kFoldersIntro);
-  auto* form = new QFormLayout;
-  folder_ = NewField("setupDataFolder", this);
-  QPushButton* const choose = NewPush("&Choose...", kChoose, "setupChooseData");
-  AddRow(*form, "&Data folder:", kDataFolder, *folder_, *choose);
-  rows().addLayout(form);
-  ChooseInto(*folder_, *choose, [this] { return Say(kChooseAFolder); });
+  folder_ =
+      AddFolder({"&Data folder:", kDataFolder, "setupDataFolder", kChoose, "setupChooseData"}, SetupField::DataFolder);
   clients_ = new RowsTable({"Name", "Folder"}, "setupClients", kClientHeadings, this);
   rows().addWidget(NewCaption("C&lients:", kClients, *clients_));
   rows().addWidget(clients_, 1);
@@ -58,7 +52,9 @@ void FoldersPage::Take() {
 }
 
 void FoldersPage::GoTo(const SetupFault& fault) {
-  if (fault.field != SetupField::ClientName && fault.field != SetupField::ClientFolder) return folder_->setFocus();
+  if (fault.field != SetupField::ClientName && fault.field != SetupField::ClientFolder) {
+    return AssistantPage::GoTo(fault);
+  }
   clients_->GoTo(std::max(static_cast<int>(fault.row) - 1, 0), fault.field == SetupField::ClientFolder ? 1 : 0);
 }
 
@@ -67,20 +63,14 @@ TablesPage::TablesPage(Desk& desk) : AssistantPage(SetupPage::Tables, desk) {
       "Readings are calibrated by the three lookup tables of your sensors: moisture.lkp, salinity.lkp and "
       "salcorr.lkp. Name the folder that holds them.",
       kTablesIntro);
-  auto* form = new QFormLayout;
-  folder_ = NewField("setupTablesFolder", this);
-  QPushButton* const choose = NewPush("&Choose...", kChooseTables, "setupChooseTables");
-  AddRow(*form, "F&older of the tables:", kTablesFolder, *folder_, *choose);
-  rows().addLayout(form);
-  ChooseInto(*folder_, *choose, [this] { return Say(kChooseAFolder); });
+  folder_ =
+      AddFolder({"F&older of the tables:", kTablesFolder, "setupTablesFolder", kChooseTables, "setupChooseTables"},
+                SetupField::TablesFolder);
+  BeginAt(*folder_);
   found_ = NewNote({}, 0, "setupTablesFound");
   rows().addWidget(found_);
   rows().addStretch(1);
   connect(folder_, &QLineEdit::textChanged, this, [this] { ShowFound(); });
-}
-
-QWidget* TablesPage::First() {
-  return folder_;
 }
 
 void TablesPage::Show() {
@@ -102,10 +92,6 @@ void TablesPage::ShowFound() {
 
 void TablesPage::Take() {
   desk().plan.tables_folder = folder_->text().trimmed().toStdString();
-}
-
-void TablesPage::GoTo(const SetupFault& /*fault*/) {
-  folder_->setFocus();
 }
 
 }  // namespace corvane::window::assistant

@@ -17,6 +17,7 @@ LanguagePage::LanguagePage(Desk& desk) : AssistantPage(SetupPage::Language, desk
       kLanguageIntro);
   selector_ = new QComboBox;
   selector_->setObjectName("setupLanguage");
+  BeginAt(*selector_);
   auto* form = new QFormLayout;
   form->addRow(NewCaption("&Language:", kLanguage, *selector_), selector_);
   rows().addLayout(form);
@@ -34,10 +35,6 @@ LanguagePage::LanguagePage(Desk& desk) : AssistantPage(SetupPage::Language, desk
   connect(practise, &QPushButton::clicked, this, [this] {
     if (practice_wanted) practice_wanted();
   });
-}
-
-QWidget* LanguagePage::First() {
-  return selector_;
 }
 
 void LanguagePage::Show() {

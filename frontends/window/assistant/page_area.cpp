@@ -1,5 +1,6 @@
 #include "window/assistant/page_area.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QLayout>
 
@@ -11,11 +12,20 @@ PageArea::PageArea(QWidget& content) {
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::NoFocus);
   content.installEventFilter(this);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+    // A click must not lose what it points at.
+    if (now != nullptr && QApplication::mouseButtons() == Qt::NoButton) Reveal(*now);
+  });
+}
+
+void PageArea::Reveal(QWidget& part) {
+  if (widget()->isAncestorOf(&part)) ensureWidgetVisible(&part);
 }
 
 void PageArea::resizeEvent(QResizeEvent* event) {
   QScrollArea::resizeEvent(event);
   FitHeight();
+  if (QWidget* const focused = QApplication::focusWidget(); focused != nullptr) Reveal(*focused);
 }
 
 bool PageArea::eventFilter(QObject* watched, QEvent* event) {

@@ -33,7 +33,6 @@ class LanguagePage : public AssistantPage {
  protected:
   void Show() override;
   void Take() override;
-  QWidget* First() override;
 
  private:
   QComboBox* selector_ = nullptr;
@@ -47,7 +46,6 @@ class PortPage : public AssistantPage {
  protected:
   void Show() override;
   void Take() override;
-  void GoTo(const SetupFault& fault) override;
 
  private:
   void FillDevices();
@@ -108,8 +106,6 @@ class TablesPage : public AssistantPage {
  protected:
   void Show() override;
   void Take() override;
-  void GoTo(const SetupFault& fault) override;
-  QWidget* First() override;
 
  private:
   void ShowFound();
@@ -146,8 +142,6 @@ class SchedulePage : public AssistantPage {
  protected:
   void Show() override;
   void Take() override;
-  void GoTo(const SetupFault& fault) override;
-  QWidget* First() override;
 
  private:
   QCheckBox* automatic_ = nullptr;
@@ -164,15 +158,12 @@ class DeliveryPage : public AssistantPage {
  protected:
   void Show() override;
   void Take() override;
-  void GoTo(const SetupFault& fault) override;
-  QWidget* First() override;
 
  private:
   /// The texts of this page, each with the member of the plan that it fills.
   struct Field {
     QLineEdit* edit;
     std::string SetupPlan::*member;
-    SetupField field;
   };
   struct Tick {
     QCheckBox* box;

@@ -43,6 +43,7 @@ PortPage::PortPage(Desk& desk) : AssistantPage(SetupPage::Port, desk) {
   auto* form = new QFormLayout;
   device_ = AddField(*form, "D&evice:", kDevice, "setupDevice", this);
   device_->setPlaceholderText("/dev/...");
+  LeadTo(SetupField::Device, *device_);
   rows().addLayout(form);
   problem_ = NewNote({}, 0, "setupDeviceProblem");
   rows().addWidget(problem_);
@@ -94,10 +95,6 @@ void PortPage::ShowProblem() {
 
 void PortPage::Take() {
   desk().app.setup().ChooseDevice(desk().plan, device_->text().trimmed().toStdString());
-}
-
-void PortPage::GoTo(const SetupFault& /*fault*/) {
-  device_->setFocus();
 }
 
 }  // namespace corvane::window::assistant

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
 
@@ -106,7 +107,15 @@ void RowsTable::RemoveCurrentRow() {
   if (on_edit) on_edit();
 }
 
+void RowsTable::TakeOpenCell() {
+  QWidget* const editor = state() == EditingState && !taking_ ? viewport()->focusWidget() : nullptr;
+  if (editor == nullptr || editor->parentWidget() != viewport()) return;
+  commitData(editor);
+  closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
 void RowsTable::TakeEdit(int row) {
+  const QScopedValueRollback<bool> taking(taking_, true);
   if (row == rowCount() - 1 && !IsEmpty(row)) {
     const QSignalBlocker quiet(this);
     const QStringList with = preset ? preset() : QStringList();

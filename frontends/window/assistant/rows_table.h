@@ -30,6 +30,8 @@ class RowsTable : public QTableWidget {
   /// Goes to a cell, so that typing replaces what it holds.
   void GoTo(int row, int column);
   void RemoveCurrentRow();
+  /// Takes what stands in a cell that is still being typed into: a shortcut leaves it open.
+  void TakeOpenCell();
   /// No higher than it has to be: what is left of the page is shared out.
   [[nodiscard]] QSize sizeHint() const override { return {QTableWidget::sizeHint().width(), minimumHeight()}; }
 
@@ -51,6 +53,7 @@ class RowsTable : public QTableWidget {
   [[nodiscard]] bool IsAtAnEnd(bool next) const;
 
   std::map<int, std::function<QStringList()>> choices_;
+  bool taking_ = false;  ///< a cell was changed and the others follow
 };
 
 }  // namespace corvane::window

@@ -98,6 +98,7 @@ void StationsPage::TakeFile(const QString& file) {
   Show();
   from_file_->setText(lines.join('\n'));
   from_file_->show();
+  Reveal(*from_file_);
 }
 
 QWidget* StationsPage::First() {

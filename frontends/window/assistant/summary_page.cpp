@@ -10,7 +10,7 @@
 namespace corvane::window::assistant {
 namespace {
 
-constexpr int kShownLines = 9;
+constexpr int kShownLines = 8;
 
 }  // namespace
 

@@ -6,6 +6,7 @@ namespace corvane::window::assistant {
 
 std::vector<Sentences::Row> BuiltInSentences() {
   std::vector<Sentences::Row> rows = {
+      {kWindow, "Set up a network"},
       {kBack, "< &Back"},
       {kNext, "&Next >"},
       {kFinish, "&Finish"},

@@ -75,21 +75,22 @@ QLineEdit* AddField(QFormLayout& form, const QString& text, int text_id, const c
   return field;
 }
 
-void AddRow(QFormLayout& form, const QString& text, int text_id, QLineEdit& field, QPushButton& button) {
+QLineEdit* AddFolderField(QFormLayout& form, const FolderTexts& texts, QWidget* parent,
+                          std::function<QString()> title) {
+  QLineEdit* const field = NewField(texts.name, parent);
+  QPushButton* const button = NewPush("&Choose...", texts.button_id, texts.button_name);
   auto* row = new QHBoxLayout;
-  row->addWidget(&field, 1);
-  row->addWidget(&button);
-  form.addRow(NewCaption(text, text_id, field), row);
-}
-
-void ChooseInto(QLineEdit& field, QPushButton& button, std::function<QString()> title) {
-  QObject::connect(&button, &QPushButton::clicked, &button, [&field, &button, title = std::move(title)] {
-    const QFileDialog* dialog = OpenChooser(button, title(), field.text(), QFileDialog::Directory);
-    QObject::connect(dialog, &QFileDialog::fileSelected, &field, [&field](const QString& file) {
-      field.setText(file);
-      Q_EMIT field.textEdited(file);
+  row->addWidget(field, 1);
+  row->addWidget(button);
+  form.addRow(NewCaption(texts.caption, texts.caption_id, *field), row);
+  QObject::connect(button, &QPushButton::clicked, button, [field, button, title = std::move(title)] {
+    const QFileDialog* dialog = OpenChooser(*button, title(), field->text(), QFileDialog::Directory);
+    QObject::connect(dialog, &QFileDialog::fileSelected, field, [field](const QString& file) {
+      field->setText(file);
+      Q_EMIT field->textEdited(file);
     });
   });
+  return field;
 }
 
 void ChooseFile(QPushButton& button, std::function<QString()> title, std::function<void(const QString& file)> take) {

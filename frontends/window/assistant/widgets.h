@@ -24,10 +24,16 @@ namespace corvane::window::assistant {
 [[nodiscard]] QPushButton* NewPush(const QString& text, int text_id, const char* name);
 /// A field under its caption, as a row of a form.
 QLineEdit* AddField(QFormLayout& form, const QString& text, int text_id, const char* name, QWidget* parent);
-/// A field and a button behind it.
-void AddRow(QFormLayout& form, const QString& text, int text_id, QLineEdit& field, QPushButton& button);
-/// Has a button choose a folder for a field; the dialog stands over the button's window.
-void ChooseInto(QLineEdit& field, QPushButton& button, std::function<QString()> title);
+/// What a field for a folder is called, and the button behind it.
+struct FolderTexts {
+  QString caption;
+  int caption_id;
+  const char* name;
+  int button_id;
+  const char* button_name;
+};
+/// A field for a folder, with a button behind it that chooses one; the dialog stands over the button's window.
+QLineEdit* AddFolderField(QFormLayout& form, const FolderTexts& texts, QWidget* parent, std::function<QString()> title);
 /// Has a button choose a file that is there.
 void ChooseFile(QPushButton& button, std::function<QString()> title, std::function<void(const QString& file)> take);
 
