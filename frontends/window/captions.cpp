@@ -15,10 +15,12 @@
 #include <QTableWidget>
 #include <QTreeView>
 
+#include "app/setup_commands.h"
 #include "data/series_phrases.h"
 #include "history/history_phrases.h"
 #include "lang/date_words.h"
 #include "lang/language.h"
+#include "setup/setup_phrases.h"
 #include "window/access_keys.h"
 #include "window/network/network_phrases.h"
 #include "window/plot/plot_phrases.h"
@@ -73,7 +75,8 @@ void Captions::SetToolTip(std::int64_t position, const std::string& text) {
 
 std::vector<Phrase> Captions::PhraseList() const {
   std::vector<Phrase> all = HistoryPhrases();
-  for (const auto& more : {PhrasesIn(kNetworkSays), DatePhrases(), PhrasesIn(kSeriesSays), PhrasesIn(kPlotSays)}) {
+  for (const auto& more : {PhrasesIn(kNetworkSays), DatePhrases(), PhrasesIn(kSeriesSays), PhrasesIn(kPlotSays),
+                           SetupPhrases(), SetupCommandPhrases()}) {
     all.insert(all.end(), more.begin(), more.end());
   }
   return all;

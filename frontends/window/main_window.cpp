@@ -160,6 +160,7 @@ void MainWindow::TakePhrases(const Phrases& phrases) {
   history_views_->SetPhrases(phrases);
   tray_->SetPhrases(phrases);
   plot_->SetPhrases(phrases);
+  app_.setup().SetPhrases(phrases);
 }
 
 void MainWindow::TakeStatus(const NetworkStatus& status) {

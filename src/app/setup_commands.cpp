@@ -4,10 +4,21 @@
 
 namespace corvane {
 
+namespace {
+
+constexpr Phrase kNotTried{1601, "This was not tried: an operation is running. Wait until it ends, or cancel it."};
+
+}  // namespace
+
+void SetupCommands::SetPhrases(const Phrases& av_Phrases) {
+  say_ = av_Phrases;
+  p_.tries.SetPhrases(av_Phrases);
+}
+
 template <class Answer, class Try>
 Answer SetupCommands::Run(const Try& av_Try) {
   Answer answer;
-  answer.text = "This was not tried: an operation is running. Wait until it ends, or cancel it.";
+  answer.text = say_.Text(kNotTried);
   p_.operations.RunOperation("Setup", [&] { answer = av_Try(); });
   return answer;
 }
@@ -38,6 +49,10 @@ bool SetupCommands::PutIn(const SetupPlan& av_Plan) {
   const bool saved = p_.settings.SaveSettings();
   p_.watch.Write();
   return saved;
+}
+
+std::vector<Phrase> SetupCommandPhrases() {
+  return {kNotTried};
 }
 
 }  // namespace corvane

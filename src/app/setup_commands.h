@@ -4,6 +4,7 @@
 
 #include "app/operations.h"
 #include "app/settings.h"
+#include "lang/phrases.h"
 #include "rounds/network_watch.h"
 #include "setup/setup_plan.h"
 #include "setup/setup_reader.h"
@@ -32,6 +33,10 @@ class SetupCommands {
   };
   explicit SetupCommands(const Parts& av_Parts) : p_(av_Parts) {}
 
+  /// The language of faults and answers from now on; English without it.
+  void SetPhrases(const Phrases& av_Phrases);
+  [[nodiscard]] const Phrases& phrases() const { return say_; }
+
   /// What is there; `first` in it tells whether there were settings when the program started.
   [[nodiscard]] SetupPlan PlanOf() const { return p_.reader.PlanOf(p_.settings.WasNew()); }
   void ChooseDevice(SetupPlan& av_Plan, const std::string& as_Device) const {
@@ -39,10 +44,10 @@ class SetupCommands {
   }
   /// Takes the stations of a table's file into the plan; a bare name is one of the application folder.
   [[nodiscard]] SetupTable TakeTable(SetupPlan& av_Plan, const std::string& as_File) const {
-    return corvane::TakeTable(av_Plan, p_.registry, p_.app.AppPath(as_File));
+    return corvane::TakeTable(av_Plan, p_.registry, p_.app.AppPath(as_File), say_);
   }
   [[nodiscard]] std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page) const {
-    return corvane::FaultsOf(av_Plan, av_Page, p_.app);
+    return corvane::FaultsOf(av_Plan, av_Page, p_.app, say_);
   }
 
   // Tries; each **yields** and changes nothing that is saved. While another operation runs they fail and say so.
@@ -62,6 +67,10 @@ class SetupCommands {
   [[nodiscard]] Answer Run(const Try& av_Try);
 
   Parts p_;
+  Phrases say_;
 };
+
+/// What is said of a try that was not made.
+[[nodiscard]] std::vector<Phrase> SetupCommandPhrases();
 
 }  // namespace corvane

@@ -11,13 +11,31 @@ namespace {
 
 constexpr std::size_t kLongestDevice = 126;  // characters, what the settings file keeps of a value
 
+constexpr struct {
+  Phrase no_slash{1520, "the name of a device begins with \"/\", such as /dev/ttyUSB0"};
+  Phrase not_plain{1521, "the name of a device holds no line breaks or other control characters"};
+  Phrase too_long{1522,
+                  "the name is longer than the %1 characters that the settings keep: use a shorter name of the "
+                  "device"};
+  Phrase there{1523, "there"};
+  Phrase not_there{1524, "not there"};
+  Phrase no_permission{1525, "no permission"};
+  Phrase group_help{1526,
+                    "If a device says \"no permission\": serial devices belong to a group of users, on most systems "
+                    "\"dialout\", on some \"uucp\". To join it, enter this in a terminal:"};
+  Phrase log_in_again{
+      1527,
+      "Then log out of the desktop and log in again; a new window is not enough. Where the device names "
+      "another group, use that one."};
+} kSay;
+
 std::string NameOf(int al_Number) {
   return "COM" + std::to_string(al_Number);
 }
 
-std::string WordFor(DevicePresence av_Presence) {
-  if (av_Presence == DevicePresence::NoPermission) return "no permission";
-  return av_Presence == DevicePresence::There ? "there" : "not there";
+std::string WordFor(DevicePresence av_Presence, const Phrases& av_Phrases = {}) {
+  if (av_Presence == DevicePresence::NoPermission) return av_Phrases.Text(kSay.no_permission);
+  return av_Phrases.Text(av_Presence == DevicePresence::There ? kSay.there : kSay.not_there);
 }
 
 bool IsTooLong(std::string_view as_Device) {
@@ -54,13 +72,13 @@ std::vector<PortChoice> PortChoices::LookAtAll() const {
   return choices;
 }
 
-std::vector<DeviceChoice> PortChoices::Devices() const {
+std::vector<DeviceChoice> PortChoices::Devices(const Phrases& av_Phrases) const {
   std::vector<DeviceChoice> choices;
   for (const SerialDeviceInfo& found : port_.ListDevices()) {
     DeviceChoice choice;
     choice.path = IsTooLong(found.path) ? found.device : found.path;
     choice.device = found.device;
-    choice.presence = WordFor(found.problem.empty() ? DevicePresence::There : DevicePresence::NoPermission);
+    choice.presence = WordFor(found.problem.empty() ? DevicePresence::There : DevicePresence::NoPermission, av_Phrases);
     choice.problem = found.problem;
     choice.group = found.group;
     for (int number = 1; number <= PortDevices::kLastNumber; ++number) {
@@ -83,15 +101,12 @@ Status PortChoices::Assign(int al_Number, std::string_view as_Device) {
   return Status::Ok();
 }
 
-Status PortChoices::Check(std::string_view as_Device) {
+Status PortChoices::Check(std::string_view as_Device, const Phrases& av_Phrases) {
   const std::string_view device = Trim(as_Device);
   const bool plain = std::all_of(device.begin(), device.end(), [](unsigned char c) { return c >= ' ' && c != 127; });
-  if (!device.starts_with('/')) return {EINVAL, "the name of a device begins with \"/\", such as /dev/ttyUSB0"};
-  if (!plain) return {EINVAL, "the name of a device holds no line breaks or other control characters"};
-  if (IsTooLong(device)) {
-    return {ENAMETOOLONG, "the name is longer than the " + std::to_string(kLongestDevice) +
-                              " characters that the settings keep: use a shorter name of the device"};
-  }
+  if (!device.starts_with('/')) return {EINVAL, av_Phrases.Text(kSay.no_slash)};
+  if (!plain) return {EINVAL, av_Phrases.Text(kSay.not_plain)};
+  if (IsTooLong(device)) return {ENAMETOOLONG, av_Phrases.Text(kSay.too_long, {std::to_string(kLongestDevice)})};
   return Status::Ok();
 }
 
@@ -99,15 +114,13 @@ std::string PortChoices::CommandToJoin(std::string_view as_Group) {
   return "sudo usermod -aG " + std::string(as_Group) + " $USER";
 }
 
-std::string PortChoices::PermissionHelp() {
-  return "If a device says \"no permission\": serial devices belong to a group of users, on most systems \"dialout\", "
-         "on "
-         "some \"uucp\". To join it, enter this in a terminal:\n"
-         "    " +
-         CommandToJoin("dialout") +
-         "\n"
-         "Then log out of the desktop and log in again; a new window is not enough. Where the device names another "
-         "group, use that one.";
+std::string PortChoices::PermissionHelp(const Phrases& av_Phrases) {
+  return av_Phrases.Text(kSay.group_help) + "\n    " + CommandToJoin("dialout") + "\n" +
+         av_Phrases.Text(kSay.log_in_again);
+}
+
+std::vector<Phrase> PortChoices::PhraseList() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

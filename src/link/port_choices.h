@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/status.h"
+#include "lang/phrases.h"
 #include "platform/serial_port.h"
 #include "state/port_devices.h"
 
@@ -42,17 +43,19 @@ class PortChoices {
   /// All numbers, COM1 first.
   [[nodiscard]] std::vector<PortChoice> LookAtAll() const;
   /// The devices that are there now, lasting names first.
-  [[nodiscard]] std::vector<DeviceChoice> Devices() const;
+  [[nodiscard]] std::vector<DeviceChoice> Devices(const Phrases& av_Phrases = {}) const;
 
   /// Gives a number its device from the next opening on; an empty device returns to the built-in one. A failure says
   /// what is wrong with the name; a device that is not there may be assigned.
   Status Assign(int al_Number, std::string_view as_Device);
   /// Ok when `as_Device` can be the name of a device, blanks around it left out.
-  [[nodiscard]] static Status Check(std::string_view as_Device);
+  [[nodiscard]] static Status Check(std::string_view as_Device, const Phrases& av_Phrases = {});
   /// The command that makes the present user one of a group.
   [[nodiscard]] static std::string CommandToJoin(std::string_view as_Group);
   /// How a user gets the right to use serial devices; plain text with line feeds.
-  [[nodiscard]] static std::string PermissionHelp();
+  [[nodiscard]] static std::string PermissionHelp(const Phrases& av_Phrases = {});
+  /// What these texts are made of.
+  [[nodiscard]] static std::vector<Phrase> PhraseList();
 
  private:
   PortDevices& devices_;

@@ -14,12 +14,24 @@
 namespace corvane {
 namespace {
 
-constexpr const char* kForeignPath =
-    "This is no path of this computer; it begins with \"/\" or is a name in the application folder.";
-
-std::string RangeText(double ad_Lowest, double ad_Highest) {
-  return " from " + ShortestText(ad_Lowest) + " to " + ShortestText(ad_Highest) + ".";
-}
+constexpr struct {
+  Phrase foreign_path{1640,
+                      "This is no path of this computer; it begins with \"/\" or is a name in the application folder."};
+  Phrase no_interval{1641,
+                     "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below "
+                     "24, or a number of hours from 24."};
+  Phrase no_whole_number{1642, "This is no whole number from %1 to %2."};
+  Phrase no_decimal{1643, "This is no number (with \".\" as the decimal point) from %1 to %2."};
+  Phrase no_depths{1644, "These are no depths; write them in centimetres from the first sensor on, such as 10;20;40."};
+  Phrase no_server{1645,
+                   "This is no server; write its name or address, and its port where that is not 21, such as "
+                   "ftp.example.org:2121."};
+  Phrase file_unnamed{1646, "No file is named; choose one."};
+  Phrase no_file{1647, "There is no file %1; choose one that exists."};
+  Phrase is_folder{1648, "This is a folder; choose a file."};
+  Phrase is_file{1649, "This is a file; choose a folder."};
+  Phrase no_parent{1650, "There is no folder %1 to create it in; choose a folder that exists."};
+} kSay;
 
 /// The folder above `as_Path`, "/" at the top.
 std::string ParentOf(std::string_view as_Path) {
@@ -30,59 +42,59 @@ std::string ParentOf(std::string_view as_Path) {
 
 }  // namespace
 
-std::string IntervalProblem(std::string_view as_Text) {
-  if (AutomaticInterval(as_Text)) return {};
-  return "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below 24, or a "
-         "number of hours from 24.";
+std::string IntervalProblem(std::string_view as_Text, const Phrases& av_Phrases) {
+  return AutomaticInterval(as_Text) ? "" : av_Phrases.Text(kSay.no_interval);
 }
 
-std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest) {
+std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
+                               const Phrases& av_Phrases) {
   const auto lowest = static_cast<std::int64_t>(ad_Lowest);
   if (ParseInteger(as_Text, lowest, static_cast<std::int64_t>(ad_Highest))) return {};
-  return "This is no whole number" + RangeText(ad_Lowest, ad_Highest);
+  return av_Phrases.Text(kSay.no_whole_number, {ShortestText(ad_Lowest), ShortestText(ad_Highest)});
 }
 
-std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest) {
+std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest, const Phrases& av_Phrases) {
   const std::optional<double> number = ParseNumber(as_Text);
   if (number && *number >= ad_Lowest && *number <= ad_Highest) return {};
-  return "This is no number (with \".\" as the decimal point)" + RangeText(ad_Lowest, ad_Highest);
+  return av_Phrases.Text(kSay.no_decimal, {ShortestText(ad_Lowest), ShortestText(ad_Highest)});
 }
 
-std::string DepthsProblem(std::string_view as_Text) {
+std::string DepthsProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   for (const std::string_view depth : Split(as_Text, ';')) {
-    if (!Trim(depth).empty() && !DepthOf(depth)) {
-      return "These are no depths; write them in centimetres from the first sensor on, such as 10;20;40.";
-    }
+    if (!Trim(depth).empty() && !DepthOf(depth)) return av_Phrases.Text(kSay.no_depths);
   }
   return {};
 }
 
-std::string ServerProblem(std::string_view as_Text) {
+std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   const ServerAddress server = ParseServer(as_Text);
   if (server.port != 0 && server.host.find_first_of("/@ ") == std::string::npos) return {};
-  return "This is no server; write its name or address, and its port where that is not 21, such as "
-         "ftp.example.org:2121.";
+  return av_Phrases.Text(kSay.no_server);
 }
 
-std::string FileProblem(std::string_view as_Text, const AppInfo& av_App) {
-  if (as_Text.empty()) return "No file is named; choose one.";
+std::string FileProblem(std::string_view as_Text, const AppInfo& av_App, const Phrases& av_Phrases) {
+  if (as_Text.empty()) return av_Phrases.Text(kSay.file_unnamed);
   const std::string path = av_App.AppPath(WithSlashes(as_Text));
-  if (!path.starts_with('/')) return kForeignPath;
+  if (!path.starts_with('/')) return av_Phrases.Text(kSay.foreign_path);
   const auto info = ExamineFile(path);
-  if (!info) return "There is no file " + path + "; choose one that exists.";
-  return info->is_folder ? "This is a folder; choose a file." : "";
+  if (!info) return av_Phrases.Text(kSay.no_file, {path});
+  return info->is_folder ? av_Phrases.Text(kSay.is_folder) : "";
 }
 
-std::string NewFolderProblem(const std::string& as_Path) {
-  if (!as_Path.starts_with('/')) return kForeignPath;
-  if (ExamineFile(as_Path)) return IsFolder(as_Path) ? "" : "This is a file; choose a folder.";
+std::string NewFolderProblem(const std::string& as_Path, const Phrases& av_Phrases) {
+  if (!as_Path.starts_with('/')) return av_Phrases.Text(kSay.foreign_path);
+  if (ExamineFile(as_Path)) return IsFolder(as_Path) ? "" : av_Phrases.Text(kSay.is_file);
   const std::string parent = ParentOf(as_Path);
-  return IsFolder(parent) ? "" : "There is no folder " + parent + " to create it in; choose a folder that exists.";
+  return IsFolder(parent) ? "" : av_Phrases.Text(kSay.no_parent, {parent});
 }
 
 bool IsFolder(const std::string& as_Path) {
   const auto info = ExamineFile(as_Path);
   return info && info->is_folder;
+}
+
+std::vector<Phrase> FieldRulePhrases() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

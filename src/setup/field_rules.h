@@ -5,22 +5,29 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "lang/phrases.h"
 #include "state/app_info.h"
 
 namespace corvane {
 
-[[nodiscard]] std::string IntervalProblem(std::string_view as_Text);
+[[nodiscard]] std::string IntervalProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
 /// The limits are whole numbers.
-[[nodiscard]] std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest);
-[[nodiscard]] std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest);
-[[nodiscard]] std::string DepthsProblem(std::string_view as_Text);
-[[nodiscard]] std::string ServerProblem(std::string_view as_Text);
+[[nodiscard]] std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
+                                             const Phrases& av_Phrases = {});
+[[nodiscard]] std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
+                                         const Phrases& av_Phrases = {});
+[[nodiscard]] std::string DepthsProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
+[[nodiscard]] std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
 /// A file that has to be there.
-[[nodiscard]] std::string FileProblem(std::string_view as_Text, const AppInfo& av_App);
+[[nodiscard]] std::string FileProblem(std::string_view as_Text, const AppInfo& av_App, const Phrases& av_Phrases = {});
 /// A folder that is there, or can be created in one that is; `as_Path` is its full path.
-[[nodiscard]] std::string NewFolderProblem(const std::string& as_Path);
+[[nodiscard]] std::string NewFolderProblem(const std::string& as_Path, const Phrases& av_Phrases = {});
 /// Whether a folder stands there, by its full path.
 [[nodiscard]] bool IsFolder(const std::string& as_Path);
+
+/// What these texts are made of.
+[[nodiscard]] std::vector<Phrase> FieldRulePhrases();
 
 }  // namespace corvane

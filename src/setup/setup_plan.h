@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "lang/phrases.h"
 #include "state/app_info.h"
 #include "state/records.h"
 
@@ -150,7 +151,8 @@ struct SetupTried {
 /// A page's title.
 [[nodiscard]] std::string_view TitleOf(SetupPage av_Page);
 /// What is wrong on a page; empty when it can be left. Looks at files and folders that the plan names.
-[[nodiscard]] std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page, const AppInfo& av_App);
+[[nodiscard]] std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page, const AppInfo& av_App,
+                                               const Phrases& av_Phrases = {});
 /// Fills in what follows from a page that is left without faults: clients that units name get a row and a folder.
 void CompletePlan(SetupPlan& av_Plan, SetupPage av_Page);
 /// A row for one more unit: behind the relay of the last one and of its client, the next ID as a proposal.
@@ -163,8 +165,14 @@ inline constexpr std::array<std::string_view, 3> kTableNames = {"moisture.lkp", 
 [[nodiscard]] std::array<std::string, 3> TablesIn(const std::string& as_Folder);
 
 /// What the plan comes to, page by page: what a line is about, and what it will be.
-[[nodiscard]] std::vector<std::pair<std::string, std::string>> SummaryOf(const SetupPlan& av_Plan);
+[[nodiscard]] std::vector<std::pair<std::string, std::string>> SummaryOf(const SetupPlan& av_Plan,
+                                                                         const Phrases& av_Phrases = {});
 /// What is not done yet, a sentence each: what is missing, what was not tried or went wrong, and what to do.
-[[nodiscard]] std::vector<std::string> NotDone(const SetupPlan& av_Plan, const SetupTried& av_Tried);
+[[nodiscard]] std::vector<std::string> NotDone(const SetupPlan& av_Plan, const SetupTried& av_Tried,
+                                               const Phrases& av_Phrases = {});
+
+/// What faults, summary and what is not done are told in.
+[[nodiscard]] std::vector<Phrase> SetupFaultPhrases();
+[[nodiscard]] std::vector<Phrase> SetupSummaryPhrases();
 
 }  // namespace corvane

@@ -5,12 +5,25 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "history/status_texts.h"
 
 namespace corvane {
 namespace {
 
+constexpr struct {
+  Phrase no_reason{1602, "it does not say why"};
+  Phrase cancelled{1603, "The server was not tried to the end: cancelled."};
+  Phrase unusable{1604,
+                  "The server cannot be used: %1. Check its name, the user, the password, the encryption and the "
+                  "folder."};
+  Phrase lets_us_in{1605, "The server %1 lets us in; the folder %2 holds %3 and %4."};
+  Phrase lets_us_in_there{1606, "The server %1 lets us in; the folder of the login holds %2 and %3."};
+  CountPhrase files{{1607, "%1 file"}, {1608, "%1 files"}};
+  CountPhrase folders{{1609, "%1 folder"}, {1610, "%1 folders"}};
+} kSay;
+
 /// What an error's first line says; the others tell handles and names that the person has entered.
-std::string FirstLine(std::string_view as_Error) {
+std::string FirstLine(std::string_view as_Error, const Phrases& av_Say) {
   constexpr std::string_view kBegin = "FTP:";
   if (as_Error.starts_with(kBegin)) as_Error.remove_prefix(kBegin.size());
   for (std::string_view line : Split(as_Error, '\n')) {
@@ -18,17 +31,17 @@ std::string FirstLine(std::string_view as_Error) {
     while (line.ends_with('.')) line = Trim(line.substr(0, line.size() - 1));
     if (!line.empty()) return std::string(line);
   }
-  return "it does not say why";
+  return av_Say.Text(kSay.no_reason);
 }
 
 }  // namespace
 
-SetupAnswer SetupServer::Try(const SetupPlan& av_Plan) {
+SetupAnswer SetupServer::Try(const SetupPlan& av_Plan, const Phrases& av_Phrases) {
   const Messages::Silence silence(p_.messages);
   // What a session needs besides, labels and traces; that fields of the present settings are empty is no matter here.
   (void)p_.browser.SetUp();
   Enter(av_Plan);
-  const SetupAnswer answer = Visit(av_Plan);
+  const SetupAnswer answer = Visit(av_Plan, av_Phrases);
   p_.ftp.Disconnect();
   (void)p_.browser.SetUp();
   return answer;
@@ -44,22 +57,23 @@ void SetupServer::Enter(const SetupPlan& av_Plan) {
                      av_Plan.certificate.empty() ? av_Plan.certificate : p_.app.AppPath(av_Plan.certificate));
 }
 
-SetupAnswer SetupServer::Visit(const SetupPlan& av_Plan) {
-  const auto failed = [this] {
-    if (Cancelled(p_.link, p_.flags)) return SetupAnswer{false, "The server was not tried to the end: cancelled."};
-    return SetupAnswer{false, "The server cannot be used: " + FirstLine(p_.ftp.LastErrorText()) +
-                                  ". Check its name, the user, the password, the encryption and the folder."};
+SetupAnswer SetupServer::Visit(const SetupPlan& av_Plan, const Phrases& av_Say) {
+  const auto failed = [this, &av_Say] {
+    if (Cancelled(p_.link, p_.flags)) return SetupAnswer{false, av_Say.Text(kSay.cancelled)};
+    return SetupAnswer{false, av_Say.Text(kSay.unusable, {FirstLine(p_.ftp.LastErrorText(), av_Say)})};
   };
   if (!p_.ftp.Initialise()) return failed();
   if (!p_.ftp.ConnectIfNotConnected() || !p_.ftp.SetRemoteDirectory() || !p_.ftp.GetDirectoryList("")) return failed();
   const std::string folder = p_.ftp.CurrentRemoteDirectory();
-  const auto count = [](std::int64_t number, const std::string& what) {
-    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
-  };
-  return {true, "The server " + std::string(Trim(av_Plan.server)) + " lets us in; the folder " +
-                    (folder.empty() ? "of the login" : folder) + " holds " +
-                    count(p_.ftp.Listing().FileCount(), "file") + " and " +
-                    count(p_.ftp.Listing().FolderCount(), "folder") + "."};
+  const std::string files = CountText(p_.ftp.Listing().FileCount(), kSay.files, av_Say);
+  const std::string folders = CountText(p_.ftp.Listing().FolderCount(), kSay.folders, av_Say);
+  const std::string_view server = Trim(av_Plan.server);
+  return {true, folder.empty() ? av_Say.Text(kSay.lets_us_in_there, {server, files, folders})
+                               : av_Say.Text(kSay.lets_us_in, {server, folder, files, folders})};
+}
+
+std::vector<Phrase> SetupServerPhrases() {
+  return PhrasesIn(kSay);
 }
 
 }  // namespace corvane

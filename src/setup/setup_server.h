@@ -1,6 +1,10 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "form/form.h"
+#include "lang/phrases.h"
 #include "setup/setup_plan.h"
 #include "state/app_info.h"
 #include "state/link_state.h"
@@ -27,13 +31,16 @@ class SetupServer {
 
   /// Whether the server lets us in and lists the folder; leaves it again. Called while the operation slot is held.
   /// **Yields.**
-  [[nodiscard]] SetupAnswer Try(const SetupPlan& av_Plan);
+  [[nodiscard]] SetupAnswer Try(const SetupPlan& av_Plan, const Phrases& av_Phrases = {});
 
  private:
   void Enter(const SetupPlan& av_Plan);
-  [[nodiscard]] SetupAnswer Visit(const SetupPlan& av_Plan);
+  [[nodiscard]] SetupAnswer Visit(const SetupPlan& av_Plan, const Phrases& av_Say);
 
   Parts p_;
 };
+
+/// What the answers are made of.
+[[nodiscard]] std::vector<Phrase> SetupServerPhrases();
 
 }  // namespace corvane

@@ -14,6 +14,8 @@
 namespace corvane {
 namespace {
 
+constexpr Phrase kNotRead{1611, "%1 cannot be read: %2"};
+
 /// The records in their order.
 template <class Record>
 RecordArray<Record> ArrayOf(const std::vector<Placed<Record>>& av_Records) {
@@ -46,10 +48,11 @@ bool IsKept(const Placed<Client>& av_Client, const SetupRecords& av_Records) {
 
 }  // namespace
 
-SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std::string& as_File) {
+SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std::string& as_File,
+                     const Phrases& av_Phrases) {
   std::string bytes;
   if (const Status read = ReadFile(as_File, bytes, kLargestStationsFile); !read.ok()) {
-    return {{as_File + " cannot be read: " + read.text()}, {}};
+    return {{av_Phrases.Text(kNotRead, {as_File, read.text()})}, {}};
   }
   const SetupRecords planned = RecordsOf(av_Plan, av_Registry);
   const Registry registry{ArrayOf(planned.units), ArrayOf(planned.relays), ArrayOf(planned.clients)};
@@ -64,6 +67,10 @@ SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std:
   }
   TakeRecords(av_Plan, records);
   return {{}, std::move(stations.changes)};
+}
+
+std::vector<Phrase> SetupTablePhrases() {
+  return {kNotRead};
 }
 
 }  // namespace corvane

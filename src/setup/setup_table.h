@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "lang/phrases.h"
 #include "setup/setup_plan.h"
 #include "state/records.h"
 
@@ -16,6 +17,9 @@ struct SetupTable {
 
 /// Takes the relays, clients and units of a file (its full name) into the plan's rows, as an import takes them into the
 /// registry: rows that the table does not have stay.
-[[nodiscard]] SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std::string& as_File);
+[[nodiscard]] SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std::string& as_File,
+                                   const Phrases& av_Phrases = {});
+/// What is said of a file that cannot be read.
+[[nodiscard]] std::vector<Phrase> SetupTablePhrases();
 
 }  // namespace corvane

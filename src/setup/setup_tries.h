@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "form/form.h"
+#include "lang/phrases.h"
 #include "link/exchange.h"
 #include "link/pause.h"
 #include "link/port_link.h"
@@ -48,13 +50,16 @@ class SetupTries {
   };
   explicit SetupTries(const Parts& av_Parts) : p_(av_Parts) {}
 
+  /// The language of the answers from now on; English without it.
+  void SetPhrases(const Phrases& av_Phrases) { say_ = av_Phrases; }
+
   /// Whether a base station answers on the plan's port, and what it says.
   [[nodiscard]] SetupAnswer TryPort(const SetupPlan& av_Plan);
   /// Asks the unit of a row (from 1) for its clock.
   [[nodiscard]] SetupClock AskClock(const SetupPlan& av_Plan, std::size_t al_Row);
   /// Sets the unit's clock to this computer's and asks for it again. The front end has asked the person.
   [[nodiscard]] SetupClock SetClock(const SetupPlan& av_Plan, std::size_t al_Row);
-  [[nodiscard]] SetupAnswer TryServer(const SetupPlan& av_Plan) { return p_.server.Try(av_Plan); }
+  [[nodiscard]] SetupAnswer TryServer(const SetupPlan& av_Plan) { return p_.server.Try(av_Plan, say_); }
   /// Whether a file can be written into the backup folder; it is taken away again.
   [[nodiscard]] SetupAnswer TryBackup(const SetupPlan& av_Plan, const AppInfo& av_App);
 
@@ -68,6 +73,10 @@ class SetupTries {
   [[nodiscard]] std::string WhyFailed() const;
 
   Parts p_;
+  Phrases say_;
 };
+
+/// What the answers are made of.
+[[nodiscard]] std::vector<Phrase> SetupTryPhrases();
 
 }  // namespace corvane

@@ -214,6 +214,17 @@ TEST_F(AssistantTest, KeepsInSightWhatHasTheFocusAndWhatWasAnswered) {
   }
 }
 
+TEST_F(AssistantTest, SpeaksTheLanguageOfTheWindow) {
+  GoTo(SetupPage::Port);
+  assistant().show_language(GERMAN_FILE);
+  EXPECT_EQ(assistant().windowTitle(), "Ein Messnetz einrichten: Port der Basisstation");
+  Shortcut(Qt::Key_T);
+  EXPECT_EQ(Shown("setupPortAnswer").find("Die Basisstation antwortet"), 0U);
+  world_.Field("setupDevice").setText("COM1");
+  Shortcut(Qt::Key_W);
+  EXPECT_EQ(Shown("setupFault").find("Das ist kein Gerät"), 0U);
+}
+
 TEST_F(AssistantTest, FitsASmallScreenAtTwiceItsSize) {
   for (const SetupPage page : kSetupPages) {
     GoTo(page);

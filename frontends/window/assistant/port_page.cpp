@@ -65,7 +65,7 @@ void PortPage::Show() {
 void PortPage::FillDevices() {
   const QSignalBlocker quiet(devices_);
   devices_->clear();
-  for (const DeviceChoice& choice : desk().app.ports().Devices()) {
+  for (const DeviceChoice& choice : desk().app.ports().Devices(desk().app.setup().phrases())) {
     auto* row = new QTreeWidgetItem(devices_);
     int column = 0;
     for (const std::string& text : {choice.path, choice.device, choice.presence}) {
@@ -89,7 +89,8 @@ void PortPage::ShowProblem() {
     const QTreeWidgetItem& item = *devices_->topLevelItem(row);
     if (item.text(0) == device_->text()) problem = item.data(0, kProblemRole).toString();
   }
-  if (!problem.isEmpty()) problem += "\n" + QString::fromStdString(PortChoices::PermissionHelp());
+  if (!problem.isEmpty())
+    problem += "\n" + QString::fromStdString(PortChoices::PermissionHelp(desk().app.setup().phrases()));
   problem_->setText(problem);
 }
 

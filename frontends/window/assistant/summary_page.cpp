@@ -39,12 +39,12 @@ void SummaryPage::ShowNotPutIn(int text_id) {
 
 void SummaryPage::Show() {
   QStringList lines;
-  for (const auto& [what, value] : SummaryOf(desk().plan)) {
+  for (const auto& [what, value] : SummaryOf(desk().plan, desk().app.setup().phrases())) {
     lines << QString::fromStdString(what + ": " + value);
   }
   summary_->setPlainText(lines.join('\n'));
   QStringList open = {Say(kNotDone)};
-  for (const std::string& sentence : NotDone(desk().plan, desk().tried)) {
+  for (const std::string& sentence : NotDone(desk().plan, desk().tried, desk().app.setup().phrases())) {
     open << QString::fromUtf8("\u2022 ") + QString::fromStdString(sentence);
   }
   not_done_->setText(open.size() > 1 ? open.join('\n') : Say(kAllDone));

@@ -27,28 +27,67 @@ enum TextId : int {
   kDelete = 884,
   kLines = 885,
   kPutIn = 886,
-  kClose = 887
+  kClose = 887,
+  kTitle = 1660,
+  kSaveAs,
+  kReadFrom,
+  kTables,
+  kAllFiles,
+  kChanges,
+  kNothingRead,
+  kReading,
+  kNotRead,
+  kSaved,
+  kNotSaved,
+  kNoChange,
+  kOneChange,
+  kManyChanges,
+  kOneFault,
+  kManyFaults,
+  kOperationRuns,
+  kListsChanged,
+  kOneIsPutIn,
+  kManyArePutIn,
 };
+
+std::vector<Sentences::Row> BuiltIn() {
+  return {
+      {kSaveAs, "Save the stations as"},
+      {kReadFrom, "Read the stations from"},
+      {kTables, "Tables"},
+      {kAllFiles, "All files"},
+      {kChanges, "Changes"},
+      {kNothingRead, "No table is read yet."},
+      {kReading, "Reading %1"},
+      {kNotRead, "The table cannot be read: %1"},
+      {kSaved, "Saved: %1"},
+      {kNotSaved, "Not saved: %1"},
+      {kNoChange, "no change"},
+      {kOneChange, "%1 change"},
+      {kManyChanges, "%1 changes"},
+      {kOneFault, "%1 fault; nothing can be put in"},
+      {kManyFaults, "%1 faults; nothing can be put in"},
+      {kOperationRuns, "An operation runs; put the table in when it has ended."},
+      {kListsChanged, "The lists have changed meanwhile."},
+      {kOneIsPutIn, "%1 change is put in."},
+      {kManyArePutIn, "%1 changes are put in."},
+  };
+}
 
 constexpr int kWidth = 760;
 constexpr int kHeight = 460;
-constexpr const char* kFilter = "Tables (*.csv *.txt)";
-constexpr const char* kAnyFile = "All files (*)";
 
 /// Names in it are text, whatever they hold.
 QString Line(const std::string& text) {
   return QString::fromStdString(Printable(text)) + "\n";
 }
 
-QString Counted(std::size_t count, const char* word) {
-  return QString("%1 %2%3").arg(static_cast<qulonglong>(count)).arg(word, count == 1 ? "" : "s");
-}
-
 }  // namespace
 
 StationsDialog::StationsDialog(Application& app, EventLoop& loop, QWidget* parent)
-    : QDialog(parent), app_(app), loop_(loop), work_(new BackgroundWork(this)) {
+    : QDialog(parent), app_(app), loop_(loop), say_(BuiltIn(), *this), work_(new BackgroundWork(this)) {
   setObjectName("StationsDialog");
+  setProperty("textId", kTitle);
   setWindowTitle("Stations");
   AddContents();
   Connect();
@@ -96,7 +135,6 @@ void StationsDialog::AddContents() {
   lines_->setObjectName("stationsChanges");
   lines_->setToolTip("What the table would change, or what is wrong with it; the text can be selected and copied");
   lines_->setProperty("textId", kLines);
-  lines_->setAccessibleName("Changes");
   column->addWidget(lines_, 1);
   put_in_ = NewButton("&Put in", "Makes these changes; they are saved as everything is", kPutIn, "putInStations", this);
   close_ =
@@ -122,7 +160,8 @@ void StationsDialog::ShowEmpty() {
   question_.reset();
   plan_ = {};
   delete_->setChecked(false);
-  Say("No table is read yet.");
+  lines_->setAccessibleName(say_[kChanges]);
+  Say(say_[kNothingRead]);
   EnableCommands();
   read_->setFocus();
   open();
@@ -134,12 +173,12 @@ void StationsDialog::SetBusy(bool busy) {
 }
 
 void StationsDialog::AskForFile(bool save) {
-  auto* dialog = new QFileDialog(this, save ? "Save the stations as" : "Read the stations from",
-                                 QString::fromStdString(app_.names().DataFolder()));
+  auto* dialog =
+      new QFileDialog(this, say_[save ? kSaveAs : kReadFrom], QString::fromStdString(app_.names().DataFolder()));
   dialog->setObjectName("stationsFile");
   dialog->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-  dialog->setNameFilters({kFilter, kAnyFile});
+  dialog->setNameFilters({say_[kTables] + " (*.csv *.txt)", say_[kAllFiles] + " (*)"});
   if (save) {
     dialog->setDefaultSuffix("csv");
     dialog->selectFile("stations.csv");
@@ -153,13 +192,13 @@ void StationsDialog::AskForFile(bool save) {
 }
 
 void StationsDialog::ReadFrom(const QString& file) {
-  Say("Reading " + file);
+  Say(say_[kReading].arg(file));
   table_.reset();
   EnableCommands();
   work_->Add([this, file](const BackgroundWork::Cancelled&) -> std::function<void()> {
     std::string bytes;
     const Status read = ReadFile(file.toStdString(), bytes, kLargestStationsFile);
-    if (!read.ok()) return [this, read] { Say("The table cannot be read: " + QString::fromStdString(read.text())); };
+    if (!read.ok()) return [this, read] { Say(say_[kNotRead].arg(QString::fromStdString(read.text()))); };
     auto table = std::make_shared<const StationTable>(ReadStations(std::move(bytes)));
     return [this, file, table] {
       file_ = file;
@@ -175,8 +214,10 @@ void StationsDialog::SaveTo(const QString& file) {
     work_->Add([this, file,
                 question = app_.commands().AskStations()](const BackgroundWork::Cancelled&) -> std::function<void()> {
       const Status saved = WriteFileAtomically(file.toStdString(), question.File());
-      const QString said = saved.ok() ? "Saved: " + file : "Not saved: " + QString::fromStdString(saved.text());
-      return [this, said] { Say(said, lines_->text()); };
+      return [this, file, saved] {
+        Say(saved.ok() ? say_[kSaved].arg(file) : say_[kNotSaved].arg(QString::fromStdString(saved.text())),
+            lines_->text());
+      };
     });
   });
 }
@@ -207,24 +248,27 @@ void StationsDialog::ShowPlan(const QString& said) {
     for (const std::string& change : plan_.changes) lines += Line(change);
   }
   for (const std::string& note : plan_.notes) lines += Line("(" + note + ")");
-  QString state = plan_.changes.empty() ? "no change" : Counted(plan_.changes.size(), "change");
-  if (!plan_.faults.empty()) state = Counted(plan_.faults.size(), "fault") + "; nothing can be put in";
+  QString state = plan_.changes.empty() ? say_[kNoChange] : Counted(plan_.changes.size(), kOneChange, kManyChanges);
+  if (!plan_.faults.empty()) state = Counted(plan_.faults.size(), kOneFault, kManyFaults);
   Say(said + file_ + ": " + state, lines);
   EnableCommands();
 }
 
 void StationsDialog::PutIn() {
   if (!table_ || !put_in_->isEnabled()) return;
-  const QString count = Counted(plan_.changes.size(), "change");
+  const QString put_in = Counted(plan_.changes.size(), kOneIsPutIn, kManyArePutIn);
   const bool done = app_.commands().PutInStations(*question_, plan_);
-  if (!done && app_.slot().Taken())
-    return Say("An operation runs; put the table in when it has ended.", lines_->text());
-  if (!done) return WorkOut("The lists have changed meanwhile. ");
+  if (!done && app_.slot().Taken()) return Say(say_[kOperationRuns], lines_->text());
+  if (!done) return WorkOut(say_[kListsChanged] + " ");
   table_.reset();
-  Say(count + (plan_.changes.size() == 1 ? " is" : " are") + " put in.", lines_->text());
+  Say(put_in, lines_->text());
   EnableCommands();
   close_->setFocus();
   if (on_put_in) on_put_in();
+}
+
+QString StationsDialog::Counted(std::size_t count, int one, int many) const {
+  return say_[count == 1 ? one : many].arg(static_cast<qulonglong>(count));
 }
 
 void StationsDialog::Say(const QString& text, const QString& lines) {

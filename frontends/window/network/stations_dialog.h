@@ -8,6 +8,7 @@
 
 #include "app/application.h"
 #include "setup/stations_question.h"
+#include "window/assistant/sentences.h"
 
 class QCheckBox;
 class QFileDialog;
@@ -51,8 +52,12 @@ class StationsDialog : public QDialog {
   void Say(const QString& text, const QString& lines = {});
   void EnableCommands();
 
+  /// How many changes or faults there are, in words.
+  [[nodiscard]] QString Counted(std::size_t count, int one, int many) const;
+
   Application& app_;
   EventLoop& loop_;
+  Sentences say_;
   QPushButton* save_ = nullptr;
   QPushButton* read_ = nullptr;
   QCheckBox* delete_ = nullptr;
