@@ -45,7 +45,8 @@ void SpreadAccessKeys(const QMenuBar& menus, const QTabWidget& pages, QWidget& w
   const auto buttons = window.findChildren<QAbstractButton*>();
   for (QAbstractButton* button : buttons) {
     // Dialogs have keys of their own.
-    if (button->window() == &window && !pages.isAncestorOf(button)) TakeKey(*button, everywhere);
+    const bool is_there = button->window() == &window && button->isVisibleTo(&window);
+    if (is_there && !pages.isAncestorOf(button)) TakeKey(*button, everywhere);
   }
   for (int page = 0; page < pages.count(); ++page) {
     Keys here = everywhere;

@@ -24,7 +24,7 @@ PracticeBanner::PracticeBanner(QWidget* parent) : QFrame(parent) {
   QFont bold = text->font();
   bold.setBold(true);
   text->setFont(bold);
-  QPushButton* const end = NewPush("End the practice", kEndPractice, "endPractice");
+  QPushButton* const end = NewPush("&End the practice", kEndPractice, "endPractice");
   auto* row = new QHBoxLayout(this);
   row->addWidget(text, 1);
   row->addWidget(end);
