@@ -39,7 +39,7 @@ def end(process):
 class Display:
     """An X server of its own with a window manager."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, *options):
         self.environment = dict(os.environ, HOME=str(folder), XDG_RUNTIME_DIR=str(folder), QT_QPA_PLATFORM="xcb",
                                 XDG_CONFIG_HOME=str(folder / "config"), XDG_DATA_HOME=str(folder / "share"),
                                 LC_ALL="C.UTF-8")
@@ -49,7 +49,8 @@ class Display:
         (folder / "leaks").write_text("leak:libdbus-1\nleak:libfontconfig\n")
         self.environment["LSAN_OPTIONS"] = f"suppressions={folder}/leaks:print_suppressions=0"
         reader, writer = os.pipe()
-        command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1366x768x24", "-nolisten", "tcp", "-noreset"]
+        command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1366x768x24", "-nolisten", "tcp", "-noreset",
+                   *options]
         self.server = subprocess.Popen(command, pass_fds=[writer], stderr=subprocess.DEVNULL)
         os.close(writer)
         with os.fdopen(reader) as number:
@@ -327,8 +328,22 @@ def starts_without_a_display(site):
     site.ends(program, "the program leaves", 3)
 
 
+def killed_in_the_assistant(site):
+    """Killed at any page, the assistant has written nothing, and the next start begins it again."""
+    pages = ["Language", "Port of the base station", "Relays and units", "Clients and folders", "Lookup tables",
+             "Clock of a unit", "Schedule", "Server and backup", "Summary"]
+    for last in range(len(pages)):
+        program, window = site.open(title="Set up a network: Language")
+        for page in pages[1:last + 1]:
+            site.display.press(window, "alt+n")
+            expect(f"the page {page}", lambda: site.display.windows(program)[window] == f"Set up a network: {page}")
+        end(program)
+        written = {path.name for path in site.home.iterdir()} - {"hveng.lng", "corvane.lock", "corvane.log"}
+        assert not {name for name in written if not name.startswith("history.db")}, f"{pages[last]}: {written}"
+
+
 CHECKS = [opens_and_closes, minimised_title, activations_with_download_switch, ends_in_a_download, second_instance,
-          ended_while_it_starts, display_lost_while_converting, starts_without_a_display]
+          ended_while_it_starts, display_lost_while_converting, killed_in_the_assistant, starts_without_a_display]
 
 
 def run(check, build):
