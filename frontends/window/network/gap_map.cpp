@@ -59,7 +59,11 @@ class DayHeader : public QHeaderView {
     painter.setPen(palette().color(QPalette::WindowText));
     const int between = 2 * fontMetrics().averageCharWidth();
     int free = length();  // up to the date at the right
-    for (int day = count() - 1; day >= 0; day -= kWeek) {
+    // So many weeks apart that none is left out; the one beside today's has half of a date less room.
+    const int week = std::max(1, length() * kWeek / std::max(1, count()));
+    const int room = fontMetrics().horizontalAdvance("30 Mmm") * 3 / 2 + between;
+    const int step = kWeek * ((room + week - 1) / week);
+    for (int day = count() - 1; day >= 0; day -= step) {
       const QString text = QString::fromStdString(DateText(days_.DayOf(day), "d mmm", days_.phrases()));
       const int width = fontMetrics().horizontalAdvance(text) + 1;
       const int middle = sectionPosition(day) + sectionSize(day) / 2;
