@@ -13,6 +13,7 @@
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <QWindow>
 
 namespace corvane::window {
@@ -104,20 +105,34 @@ class ButtonBinding : public Binding {
 /// A screen reader gets an event at each step.
 constexpr int kStepWhenHeard = 10;
 
+/// The toolkit paints a bar, and all that is behind it, whenever it gets a value: readings come faster than the eye
+/// sees.
+constexpr int kBarMilliseconds = 50;
+
 class ProgressBinding : public Binding {
  public:
   ProgressBinding(ProgressBar& bar, QWidget& widget)
-      : Binding(&widget), control_(bar), bar_(WidgetAs<QProgressBar>(widget)) {}
+      : Binding(&widget), control_(bar), bar_(WidgetAs<QProgressBar>(widget)) {
+    rest_.setSingleShot(true);
+    QObject::connect(&rest_, &QTimer::timeout, bar_, [this] { ShowNow(); });
+  }
   void Show(Aspect /*aspect*/, std::size_t /*row*/) override {
+    if (rest_.isActive()) return;
+    ShowNow();
+    rest_.start(kBarMilliseconds);
+  }
+
+ private:
+  void ShowNow() {
     const double range = control_.maximum() - control_.minimum();
     const double share = range > 0 ? (control_.value() - control_.minimum()) / range : 0;
     const int step = QAccessible::isActive() ? kStepWhenHeard : 1;
     bar_->setValue(static_cast<int>(std::lround(share * 100)) / step * step);
   }
 
- private:
   ProgressBar& control_;
   QProgressBar* bar_;
+  QTimer rest_;
 };
 
 class WindowBinding : public QObject, public Binding {

@@ -83,7 +83,7 @@ TEST_F(MainWindow, WhatTheProgramChangesShowsAndDoesNotComeBack) {
   EXPECT_TRUE(Button("Opt_Average_1").isChecked());
   EXPECT_EQ(Widget<QComboBox>("Cmb_LogPeriod").currentText(), "01:00");
   EXPECT_EQ(List("Lst_Clients").currentIndex().row(), 1);
-  EXPECT_EQ(Widget<QProgressBar>("Bar_Unit").value(), 40);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Widget<QProgressBar>("Bar_Unit").value() == 40; }, 2000));
   EXPECT_EQ(Widget<QLabel>("Lbl_Status").text(), "Working");
   f.Frm_Main.SetTitle("");
   EXPECT_EQ(window().windowTitle(), "Corvane") << "an empty title shows the product name";
