@@ -14,9 +14,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -28,22 +30,20 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTreeView>
 
-#include "app/application.h"
-#include "curl/curl_internet_client.h"
-#include "desktop/posix_shell.h"
-#include "printing_dialogs.h"
-#include "qt/qt_loop.h"
-#include "serial/termios_port.h"
+#include "benched_window.h"
 #include "sqlite/sqlite_history_store.h"
-#include "window/main_window.h"
+#include "window/network/stations_dialog.h"
 #include "window/plot/plot_page.h"
-#include "zip/libzip_component.h"
 
 namespace {
 
@@ -55,72 +55,6 @@ constexpr int kRefreshes = 6;
 constexpr int kPlots = 5;
 constexpr std::size_t kPlotLines = 3;
 constexpr int kPictures = 240;
-
-class PaintCounter : public QObject {
- public:
-  int paints = 0;
-
- private:
-  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    if (event->type() == QEvent::Paint) ++paints;
-    return false;
-  }
-};
-
-/// The program's window on the real machine, shown and activated.
-class Bench {
- public:
-  explicit Bench(const std::string& folder, HistoryStore* history = nullptr)
-      : shell_("corvane-bench-window", folder),
-        app_(Platform{loop_, port_, shell_, dialogs_, internet_, zip_, {}, {}, history}, folder) {
-    QApplication::instance()->installEventFilter(&counter_);
-    app_.life().OnWindowCreate();
-    window_.show();
-    Measure([this] { loop_.Post([this] { app_.life().OnWindowActivate(""); }); });
-  }
-
-  Application& app() { return app_; }
-  void Poll() { loop_.Poll(); }
-  void Yield() { loop_.Yield(); }
-
-  /// The widget of that name, on a tab that is shown.
-  template <class Kind>
-  Kind& Widget(const char* name) {
-    auto* found = window_.findChild<Kind*>(name);
-    if (found == nullptr) throw std::runtime_error(std::string("no widget ") + name);
-    auto* tabs = window_.findChild<QTabWidget*>("tabs");
-    for (int tab = 0; tab < tabs->count(); ++tab) {
-      if (tabs->widget(tab)->isAncestorOf(found)) tabs->setCurrentIndex(tab);
-    }
-    loop_.Poll();
-    return *found;
-  }
-  /// Milliseconds of processor time until `action` is done and what it changed is painted.
-  double Measure(const std::function<void()>& action) {
-    const std::clock_t start = std::clock();
-    counter_.paints = 0;
-    action();
-    loop_.Poll();
-    if (counter_.paints == 0) throw std::runtime_error("nothing was painted");
-    return 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-  }
-
- private:
-  QtLoop loop_;
-  TermiosPort port_{loop_, loop_};
-  PosixShell shell_;
-  PrintingDialogs dialogs_;
-  CurlInternetClient internet_{loop_};
-  LibzipComponent zip_{loop_};
-  Application app_;
-  window::MainWindow window_{app_, loop_};
-  PaintCounter counter_;
-};
-
-void Print(const std::string& what, std::vector<double> times) {
-  std::sort(times.begin(), times.end());
-  std::printf("%s: median %.1f ms, worst %.1f ms\n", what.c_str(), times[times.size() / 2], times.back());
-}
 
 void MeasureKeystrokes(Bench& bench, const char* field) {
   auto& edit = bench.Widget<QLineEdit>(field);
@@ -179,6 +113,39 @@ int MeasureList(const std::string& folder) {
   return EXIT_SUCCESS;
 }
 
+void PrintHeld(const char* what, double milliseconds) {
+  std::printf("%s: longest %.1f ms\n", what, milliseconds);
+}
+
+/// A round of all units as sentences, and a table that changes all units.
+void MeasureLongTexts(Bench& bench, const std::string& folder, std::int64_t units) {
+  auto& text = bench.Widget<QPlainTextEdit>("roundsText");
+  auto& views = bench.Widget<QTabWidget>("networkViews");
+  PrintHeld("round shown in sentences", Held(bench, [&] {
+              views.setCurrentIndex(2);
+              return text.blockCount() > units;
+            }));
+  const std::string file = folder + "/units.csv";
+  std::ofstream table(file);
+  table << "Name,ID\n";
+  for (std::int64_t unit = 1; unit <= units; ++unit) table << "Place " << unit << "," << unit << "\n";
+  table.close();
+  views.setCurrentIndex(0);
+  auto& dialog = dynamic_cast<window::StationsDialog&>(bench.Widget<QDialog>("StationsDialog"));
+  auto& put_in = bench.Widget<QPushButton>("putInStations");
+  auto& lines = bench.Widget<QPlainTextEdit>("stationsChanges");
+  auto& state = bench.Widget<QLabel>("stationsState");
+  dialog.ShowEmpty();
+  dialog.ReadFrom(QString::fromStdString(file));
+  PrintHeld("table of stations read and shown",
+            Held(bench, [&] { return put_in.isEnabled() && lines.blockCount() >= units; }));
+  put_in.click();
+  PrintHeld("table of stations put in", Held(bench, [&] { return state.text().endsWith("put in."); }));
+  const auto& table_of_units = *bench.Widget<QTreeView>("stationTable").model();
+  PrintHeld("status read anew",
+            Held(bench, [&] { return table_of_units.index(0, 1).data().toString().startsWith("Place "); }));
+}
+
 int MeasureNetwork(const std::string& folder) {
   SqliteHistoryStore history;
   const auto start = std::chrono::steady_clock::now();
@@ -203,6 +170,7 @@ int MeasureNetwork(const std::string& folder) {
   filter.clear();
   for (const int grouping : {1, 2, 0}) times.push_back(bench.Measure([&] { groups.setCurrentIndex(grouping); }));
   Print("grouping", std::move(times));
+  MeasureLongTexts(bench, folder, bench.app().registry().Units.count());
   return EXIT_SUCCESS;
 }
 
@@ -213,10 +181,6 @@ int MeasureConversion(const std::string& folder) {
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   std::printf("%.3f\n", seconds);
   return bench.app().flags().problems == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
-double SecondsSince(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 /// Pictures a second while the span is each of these shares of the whole.
