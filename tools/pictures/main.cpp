@@ -24,6 +24,7 @@
 #include "qt/qt_loop.h"
 #include "serial/termios_port.h"
 #include "sqlite/sqlite_history_store.h"
+#include "window/assistant/assistant.h"
 #include "window/box_style.h"
 #include "window/main_window.h"
 #include "window/plot/plot_page.h"
@@ -194,16 +195,20 @@ class Photographer {
     window_.CloseDialogs();
   }
 
-  /// The assistant as it shows a network that exists.
+  /// The assistant as it shows a network that exists, for the guide of each language.
   void TakeAssistant() {
-    window_.OpenAssistant();
-    auto* assistant = window_.findChild<QWizard*>("Assistant");
-    for (const SetupPage page : kSetupPages) {
-      if (page == SetupPage::Stations) Take("set-up-stations", *assistant);
-      if (page == SetupPage::Summary) Take("set-up-summary", *assistant);
-      assistant->next();
+    auto& assistant = dynamic_cast<Assistant&>(*window_.findChild<QWizard*>("Assistant"));
+    const std::string folder = app_.app().Folder() + "/";
+    for (const auto& [language, suffix] : {std::pair("hvdeu.lng", "-de"), std::pair("hveng.lng", "")}) {
+      assistant.show_language(folder + language);
+      window_.OpenAssistant();
+      for (const SetupPage page : kSetupPages) {
+        if (page == SetupPage::Stations) Take(QString("set-up-stations") + suffix, assistant);
+        if (page == SetupPage::Summary) Take(QString("set-up-summary") + suffix, assistant);
+        assistant.next();
+      }
+      assistant.Abandon();
     }
-    window_.CloseDialogs();
   }
 
   void ShowPage(const char* page) {
