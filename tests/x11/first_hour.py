@@ -7,7 +7,7 @@ installed. Prints how many actions it took, and how many seconds; fails when the
 not come. An action is a click, a shortcut or a field that is filled in; Next counts.
 
 Usage: first_hour.py ROOT   needs root, and /tmp/.X11-unix of this computer below ROOT/tmp; CORVANE_PICTURE names a
-                            PNG file that gets a picture of the screen at the end, whichever way it ends
+                            PNG file that gets a picture of the screen before all is closed, or where it failed
 """
 import contextlib
 import os
@@ -36,6 +36,10 @@ class Screen(Display):
     def __init__(self, folder):
         super().__init__(folder, "-fbdir", str(folder))
         self.picture = folder / "Xvfb_screen0"
+
+    def photograph_for_the_caller(self):
+        if "CORVANE_PICTURE" in os.environ:
+            self.photograph(os.environ["CORVANE_PICTURE"])
 
     def photograph(self, name):
         """Writes the screen as a PNG file."""
@@ -67,7 +71,7 @@ class Technician:
 
     def run(self, program, *arguments, **options):
         """Starts an installed program with an empty environment but for the screen's."""
-        command = ["chroot", self.root, "env", "-i", "PATH=/usr/bin:/bin", "HOME=/root", "LC_ALL=C.UTF-8",
+        command = ["chroot", self.root, "env", "-i", "PATH=/usr/bin:/bin", "HOME=/root", "LC_ALL=C.UTF-8", "TZ=UTC",
                    "XDG_RUNTIME_DIR=/tmp", f"DISPLAY={self.screen.environment['DISPLAY']}", program, *arguments]
         self.started.append(subprocess.Popen(command, **options))
         return self.started[-1]
@@ -116,8 +120,8 @@ class Technician:
 
 
 def start_station(technician):
-    start = time.strftime("%Y/%m/%d 00:00", time.localtime(time.time() - DAYS * 86400))
-    day = time.localtime()
+    start = time.strftime("%Y/%m/%d 00:00", time.gmtime(time.time() - DAYS * 86400))
+    day = time.gmtime()
     # One a minute: the units' clocks show the time of the last one, and may be a minute off.
     readings = DAYS * 1440 + day.tm_hour * 60 + day.tm_min + 1
     (technician.root / DEVICE).parent.mkdir(parents=True, exist_ok=True)
@@ -190,6 +194,7 @@ def look(technician):
     said, status = technician.say("status", "--check")
     assert status == 0, said
     print(f"  status: {said.strip()}")
+    technician.screen.photograph_for_the_caller()
     technician.shortcut("alt+F4")
     expect("the window closes in order", lambda: program.poll() == 0)
 
@@ -210,10 +215,9 @@ def main():
             return 0
         except (AssertionError, OSError) as problem:
             print(f"  FAILED: {problem}\n    windows: {technician.windows()}")
+            screen.photograph_for_the_caller()
             return 1
         finally:
-            if "CORVANE_PICTURE" in os.environ:
-                screen.photograph(os.environ["CORVANE_PICTURE"])
             for process in [*technician.started, screen.manager, screen.server]:
                 end(process)
 
