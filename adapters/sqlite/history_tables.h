@@ -48,7 +48,7 @@ struct Table<RoundRecord> {
   static void Fields(R& r, F&& field) {
     field("key", r.key);
     field("kind", r.kind);
-    field("automatic", r.automatic);
+    field("automatic", r.start);
     field("all_units", r.all);
     field("began", r.began);
     field("ended", r.ended);

@@ -6,6 +6,8 @@
 namespace corvane::console {
 
 void Operate(Desk& desk, const std::function<void()>& operation) {
+  // What the schedule begins runs here too.
+  const ScopedValue<bool> by_command(desk.app.flags().by_command, !desk.app.flags().automatic_run);
   const AutomaticRun automatic(desk.app.flags());
   operation();
   desk.problems += desk.app.flags().problems;

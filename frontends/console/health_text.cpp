@@ -6,6 +6,8 @@
 #include "base/format.h"
 #include "base/numbers.h"
 #include "base/outside_text.h"
+#include "base/text.h"
+#include "link/exchange.h"
 #include "text_table.h"
 
 namespace corvane::console {
@@ -13,6 +15,7 @@ namespace {
 
 std::vector<std::string> RowOf(const ContactRecord& contact) {
   return {FormatDate(contact.at.Local(), "yyyy-mm-dd HH:MM"),
+          ToLower(CommandOf(contact.command).name),
           std::string(NameOf(contact.outcome)),
           std::to_string(contact.tries),
           std::to_string(contact.stored),
@@ -43,6 +46,7 @@ std::string HealthText(const UnitStatus& unit, const UnitHealth& health) {
     std::vector<std::vector<std::string>> rows;
     for (const ContactRecord& contact : health.contacts) rows.push_back(RowOf(contact));
     text += "\n" + FormatTable({{"Last contacts"},
+                                {"Asked to"},
                                 {"Outcome"},
                                 {"Tries", true},
                                 {"Stored", true},

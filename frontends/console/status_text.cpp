@@ -119,6 +119,7 @@ std::string Figures(const NetworkStatus& status) {
 std::string StatusTable(const NetworkStatus& status) {
   std::string text;
   AppendLine(text, status.sentence);
+  if (!status.nobody_collects.empty() && !status.units.empty()) AppendLine(text, CountsText(status));
   if (!status.last_round.empty()) AppendLine(text, "Last round: " + status.last_round);
   if (!status.next_round.IsNone()) AppendLine(text, "Next round: " + WhenText(status.next_round));
   if (status.units.empty()) return text;

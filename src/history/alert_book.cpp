@@ -113,7 +113,7 @@ class Look {
     Settle(kNobodyCollects, 0, "", !status_.nobody_collects.empty(), ended);
     // Between rounds the last one says nothing new; who ends a round by hand knows of it.
     if (ended) {
-      Settle(kRound, 0, "", status_.last.automatic && !status_.last.ending.empty(), true);
+      Settle(kRound, 0, "", status_.last.IsUnattended() && !status_.last.ending.empty(), true);
     } else {
       settled_.insert(Key(kRound, 0, ""));
     }

@@ -62,7 +62,7 @@ void WriteEvent(JsonWriter& json, const AlertEvent& event) {
 void WriteRound(JsonWriter& json, const RoundRecord& round) {
   if (round.key == 0) return json.Null("last_round");
   json.BeginObject("last_round");
-  json.Bool("automatic", round.automatic);
+  json.Bool("automatic", round.IsUnattended());
   json.Bool("all", round.all);
   json.Utc("began", round.began);
   json.Utc("ended", round.ended);

@@ -168,14 +168,14 @@ void History::DropOldest() {
   p_.trace.Status("The history could not be written for long: the oldest of what waits is lost", StatusKind::Error);
 }
 
-void History::BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All) {
+void History::BeginRound(RoundKind ae_Kind, RoundStart ae_Start, bool ab_All) {
   if (!Kept()) return;
   reported_ = false;
   FollowUnits();
   round_ = {};
   round_.key = ++last_round_;
   round_.kind = ae_Kind;
-  round_.automatic = ab_Automatic;
+  round_.start = ae_Start;
   round_.all = ab_All;
   round_.began = p_.loop.NowUtc();
   clock_steps_.BeginRound(ClockBase());
@@ -189,7 +189,7 @@ void History::EndRound(const RoundRecord& av_Counts) {
   RoundRecord ended = av_Counts;
   ended.key = round_.key;
   ended.kind = round_.kind;
-  ended.automatic = round_.automatic;
+  ended.start = round_.start;
   ended.all = round_.all;
   ended.began = round_.began;
   ended.ended = p_.loop.NowUtc();

@@ -62,7 +62,7 @@ class History {
   [[nodiscard]] bool IsReady();
 
   /// A round begins; units are followed first. One that never ended is left as it is.
-  void BeginRound(RoundKind ae_Kind, bool ab_Automatic, bool ab_All);
+  void BeginRound(RoundKind ae_Kind, RoundStart ae_Start, bool ab_All);
   /// The round ends as `av_Counts` says: asked, answered, stored, problems, ending.
   void EndRound(const RoundRecord& av_Counts);
   /// The round that runs; key 0: none does.

@@ -138,20 +138,10 @@ class NetworkView {
     return NetworkLetter::Well;
   }
 
-  [[nodiscard]] std::string CountsText() const {
-    std::string text;
-    for (const UnitState state : kOrder) {
-      const std::int64_t count = status_.counts[static_cast<std::size_t>(state)];
-      if (count == 0) continue;
-      text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + std::string(NameOf(state));
-    }
-    return CountText(std::ssize(status_.units), "unit: ", "units: ") + text;
-  }
-
   [[nodiscard]] std::string Sentence() const {
     if (!status_.nobody_collects.empty()) return "Nobody collects. " + status_.nobody_collects;
     if (status_.units.empty()) return "There are no units";
-    std::string text = CountsText();
+    std::string text = CountsText(status_);
     if (!status_.worst_relay.empty()) {
       text += "; " + std::to_string(silent_behind_relay_) + " of the silent ones behind relay " + status_.worst_relay;
     }
@@ -169,6 +159,16 @@ class NetworkView {
 };
 
 }  // namespace
+
+std::string CountsText(const NetworkStatus& av_Status) {
+  std::string text;
+  for (const UnitState state : kOrder) {
+    const std::int64_t count = av_Status.counts[static_cast<std::size_t>(state)];
+    if (count == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + std::string(NameOf(state));
+  }
+  return CountText(std::ssize(av_Status.units), "unit: ", "units: ") + text;
+}
 
 std::string_view NameOf(UnitState ae_State) {
   return kStates[static_cast<std::size_t>(ae_State)].english;

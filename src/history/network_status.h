@@ -106,5 +106,7 @@ enum class Holder : std::uint8_t { Unknown, Nobody, Somebody };
 
 /// What the texts of the network and its states are made of.
 [[nodiscard]] std::vector<Phrase> NetworkStatusPhrases();
+/// How many units there are and how they stand, such as "3 units: 1 silent, 2 fine".
+[[nodiscard]] std::string CountsText(const NetworkStatus& av_Status);
 
 }  // namespace corvane

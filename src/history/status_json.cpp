@@ -33,7 +33,7 @@ void WriteRound(JsonWriter& av_Json, const RoundRecord& av_Round, const std::str
   av_Json.BeginObject("last_round");
   av_Json.Text("sentence", as_Sentence);
   av_Json.Text("kind", NameIn(kRoundKinds, av_Round.kind));
-  av_Json.Bool("automatic", av_Round.automatic);
+  av_Json.Bool("automatic", av_Round.IsUnattended());
   av_Json.Bool("all_units", av_Round.all);
   av_Json.Utc("began", av_Round.began);
   av_Json.Utc("ended", av_Round.ended);

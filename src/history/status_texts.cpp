@@ -107,7 +107,7 @@ std::string WhenText(Moment av_When, const Phrases& av_Phrases) {
 }
 
 std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases) {
-  const auto& names = av_Round.automatic ? kAutomatic : kByHand;
+  const auto& names = av_Round.start == RoundStart::BySchedule ? kAutomatic : kByHand;
   const std::size_t kind = std::min(static_cast<std::size_t>(av_Round.kind), names.size() - 1);
   const std::string head = av_Phrases.Text(names[kind], {WhenText(av_Round.began, av_Phrases)});
   if (av_Round.ended.IsNone()) return av_Phrases.Text(kRound.not_ended, {head});

@@ -148,8 +148,8 @@ class HealthWriter {
       return Say("Answers", "It was not asked lately; its readings come " +
                                 std::string(source < kSources.size() ? kSources[source] : "from elsewhere"));
     }
-    Say("Answers", "It answered in " + std::to_string(unit_.answered) + " of the last " +
-                       CountText(unit_.asked, "round", "rounds") + " that asked it" +
+    Say("Answers", "It answered " + std::to_string(unit_.answered) + " of the last " +
+                       CountText(unit_.asked, "time", "times") + " that it was asked" +
                        (unit_.last_answered.IsNone() ? "" : ", last on " + WhenText(unit_.last_answered)));
   }
 

@@ -36,11 +36,18 @@ struct UnitRecord {
 /// What a round was for.
 enum class RoundKind : std::uint8_t { Download = 0, Fetch = 1, Command = 2, Repair = 3 };
 
+/// Who began a round.
+enum class RoundStart : std::uint8_t {
+  ByHand = 0,      ///< somebody who watches it
+  BySchedule = 1,  ///< the schedule, or a start that downloads at once
+  ByCommand = 2    ///< a command of the console, which nobody has to watch
+};
+
 /// One operation over units, from its beginning to its end.
 struct RoundRecord {
   std::int64_t key = 0;  ///< from 1, counting up
   RoundKind kind = RoundKind::Download;
-  bool automatic = false;
+  RoundStart start = RoundStart::ByHand;
   bool all = false;  ///< over all active units, not only one
   Moment began;
   Moment ended;  ///< none while it runs, or when the program was killed in it
@@ -51,6 +58,8 @@ struct RoundRecord {
   std::string ending;           ///< why it ended early, empty when it did not
   std::int64_t clock_step = 0;  ///< seconds by which this computer's clock was found set back since the rounds before
 
+  /// Whether nobody has to watch it: people are told when it ends early.
+  [[nodiscard]] bool IsUnattended() const { return start != RoundStart::ByHand; }
   bool operator==(const RoundRecord&) const = default;
 };
 

@@ -38,6 +38,11 @@ void TakeValues(const std::vector<std::string_view>& av_Items, std::size_t al_Ba
   if (const auto ambient = NumberAt(av_Items, al_Ambient)) av_Contact.ambient = *ambient / 100 - kKelvinOffset;
 }
 
+RoundStart StartOf(const RunFlags& av_Flags) {
+  if (!av_Flags.automatic_run) return RoundStart::ByHand;
+  return av_Flags.by_command ? RoundStart::ByCommand : RoundStart::BySchedule;
+}
+
 }  // namespace
 
 void RoundJournal::Run(RoundKind ae_Kind, bool ab_All, const std::function<void()>& av_Round) {
@@ -45,7 +50,7 @@ void RoundJournal::Run(RoundKind ae_Kind, bool ab_All, const std::function<void(
   // Before a command somebody is asked, who may say No.
   waits_for_units_ = ae_Kind == RoundKind::Command;
   all_ = ab_All;
-  if (!waits_for_units_) p_.history.BeginRound(ae_Kind, p_.flags.automatic_run, ab_All);
+  if (!waits_for_units_) p_.history.BeginRound(ae_Kind, StartOf(p_.flags), ab_All);
   counts_ = {};
   planned_ = 0;
   problems_before_ = p_.flags.problems;
@@ -101,7 +106,7 @@ std::string RoundJournal::WhyNotAsked() const {
 }
 
 void RoundJournal::BeginContacts(UnitSpan av_Units, std::int16_t ai_Command) {
-  if (std::exchange(waits_for_units_, false)) p_.history.BeginRound(RoundKind::Command, p_.flags.automatic_run, all_);
+  if (std::exchange(waits_for_units_, false)) p_.history.BeginRound(RoundKind::Command, StartOf(p_.flags), all_);
   if (p_.history.Round().key == 0) return;
   command_ = ai_Command;
   turns_.clear();

@@ -20,6 +20,7 @@ enum class Recovery : std::uint8_t {
 /// Flags of the running program that several classes read.
 struct RunFlags {
   bool automatic_run = false;         ///< an automatic download runs ("/D", the schedule or the console)
+  bool by_command = false;            ///< a command of the console has begun that run
   bool closing = false;               ///< the close was asked for: loops unwind
   bool releasing = false;             ///< the close steps run: nothing has to unwind any more
   bool ending_silently = false;       ///< ended by a signal or the session: no box is shown any more

@@ -46,7 +46,8 @@ HistoryContents Extremes(bool other) {
   const Moment moment{least, other ? 0 : std::numeric_limits<std::int32_t>::min()};
   HistoryContents c;
   c.units = {{1, -5, 32'767, odd, 7, odd, odd, odd, 9, !other, 3, !other, moment, kNoon, moment}};
-  c.rounds = {{kMost, RoundKind::Repair, !other, !other, moment, kNoon, most, least, most, least, odd}};
+  c.rounds = {{kMost, RoundKind::Repair, other ? RoundStart::ByHand : RoundStart::ByCommand, !other, moment, kNoon,
+               most, least, most, least, odd}};
   c.contacts = {{kMost,
                  1,
                  {least, 60},

@@ -52,7 +52,7 @@ HistoryContents FullHistory(Moment now, const std::string& text) {
   network.version = text;
   network.interval = 10800;
   history.network = network;
-  history.rounds = {{1, RoundKind::Download, true, true, ago(9000), ago(8000), 5, 3, 40, 2, text}};
+  history.rounds = {{1, RoundKind::Download, RoundStart::BySchedule, true, ago(9000), ago(8000), 5, 3, 40, 2, text}};
   for (std::int32_t i = 1; i <= 5; ++i) {
     UnitRecord unit{i, 1, i, text, i, text, text, i < 4 ? text : "", 7, i != 5, 0, true, ago(9'000'000), ago(9000), {}};
     if (i == 4) unit.added = ago(60);
@@ -173,6 +173,8 @@ TEST_F(StatusTest, KnowsWhoHoldsTheFolder) {
   const std::string lock = home_.Write("corvane.lock", "");
   EXPECT_EQ(Run({"status", "--check"}), 2);
   EXPECT_TRUE(Printed("Nobody collects")) << output_;
+  EXPECT_EQ(Run({"status"}), 0);
+  EXPECT_TRUE(Printed(" would do it\n5 units: 1 silent, ")) << output_;
   Child holder({"flock", lock, "sh", "-c", "echo held; exec sleep 60"});
   ASSERT_TRUE(holder.Shows("held"));
   EXPECT_EQ(Run({"status", "--check"}), 2);

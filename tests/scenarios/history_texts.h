@@ -81,7 +81,7 @@ inline std::vector<std::string> HistoryTexts(const std::string& file, const std:
   for (const RoundRecord& each : all.rounds) {
     const std::vector<std::string> kinds = {"download", "fetch", "command", "repair"};
     add("rounds", std::to_string(each.key) + " " + kinds.at(static_cast<std::size_t>(each.kind)) +
-                      text_of(each.automatic, " automatic") + text_of(each.all, " all") + " " +
+                      text_of(each.IsUnattended(), " automatic") + text_of(each.all, " all") + " " +
                       Numbers({each.asked, each.answered, each.stored, each.problems}) + " " +
                       (each.ended.IsNone()   ? "runs"
                        : each.ending.empty() ? "well"

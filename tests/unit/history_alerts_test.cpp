@@ -27,7 +27,7 @@ NetworkStatus StatusAt(DateTime local, const std::string& letters, std::int64_t 
   NetworkStatus status;
   status.now = Moment::At((local.seconds() - 25569 * kSecondsPerDay) - 2 * kHour, local);
   status.last.key = round;
-  status.last.automatic = true;
+  status.last.start = RoundStart::BySchedule;
   status.last.began = {status.now.utc - 600, status.now.ahead};
   status.last.ended = {status.now.utc - 1, status.now.ahead};
   status.sentence = "as it is";

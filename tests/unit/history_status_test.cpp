@@ -27,7 +27,7 @@ TEST(NetworkStatus, SaysWhetherAnybodyCollects) {
   const auto missed = [](NetworkHistory& f) { f.network().next_download = kLocal - 181; };
   const auto round = [](NetworkHistory& f, std::int64_t ago, bool ended) {
     f.history.rounds.push_back(
-        {7, RoundKind::Download, true, true, Ago(ago), ended ? Ago(1) : Moment(), 1, 1, 4, 0, ""});
+        {7, RoundKind::Download, RoundStart::BySchedule, true, Ago(ago), ended ? Ago(1) : Moment(), 1, 1, 4, 0, ""});
   };
   const NetworkRow rows[] = {
       {"all well", [](NetworkHistory&) {}, Somebody, Well, "1 unit: 1 fine"},
