@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -34,6 +35,8 @@ constexpr const char* kRootLock = ".lock";
 constexpr const char* kProgram = "corvane-basestation";
 constexpr const char* kReady = "ready: ";
 constexpr mode_t kOnlyUs = 0700;
+constexpr std::uintmax_t kRoom = 16'000'000;  // bytes; a day of the simulated network is a part of it
+constexpr const char* kElsewhere = "name another place with the variable XDG_CACHE_HOME";
 constexpr int kMostFolders = 1000;
 constexpr int kTriesToLock = 3;
 constexpr std::int64_t kLongestLog = 64 * 1024;
@@ -209,9 +212,15 @@ DateTime PracticeFolder::Now() const {
 
 Status PracticeFolder::PrepareRoot() const {
   std::error_code error;
-  fs::create_directories(fs::path(root_).parent_path(), error);
+  const fs::path above = fs::path(root_).parent_path();
+  fs::create_directories(above, error);
+  if (const fs::space_info space = fs::space(above, error); !error && space.available < kRoom) {
+    return {ENOSPC, "a practice needs " + std::to_string(kRoom / 1'000'000) + " MB, " + above.string() +
+                        " has less: make room, or " + kElsewhere};
+  }
   if (mkdir(root_.c_str(), kOnlyUs) != 0 && errno != EEXIST) {
-    return Status::FromErrno("the folder for practice cannot be made: " + root_, errno);
+    const Status failed = Status::FromErrno("the folder for practice cannot be made: " + root_, errno);
+    return {failed.code(), failed.text() + ": " + kElsewhere};
   }
   struct stat about {};
   if (lstat(root_.c_str(), &about) != 0) return Status::FromErrno(root_, errno);

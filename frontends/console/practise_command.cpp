@@ -1,6 +1,7 @@
 #include "practise_command.h"
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "desktop/posix_shell.h"
 #include "desktop/practice_folder.h"
 #include "desktop/terminal.h"
+#include "posix/signal_watch.h"
 #include "setup/practice.h"
 
 namespace corvane::console {
@@ -90,6 +92,9 @@ int End(PracticeGround& ground, const Options& options) {
 }  // namespace
 
 int Practise(const Options& options, const std::function<int(const Options&)>& run) {
+  // From here on a signal ends the practice as a whole; the threads that are made later leave it to the command that
+  // runs.
+  if (!options.end) SignalWatch::BlockEarly({SIGINT, SIGTERM, SIGHUP});
   PracticeFolder ground(PosixShell("corvane").ProgramFolder());
   return options.end ? End(ground, options) : Begin(ground, options, run);
 }

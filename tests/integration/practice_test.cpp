@@ -80,6 +80,12 @@ TEST_F(PracticeTest, BringsInAWholeDayStaysAndLeavesNothing) {
   EXPECT_EQ(Run({"practise", "--end"}), 0) << "there is none: " << output_;
   EXPECT_TRUE(fs::is_empty(cache_.path()));
   EXPECT_FALSE(StationRuns(Root()));
+
+  Child begins({CORVANECTL_PATH, "practise"});
+  EXPECT_TRUE(begins.Shows("Download: Practice hill"));
+  begins.Signal(SIGTERM);
+  EXPECT_EQ(begins.Wait(), 128 + SIGTERM) << begins.output();
+  EXPECT_TRUE(fs::is_empty(cache_.path())) << "one that is broken off leaves nothing either";
 }
 
 TEST_F(PracticeTest, OneThatWasKilledGoesWithTheNext) {
