@@ -8,9 +8,11 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "desktop/posix_shell.h"
+#include "full_path.h"
 #include "link/port_choices.h"
 #include "link_commands.h"
 #include "setup/setup_reader.h"
+#include "setup/value_words.h"
 #include "setup_stations.h"
 #include "setup_talk.h"
 #include "text_table.h"
@@ -27,6 +29,8 @@ class Walk {
   bool Run();
   [[nodiscard]] const SetupPlan& plan() const { return plan_; }
   [[nodiscard]] bool collects() const { return collects_; }
+  /// The unit whose clock was set meanwhile; empty for none.
+  [[nodiscard]] const std::string& clock_set_of() const { return clock_set_of_; }
 
  private:
   void Ask(SetupPage page);
@@ -44,6 +48,10 @@ class Walk {
   /// Asks for one text until nothing is wrong with it.
   void AskField(SetupPage page, SetupField field, std::string& value, const std::string& what,
                 const std::string& none = {});
+  /// The same for a folder: what is typed begins in the current one, what is there is shown as a full path.
+  void AskFolder(SetupPage page, SetupField field, std::string& value, const std::string& what,
+                 const std::string& none = {});
+  [[nodiscard]] std::string FullFolder(const std::string& value) const;
   [[nodiscard]] std::vector<SetupFault> FaultsAt(SetupPage page, SetupField field) const;
   /// The row of a unit by its position, name or ID; 0 when there is none.
   [[nodiscard]] std::size_t RowOf(std::string_view text) const;
@@ -53,6 +61,7 @@ class Walk {
   SetupPlan plan_;
   SetupTried tried_;
   bool collects_ = false;
+  std::string clock_set_of_;
 };
 
 bool Walk::Run() {
@@ -103,7 +112,32 @@ std::vector<SetupFault> Walk::FaultsAt(SetupPage page, SetupField field) const {
 
 void Walk::AskField(SetupPage page, SetupField field, std::string& value, const std::string& what,
                     const std::string& none) {
-  talk_.Until([&] { value = talk_.Text(what, value, none); }, [&] { return FaultsAt(page, field); });
+  const std::string present = value;
+  talk_.Until(
+      [&] {
+        // What was refused is no proposal.
+        value = present;
+        value = talk_.Text(what, present, none);
+      },
+      [&] { return FaultsAt(page, field); });
+}
+
+std::string Walk::FullFolder(const std::string& value) const {
+  return value.empty() ? value : desk_.app.app().AppPath(WithSlashes(value));
+}
+
+void Walk::AskFolder(SetupPage page, SetupField field, std::string& value, const std::string& what,
+                     const std::string& none) {
+  const std::string present = value;
+  const std::string shown = FullFolder(present);
+  talk_.Until(
+      [&] {
+        value = present;
+        const std::string typed = talk_.Text(what, shown, none);
+        // What is kept stays as the settings have it.
+        if (typed != shown) value = TypedPath(desk_.app.app(), typed);
+      },
+      [&] { return FaultsAt(page, field); });
 }
 
 void Walk::AskLanguage() {
@@ -173,7 +207,7 @@ void Walk::AskPort() {
 }
 
 void Walk::AskFolders() {
-  AskField(SetupPage::Folders, SetupField::DataFolder, plan_.data_folder, "Folder of the data files");
+  AskFolder(SetupPage::Folders, SetupField::DataFolder, plan_.data_folder, "Folder of the data files");
   for (std::size_t i = 0; i < plan_.clients.size(); ++i) {
     SetupClient& client = plan_.clients[i];
     const auto faults = [&] {
@@ -181,8 +215,13 @@ void Walk::AskFolders() {
       std::erase_if(found, [i](const SetupFault& fault) { return fault.row != i + 1; });
       return found;
     };
-    talk_.Until([&] { client.folder = talk_.Text("Folder of the client " + Quote(client.name), client.folder); },
-                faults);
+    const std::string present = client.folder;
+    talk_.Until(
+        [&] {
+          client.folder = present;
+          client.folder = talk_.Text("Folder of the client " + Quote(client.name) + ", below it", present);
+        },
+        faults);
   }
   if (talk_.Refuse(desk_.app.setup().FaultsOf(plan_, SetupPage::Folders), true)) throw Leave::Again;
 }
@@ -190,8 +229,8 @@ void Walk::AskFolders() {
 void Walk::AskTables() {
   talk_.Say("  moisture.lkp, salinity.lkp and salcorr.lkp turn raw readings into calibrated ones.");
   if (plan_.tables_are_set) talk_.Say("  The settings name tables one by one; - leaves them.");
-  AskField(SetupPage::Tables, SetupField::TablesFolder, plan_.tables_folder, "Folder that holds the three",
-           plan_.tables_are_set ? "as they are" : "none: raw files only");
+  AskFolder(SetupPage::Tables, SetupField::TablesFolder, plan_.tables_folder, "Folder that holds the three",
+            plan_.tables_are_set ? "as they are" : "none: raw files only");
 }
 
 std::size_t Walk::RowOf(std::string_view text) const {
@@ -233,6 +272,7 @@ void Walk::AskClock() {
 void Walk::SetClock(std::size_t row) {
   talk_.Say("  Readings that the unit has stored keep their dates.");
   if (!talk_.Yes("Set it to this computer's clock?", false)) return;
+  clock_set_of_ = plan_.units[row - 1].name;
   tried_.clock = desk_.app.setup().SetClock(plan_, row);
   talk_.Tell(*tried_.clock);
 }
@@ -277,7 +317,7 @@ void Walk::AskDelivery() {
   AskServer();
   for (;;) {
     const std::string former = plan_.backup_folder;
-    AskField(SetupPage::Delivery, SetupField::BackupFolder, plan_.backup_folder, "Folder for a backup", "none");
+    AskFolder(SetupPage::Delivery, SetupField::BackupFolder, plan_.backup_folder, "Folder for a backup", "none");
     const bool again = tried_.backup && former == plan_.backup_folder;
     if (plan_.backup_folder.empty()) tried_.backup.reset();
     if (plan_.backup_folder.empty() || again) return;
@@ -290,7 +330,14 @@ void Walk::AskDelivery() {
 
 void Walk::AskSummary() {
   std::vector<std::vector<std::string>> rows;
-  for (const auto& [what, value] : SummaryOf(plan_)) rows.push_back({"", what, value});
+  SetupPlan shown = plan_;
+  for (std::string* folder : {&shown.data_folder, &shown.tables_folder, &shown.backup_folder}) {
+    *folder = FullFolder(*folder);
+  }
+  if (const std::string words = ValueInWords("AutomaticInterval", plan_.interval); !words.empty()) {
+    shown.interval += " (" + words + ")";
+  }
+  for (const auto& [what, value] : SummaryOf(shown)) rows.push_back({"", what, value});
   desk_.output.Result(FormatTable({{""}, {"What"}, {"Will be"}}, rows));
   const std::vector<std::string> not_done = NotDone(plan_, tried_);
   if (!not_done.empty()) talk_.Say("  Not done yet:");
@@ -311,7 +358,8 @@ int SetUp(Desk& desk, const Options& options) {
   const bool wanted = walk.Run();
   desk.view.hides_steps = false;
   if (!wanted) {
-    desk.output.Error("Ended: nothing is changed.");
+    const std::string& unit = walk.clock_set_of();
+    desk.output.Error("Ended: nothing is changed" + (unit.empty() ? "." : " but the clock of " + unit + "."));
     return kProblems;
   }
   saves_nothing = false;

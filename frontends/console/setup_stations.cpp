@@ -89,6 +89,8 @@ struct RowList {
   Row (*entered)(const SetupPlan& plan, Row row, const std::string& text);
   std::vector<SetupField> fields;
   std::string (*told)(const Row& row);
+  /// What follows from a row that was entered anew, as the rest of a sentence.
+  std::string (*follow)(SetupPlan& plan, const Row& former, const Row& now);
 };
 
 std::string TextOf(const SetupRelay& relay) {
@@ -100,6 +102,12 @@ std::string TextOf(const SetupUnit& unit) {
   if (!unit.client.empty()) text += ", client " + unit.client;
   if (!unit.depths.empty()) text += ", depths " + unit.depths;
   return text;
+}
+
+std::string FollowText(SetupPlan& plan, const SetupRelay& former, const SetupRelay& now) {
+  const std::size_t followed = FollowRelay(plan, former.name, now.name);
+  if (followed == 0) return "";
+  return "; " + std::to_string(followed) + (followed == 1 ? " unit follows it" : " units follow it");
 }
 
 std::vector<SetupFault> FaultsIn(const Desk& desk, const SetupPlan& plan, const std::vector<SetupField>& fields,
@@ -148,7 +156,8 @@ void Take(Desk& desk, SetupTalk& talk, SetupPlan& plan, const RowList<Row>& list
   if (talk.Refuse(FaultsIn(desk, plan, list.fields, at + 1), false)) {
     list.rows = before;
   } else {
-    talk.Say("  Row " + std::to_string(at + 1) + ": " + list.told(list.rows[at]));
+    const std::string follows = typed.row ? list.follow(plan, before[at], list.rows[at]) : "";
+    talk.Say("  Row " + std::to_string(at + 1) + ": " + list.told(list.rows[at]) + follows);
   }
 }
 
@@ -193,7 +202,8 @@ void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
                        [&plan] { return NextRelay(plan); },
                        RelayOf,
                        {SetupField::RelayName, SetupField::RelayID},
-                       [](const SetupRelay& relay) { return TextOf(relay); }});
+                       [](const SetupRelay& relay) { return TextOf(relay); },
+                       FollowText});
   if (!plan.relays.empty()) ShowRelays(desk, plan);
   talk.Say("  A unit is behind the relay of the one before; - stands for none.");
   ShowUnits(desk, plan);
@@ -204,7 +214,8 @@ void AskStations(Desk& desk, SetupTalk& talk, SetupPlan& plan) {
                       UnitOf,
                       {SetupField::UnitName, SetupField::UnitID, SetupField::UnitRelay, SetupField::UnitClient,
                        SetupField::UnitDepths},
-                      [](const SetupUnit& unit) { return TextOf(unit); }});
+                      [](const SetupUnit& unit) { return TextOf(unit); },
+                      [](SetupPlan&, const SetupUnit&, const SetupUnit&) { return std::string(); }});
   ShowUnits(desk, plan);
   // A relay that units name may have gone.
   if (talk.Refuse(desk.app.setup().FaultsOf(plan, SetupPage::Stations), true)) throw Leave::Again;

@@ -17,8 +17,8 @@
 namespace corvane {
 namespace {
 
-constexpr double kLowest32 = std::numeric_limits<std::int32_t>::min();
 constexpr double kHighest32 = std::numeric_limits<std::int32_t>::max();
+
 }  // namespace
 
 FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileNames& av_Names)
@@ -41,8 +41,8 @@ FieldChecks::FieldChecks(const Form& av_Form, const AppInfo& av_App, const FileN
       {&form_.Txt_HistoryYears, &Checks::WholeNumber, kHistoryYearsRule.lowest, kHistoryYearsRule.highest},
       {&form_.Txt_PageFolder, &Checks::FolderIfNamed},
       {&form_.Lbl_BackupDestination, &Checks::FolderIfNamed},
-      {&form_.Txt_UnitID, &Checks::UnitID, kLowest32, kHighest32, &form_.Lst_Units},
-      {&form_.Txt_RelayID, &Checks::WholeNumber, kLowest32, kHighest32, &form_.Lst_Relays},
+      {&form_.Txt_UnitID, &Checks::UnitID, kLowestID, kHighestID, &form_.Lst_Units},
+      {&form_.Txt_RelayID, &Checks::WholeNumber, kLowestID, kHighestID, &form_.Lst_Relays},
       {&form_.Txt_Correction[0], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
       {&form_.Txt_Correction[1], &Checks::Decimal, 0, kLargestCorrection, &form_.Lst_Units},
       {&form_.Txt_Depths, &Checks::Depths, 0, 0, &form_.Lst_Units},
@@ -87,6 +87,7 @@ std::string FieldChecks::Depths(const Row& av_Row) const {
 
 std::string FieldChecks::LoggingInterval(const Row& av_Row) const {
   if (LoggingSchedule::Interval(av_Row.text())) return {};
+  if (std::string problem = HoursProblem(av_Row.text()); !problem.empty()) return problem;
   return "This is no interval above zero; write hours and minutes, such as 01:00, or a number of hours.";
 }
 

@@ -20,6 +20,7 @@ double ReplyTimer::Seconds() const {
 }
 
 std::string ReplyTimer::UnitText() const {
+  if (!p_.link.Asked.empty()) return p_.link.Asked;
   const std::int64_t row = p_.form.Lst_Units.current();
   return row < 0 ? std::string() : p_.form.Lst_Units.text(row);
 }

@@ -1,9 +1,13 @@
 #include "setup/field_rules.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "base/files.h"
+#include "base/folder_rights.h"
+#include "base/format.h"
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "base/text.h"
@@ -20,6 +24,9 @@ constexpr struct {
   Phrase no_interval{1641,
                      "This is no interval above zero; write hours and minutes, such as 03:00, a number of days below "
                      "24, or a number of hours from 24."};
+  Phrase no_hours{1700,
+                  "These are no hours and minutes from 00:01 to 23:59; for more write a number of hours from 24, such "
+                  "as 36."};
   Phrase no_whole_number{1642, "This is no whole number from %1 to %2."};
   Phrase no_decimal{1643, "This is no number (with \".\" as the decimal point) from %1 to %2."};
   Phrase no_depths{1644, "These are no depths; write them in centimetres from the first sensor on, such as 10;20;40."};
@@ -42,8 +49,15 @@ std::string ParentOf(std::string_view as_Path) {
 
 }  // namespace
 
+std::string HoursProblem(std::string_view as_Text, const Phrases& av_Phrases) {
+  if (as_Text.find(':') == std::string_view::npos || ParseTimeOfDay(Trim(as_Text))) return {};
+  return av_Phrases.Text(kSay.no_hours);
+}
+
 std::string IntervalProblem(std::string_view as_Text, const Phrases& av_Phrases) {
-  return AutomaticInterval(as_Text) ? "" : av_Phrases.Text(kSay.no_interval);
+  if (AutomaticInterval(as_Text)) return {};
+  const std::string problem = HoursProblem(as_Text, av_Phrases);
+  return problem.empty() ? av_Phrases.Text(kSay.no_interval) : problem;
 }
 
 std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
@@ -86,6 +100,17 @@ std::string NewFolderProblem(const std::string& as_Path, const Phrases& av_Phras
   if (ExamineFile(as_Path)) return IsFolder(as_Path) ? "" : av_Phrases.Text(kSay.is_file);
   const std::string parent = ParentOf(as_Path);
   return IsFolder(parent) ? "" : av_Phrases.Text(kSay.no_parent, {parent});
+}
+
+std::string NewFileProblem(const std::string& as_Path) {
+  const std::string folder = ParentOf(as_Path);
+  if (!IsFolder(folder)) return "there is no folder " + folder + " for " + as_Path;
+  if (IsFolder(as_Path)) return as_Path + " is a folder; name a file";
+  // A device or a pipe must not be replaced by a file.
+  std::error_code error;
+  const bool is_other = std::filesystem::is_other(as_Path, error);
+  if (!error && is_other) return as_Path + " is no file; name one";
+  return MayWriteInto(folder) ? "" : "you may not write into the folder " + folder;
 }
 
 bool IsFolder(const std::string& as_Path) {

@@ -3,6 +3,7 @@
 // Each rule returns an empty text when all is well, else a short sentence that says what is wrong and what is accepted.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,12 @@
 
 namespace corvane {
 
+/// The limits of the radio address of a unit or relay.
+inline constexpr double kLowestID = INT32_MIN;
+inline constexpr double kHighestID = INT32_MAX;
+
+/// Of an interval with a colon.
+[[nodiscard]] std::string HoursProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
 [[nodiscard]] std::string IntervalProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
 /// The limits are whole numbers.
 [[nodiscard]] std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
@@ -24,6 +31,8 @@ namespace corvane {
 [[nodiscard]] std::string FileProblem(std::string_view as_Text, const AppInfo& av_App, const Phrases& av_Phrases = {});
 /// A folder that is there, or can be created in one that is; `as_Path` is its full path.
 [[nodiscard]] std::string NewFolderProblem(const std::string& as_Path, const Phrases& av_Phrases = {});
+/// Why no file can be put there under that full name, as the rest of a sentence; one that is there may be replaced.
+[[nodiscard]] std::string NewFileProblem(const std::string& as_Path);
 /// Whether a folder stands there, by its full path.
 [[nodiscard]] bool IsFolder(const std::string& as_Path);
 

@@ -9,6 +9,7 @@
 #include "base/paths.h"
 #include "base/profile.h"
 #include "base/text.h"
+#include "setup/field_rules.h"
 
 namespace corvane {
 namespace {
@@ -71,6 +72,7 @@ Kept Keeping::Keep(const KeepingOrder& av_Order) {
   sources_.clear();
   taken_.clear();
   kept_ = {};
+  if (const std::string problem = NewFileProblem(av_Order.archive); !problem.empty()) throw RunTimeError(problem);
   const TemporaryFile part(av_Order.archive + ".part");
   const TemporaryFile history(av_Order.archive + ".history.part");
   AddSettings(av_Order);

@@ -1,6 +1,7 @@
 #include "setup/restoring.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -14,6 +15,7 @@
 #include "base/replacement_file.h"
 #include "base/status.h"
 #include "base/text.h"
+#include "setup/field_rules.h"
 
 namespace corvane {
 namespace {
@@ -32,6 +34,24 @@ bool Holds(const std::string& as_File, const ArchiveEntry& av_Entry) {
   std::string contents;
   return about && !about->is_folder && about->size == av_Entry.size &&
          ReadFile(as_File, contents, kLargestNamedFile).ok() && Crc32(contents) == av_Entry.crc;
+}
+
+/// The program's own files in the application folder, which no data file replaces.
+bool IsOwnFile(std::string_view as_Name) {
+  constexpr std::array<std::string_view, 10> kOwn = {
+      "corvane.ini",    "corvane.ini.recovery", "corvane.lock",       "corvane.log",  "history.db",
+      "history.db-wal", "history.db-shm",       "history.db-journal", "restore.list", "summary.csv"};
+  return as_Name.starts_with("restore.part/") || std::find(kOwn.begin(), kOwn.end(), as_Name) != kOwn.end();
+}
+
+/// Throws where no file can be put, before anything is changed.
+void RequirePlace(const std::string& as_Target) {
+  if (IsFolder(as_Target)) throw RunTimeError(as_Target + " is a folder, and a file is to be put there: move it away");
+  std::string above(FolderOf(as_Target));
+  while (!above.empty() && !ExamineFile(above)) above = std::string(FolderOf(above));
+  if (above.empty()) return;
+  if (!IsFolder(above)) throw RunTimeError(above + " is a file, and a folder is to be put there: move it away");
+  if (!MayWriteInto(above)) throw RunTimeError("you may not write into the folder " + above);
 }
 
 }  // namespace
@@ -56,6 +76,7 @@ void Restoring::Examine(const std::string& as_Archive) {
   }
   PlanSettings();
   for (const ArchiveEntry& entry : manifest_.entries) PlanFile(entry);
+  for (const Placed& placed : placed_) RequirePlace(placed.target);
 }
 
 void Restoring::CheckContents() const {
@@ -132,6 +153,7 @@ void Restoring::PlanFile(const ArchiveEntry& av_Entry) {
   if (av_Entry.name == kKeptSummary) return placed_.push_back({av_Entry.name, InHome("summary.csv")});
   if (av_Entry.name.starts_with(kKeptData)) {
     const std::string below = av_Entry.name.substr(kKeptData.size());
+    if (IsOwnFile(below)) throw RunTimeError(path_ + " cannot be restored: \"" + av_Entry.name + "\" is no data file");
     return placed_.push_back({av_Entry.name, AddBackslash(data_folder_) + below});
   }
   const std::vector<std::string_view> parts = Split(av_Entry.name, '/');

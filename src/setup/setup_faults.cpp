@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <limits>
 #include <map>
 
 #include "base/numbers.h"
@@ -16,7 +15,6 @@
 namespace corvane {
 namespace {
 
-constexpr double kHighestID = std::numeric_limits<std::int32_t>::max();
 constexpr std::string_view kDirect = "Direct";
 
 constexpr struct {
@@ -42,6 +40,7 @@ constexpr struct {
   Phrase no_login{1517, "The server needs a user name and a password; enter both, or log in anonymously."};
   Phrase no_size{1518, "This is no number of megabytes; 0 stands for no end."};
   Phrase no_device{1519, "This is no device: %1."};
+  Phrase id_of_direct{1701, "\"Direct\" has the ID 0; give this relay another one."};
 } kSay;
 
 /// The faults of one page as they are found.
@@ -96,7 +95,8 @@ void FindInRelays(const SetupPlan& av_Plan, Findings& av_Findings) {
     if (problem.empty()) problem = NotTwice(FirstRowOf(names, ToLower(name), row), kSay.name_twice, say);
     av_Findings.Add(SetupField::RelayName, row, problem);
     const std::string id(Trim(relay.id));
-    problem = WholeNumberProblem(id, 1, kHighestID, say);
+    problem = WholeNumberProblem(id, kLowestID, kHighestID, say);
+    if (problem.empty() && LeadingInteger(id) == 0) problem = say.Text(kSay.id_of_direct);
     if (problem.empty()) {
       problem = NotTwice(FirstRowOf(ids, ShortestText(LeadingNumber(id)), row), kSay.id_twice, say);
     }
@@ -119,7 +119,7 @@ void FindInUnits(const SetupPlan& av_Plan, Findings& av_Findings) {
     const SetupUnit& unit = av_Plan.units[row - 1];
     av_Findings.Add(SetupField::UnitName, row, NameProblem(unit.name, kSay.unit_unnamed, say));
     const std::string id(Trim(unit.id));
-    std::string problem = WholeNumberProblem(id, 0, kHighestID, say);
+    std::string problem = WholeNumberProblem(id, kLowestID, kHighestID, say);
     if (problem.empty() && unit.active) {
       const std::string file = ShortestText(LeadingNumber(id)) + " " + ToLower(Trim(unit.client));
       problem = NotTwice(FirstRowOf(files, file, row), kSay.file_twice, say);

@@ -61,6 +61,17 @@ SetupUnit NextUnit(const SetupPlan& av_Plan) {
   return unit;
 }
 
+std::size_t FollowRelay(SetupPlan& av_Plan, std::string_view as_Former, std::string_view as_Now) {
+  const std::string_view former = Trim(as_Former);
+  std::size_t followed = 0;
+  for (SetupUnit& unit : av_Plan.units) {
+    if (former.empty() || former == Trim(as_Now) || !EqualsNoCase(Trim(unit.relay), former)) continue;
+    unit.relay = Trim(as_Now);
+    ++followed;
+  }
+  return followed;
+}
+
 SetupRelay NextRelay(const SetupPlan& av_Plan) {
   return {{}, NextID(av_Plan.relays)};
 }

@@ -137,7 +137,8 @@ struct SetupFault {
 /// How something went that was tried.
 struct SetupAnswer {
   bool well = false;
-  std::string text;  ///< sentences for a person: what was found, and what to do
+  std::string text;      ///< sentences for a person: what was found, and what to do
+  std::size_t unit = 0;  ///< row of the unit that was asked for its clock, from 1; 0: of nothing else
 };
 
 /// What was tried with the present values; none where nothing was, or a value was changed since.
@@ -158,6 +159,8 @@ void CompletePlan(SetupPlan& av_Plan, SetupPage av_Page);
 /// A row for one more unit: behind the relay of the last one and of its client, the next ID as a proposal.
 [[nodiscard]] SetupUnit NextUnit(const SetupPlan& av_Plan);
 [[nodiscard]] SetupRelay NextRelay(const SetupPlan& av_Plan);
+/// Lets the units behind a relay that has got another name follow it; returns how many.
+std::size_t FollowRelay(SetupPlan& av_Plan, std::string_view as_Former, std::string_view as_Now);
 /// The names of the three lookup tables in their folder.
 inline constexpr std::array<std::string_view, 3> kTableNames = {"moisture.lkp", "salinity.lkp", "salcorr.lkp"};
 /// The full names of the three tables in a folder, whatever the letter case of the files; empty for one that is not

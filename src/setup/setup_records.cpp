@@ -1,5 +1,6 @@
 #include "setup/setup_records.h"
 
+#include <algorithm>
 #include <optional>
 #include <set>
 #include <string>
@@ -43,6 +44,14 @@ std::string NameOf(const std::vector<Placed<Record>>& av_Records, std::int32_t a
     if (al_ID != 0 && placed.record.ID == al_ID) return placed.record.Name;
   }
   return {};
+}
+
+/// Whether a client is only there because the settings file holds one at least: as it was written first, alone, and of
+/// no unit. A person who never entered one is not asked for it.
+bool StandsInForNone(const Client& av_Client, const SetupRecords& av_Records) {
+  return av_Records.clients.size() == 1 && av_Client.Name == "Client 1" && av_Client.Folder == "F1" &&
+         std::none_of(av_Records.units.begin(), av_Records.units.end(),
+                      [&av_Client](const Placed<Unit>& unit) { return unit.record.ClientID == av_Client.ID; });
 }
 
 void AddRelays(const SetupPlan& av_Plan, const Registry& av_Registry, SetupRecords& av_Records) {
@@ -122,6 +131,7 @@ void TakeRecords(SetupPlan& av_Plan, const SetupRecords& av_Records) {
     av_Plan.relays.push_back({relay.record.Name, std::to_string(relay.record.ID), place(relay.former)});
   }
   for (const Placed<Client>& client : av_Records.clients) {
+    if (StandsInForNone(client.record, av_Records)) continue;
     av_Plan.clients.push_back({client.record.Name, client.record.Folder, place(client.former)});
   }
   for (const auto& [record, former] : av_Records.units) {

@@ -44,6 +44,10 @@ constexpr struct {
   Phrase no_unit{1563, "No unit is entered: there is nothing to collect."};
   Phrase none_active{1564, "No unit is active: nothing is collected until one is ticked."};
   Phrase clock_not_asked{1565, "No unit was asked for its clock: readings bear the unit's own date, right or wrong."};
+  Phrase other_clocks{
+      1702,
+      "Only one unit was asked for its clock, not %1: see the clocks with corvanectl get-date and set "
+      "them with corvanectl set-date, or with the commands \"Get date\" and \"Set date\" of the window."};
   Phrase no_tables{1566,
                    "The tables are missing: readings are stored raw, and converted once you name the folder that holds "
                    "moisture.lkp, salinity.lkp and salcorr.lkp. Until then each round says that a table is missing."};
@@ -103,6 +107,7 @@ class Sentences {
   explicit Sentences(const Phrases& say) : say_(say) {}
 
   void Add(const Phrase& phrase) { found.push_back(say_.Text(phrase)); }
+  void Add(const Phrase& phrase, std::string_view value) { found.push_back(say_.Text(phrase, {value})); }
   /// Adds what was not tried, or went wrong.
   void AddTried(const std::optional<SetupAnswer>& answer, const Phrase& not_tried) {
     if (!answer) {
@@ -118,6 +123,19 @@ class Sentences {
   const Phrases& say_;
 };
 
+/// The active units whose clocks nobody looked at, where one was looked at; the first few by name.
+std::string OthersThanAsked(const SetupPlan& av_Plan, const SetupTried& av_Tried) {
+  constexpr std::size_t kMostNamed = 5;
+  std::string names;
+  std::size_t count = 0;
+  for (std::size_t row = 1; av_Tried.clock && row <= av_Plan.units.size(); ++row) {
+    const SetupUnit& unit = av_Plan.units[row - 1];
+    if (row == av_Tried.clock->unit || !unit.active || unit.get_from != kFromRadio) continue;
+    if (++count <= kMostNamed) names += (names.empty() ? "" : ", ") + unit.name;
+  }
+  return count > kMostNamed ? names + ", ..." : names;
+}
+
 void AddCollecting(Sentences& av_Sentences, const SetupPlan& av_Plan, const SetupTried& av_Tried) {
   if (av_Plan.device.empty()) {
     av_Sentences.Add(kOpen.no_device);
@@ -130,6 +148,8 @@ void AddCollecting(Sentences& av_Sentences, const SetupPlan& av_Plan, const Setu
     av_Sentences.Add(kOpen.none_active);
   } else if (!av_Plan.device.empty()) {
     av_Sentences.AddTried(av_Tried.clock, kOpen.clock_not_asked);
+    const std::string others = OthersThanAsked(av_Plan, av_Tried);
+    if (!others.empty()) av_Sentences.Add(kOpen.other_clocks, others);
   }
   if (av_Plan.tables_folder.empty() && !av_Plan.tables_are_set) av_Sentences.Add(kOpen.no_tables);
 }

@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "base/format.h"
 #include "base/paths.h"
+#include "base/scoped_value.h"
 #include "base/status.h"
 #include "base/text.h"
 #include "history/status_texts.h"
@@ -114,6 +115,7 @@ SetupAnswer WriteIn(const std::string& as_Folder, const Phrases& av_Say) {
 SetupAnswer SetupTries::TryPort(const SetupPlan& av_Plan) {
   if (av_Plan.device.empty()) return {false, say_.Text(kSay.no_device)};
   const PlannedPort planned(p_.form, p_.devices, av_Plan);
+  const ScopedValue<std::string> asked(p_.link.Asked, "Base station");
   p_.form.Lbl_HeaderLine.SetText("");
   const bool answered = p_.finder.TestBaseUnit(0);
   if (p_.link.UserCancel) return {false, say_.Text(kSay.port_cancelled)};
@@ -151,6 +153,7 @@ SetupAnswer SetupTries::Ask(const SetupPlan& av_Plan, std::size_t al_Row, std::i
   const Unit& unit = records.units[al_Row - 1].record;
   if (unit.GetFrom != kFromRadio) return {false, say_.Text(kSay.not_by_radio)};
   const PlannedPort planned(p_.form, p_.devices, av_Plan);
+  const ScopedValue<std::string> asked(p_.link.Asked, unit.Name);
   if (!p_.port.OpenPort(0)) return {false, p_.form.Lbl_PortProblem.text()};
   p_.attempts.AwaitQuiet();
   SetupAnswer answer;
@@ -175,7 +178,9 @@ SetupAnswer SetupTries::Ask(const SetupPlan& av_Plan, std::size_t al_Row, std::i
 }
 
 SetupClock SetupTries::AskClock(const SetupPlan& av_Plan, std::size_t al_Row) {
-  return ClockOf(Ask(av_Plan, al_Row, kGetDate));
+  SetupClock clock = ClockOf(Ask(av_Plan, al_Row, kGetDate));
+  clock.unit = al_Row;
+  return clock;
 }
 
 SetupClock SetupTries::SetClock(const SetupPlan& av_Plan, std::size_t al_Row) {
@@ -184,6 +189,7 @@ SetupClock SetupTries::SetClock(const SetupPlan& av_Plan, std::size_t al_Row) {
     SetupClock clock;
     clock.text = say_.Text(kSay.clock_not_set, {set.text});
     clock.is_off = true;
+    clock.unit = al_Row;
     return clock;
   }
   return AskClock(av_Plan, al_Row);

@@ -18,7 +18,6 @@
 namespace corvane {
 namespace {
 
-constexpr double kLowest32 = std::numeric_limits<std::int32_t>::min();
 constexpr double kHighest32 = std::numeric_limits<std::int32_t>::max();
 constexpr int kPasswordStyles = 3;
 
@@ -137,7 +136,7 @@ RecordNames With(RecordNames av_Names, const RecordArray<Record>& av_Records) {
 std::vector<StationField<Relay>> RelayFields() {
   return {
       NameField<Relay>(),
-      NumberField<Relay>(StationColumn::ID, kLowest32, kHighest32),
+      NumberField<Relay>(StationColumn::ID, kLowestID, kHighestID),
       {StationColumn::PasswordStyle, false, [](const Relay& relay) { return std::to_string(relay.PasswordStyle + 1); },
        [](Relay& relay, const std::string& text) {
          std::string problem = WholeNumberProblem(text, 1, kPasswordStyles);
@@ -153,7 +152,7 @@ std::vector<StationField<Client>> ClientFields() {
 
 std::vector<StationField<Unit>> UnitFields(const RecordNames& av_Relays, const RecordNames& av_Clients) {
   return {NameField<Unit>(),
-          NumberField<Unit>(StationColumn::ID, kLowest32, kHighest32),
+          NumberField<Unit>(StationColumn::ID, kLowestID, kHighestID),
           ActiveField(),
           NamedField(StationColumn::Relay, &Unit::RelayID, av_Relays),
           NamedField(StationColumn::Client, &Unit::ClientID, av_Clients),

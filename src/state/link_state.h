@@ -55,6 +55,7 @@ struct LinkState {
   bool OverunFlag = false;
   bool PortFailed = false;  ///< the port did not open when the operation last tried
   bool TestingPort = false;
+  std::string Asked;             ///< what is asked, where it is no unit of the list; else empty
   bool DirectListening = false;  ///< the direct terminal has the line: nothing that arrives is an answer
   std::int64_t LineCount = 0;    ///< reply lines counted for the current command
   std::int64_t LinesExpected = 0;

@@ -111,6 +111,8 @@ TEST_F(RestoringTest, RefusesWhatIsNotWholeBeforeAnythingIsWritten) {
       {"leads out of the folder", with("data\\x")},
       {"nothing is known of", with("files/Prefix/x")},
       {"nothing is known of", with("more")},
+      {"is no data file", with("data/corvane.lock")},
+      {"is no data file", with("data/restore.part/1")},
       {"is not what its list", [](Wrong& wrong) { wrong.manifest.entries[0].crc ^= 1U; }},
       {"does not hold what", [](Wrong& wrong) { wrong.manifest.entries.push_back(EntryOf("data/x", "x")); }},
       {"does not hold what",
@@ -155,6 +157,10 @@ TEST_F(RestoringTest, RefusesWhatIsNotWholeBeforeAnythingIsWritten) {
   EXPECT_TRUE(fs::is_empty(here.path())) << "something was written";
   EXPECT_EQ(Restore(archive), "");
   EXPECT_EQ(here.Read("corvane.ini"), settings + body);
+  fs::remove(here.Name("corvane.ini"));
+  here.Write("corvane.ini/in the way", "");
+  EXPECT_NE(Restore(archive).find("corvane.ini is a folder"), std::string::npos);
+  EXPECT_FALSE(ExamineFile(here.Name("restore.list"))) << "it has begun";
 }
 
 TEST_F(RestoringTest, IsFinishedByTheNextStartWhereverItWasStopped) {

@@ -88,6 +88,7 @@ TEST_F(SetupPlanTest, EachFaultNamesItsPageRowAndField) {
          p.relays.push_back({"East", "01"});
        },
        Stations, SetupField::RelayID, 2, "Row 1 has the same ID"},
+      {[](auto& p) { p.relays[0].id = "0"; }, Stations, SetupField::RelayID, 1, "\"Direct\" has the ID 0"},
       {[](auto& p) { p.relays[0].name = "Direct"; }, Stations, SetupField::RelayName, 1, "no relay"},
       {[](auto& p) { p.units[1].relay = "Mast"; }, Stations, SetupField::UnitRelay, 2, "no relay \"Mast\""},
       {[](auto& p) { p.units[0].name = " "; }, Stations, SetupField::UnitName, 1, "has no name"},
@@ -101,6 +102,7 @@ TEST_F(SetupPlanTest, EachFaultNamesItsPageRowAndField) {
       {[](auto& p) { p.clients.clear(); }, Folders, SetupField::Page, 0, "no client \"Farm\""},
       {[&](auto& p) { p.tables_folder = half; }, Tables, SetupField::TablesFolder, 0, "holds no salinity.lkp"},
       {[](auto& p) { p.interval = "0"; }, Schedule, SetupField::Interval, 0, "no interval"},
+      {[](auto& p) { p.interval = "25:00"; }, Schedule, SetupField::Interval, 0, "from 00:01 to 23:59"},
       {[](auto& p) { p.log_size = "big"; }, Schedule, SetupField::LogSize, 0, "megabytes"},
       {[](auto& p) { p.server = "a b", p.anonymous = true; }, Delivery, SetupField::Server, 0, "no server"},
       {[](auto& p) { p.server = "host"; }, Delivery, SetupField::User, 0, "user name and a password"},
@@ -151,13 +153,15 @@ TEST_F(SetupPlanTest, WhatAPlanDoesNotNameStaysAsItIs) {
   SetupPlan changed = plan;
   changed.units.erase(changed.units.begin() + 2);
   changed.units[0].name = "Far north";
+  changed.relays[0].name = "Mast";
+  EXPECT_EQ(FollowRelay(changed, "tower", "Mast"), 1U);
   changed.relays[0].id = "6";
-  changed.units.push_back(Row("New", "3", "Tower"));
+  changed.units.push_back(Row("New", "-3", "Mast"));
   EXPECT_TRUE(setup.PutIn(changed));
   for (const char* line :
        {"Name1=Far north", "RelayID1=6", "MoistureCorrection1=1.5", "PasswordStyle2=2", "ftpFile1=1", "RelayID2=77",
-        "ClientID2=4", "Active2=0", "Name3=New", "RelayID3=6", "GetFrom3=0", "Password1=secret", "Password=unit",
-        "COM3=/dev/ttyX", "ZIPFiles=1", "BackupDestination=/b"}) {
+        "ClientID2=4", "Active2=0", "Name3=New", "ID3=-3", "RelayID3=6", "GetFrom3=0", "Password1=secret",
+        "Password=unit", "COM3=/dev/ttyX", "ZIPFiles=1", "BackupDestination=/b"}) {
     EXPECT_TRUE(Holds(line)) << line;
   }
 }
@@ -253,9 +257,20 @@ TEST_F(SetupPlanTest, TheSummarySaysWhatIsNotDone) {
   plan.at_log_on = true;
   plan.backup_folder = world.home.Name("backup");
   const SetupAnswer well{true, "well"};
-  EXPECT_EQ(All(NotDone(plan, {well, well, {}, setup.TryBackup(plan)})), "");
+  const SetupAnswer first{true, "well", 1};
+  EXPECT_EQ(All(NotDone(plan, {well, first, {}, setup.TryBackup(plan)}))
+                .find("Only one unit was asked for its clock, "
+                      "not River: "),
+            0U);
+  plan.units[1].active = false;
+  EXPECT_EQ(All(NotDone(plan, {well, first, {}, setup.TryBackup(plan)})), "");
   plan.backup_folder = "/proc/no";
-  EXPECT_EQ(All(NotDone(plan, {well, well, {}, setup.TryBackup(plan)})).find("The backup folder cannot"), 0U);
+  EXPECT_EQ(All(NotDone(plan, {well, first, {}, setup.TryBackup(plan)})).find("The backup folder cannot"), 0U);
+  plan.units[1].client.clear();
+  plan.clients.clear();
+  plan.backup_folder.clear();
+  EXPECT_TRUE(setup.PutIn(plan) && Holds("Name1=Client 1"));
+  EXPECT_TRUE(setup.PlanOf().clients.empty()) << "the settings need one, nobody has entered it";
 }
 
 }  // namespace
