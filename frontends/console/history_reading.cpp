@@ -10,6 +10,7 @@
 #include "options.h"
 #include "posix/local_clock.h"
 #include "sqlite/sqlite_history_store.h"
+#include "units.h"
 
 namespace corvane::console {
 namespace {
@@ -52,7 +53,13 @@ const UnitRecord& HistoryReading::FindUnit(const std::string& name) const {
   for (const UnitRecord& unit : contents_.units) {
     if (!named && id && unit.position > 0 && unit.unit_id == *id) found.push_back(&unit);
   }
-  if (found.empty()) throw UsageError("there is no unit \"" + name + "\"; corvanectl status lists them");
+  if (found.empty()) {
+    std::vector<std::string> names;
+    for (const UnitRecord& unit : contents_.units) {
+      if (unit.position > 0) names.push_back(unit.name);
+    }
+    throw UsageError(NoUnitText(name, names, "status"));
+  }
   if (found.size() > 1) throw UsageError("several units are called \"" + name + "\": name the unit by its ID or name");
   return *found.front();
 }

@@ -12,6 +12,7 @@
 #include "base/status.h"
 #include "base/text.h"
 #include "desktop/application_folder.h"
+#include "desktop/folder_holder.h"
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
 #include "full_path.h"
@@ -52,12 +53,12 @@ int Refuse(const std::string& why, ExitStatus status) {
 }
 
 /// What a restore came to.
-void Tell(const Restoring& restoring, const Options& options, const std::string& before) {
+void Tell(const Restoring& restoring, const Options& options, const std::string& folder, const std::string& before) {
   const KeptManifest& manifest = restoring.manifest();
   if (!before.empty()) Say(false, "What was replaced is in " + before);
   if (!options.quiet) {
-    Say(false,
-        "Restored: " + FileCount(manifest.entries.size()) + ", kept on " + manifest.host + " at " + manifest.made);
+    Say(false, "Restored into " + folder + ": " + FileCount(manifest.entries.size()) + ", kept on " + manifest.host +
+                   " at " + manifest.made);
   }
   if (!restoring.changed().empty()) {
     std::vector<std::vector<std::string>> rows;
@@ -99,7 +100,13 @@ int Keep(Desk& desk, const Options& options) {
     desk.output.Line(order.archive + ": " + FileCount(static_cast<std::size_t>(kept.files)) + ", " +
                      FormatSize(kept.bytes));
   } catch (const RunTimeError& error) {
-    desk.output.Error(std::string("corvanectl: nothing was kept: ") + error.what());
+    // What stands beside the archive until it is whole is nobody's concern.
+    std::string why = error.what();
+    for (const std::string_view part : {".history.part", ".part"}) {
+      const std::size_t at = why.find(order.archive + std::string(part));
+      if (at != std::string::npos) why.erase(at + order.archive.size(), part.size());
+    }
+    desk.output.Error("corvanectl: nothing was kept: " + why);
     return kProblems;
   }
   if (order.passwords)
@@ -117,9 +124,10 @@ int RestoreFolder(const Options& options, const std::string& folder) {
     return Refuse(prepared.text(), kNotStarted);
   }
   if (const Status locked = shell.TakeInstanceLock(folder); !locked.ok()) {
-    return Refuse(locked.code() == EWOULDBLOCK
-                      ? shell.ProgramName() + " is running in " + folder + ": end it first; nothing was restored"
-                      : locked.text(),
+    const std::string holder = HolderOfFolder(folder);
+    return Refuse(locked.code() == EWOULDBLOCK ? (holder.empty() ? shell.ProgramName() : holder) + " is running in " +
+                                                     folder + ": end it first; nothing was restored"
+                                               : locked.text(),
                   kNotStarted);
   }
   try {
@@ -130,7 +138,7 @@ int RestoreFolder(const Options& options, const std::string& folder) {
     Restoring restoring(folder, settings, archive);
     restoring.Examine(FullPath(options.arguments[0]));
     before = restoring.PutIn();
-    Tell(restoring, options, before);
+    Tell(restoring, options, folder, before);
   } catch (const RunTimeError& error) {
     return Refuse(error.what(), kProblems);
   }

@@ -33,7 +33,7 @@ class Parser {
       const std::string& word = words_[next_];
       if (!options_ended && word == "--") {
         options_ended = true;
-      } else if (!options_ended && word.starts_with('-') && word != "-") {
+      } else if (!options_ended && IsOption(word)) {
         TakeOption(word == "-h" ? "--help" : word);
       } else if (row_ == nullptr) {
         TakeCommand(word);
@@ -50,6 +50,9 @@ class Parser {
   }
 
  private:
+  /// A number below zero is a value.
+  static bool IsOption(std::string_view word) { return word.size() > 1 && word.front() == '-' && !ParseNumber(word); }
+
   void TakeCommand(const std::string& word) {
     row_ = FindCommand(word);
     if (row_ == nullptr) throw UsageError("there is no command " + Quoted(word) + DidYouMean(word, CommandNames()));
@@ -129,10 +132,14 @@ class Parser {
     if (takes_archive && !arguments[0].ends_with(".zip")) {
       throw UsageError(Quoted(arguments[0]) + " is no archive: name a file that ends in .zip");
     }
+    if (row_->id == CommandId::Practise && !options_.end && !options_.home.empty()) {
+      throw UsageError("practise has a folder of its own: --home goes with --end alone");
+    }
     if (row_->id == CommandId::Set) CheckPairs(arguments);
     if (row_->id == CommandId::Ports) CheckPorts(arguments);
     if (row_->id == CommandId::Completion && arguments[0] != "bash" && arguments[0] != "zsh") {
-      throw UsageError(Quoted(arguments[0]) + " is no shell: say bash or zsh");
+      throw UsageError(Quoted(arguments[0]) + " is no shell: say bash or zsh" +
+                       DidYouMean(arguments[0], {"bash", "zsh"}));
     }
     if (row_->id == CommandId::SetLogPeriod) CheckLogPeriod(arguments[0]);
     if (row_->id == CommandId::Stations) CheckStations(options_);
@@ -146,7 +153,9 @@ class Parser {
 
   static void CheckStations(const Options& options) {
     const std::string& action = options.arguments[0];
-    if (action != "export" && action != "import") throw UsageError(Quoted(action) + " is neither export nor import");
+    if (action != "export" && action != "import") {
+      throw UsageError(Quoted(action) + " is neither export nor import" + DidYouMean(action, {"export", "import"}));
+    }
     if (action == "export" && (options.dry_run || options.deletes)) {
       throw UsageError("stations export takes neither --dry-run nor --delete");
     }
@@ -179,7 +188,8 @@ class Parser {
 
   static void CheckPort(const std::vector<std::string>& arguments) {
     if (arguments.empty() || arguments[0] == "radio" || arguments[0] == "hand-held") return;
-    throw UsageError(Quoted(arguments[0]) + " is no port: say radio or hand-held");
+    throw UsageError(Quoted(arguments[0]) + " is no port: say radio or hand-held" +
+                     DidYouMean(arguments[0], {"radio", "hand-held"}));
   }
 
   const std::vector<std::string>& words_;

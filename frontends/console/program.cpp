@@ -167,7 +167,7 @@ class Program {
     }
     const Status locked = shell_.TakeInstanceLock(folder_);
     if (locked.ok()) return FinishWhatWasBegun();
-    const std::string holder = options_.command == CommandId::Stations ? HolderOfFolder(folder_) : std::string();
+    const std::string holder = NamesHolder() ? HolderOfFolder(folder_) : std::string();
     if (locked.code() == EWOULDBLOCK && !holder.empty()) {
       output_.Error(holder + " works in " + folder_ + " now: end it first, or name another folder with --home");
       return false;
@@ -176,6 +176,13 @@ class Program {
                                                      ": end it first, or name another folder with --home"
                                                : "corvanectl: " + locked.text());
     return false;
+  }
+
+  /// Whether the command says which program holds the folder.
+  [[nodiscard]] bool NamesHolder() const {
+    const CommandId command = options_.command;
+    return command == CommandId::Stations || command == CommandId::Setup || command == CommandId::Set ||
+           command == CommandId::Ports;
   }
 
   /// A restore that was killed is gone on with before anything is read.

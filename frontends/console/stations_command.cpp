@@ -1,6 +1,8 @@
 #include "stations_command.h"
 
 #include <cerrno>
+#include <cstdint>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,6 +11,7 @@
 #include "base/replacement_file.h"
 #include "desktop/terminal.h"
 #include "full_path.h"
+#include "setup/field_rules.h"
 #include "setup/stations_question.h"
 
 namespace corvane::console {
@@ -22,14 +25,24 @@ int Fail(Desk& desk, const std::string& why, int status) {
   return status;
 }
 
+std::string CountOf(std::int64_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 int Export(Desk& desk, const std::string& file) {
   const std::string text = desk.app.commands().AskStations().File();
   if (file == kStandardStream) {
     desk.output.Result(text);
     return kAllWell;
   }
-  const Status written = WriteFileAtomically(FullPath(file), text);
-  return written.ok() ? kAllWell : Fail(desk, "the table cannot be written: " + written.text(), kProblems);
+  const std::string path = FullPath(file);
+  const std::string problem = NewFileProblem(path);
+  const Status written = problem.empty() ? WriteFileAtomically(path, text) : Status(ENOENT, problem);
+  if (!written.ok()) return Fail(desk, "the table cannot be written: " + written.text(), kProblems);
+  const Registry& registry = desk.app.registry();
+  desk.output.Line(path + ": " + CountOf(registry.Units.count(), "unit") + ", " +
+                   CountOf(registry.Relays.count(), "relay") + ", " + CountOf(registry.Clients.count(), "client"));
+  return kAllWell;
 }
 
 Status ReadTable(const std::string& file, std::string& bytes) {
@@ -41,13 +54,10 @@ Status ReadTable(const std::string& file, std::string& bytes) {
 }
 
 int TellFaults(Desk& desk, const std::string& name, const std::vector<StationFault>& faults) {
-  for (const StationFault& fault : faults) desk.output.Error(name + ", " + fault.Sentence());
-  const std::string count = std::to_string(faults.size()) + (faults.size() == 1 ? " fault" : " faults");
-  return Fail(desk, count + "; nothing is put in", kProblems);
-}
-
-std::string CountOf(const StationsPlan& plan) {
-  return std::to_string(plan.changes.size()) + (plan.changes.size() == 1 ? " change" : " changes");
+  for (const StationFault& fault : faults) {
+    desk.output.Error(name + (fault.line > 0 || !fault.column.empty() ? ", " : ": ") + fault.Sentence());
+  }
+  return Fail(desk, CountOf(std::ssize(faults), "fault") + "; nothing is put in", kProblems);
 }
 
 int Import(Desk& desk, const Options& options) {
@@ -63,19 +73,24 @@ int Import(Desk& desk, const Options& options) {
   if (!plan.faults.empty()) return TellFaults(desk, name, plan.faults);
   for (const std::string& change : plan.changes) desk.output.Line(change);
   for (const std::string& note : plan.notes) desk.output.Line("(" + note + ")");
+  if (desk.app.setup().PlanOf().first && !options.deletes) {
+    desk.output.Line(
+        "(Site 1 to Site 5 are examples that new settings begin with; those that stay would be asked: --delete takes "
+        "them away)");
+  }
   desk.saves = !plan.changes.empty() && !options.dry_run;
   if (plan.changes.empty()) {
     desk.output.Line("no change");
     return kAllWell;
   }
   if (options.dry_run) {
-    desk.output.Line(CountOf(plan) + "; nothing is put in");
+    desk.output.Line(CountOf(std::ssize(plan.changes), "change") + "; nothing is put in");
     return kAllWell;
   }
   if (!desk.app.commands().PutInStations(question, plan)) {
     return Fail(desk, "the lists have changed meanwhile; nothing is put in", kProblems);
   }
-  desk.output.Line(CountOf(plan) + " put in");
+  desk.output.Line(CountOf(std::ssize(plan.changes), "change") + " put in");
   return kAllWell;
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/files.h"
 #include "base/format.h"
+#include "base/near_words.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "data/raw_file.h"
@@ -24,12 +25,22 @@ std::int64_t FindUnit(const Registry& registry, const std::string& name) {
   for (std::int64_t i = 1; id && found.empty() && i <= units.count(); ++i) {
     if (units[i].ID == *id) found.push_back(i);
   }
-  if (found.empty()) throw UsageError("there is no unit \"" + name + "\"; corvanectl units lists them");
+  if (found.empty()) {
+    std::vector<std::string> names;
+    for (std::int64_t i = 1; i <= units.count(); ++i) names.push_back(units[i].Name);
+    throw UsageError(NoUnitText(name, names, "units"));
+  }
   if (found.size() > 1) throw UsageError("several units are called \"" + name + "\": name the unit by its ID");
   return found.front();
 }
 
 }  // namespace
+
+std::string NoUnitText(const std::string& name, const std::vector<std::string>& names, const std::string& lists) {
+  const std::string meant = NearestWord(name, names);
+  return "there is no unit \"" + name + "\"; " +
+         (meant.empty() ? "corvanectl " + lists + " lists them" : "did you mean \"" + meant + "\"?");
+}
 
 std::vector<std::int64_t> FindUnits(const Registry& registry, const std::vector<std::string>& names) {
   std::vector<std::int64_t> units;

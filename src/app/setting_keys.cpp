@@ -4,11 +4,13 @@
 #include <optional>
 #include <variant>
 
+#include "base/encoding.h"
 #include "base/near_words.h"
 #include "base/numbers.h"
 #include "base/status.h"
 #include "base/text.h"
 #include "form/entering.h"
+#include "setup/value_words.h"
 
 namespace corvane {
 namespace {
@@ -33,6 +35,7 @@ bool IsWritten(const Form& av_Form, const Control& av_Control) {
 
 void RequireKept(const std::string& as_Value) {
   if (HasControlCharacter(as_Value)) throw RunTimeError("takes one line of text without control characters");
+  if (!IsUtf8(as_Value)) throw RunTimeError("takes text in UTF-8 only");
   if (CutCharacters(as_Value, TextField::kLongestText).size() < as_Value.size()) {
     throw RunTimeError("takes at most " + std::to_string(TextField::kLongestText) + " characters");
   }
@@ -107,6 +110,7 @@ std::vector<SettingKeys::Row> SettingKeys::Rows() const {
     row.section = kGeneral;
     row.key = row.key_of_file = setting.key;
     row.value = ValueOf(setting);
+    row.path = setting.meaning == Setting::Meaning::Path;
     if (const auto* const member = std::get_if<std::string*>(&setting.control)) {
       row.member = *member;
     } else {
@@ -127,9 +131,14 @@ std::vector<SettingKeys::Row> SettingKeys::Rows() const {
 std::vector<SettingKeys::Entry> SettingKeys::All() const {
   std::vector<Entry> entries;
   for (const Row& row : Rows()) {
-    entries.push_back({row.key, row.value, IsPassword(row.section, row.key_of_file)});
+    entries.push_back(EntryOf(row));
   }
   return entries;
+}
+
+SettingKeys::Entry SettingKeys::EntryOf(const Row& av_Row) {
+  const std::string words = av_Row.section == kGeneral ? ValueInWords(av_Row.key, av_Row.value) : std::string();
+  return {av_Row.key, av_Row.value, IsPassword(av_Row.section, av_Row.key_of_file), av_Row.path, words};
 }
 
 SettingKeys::Row SettingKeys::RowOf(std::string_view as_Key) const {
@@ -151,8 +160,7 @@ SettingKeys::Row SettingKeys::RowOf(std::string_view as_Key) const {
 }
 
 SettingKeys::Entry SettingKeys::Find(std::string_view as_Key) const {
-  const Row row = RowOf(as_Key);
-  return {row.key, row.value, IsPassword(row.section, row.key_of_file)};
+  return EntryOf(RowOf(as_Key));
 }
 
 bool SettingKeys::NamesPassword(std::string_view as_Key) {
@@ -208,10 +216,11 @@ std::vector<SettingKeys::Problem> SettingKeys::MissingPaths() const {
   for (const Setting& setting : general_) {
     if (setting.meaning != Setting::Meaning::Path) continue;
     const Row row = RowOf(setting.key);
-    // Intended: without a language file the window speaks English, which nobody has to mend.
-    if (row.value == setting.fallback && row.control == &form_.Txt_File[3]) continue;
     std::string problem = checks_.ProblemOf(*row.control);
-    if (!problem.empty()) missing.push_back({row.key, std::move(problem)});
+    if (problem.empty()) continue;
+    // Nobody has to mend it.
+    if (row.control == &form_.Txt_File[3]) problem += " Without it the window speaks English.";
+    missing.push_back({row.key, std::move(problem)});
   }
   return missing;
 }

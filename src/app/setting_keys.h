@@ -24,6 +24,8 @@ class SettingKeys {
     std::string key;
     std::string value;
     bool password = false;
+    bool path = false;  ///< it names a file or folder
+    std::string words;  ///< what the value means, where it has a unit of measure: "6 days"; else empty
   };
   /// A setting that names something which is not on this computer.
   struct Problem {
@@ -57,6 +59,7 @@ class SettingKeys {
     std::string section;      ///< of the settings file
     std::string key_of_file;  ///< in that section
     std::string value;
+    bool path = false;              ///< it names a file or folder
     Control* control = nullptr;     ///< none for what is only read, or has no field
     std::string* member = nullptr;  ///< of a setting without a field
     List* list = nullptr;           ///< of the record that is to be chosen first
@@ -68,6 +71,7 @@ class SettingKeys {
   void AddRecords(std::vector<Row>& av_Rows, const RecordSection<Record>& av_Section,
                   const RecordArray<Record>& av_Records, List& av_List) const;
   [[nodiscard]] Control* ControlOf(std::string_view as_Section, std::string_view as_Field) const;
+  [[nodiscard]] static Entry EntryOf(const Row& av_Row);
   [[nodiscard]] Row RowOf(std::string_view as_Key) const;
   /// What is wrong with the value that was entered; empty when nothing is.
   [[nodiscard]] std::string ProblemOf(const Row& av_Row, const std::string& as_Value) const;

@@ -84,7 +84,11 @@ TEST_F(CorvanectlTest, OutputAndExitStatusTellWhatHappened) {
       {{"set-date", "--yes"}, 0, "Set date: South", 78},
       {{"set-date"}, 1, "nobody can be asked here", 78},
       {{"convert", "--file", "00009.epd"}, 1, "no unit has a raw file of that name", 78},
-      {{"download", "Nobody"}, 2, "there is no unit \"Nobody\"", 78},
+      {{"download", "Nobody"}, 2, "there is no unit \"Nobody\"; corvanectl units lists them", 78},
+      {{"repair", "Suoth"}, 2, "did you mean \"South\"?", 78},
+      {{"health", "Nroth"}, 2, "did you mean \"North\"?", 78},
+      {{"keep", "/none/x.zip"}, 1, "there is no folder /none for /none/x.zip", 78},
+      {{"stations", "export", "/dev/full"}, 1, "/dev/full is no file", 78},
       {{"downlaod"}, 2, "there is no command", 78},
       {{"run"}, 3, "corvanectl run --automatic", 78},
       {{"--home", file, "download"}, 3, "cannot be used", 78},
@@ -118,6 +122,8 @@ TEST_F(CorvanectlTest, SettingsAreEnteredShownAndCompleted) {
       {{"get"}, "", 0, "FTPPassword              (a password, not shown)\n"},
       {{"ports", "assign", "7", home_.Name("tty")}, "", 0, "COM7 is " + home_.Name("tty") + " now\n"},
       {{"ports"}, "", 0, home_.Name("tty") + "  not there  yes       radio\n"},
+      {{"set", "AutomaticInterval", "6"}, "", 0, "AutomaticInterval is 6 now (6 days), was 03:00 (3 hours)\n"},
+      {{"set", "PageFolder", "."}, "", 0, "PageFolder is /"},
       {{"downlod"}, "", 2, "did you mean download?"}};
   for (const auto& [arguments, input, status, says] : rows) {
     EXPECT_EQ(Run(arguments, input), status) << output_;
@@ -141,7 +147,7 @@ TEST_F(CorvanectlTest, SetupAsksWritesAtTheEndOnlyAndCollects) {
   StartStation({"--readings", "20", "--start", "2026/01/01 00:00"});
   const std::string folder = home_.Name("new");
   const std::string stations = home_.Name("tty") + "\nTower, 1\n\nNorth, 1, -\nSouth, 2\n2: South, 2, Tower, Acme\n\n";
-  const std::string rest = "\n\n" + home_.path() + "\nNorth\n\n\n\n\n\n\n";
+  const std::string rest = folder + "/.\n\n" + home_.path() + "\nNorth\n\n\n\n\n\n\n";
   const std::tuple<std::string, int, const char*> rows[] = {
       {"", 1, "nothing is changed"},
       {home_.Name("none") + "\nquit\n", 1, "is not there: plug the adapter in"},
@@ -177,10 +183,13 @@ TEST_F(CorvanectlTest, KeepsBesideAProgramThatRunsAndRestoresElsewhere) {
   };
   EXPECT_EQ(run_there({"restore", archive}), 0) << output_;
   EXPECT_TRUE(Printed("corvanectl set BackupDestination PATH")) << output_;
+  EXPECT_TRUE(Printed("Without it the window speaks English.")) << output_;
   EXPECT_TRUE(Printed("MoistureLookupFile") == false) << "bare names need no change: " << output_;
   EXPECT_EQ(other.Read("home/00003.epd"), home_.Read("00003.epd"));
   EXPECT_EQ(run_there({"status"}), 0) << output_;
-  EXPECT_TRUE(Printed("12 readings stored")) << output_;
+  EXPECT_TRUE(Printed("12 readings stored") && Printed("\nLast round: download of ")) << output_;
+  EXPECT_EQ(run_there({"health", "South"}), 0);
+  EXPECT_TRUE(Printed("  download  answered  ")) << output_;
   EXPECT_EQ(run_there({"restore", other.Write("cut.zip", other.Read("net.zip").substr(0, 2000))}), 1);
 }
 

@@ -37,6 +37,17 @@ TEST(SettingKeys, EntersWhatAHandWouldAndRefusesTheRest) {
   }
   EXPECT_EQ(app.form().Lst_Units.text(2), "Orchard");
 
+  const std::tuple<const char*, const char*, const char*> in_words[] = {
+      {"AutomaticInterval", "6", "6 days"},      {"AutomaticInterval", "36", "36 hours"},
+      {"Interval", "1:30", "1 hour 30 minutes"}, {"Timeout", "1", "1 second"},
+      {"LogSize", "0", "without end"},           {"LogPeriod", "00:15", "15 minutes"},
+      {"HistoryYears", "5", "5 years"},          {"Prefix", "6", ""}};
+  for (const auto& [key, value, words] : in_words) {
+    static_cast<void>(keys.Enter(key, value));
+    EXPECT_EQ(keys.Find(key).words, words) << key;
+  }
+  static_cast<void>(keys.Enter("AutomaticInterval", "03:00"));
+
   const std::string long_text(127, 'x');
   const std::tuple<const char*, std::string, const char*> refused[] = {
       {"Prot", "5", "no key \"Prot\"; did you mean Port?"},
@@ -51,6 +62,7 @@ TEST(SettingKeys, EntersWhatAHandWouldAndRefusesTheRest) {
       {"BackupDestination", "/not/there", "There is no folder"},
       {"Prefix", "null", "empty text"},
       {"Prefix", "a\nb", "one line"},
+      {"Prefix", "a\xFF", "UTF-8"},
       {"FTPFolder", long_text, "at most 126"},
       {"NextDownload", "1", "the program gives it"},
       {"Clients.ID1", "1", "the program gives it"},

@@ -19,6 +19,7 @@ TEST(ConsoleOptions, AreReadOnBothSidesOfTheCommand) {
   EXPECT_EQ(options.arguments, (Words{"Site 1", "-7"}));
   EXPECT_EQ(ParseOptions({"get-date", "--unit=Site 1", "--unit", "4"}).units, (Words{"Site 1", "4"}));
   EXPECT_EQ(ParseOptions({"script", "-"}).arguments, Words{"-"});
+  EXPECT_EQ(ParseOptions({"set", "ID1", "-7"}).arguments, (Words{"ID1", "-7"}));
   EXPECT_EQ(ParseOptions({"set-log-period", "04:15"}).arguments, Words{"04:15"});
   EXPECT_TRUE(ParseOptions({"set-mode", "-h"}).help);
   EXPECT_EQ(ParseOptions({"help", "send"}).command, CommandId::Send);
@@ -50,8 +51,10 @@ TEST(ConsoleOptions, RefusesWrongUsage) {
       {{"set-log-period", "00:00"}, "no log period"},
       {{"test-port", "both"}, "\"both\" is no port"},
       {{"run", "--interval", "0:00"}, "no interval"},
+      {{"--home", "/srv", "practise"}, "a folder of its own"},
       {{"stations", "import"}, "stations needs export|import FILE"},
       {{"stations", "show", "f.csv"}, "\"show\" is neither export nor import"},
+      {{"stations", "exprt", "f.csv"}, "did you mean export?"},
       {{"stations", "export", "f.csv", "--delete"}, "takes neither"},
       {{"units", "--quiet", "--verbose"}, "exclude each other"},
   };
