@@ -41,7 +41,8 @@ std::string OfTheDesktop(const std::vector<SetupLanguage>& languages) {
 Assistant::Assistant(Application& app, EventLoop& loop, QWidget* parent)
     : QWizard(parent), say_(BuiltInSentences(), *this), desk_{app, loop, say_, {}, {}, false, {}} {
   setObjectName("Assistant");
-  setWizardStyle(ModernStyle);
+  // Its pages have the colour of a window, on which fields are seen in a dark scheme too.
+  setWizardStyle(ClassicStyle);
   setOption(NoBackButtonOnStartPage);
   setOption(HaveCustomButton1);
   desk_.run_try = [this](auto attempt, auto show) {
