@@ -22,6 +22,7 @@ constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
 void History::Open(const std::string& as_Folder) {
   if (p_.store == nullptr) return;
   file_ = AddBackslash(as_Folder) + std::string(kFileName);
+  clock_steps_.Start(ClockBase());
   FollowUnits();
 }
 
@@ -217,7 +218,10 @@ std::int64_t History::ClockBase() const {
 }
 
 void History::TakeSteps(const std::vector<RoundRecord>& av_Rounds) {
-  if (!clock_steps_.Take(av_Rounds)) return;
+  // The step of a round that runs changes with each unit.
+  std::vector<RoundRecord> over = av_Rounds;
+  std::erase_if(over, [this](const RoundRecord& round) { return round.key == round_.key; });
+  if (!clock_steps_.Take(over)) return;
   for (auto& [key, unit] : memory_) unit.clock_read = false;
 }
 
@@ -279,6 +283,10 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
   if (asked) unit->last_asked = av_Contact.at;
   if (av_Contact.outcome == Outcome::Answered) unit->last_answered = av_Contact.at;
   if (asked) change.units.push_back(*unit);
+  if (const std::int64_t step = clock_steps_.StepSoFar(); step != round_.clock_step) {
+    round_.clock_step = step;
+    change.rounds.push_back(round_);
+  }
   UnitMemory& memory = memory_[unit->key];
   if (memory.clock_read) memory.clock.Take(av_Contact, clock_steps_.clock());
   memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
-#include <iterator>
 #include <utility>
 
 namespace corvane {
@@ -47,9 +46,12 @@ Moment OwnClock::TimeOf(const ContactRecord& av_Contact) const {
   return {av_Contact.at.utc - SetBackSince(av_Contact.round), av_Contact.at.ahead};
 }
 
-std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed, bool ab_Set) {
-  if (av_Passed && !IsJump(*av_Passed)) return 0;
-  if (ab_Set) return av_Passed && MostAreNearer(av_Jumps, *av_Passed) ? -*av_Passed : 0;
+std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, ClockMove av_Move, bool ab_Set) {
+  if (av_Move.since_heard && !IsJump(av_Move.seconds)) return 0;
+  if (ab_Set) return av_Move.since_heard && MostAreNearer(av_Jumps, av_Move.seconds) ? -av_Move.seconds : 0;
+  const auto agreeing = std::find_if(av_Jumps.begin(), av_Jumps.end(),
+                                     [av_Move](std::int64_t jump) { return !IsJump(av_Move.seconds + jump); });
+  if (IsJump(av_Move.seconds) && agreeing != av_Jumps.end()) return *agreeing;
   std::sort(av_Jumps.begin(), av_Jumps.end());
   std::ptrdiff_t most = 0;
   std::int64_t step = 0;
@@ -60,25 +62,36 @@ std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64
     step = *(first + most / 2);
   }
   if (!IsJump(step)) return 0;
-  if (av_Passed && std::abs(*av_Passed + step) <= kClockJump) return step;
   return most >= kFewestThatAgree && 2 * most > std::ssize(av_Jumps) ? step : 0;
 }
 
 bool ClockSteps::Take(const std::vector<RoundRecord>& av_Rounds) {
-  const std::size_t known = rounds_.size();
-  std::copy_if(av_Rounds.begin(), av_Rounds.end(), std::back_inserter(rounds_),
-               [](const RoundRecord& round) { return round.clock_step != 0; });
-  if (rounds_.size() == known) return false;
-  clock_ = OwnClock(rounds_);
-  return true;
+  bool changed = false;
+  for (const RoundRecord& round : av_Rounds) {
+    // What was said of a round last counts.
+    changed |= std::erase_if(rounds_, [&round](const RoundRecord& each) { return each.key == round.key; }) > 0;
+    if (round.clock_step == 0) continue;
+    rounds_.push_back(round);
+    changed = true;
+  }
+  if (changed) clock_ = OwnClock(rounds_);
+  return changed;
+}
+
+std::int64_t ClockSteps::StepSoFar() const {
+  if (jumps_.empty()) return 0;
+  std::vector<std::int64_t> jumps;
+  for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
+  return StepOf(std::move(jumps), {round_base_ - base_, heard_}, set_);
 }
 
 std::int64_t ClockSteps::EndRound() {
-  if (jumps_.empty()) return 0;
-  const auto before = std::exchange(base_, round_base_);
-  std::vector<std::int64_t> jumps;
-  for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
-  return StepOf(std::move(jumps), before ? std::optional(round_base_ - *before) : std::nullopt, set_);
+  const std::int64_t step = StepSoFar();
+  if (!jumps_.empty()) {
+    base_ = round_base_;
+    heard_ = true;
+  }
+  return step;
 }
 
 }  // namespace corvane

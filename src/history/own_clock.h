@@ -41,24 +41,35 @@ class OwnClock {
 /// jump.
 inline constexpr std::int64_t kClockJump = 120;
 
+/// By how much this computer's clock has gone forward more than time has passed.
+struct ClockMove {
+  std::int64_t seconds = 0;
+  bool since_heard =
+      false;  ///< since units told their clocks last; else since the program's start: more before is not known
+};
+
 /// The step of a round from the jumps of the units that told their clocks in it; 0 when it was not this computer's.
 ///
-/// `av_Passed`: by how much this computer's clock has gone forward more than time has passed, where that is known.
-/// Where it is, one unit that has jumped back by as much will do; else more than half of at least two have to agree.
+/// Where this computer's clock is known to have moved, one unit that has jumped back by as much will do; else more than
+/// half of at least two have to agree.
 /// `ab_Set`: the units were set by command, and what they jumped is not known for itself. Then this computer's clock
-/// has gone by `av_Passed` if most of them were the nearer to it for that.
-[[nodiscard]] std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, std::optional<std::int64_t> av_Passed,
-                                  bool ab_Set = false);
+/// has moved if most of them were the nearer to it for that.
+[[nodiscard]] std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, ClockMove av_Move, bool ab_Set = false);
 
 /// Finds the steps of this computer's clock, round by round, and keeps those that are known.
 class ClockSteps {
  public:
-  /// Takes the steps of rounds; true when there were any.
+  /// Takes the steps of rounds, what was said of each last; true when it changes anything.
   bool Take(const std::vector<RoundRecord>& av_Rounds);
-  void Forget() { *this = {}; }
+  void Forget() {
+    const auto start = base_;
+    *this = {};
+    base_ = start;
+  }
   [[nodiscard]] const OwnClock& clock() const { return clock_; }
 
-  /// `al_Base`, here and below: seconds UTC less monotonic ones.
+  /// The program has started. `al_Base`, here and below: seconds UTC less monotonic ones.
+  void Start(std::int64_t al_Base) { base_ = al_Base; }
   void BeginRound(std::int64_t al_Base) {
     jumps_.clear();
     set_ = false;
@@ -73,8 +84,10 @@ class ClockSteps {
     jumps_.try_emplace(al_Unit, al_Seconds);
     set_ = set_ || ab_Set;
   }
+  /// The step of the round, by what units have told in it: a round that is killed has no end.
+  [[nodiscard]] std::int64_t StepSoFar() const;
   /// The step of the round that ends.
-  [[nodiscard]] std::int64_t EndRound();
+  std::int64_t EndRound();
 
  private:
   std::map<std::int64_t, std::int64_t> jumps_;  ///< of this round, by unit
@@ -82,7 +95,8 @@ class ClockSteps {
   std::vector<RoundRecord> rounds_;             ///< of steps
   OwnClock clock_;                              ///< that these make
   std::int64_t round_base_ = 0;
-  std::optional<std::int64_t> base_;  ///< when units' clocks were heard last
+  std::int64_t base_ = 0;  ///< when units' clocks were heard last, or the program was started
+  bool heard_ = false;     ///< units' clocks, since then
 };
 
 }  // namespace corvane

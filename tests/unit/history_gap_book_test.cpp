@@ -143,34 +143,41 @@ TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
   struct Row {
     const char* name;
     std::vector<std::int64_t> jumps;
-    std::optional<std::int64_t> passed;
+    ClockMove move;
     std::int64_t wanted;
     bool set = false;
   };
+  const ClockMove kUnknown;
   const std::vector<Row> rows = {
-      {"all have jumped", {7200, 7190, 7260}, std::nullopt, 7200},
-      {"all but one that was set", {7200, 7190, 3}, std::nullopt, 7200},
-      {"one alone", {7200}, std::nullopt, 0},
-      {"half of them", {7200, 7200, 0, 1}, std::nullopt, 0},
-      {"they have drifted", {100, 110, 119}, std::nullopt, 0},
-      {"all were set by hand, this clock has not moved", {7200, 7200, 7200}, 1, 0},
-      {"one alone, and this clock was set back by as much", {7200}, -7201, 7200},
-      {"one alone, and this clock was set back by another time", {600}, -7201, 0},
-      {"this computer has slept", {1, 2}, 30000, 0},
-      {"this clock was set back, then the units by command", {155116, 149251, -9000}, -158636, 158636, true},
-      {"this computer has slept, then they were set", {3600, -20, -40}, 30000, 0, true},
-      {"they were set, and of this clock nothing is known", {7200, 7200, 7200}, std::nullopt, 0, true},
+      {"all have jumped", {7200, 7190, 7260}, kUnknown, 7200},
+      {"all but one that was set", {7200, 7190, 3}, kUnknown, 7200},
+      {"one alone", {7200}, kUnknown, 0},
+      {"half of them", {7200, 7200, 0, 1}, kUnknown, 0},
+      {"they have drifted", {100, 110, 119}, kUnknown, 0},
+      {"all were set by hand, this clock has not moved", {7200, 7200, 7200}, {1, true}, 0},
+      {"one alone, and this clock was set back by as much", {7200}, {-7201, true}, 7200},
+      {"one alone, and this clock was set back by another time", {600}, {-7201, true}, 0},
+      {"and another unit, heard before that, has not jumped", {-78738, 4}, {78738, true}, -78738},
+      {"one alone, and this clock was set back by as much since the start", {7200}, {-7201, false}, 7200},
+      {"one alone, and since the start it has not moved", {7200}, {0, false}, 0},
+      {"this computer has slept", {1, 2}, {30000, true}, 0},
+      {"this clock was set back, then the units by command", {155116, 149251, -9000}, {-158636, true}, 158636, true},
+      {"this computer has slept, then they were set", {3600, -20, -40}, {30000, true}, 0, true},
+      {"they were set, and of this clock nothing is known", {7200, 7200, 7200}, kUnknown, 0, true},
   };
-  for (const Row& row : rows) EXPECT_EQ(StepOf(row.jumps, row.passed, row.set), row.wanted) << row.name;
+  for (const Row& row : rows) EXPECT_EQ(StepOf(row.jumps, row.move, row.set), row.wanted) << row.name;
 }
 
 TEST(ClockSteps, HoldTheJumpsOfARoundAgainstTheClockOfItsBegin) {
   ClockSteps steps;
+  steps.Start(1000);
   const auto round = [&steps](std::int64_t base, std::int64_t jump, std::int64_t base_behind) {
     steps.BeginRound(base);
     steps.TakeJump(1, jump, false);
     EXPECT_EQ(steps.IsSteady(base_behind), base == base_behind);
-    return steps.EndRound();
+    const std::int64_t so_far = steps.StepSoFar();
+    EXPECT_EQ(steps.EndRound(), so_far);
+    return so_far;
   };
   EXPECT_EQ(round(1000, 0, 1000), 0);
   // Set back before the round, and right again before its second unit.
