@@ -107,7 +107,8 @@ std::int64_t GapFinder::PeriodBehind(std::size_t al_At) const {
 Verdict GapFinder::Judge(std::size_t al_At) const {
   const std::int64_t behind = PeriodBehind(al_At);
   Verdict verdict = JudgeBy(At(al_At), PeriodBefore(al_At), behind);
-  const bool as_long = verdict.missing == Missing(At(al_At).length(), std::max<std::int64_t>(verdict.period, 1));
+  const bool as_long = verdict.jumped <= kInexact ||
+                       verdict.missing == Missing(At(al_At).length(), std::max<std::int64_t>(verdict.period, 1));
   const bool told = At(al_At).told > 0;
   // A command without an answer has reached the unit when it measures by it behind the gap and has not before.
   if (verdict.kind == Verdict::Gap && as_long && (told || behind != verdict.period))
@@ -152,6 +153,7 @@ Verdict GapFinder::JudgeBy(const Distance& av_Distance, std::int64_t al_Before, 
     seconds -= std::max<std::int64_t>(*step.seconds, 0);
   }
   if (!IsLong(seconds, longest)) return verdict;
+  verdict.jumped = av_Distance.length() - seconds;
   verdict.kind = Verdict::Gap;
   verdict.missing = Missing(seconds, verdict.period);
   return verdict;

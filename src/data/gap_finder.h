@@ -29,6 +29,7 @@ struct Verdict {
   std::int64_t period = 0;   ///< seconds between them
   std::int64_t behind = 0;   ///< the last of these readings, of the period that was set within
   std::int64_t period_behind = 0;
+  std::int64_t jumped = 0;  ///< seconds of the distance that are the clock's
 };
 
 /// Finds gaps in the dates of readings, one after the other. The rule: docs/completeness.md.
