@@ -92,6 +92,7 @@ class Year {
     std::set<std::size_t> asked;    ///< rows
     bool may_end = true;            ///< what strikes the command under way may end the round
     bool was_disturbed = false;     ///< what has struck may end it anywhere
+    bool downloads = false;         ///< and sends behind it; else units get another command
   };
 
   void MakeRows(std::int64_t period);
@@ -202,9 +203,10 @@ class Year {
   std::size_t log_size_ = 0;
 
   // What people were told.
-  std::set<std::tuple<std::string, std::size_t, bool>> standing_;  ///< cause, row, and whether of a relay
-  bool nobody_collects_ = false;                                   ///< was told, and stands
-  bool told_since_start_ = false;                                  ///< that nobody collects
+  /// Cause, row, and whether of a relay; since when, in milliseconds.
+  std::map<std::tuple<std::string, std::size_t, bool>, std::int64_t> standing_;
+  bool nobody_collects_ = false;        ///< was told, and stands
+  bool told_since_start_ = false;       ///< that nobody collects
   std::int64_t alerts_known_from_ = 0;  ///< milliseconds; before it is not known what the program remembers
   std::int64_t ended_at_ = 0;           ///< milliseconds
   std::int64_t started_at_ = 0;         ///< milliseconds

@@ -247,6 +247,7 @@ Year::Faults Year::FaultsOf(const basestation::Request& request, const basestati
     auto& heard = rows_[asked_].heard;
     if (round_.asked.insert(asked_).second) heard.push_back({RawBook::Sign::Mute, Now()});
     if (!is_mute) heard.back().sign = RawBook::Sign::Unsure;
+    round_.downloads |= is_download;
   }
   if (!is_repair) round_.may_end = !settings_.goes_on && (!faults.empty() || HasTrouble());
   const bool is_silenced = book.future >= 0 && !settings_.goes_on;

@@ -86,9 +86,11 @@ void Year::TakeAlerts() {
 
 void Year::TakeAlert(const std::string& event, const std::string& cause, const std::string& relay, std::size_t row) {
   // Where a relay is told of, what was told of its units stands no more.
-  standing_.erase({cause, row, false});
-  standing_.erase({cause, row, !relay.empty()});
-  if (event != "cleared") standing_.insert({cause, row, !relay.empty()});
+  std::int64_t since = Now();
+  for (const bool behind : {false, !relay.empty()}) {
+    if (const auto told = standing_.extract({cause, row, behind})) since = std::min(since, told.mapped());
+  }
+  if (event != "cleared") standing_[{cause, row, !relay.empty()}] = since;
 }
 
 void Year::JudgeAlerts() {
@@ -112,23 +114,28 @@ void Year::JudgeAlerts() {
 /// lies between may be either.
 void Year::JudgeAlertsOf(std::size_t row) {
   const RawBook& book = rows_[row];
-  const auto stands = [&](const char* cause) {
-    return standing_.contains({cause, row, false}) || standing_.contains({cause, row, true});
+  const auto stands = [&](const char* cause, std::int64_t since) {
+    return std::ranges::any_of(standing_, [&](const auto& told) {
+      const auto& [what, whose, behind] = told.first;
+      return what == cause && whose == row && told.second <= since;
+    });
   };
   const auto last = book.LastDate();
   const std::int64_t age = last ? book.book.unit.clock() - *last : 0;
   const std::int64_t interval = 24 / settings_.rounds_a_day * kHour;
+  const std::int64_t three_rounds_ago = Now() - (3 * interval - 2 * kHour) * kMilliseconds;
   const bool is_old = age > std::max(late_after_ * interval, 12 * kHour) + 2 * kHour;
   if (book.Shows(RawBook::Sign::Mute, 2, 0)) {
     ++outcome_.counts[kSilent];
-    if (!stands(kSilent)) Break(book.path + ": two rounds without an answer, and nobody was told");
+    if (!stands(kSilent, Now())) Break(book.path + ": two rounds without an answer, and nobody was told");
   } else if (is_old && book.book.is_clock_known && day_ > 2) {
     ++outcome_.counts[kLate];
-    if (!stands(kLate) && !stands(kSilent)) Break(book.path + ": the last reading is old, and nobody was told");
-  } else if (book.Shows(RawBook::Sign::Whole, 3, Now() - (3 * interval - 2 * kHour) * kMilliseconds) && last &&
-             age < (late_after_ - 1) * interval) {
+    if (!stands(kLate, Now()) && !stands(kSilent, Now()))
+      Break(book.path + ": the last reading is old, and nobody was told");
+  } else if (book.Shows(RawBook::Sign::Whole, 3, three_rounds_ago) && last && age < (late_after_ - 1) * interval) {
     ++outcome_.counts[kWell];
-    if (stands(kSilent) || stands(kLate))
+    // A unit that answers may have nothing: its last rounds were no good ones then.
+    if (stands(kSilent, three_rounds_ago) || stands(kLate, three_rounds_ago))
       Break(book.path + ": three good rounds, and it still stands as silent or late");
   }
 }

@@ -112,7 +112,7 @@ void Year::JudgeDay() {
 void Year::JudgeUnit() {
   JudgeRound();
   const bool was_whole = round_.asked.size() == rows_.size() && !round_.may_end && !round_.was_disturbed;
-  if (!was_whole || last_deed_ >= round_.began || HasTrouble()) return;
+  if (!was_whole || !round_.downloads || last_deed_ >= round_.began || HasTrouble()) return;
   const std::size_t row = random_.Below(rows_.size());
   if (!fs::exists(rows_[row].path)) return;
   JudgeCalibrated({row}, 0);
