@@ -44,8 +44,7 @@ inline constexpr std::int64_t kClockJump = 120;
 /// By how much this computer's clock has gone forward more than time has passed.
 struct ClockMove {
   std::int64_t seconds = 0;
-  bool since_heard =
-      false;  ///< since units told their clocks last; else since the program's start: more before is not known
+  bool since_heard = false;  ///< since units told their clocks last; else only since the program's start
 };
 
 /// The step of a round from the jumps of the units that told their clocks in it; 0 when it was not this computer's.
