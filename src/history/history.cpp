@@ -66,7 +66,6 @@ Status History::OpenStore() {
 }
 
 void History::Adopt(const HistoryContents& av_Stored) {
-  followed_.reset();
   const auto changed = units_.Adopt(av_Stored.units);
   const std::int64_t stored_round = av_Stored.rounds.empty() ? 0 : av_Stored.rounds.back().key;
   Renumber(changed, keys_are_known_ ? 0 : stored_round);
@@ -218,10 +217,7 @@ std::int64_t History::ClockBase() const {
 }
 
 void History::TakeSteps(const std::vector<RoundRecord>& av_Rounds) {
-  // The step of a round that runs changes with each unit.
-  std::vector<RoundRecord> over = av_Rounds;
-  std::erase_if(over, [this](const RoundRecord& round) { return round.key == round_.key; });
-  if (!clock_steps_.Take(over)) return;
+  if (!clock_steps_.Take(av_Rounds, round_.key)) return;
   for (auto& [key, unit] : memory_) unit.clock_read = false;
 }
 
@@ -229,9 +225,7 @@ void History::FollowUnits() {
   if (!Kept()) return;
   // Where it can be, the file is opened first: it has the keys.
   static_cast<void>(IsReady());
-  const ListsView lists{p_.registry.edits(), p_.names.DataFileShortName(FileNames::kExample, false)};
-  if (followed_ == lists) return;
-  followed_ = lists;
+  if (!units_.MayBeBehind(p_.registry, p_.names)) return;
   std::vector<std::string> sentences;
   HistoryContents change;
   change.units = units_.Follow(PresentUnits(p_.registry, p_.names), p_.loop.NowUtc(), sentences);

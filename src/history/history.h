@@ -121,13 +121,6 @@ class History {
   std::function<bool()> wants_status;
 
  private:
-  /// What tells that the lists of units, relays and clients, and the names of the files, are as they were.
-  struct ListsView {
-    std::uint64_t edits;
-    std::string example;  ///< name of a file
-    bool operator==(const ListsView&) const = default;
-  };
-
   Status OpenStore();
   void Adopt(const HistoryContents& av_Stored);
   /// Begins a file anew that turned out to be damaged, with all that is known.
@@ -153,7 +146,6 @@ class History {
   Parts p_;
   std::string file_;
   UnitCatalogue units_;
-  std::optional<ListsView> followed_;
   std::map<std::int64_t, UnitMemory> memory_;                             ///< by key
   std::map<std::pair<std::int64_t, Target>, DeliveryRecord> deliveries_;  ///< by key and target
   RoundRecord round_;                                                     ///< that runs

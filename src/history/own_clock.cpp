@@ -65,9 +65,10 @@ std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, ClockMove av_Move, bool 
   return most >= kFewestThatAgree && 2 * most > std::ssize(av_Jumps) ? step : 0;
 }
 
-bool ClockSteps::Take(const std::vector<RoundRecord>& av_Rounds) {
+bool ClockSteps::Take(const std::vector<RoundRecord>& av_Rounds, std::int64_t al_Running) {
   bool changed = false;
   for (const RoundRecord& round : av_Rounds) {
+    if (round.key == al_Running) continue;
     // What was said of a round last counts.
     changed |= std::erase_if(rounds_, [&round](const RoundRecord& each) { return each.key == round.key; }) > 0;
     if (round.clock_step == 0) continue;

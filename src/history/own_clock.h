@@ -58,8 +58,9 @@ struct ClockMove {
 /// Finds the steps of this computer's clock, round by round, and keeps those that are known.
 class ClockSteps {
  public:
-  /// Takes the steps of rounds, what was said of each last; true when it changes anything.
-  bool Take(const std::vector<RoundRecord>& av_Rounds);
+  /// Takes the steps of rounds, what was said of each last; true when it changes anything. That of the round that runs,
+  /// by its key, is left out: it may change with each unit.
+  bool Take(const std::vector<RoundRecord>& av_Rounds, std::int64_t al_Running);
   void Forget() {
     const auto start = base_;
     *this = {};

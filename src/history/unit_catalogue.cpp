@@ -44,7 +44,13 @@ std::vector<UnitRecord> PresentUnits(const Registry& av_Registry, const FileName
   return present;
 }
 
+bool UnitCatalogue::MayBeBehind(const Registry& av_Registry, const FileNames& av_Names) {
+  const Lists lists{av_Registry.edits(), av_Names.DataFileShortName(FileNames::kExample, false)};
+  return std::exchange(seen_, lists) != lists;
+}
+
 std::map<std::int64_t, std::int64_t> UnitCatalogue::Adopt(const std::vector<UnitRecord>& av_Stored) {
+  seen_.reset();
   const auto known = std::exchange(units_, {});
   by_marks_.clear();
   for (const UnitRecord& unit : av_Stored) Put(unit);

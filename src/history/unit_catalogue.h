@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
@@ -24,6 +25,8 @@ class UnitCatalogue {
   ///
   /// Returns the keys that changed: former and new.
   std::map<std::int64_t, std::int64_t> Adopt(const std::vector<UnitRecord>& av_Stored);
+  /// Whether the lists or the names of files may have changed since this was asked last, or what is held was adopted.
+  [[nodiscard]] bool MayBeBehind(const Registry& av_Registry, const FileNames& av_Names);
   /// Follows the list of units: new ones get a key, those that are gone the position 0.
   ///
   /// Returns the records that changed; of a unit that has become another one `av_Sentences` tells.
@@ -37,6 +40,11 @@ class UnitCatalogue {
   [[nodiscard]] std::vector<UnitRecord> All() const;
 
  private:
+  struct Lists {
+    std::uint64_t edits;
+    std::string example;  ///< name of a file
+    bool operator==(const Lists&) const = default;
+  };
   /// What tells units apart: client, ID, raw file.
   using Marks = std::tuple<std::int32_t, std::int32_t, std::string>;
   [[nodiscard]] static Marks MarksOf(const UnitRecord& av_Unit);
@@ -46,6 +54,7 @@ class UnitCatalogue {
 
   std::map<std::int64_t, UnitRecord> units_;  ///< by key
   std::map<Marks, std::int64_t> by_marks_;
+  std::optional<Lists> seen_;
   std::vector<std::int64_t> keys_;  ///< by position, the first at 0
   std::set<std::int64_t> shared_;   ///< keys that were said to be those of several units
 };
