@@ -45,6 +45,11 @@ std::int64_t Missing(std::int64_t al_Seconds, std::int64_t al_Period) {
   return (2 * al_Seconds + al_Period) / (2 * al_Period) - 1;
 }
 
+/// How many whole multiples of a period since midnight lie behind `av_From` and before `av_To`.
+std::int64_t MultiplesBetween(DateTime av_From, DateTime av_To, std::int64_t al_Period) {
+  return std::max<std::int64_t>((av_To.seconds() - 1) / al_Period - av_From.seconds() / al_Period, 0);
+}
+
 }  // namespace
 
 GapFinder::GapFinder(const ScanHints& av_Hints) : hints_(av_Hints) {}
@@ -127,7 +132,9 @@ void GapFinder::CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t 
   av_Gap.period_behind = av_Gap.period;
   for (const PeriodChange& change : hints_.periods) {
     if (!counts(change) || change.at < begin) continue;
-    av_Gap.missing += (change.at - begin) / av_Gap.period_behind;
+    // Behind a command no reading shows where the next one was: units log at whole multiples of their period.
+    av_Gap.missing += begin == av_Gap.from ? (change.at - begin) / av_Gap.period_behind
+                                           : MultiplesBetween(begin, change.at, av_Gap.period_behind);
     begin = change.at;
     av_Gap.period_behind = change.seconds;
     if (!ab_Certain) break;

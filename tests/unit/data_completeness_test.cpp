@@ -110,6 +110,13 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
       {"a gap across a told period counts by both", "0 +15*30 +150 +60*5", period(480, 3600), "450-600:3"},
       {"a period that was perhaps set", "0 +15*30 +150 +60*5", period(480, 3600, false), "450-600:3"},
       {"a period that was not set", "0 +15*30 +150 +60*5", period(480, 1800, false), "450-600:9"},
+      {"two told periods, whose readings stand at whole multiples", "0 +180*3 +3000 +60*5",
+       [&] {
+         ScanHints hints = period(1000, 14400);
+         hints.periods.push_back(period(2900, 3600).periods[0]);
+         return hints;
+       }(),
+       "540-3540:20"},
       {"a told period that was not taken", "0 +15*30 +75 +15*9", period(100, 3600), "450-525:4"},
   };
   for (const auto& [name, dates, hints, expected] : rows) {
