@@ -52,12 +52,12 @@ SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std:
                      const Phrases& av_Phrases) {
   std::string bytes;
   if (const Status read = ReadFile(as_File, bytes, kLargestStationsFile); !read.ok()) {
-    return {{av_Phrases.Text(kNotRead, {as_File, read.text()})}, {}};
+    return {{av_Phrases.Text(kNotRead, {as_File, read.text()})}, {}, {}};
   }
   const SetupRecords planned = RecordsOf(av_Plan, av_Registry);
   const Registry registry{ArrayOf(planned.units), ArrayOf(planned.relays), ArrayOf(planned.clients)};
   StationsPlan stations = PlanStations(registry, ReadStations(std::move(bytes)), {});
-  if (!stations.faults.empty()) return {SentencesOf(stations.faults), {}};
+  if (!stations.faults.empty()) return {SentencesOf(stations.faults), {}, std::move(stations.notes)};
   SetupRecords records{Traced(std::move(stations.units), planned.units),
                        Traced(std::move(stations.relays), planned.relays),
                        Traced(std::move(stations.clients), planned.clients)};
@@ -66,7 +66,7 @@ SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std:
     std::erase_if(records.clients, [&](const auto& client) { return IsKept(client, records); });
   }
   TakeRecords(av_Plan, records);
-  return {{}, std::move(stations.changes)};
+  return {{}, std::move(stations.changes), std::move(stations.notes)};
 }
 
 std::vector<Phrase> SetupTablePhrases() {

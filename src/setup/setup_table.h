@@ -13,6 +13,7 @@ namespace corvane {
 struct SetupTable {
   std::vector<std::string> faults;   ///< with any, the plan is as it was
   std::vector<std::string> changes;  ///< a sentence each, without a full stop
+  std::vector<std::string> notes;    ///< what else is to be known, such as columns that are not used
 };
 
 /// Takes the relays, clients and units of a file (its full name) into the plan's rows, as an import takes them into the

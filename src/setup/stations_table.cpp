@@ -39,6 +39,17 @@ constexpr std::array<ColumnRow, kStationColumns> kColumns = {{
     {"User ID", kOfClient},
 }};
 
+/// What people call columns besides: as the tables of the window are headed, in English and in German.
+constexpr std::array<std::pair<std::string_view, StationColumn>, 7> kOtherHeadings = {{
+    {"Depths", StationColumn::Depths},
+    {"Tiefen", StationColumn::Depths},
+    {"Sensortiefen", StationColumn::Depths},
+    {"Relais", StationColumn::Relay},
+    {"Kunde", StationColumn::Client},
+    {"Ordner", StationColumn::Folder},
+    {"Aktiv", StationColumn::Active},
+}};
+
 constexpr std::array<std::string_view, 3> kKindWords = {"relay", "client", "unit"};
 
 /// A heading without blanks, letter case and what is between parentheses.
@@ -52,6 +63,9 @@ std::optional<StationColumn> ColumnOf(std::string_view heading) {
   const std::string plain = PlainHeading(heading);
   for (std::size_t column = 0; column < kStationColumns; ++column) {
     if (plain == PlainHeading(kColumns[column].heading)) return static_cast<StationColumn>(column);
+  }
+  for (const auto& [other, column] : kOtherHeadings) {
+    if (plain == PlainHeading(other)) return column;
   }
   return std::nullopt;
 }

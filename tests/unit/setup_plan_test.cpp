@@ -170,16 +170,22 @@ TEST_F(SetupPlanTest, ATableFillsThePlanAndNothingElse) {
   SetupCommands& setup = Start(kNetwork);
   SetupPlan plan = setup.PlanOf();
   world.home.Write("bad.csv", "Kind,Name,ID,Relay\nunit,North,7,Mast\n");
-  world.home.Write("good.csv", "Kind,Name,ID,Relay\nunit,Far north,7,Tower\nunit,East,33,Tower\n");
+  world.home.Write("good.csv",
+                   "Kind,Name,ID,Relais,Depths (cm),Colour\n"
+                   "unit,Far north,7,Tower,,\nunit,East,33,Tower,10;20,red\n");
   const SetupPlan before = plan;
   const SetupTable bad = setup.TakeTable(plan, "bad.csv");
   ASSERT_EQ(bad.faults.size(), 1U);
   EXPECT_NE(bad.faults[0].find("line 2"), std::string::npos) << bad.faults[0];
   EXPECT_TRUE(plan == before);
-  EXPECT_TRUE(setup.TakeTable(plan, "good.csv").faults.empty());
+  const SetupTable good = setup.TakeTable(plan, "good.csv");
+  EXPECT_TRUE(good.faults.empty());
+  ASSERT_FALSE(good.notes.empty());
+  EXPECT_EQ(good.notes[0], "the column \"Colour\" is not used");
   ASSERT_EQ(plan.units.size(), 4U);
   EXPECT_EQ(std::tuple(plan.units[0].name, plan.units[0].place), std::tuple("Far north", 1));
   EXPECT_EQ(std::tuple(plan.units[3].name, plan.units[3].place, plan.units[3].relay), std::tuple("East", 0, "Tower"));
+  EXPECT_EQ(plan.units[3].depths, "10;20");
   EXPECT_FALSE(setup.TakeTable(plan, "none.csv").faults.empty());
   EXPECT_EQ(world.app().registry().Units[1].Name, "North");
 }

@@ -95,6 +95,7 @@ void StationsPage::TakeFile(const QString& file) {
   }
   if (table.faults.size() > kMostFaults) lines << "...";
   if (table.faults.empty()) lines << Say(kTakenFromFile).arg(table.changes.size());
+  for (const std::string& note : table.notes) lines << Text(note);
   Show();
   from_file_->setText(lines.join('\n'));
   from_file_->show();
