@@ -36,6 +36,7 @@ constexpr struct {
   Phrase last_answer{1311, "its last answer: %1"};
   Phrase no_port{1312, "the port could not be used"};
   Phrase is_new{1313, "No reading yet; it was added on %1"};
+  Phrase no_answer_yet{1462, "No answer yet, asked so far: %1; added on %2. Check its ID, its relay and its battery"};
 } kSay;
 
 template <typename Record>
@@ -200,7 +201,10 @@ std::pair<UnitState, std::string> Judge(const UnitHistory& av_History, const Sta
   const UnitRecord& unit = *av_History.unit;
   if (std::string why = WhyOff(unit, av_Rules.phrases); !why.empty()) return {UnitState::Off, std::move(why)};
   if (IsNew(unit, av_Rules, av_Status)) {
-    return {UnitState::New, av_Rules.phrases.Text(kSay.is_new, {WhenText(unit.added, av_Rules.phrases)})};
+    const std::string added = WhenText(unit.added, av_Rules.phrases);
+    if (av_Status.asked == 0 || av_Status.answered > 0)
+      return {UnitState::New, av_Rules.phrases.Text(kSay.is_new, {added})};
+    return {UnitState::New, av_Rules.phrases.Text(kSay.no_answer_yet, {std::to_string(av_Status.asked), added})};
   }
   const std::int64_t silent = unit.get_from == kFromRadio ? SilentRounds(av_History.contacts) : 0;
   if (silent >= kSilentRounds) return {UnitState::Silent, WhySilent(silent, av_Status, av_Rules.phrases)};

@@ -43,7 +43,7 @@ TEST(UnitStatus, HasTheFirstLetterThatApplies) {
          never(f), f.unit().added = Ago(60), f.Contact(1, 2, Outcome::Silent);
          f.Contact(1, 1, Outcome::Silent);
        },
-       New, ""},
+       New, "No answer yet, asked so far: 2"},
       {"one round silent", [](NetworkHistory& f) { f.last().outcome = Outcome::Silent; }, Fine, ""},
       {"two rounds silent", [](NetworkHistory& f) { f.Silence(); }, Silent, "in the last 2 rounds; it has never"},
       {"silent, not asked, silent",

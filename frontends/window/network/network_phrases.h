@@ -14,6 +14,7 @@ struct NetworkPhrases {
   Phrase by_relay{1347, "By relay"};
   Phrase shown{1348, "%1 of %2 units"};
   Phrase all_is_well{1349, "all is well"};
+  Phrase no_last_answer{1463, "it did not answer when it was asked last"};
   Phrase note{1350, "Note: %1"};
   Phrase sort_by{1351, "Sort by"};
   Phrase asked_now{1352, "asked now"};

@@ -68,7 +68,9 @@ QString WhatIsWrong(const UnitStatus& unit, const Phrases& phrases) {
   }
   if (!unit.delivery_problem.empty()) add(unit.delivery_problem);
   if (!unit.note.empty()) add(phrases.Text(kNetworkSays.note, {unit.note}));
-  return QString::fromStdString(unit.name + ": " + (text.empty() ? phrases.Text(kNetworkSays.all_is_well) : text));
+  const bool answers = unit.answers.empty() || unit.answers.back();
+  if (text.empty()) text = phrases.Text(answers ? kNetworkSays.all_is_well : kNetworkSays.no_last_answer);
+  return QString::fromStdString(unit.name + ": " + text);
 }
 
 }  // namespace
