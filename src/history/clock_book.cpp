@@ -13,12 +13,12 @@ constexpr std::int64_t kMinute = 60;
 }  // namespace
 
 std::optional<std::int64_t> ClockBook::JumpTo(const ContactRecord& av_Contact, const OwnClock& av_Here) const {
-  if (!last_ || !av_Contact.clock_offset) return std::nullopt;
+  if (!last_ || !av_Contact.clock_offset || last_->round == av_Contact.round) return std::nullopt;
   const std::int64_t set_back = av_Here.SetBackSince(last_->round) - av_Here.SetBackSince(av_Contact.round);
   return av_Contact.at.ahead + *av_Contact.clock_offset - last_->ahead - set_back;
 }
 
-void ClockBook::Take(const ContactRecord& av_Contact, const OwnClock& av_Here) {
+void ClockBook::Take(const ContactRecord& av_Contact, const OwnClock& av_Here, bool ab_Own) {
   const bool answered = av_Contact.outcome == Outcome::Answered;
   if (!answered && !av_Contact.clock_offset && !av_Contact.period_minutes) return;
   if (last_) {
@@ -31,7 +31,7 @@ void ClockBook::Take(const ContactRecord& av_Contact, const OwnClock& av_Here) {
   if (av_Contact.period_minutes)
     hints_.periods.push_back({now.unit_time, *av_Contact.period_minutes * kMinute, answered});
   if (!answered && !av_Contact.clock_offset) return;
-  hints_.last_contact = now.unit_time;
+  if (ab_Own) hints_.last_contact = now.unit_time;
   if (answered && av_Contact.command == kSetDate) {
     TakeSetDate(now);
   } else if (av_Contact.clock_offset) {

@@ -16,9 +16,10 @@ class ClockBook {
   ///
   /// Between two that told the unit's clock it has been set when it jumped by more than two minutes against UTC: summer
   /// time here moves no unit's clock, nor does what sets this computer's.
-  void Take(const ContactRecord& av_Contact, const OwnClock& av_Here);
+  /// `ab_Own`: it was with this entry of the list, else with another one of the same station.
+  void Take(const ContactRecord& av_Contact, const OwnClock& av_Here, bool ab_Own = true);
   /// How far the unit's clock has jumped to a contact that `Take` has not got, by this computer's clock, by itself or
-  /// because it was set; none when that is not known.
+  /// because it was set; none when that is not known, or it was heard in that round before.
   [[nodiscard]] std::optional<std::int64_t> JumpTo(const ContactRecord& av_Contact, const OwnClock& av_Here) const;
   [[nodiscard]] const ScanHints& hints() const { return hints_; }
 

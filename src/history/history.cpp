@@ -1,8 +1,10 @@
 #include "history/history.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "base/paths.h"
@@ -244,21 +246,34 @@ std::vector<std::int64_t> History::PositionsOf(const std::vector<std::int64_t>& 
 
 UnitMemory& History::WithClock(std::int64_t al_Key) {
   if (UnitMemory& unit = memory_[al_Key]; unit.clock_read) return unit;
+  std::vector<ContactRecord> former;
+  bool read = true;
+  for (const std::int64_t entry : units_.EntriesOf(al_Key)) read = ReadContacts(entry, former) && read;
+  UnitMemory& unit = memory_[al_Key];
+  if (!read) return unit;
+  std::stable_sort(former.begin(), former.end(), [](const ContactRecord& one, const ContactRecord& other) {
+    return std::tuple(one.round, one.at.utc) < std::tuple(other.round, other.at.utc);
+  });
+  unit.clock = {};
+  for (const ContactRecord& contact : former) {
+    unit.clock.Take(contact, clock_steps_.clock(), contact.unit == al_Key);
+  }
+  unit.clock_read = true;
+  return unit;
+}
+
+bool History::ReadContacts(std::int64_t al_Key, std::vector<ContactRecord>& av_Contacts) {
   HistoryQuery query;
   query.unit = al_Key;
   query.contacts_since = kEver;
   query.lists = false;
   HistoryContents former;
-  const bool read = Read(query, former).ok();
-  UnitMemory& unit = memory_[al_Key];
-  if (!read) return unit;
-  for (const ContactRecord& contact : waiting_.contacts) {
-    if (contact.unit == al_Key) former.contacts.push_back(contact);
+  if (!Read(query, former).ok()) return false;
+  for (const auto* const contacts : {&former.contacts, &waiting_.contacts}) {
+    std::copy_if(contacts->begin(), contacts->end(), std::back_inserter(av_Contacts),
+                 [al_Key](const ContactRecord& contact) { return contact.unit == al_Key; });
   }
-  unit.clock = {};
-  for (const ContactRecord& contact : former.contacts) unit.clock.Take(contact, clock_steps_.clock());
-  unit.clock_read = true;
-  return unit;
+  return true;
 }
 
 void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
@@ -282,7 +297,10 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
     change.rounds.push_back(round_);
   }
   UnitMemory& memory = memory_[unit->key];
-  if (memory.clock_read) memory.clock.Take(av_Contact, clock_steps_.clock());
+  for (const std::int64_t entry : units_.EntriesOf(unit->key)) {
+    UnitMemory& each = memory_[entry];
+    if (each.clock_read) each.clock.Take(av_Contact, clock_steps_.clock(), entry == unit->key);
+  }
   memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered;
   change.contacts.push_back(std::move(av_Contact));
   Write(change);

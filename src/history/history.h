@@ -140,6 +140,8 @@ class History {
   [[nodiscard]] std::int64_t ClockBase() const;
   /// Takes the clock steps of rounds; what is known of units' clocks is read anew.
   void TakeSteps(const std::vector<RoundRecord>& av_Rounds);
+  /// Adds all contacts with the unit of a key, those that wait behind those of the file; false when it cannot be read.
+  bool ReadContacts(std::int64_t al_Key, std::vector<ContactRecord>& av_Contacts);
   void DropOldest();
   [[nodiscard]] bool TryAgainNow() const;
 

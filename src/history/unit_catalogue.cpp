@@ -133,6 +133,17 @@ UnitRecord* UnitCatalogue::Find(std::int64_t al_Key) {
   return found == units_.end() ? nullptr : &found->second;
 }
 
+std::vector<std::int64_t> UnitCatalogue::EntriesOf(std::int64_t al_Key) const {
+  std::vector<std::int64_t> entries = {al_Key};
+  const auto found = units_.find(al_Key);
+  if (found == units_.end()) return entries;
+  for (const auto& [key, unit] : units_) {
+    const bool is_it = unit.unit_id == found->second.unit_id && unit.relay_id == found->second.relay_id;
+    if (key != al_Key && unit.position > 0 && is_it) entries.push_back(key);
+  }
+  return entries;
+}
+
 std::vector<UnitRecord> UnitCatalogue::All() const {
   std::vector<UnitRecord> all;
   for (const auto& [key, unit] : units_) all.push_back(unit);

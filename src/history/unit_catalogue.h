@@ -36,6 +36,8 @@ class UnitCatalogue {
   [[nodiscard]] std::int64_t KeyOf(std::int64_t al_Position) const;
   /// The record of a key; nullptr when there is none. Valid until the next `Adopt` or `Follow`.
   [[nodiscard]] UnitRecord* Find(std::int64_t al_Key);
+  /// The keys of all entries of the list that stand for the same station, by its radio address; that one among them.
+  [[nodiscard]] std::vector<std::int64_t> EntriesOf(std::int64_t al_Key) const;
   /// All that were ever in the list, by key.
   [[nodiscard]] std::vector<UnitRecord> All() const;
 

@@ -132,16 +132,9 @@ void RoundJournal::NoteTry(std::int64_t al_Index, TryEnd ae_End) {
   } else if (turn.contact.outcome == Outcome::Answered) {
     TakeAnswer(turn.contact);
   }
-  if (command_ == kSetLogPeriod && sent) TakePeriod(unit);
-}
-
-void RoundJournal::TakePeriod(const Unit& av_Unit) {
-  // One that did not answer may have taken it all the same; one that stands in the list for two clients has it once.
-  for (auto& [index, turn] : turns_) {
-    const Unit& each = p_.registry.Units[index];
-    if (each.ID != av_Unit.ID || each.RelayID != av_Unit.RelayID) continue;
+  // A unit that did not answer may have taken it all the same.
+  if (command_ == kSetLogPeriod && sent)
     turn.contact.period_minutes = LogPeriodMinutes(p_.form.Cmb_LogPeriod.shown_text());
-  }
 }
 
 void RoundJournal::TakeOutcome(Turn& av_Turn, TryEnd ae_End, const std::string& as_Problem) const {

@@ -80,8 +80,6 @@ class RoundJournal {
   [[nodiscard]] std::string Ending(const std::string& as_Error) const;
   [[nodiscard]] std::string WhyNotAsked() const;
   [[nodiscard]] bool TransferHasCancelled() const;
-  /// A unit was sent a log period.
-  void TakePeriod(const Unit& av_Unit);
   void TakeOutcome(Turn& av_Turn, TryEnd ae_End, const std::string& as_Problem) const;
   void TakeDownload(Turn& av_Turn, const Unit& av_Unit) const;
   void TakeHeader(ContactRecord& av_Contact) const;
