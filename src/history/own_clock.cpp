@@ -14,6 +14,14 @@ bool IsJump(std::int64_t al_Seconds) {
   return std::abs(al_Seconds) > kClockJump;
 }
 
+/// The jump of a unit by which it goes back as this computer's clock went forward; none where none did.
+std::optional<std::int64_t> Agreeing(const std::vector<std::int64_t>& av_Jumps, std::int64_t al_Forward) {
+  const auto agreeing = std::find_if(av_Jumps.begin(), av_Jumps.end(),
+                                     [al_Forward](std::int64_t jump) { return !IsJump(al_Forward + jump); });
+  if (!IsJump(al_Forward) || agreeing == av_Jumps.end()) return std::nullopt;
+  return *agreeing;
+}
+
 /// Whether most units had to be set by less if this computer's clock has been set by `al_Passed` before.
 bool MostAreNearer(const std::vector<std::int64_t>& av_Jumps, std::int64_t al_Passed) {
   const auto nearer = std::count_if(av_Jumps.begin(), av_Jumps.end(),
@@ -49,9 +57,7 @@ Moment OwnClock::TimeOf(const ContactRecord& av_Contact) const {
 std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, ClockMove av_Move, bool ab_Set) {
   if (av_Move.since_heard && !IsJump(av_Move.seconds)) return 0;
   if (ab_Set) return av_Move.since_heard && MostAreNearer(av_Jumps, av_Move.seconds) ? -av_Move.seconds : 0;
-  const auto agreeing = std::find_if(av_Jumps.begin(), av_Jumps.end(),
-                                     [av_Move](std::int64_t jump) { return !IsJump(av_Move.seconds + jump); });
-  if (IsJump(av_Move.seconds) && agreeing != av_Jumps.end()) return *agreeing;
+  if (const auto agreeing = Agreeing(av_Jumps, av_Move.seconds)) return *agreeing;
   std::sort(av_Jumps.begin(), av_Jumps.end());
   std::ptrdiff_t most = 0;
   std::int64_t step = 0;
@@ -83,7 +89,10 @@ std::int64_t ClockSteps::StepSoFar() const {
   if (jumps_.empty()) return 0;
   std::vector<std::int64_t> jumps;
   for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
-  return StepOf(std::move(jumps), {round_base_ - base_, heard_}, set_);
+  const std::int64_t step = StepOf(jumps, {round_base_ - base_, heard_}, set_);
+  if (step != 0 || heard_ || set_) return step;
+  // Behind a start one unit does, too, that jumps by just what this computer's clock was off: it was set right.
+  return Agreeing(jumps, clock_.SetBackSince(0)).value_or(0);
 }
 
 std::int64_t ClockSteps::EndRound() {

@@ -183,6 +183,17 @@ TEST(ClockSteps, HoldTheJumpsOfARoundAgainstTheClockOfItsBegin) {
   // Set back before the round, and right again before its second unit.
   EXPECT_EQ(round(-121000, 122000, 1000), 122000);
   EXPECT_EQ(round(1000, -122000, 1000), -122000);
+  RoundRecord ahead;
+  ahead.key = 7;
+  ahead.clock_step = -157439;
+  EXPECT_TRUE(steps.Take({ahead}, 0));
+  EXPECT_EQ(round(1000, 157430, 1000), 0) << "this clock has not moved since";
+  ClockSteps started;
+  started.Start(1000);
+  started.Take({ahead}, 0);
+  started.BeginRound(1000);
+  started.TakeJump(1, 157430, false);
+  EXPECT_EQ(started.EndRound(), 157430) << "it was set right before the start";
 }
 
 TEST(BelievedTime, IsNotThatOfAClockThatIsAhead) {
