@@ -70,7 +70,7 @@ class YearRunner : public CommandRunner {
   /// What is not over is told once more, or not at all.
   void Stop() override {
     on_end_ = nullptr;
-    told.pop_back();
+    if (!told.empty()) told.pop_back();
   }
 
   std::vector<std::string> told;  ///< since it was emptied
