@@ -14,9 +14,10 @@
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kLongestRun = 30'000;  ///< milliseconds
-constexpr std::int64_t kPollStep = 20;        ///< milliseconds
-constexpr std::int16_t kMoistureTable = 0;    ///< places among the files of the settings
+constexpr std::int64_t kLongestRun = 30'000;        ///< milliseconds
+constexpr std::int64_t kLongestBehindCancel = 500;  ///< milliseconds
+constexpr std::int64_t kPollStep = 20;              ///< milliseconds
+constexpr std::int16_t kMoistureTable = 0;          ///< places among the files of the settings
 constexpr std::int16_t kSalinityTable = 1;
 constexpr std::int64_t kSmallPart = 1'000'000;  ///< bytes that are read without a thread of their own
 
@@ -36,25 +37,37 @@ std::optional<TableRange> RangeOf(const std::string& as_Table) {
 }  // namespace
 
 bool FileScans::Stopped() const {
+  if (asked_only_ && p_.loop.MonotonicMilliseconds() >= end_) return true;
   return p_.flags.closing || (p_.link.UserCancel && !was_cancelled_);
 }
 
 void FileScans::Run() {
+  asked_only_ = false;
+  ScanAll(kLongestRun);
+}
+
+void FileScans::RunForAsked() {
+  asked_only_ = true;
+  ScanAll(kLongestBehindCancel);
+}
+
+void FileScans::ScanAll(std::int64_t al_Milliseconds) {
   if (!p_.history.IsReady()) return;
   was_cancelled_ = p_.link.UserCancel;
   moisture_ = RangeOf(p_.files.SettingsFile(kMoistureTable));
   salinity_ = RangeOf(p_.files.SettingsFile(kSalinityTable));
-  const std::int64_t end = p_.loop.MonotonicMilliseconds() + kLongestRun;
+  std::int64_t polled = p_.loop.MonotonicMilliseconds();
+  end_ = polled + al_Milliseconds;
   const std::int64_t count = p_.history.Positions();
   std::set<std::int64_t> scanned;
-  std::int64_t polled = p_.loop.MonotonicMilliseconds();
   for (std::int64_t turn = 0; turn < count && !Stopped() && p_.history.IsReady(); ++turn) {
     if (next_ > count) next_ = 1;
     const std::int64_t key = p_.history.KeyOf(next_);
-    if (key != 0 && scanned.insert(key).second) ScanUnit(next_, key);
+    const bool has_turn = key != 0 && (!asked_only_ || p_.history.Of(key).contacted);
+    if (has_turn && scanned.insert(key).second) ScanUnit(next_, key);
     ++next_;
     const std::int64_t now = p_.loop.MonotonicMilliseconds();
-    if (now >= end) return;
+    if (now >= end_) return;
     if (now - polled < kPollStep) continue;
     p_.loop.Poll();
     polled = now;

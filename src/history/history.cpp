@@ -301,7 +301,7 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
     UnitMemory& each = memory_[entry];
     if (each.clock_read) each.clock.Take(av_Contact, clock_steps_.clock(), entry == unit->key);
   }
-  memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered;
+  memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered || av_Contact.stored > 0;
   change.contacts.push_back(std::move(av_Contact));
   Write(change);
 }

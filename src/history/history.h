@@ -29,7 +29,7 @@ struct UnitMemory {
   std::vector<GapRecord>
       gaps;  ///< that are neither filled nor a matter of the clock, and those settled since the start
   ClockBook clock;
-  bool contacted = false;   ///< the unit has answered since its raw file was scanned
+  bool contacted = false;   ///< the unit has answered, or brought readings, since its raw file was scanned
   bool clock_read = false;  ///< the contacts of former times are in the clock book
 };
 

@@ -73,7 +73,11 @@ void RoundJournal::End(const std::string& as_Error) {
   counts_.ending = Ending(as_Error);
   p_.history.EndRound(counts_);
   // A failed transfer cancels what follows it, which says nothing about the raw files; a person is not kept waiting.
-  if (!p_.link.UserCancel || TransferHasCancelled()) p_.scans.Run();
+  if (!p_.link.UserCancel || TransferHasCancelled()) {
+    p_.scans.Run();
+  } else {
+    p_.scans.RunForAsked();
+  }
   p_.watch.Write();
   p_.history.TellStatus();
   if (follower.on_round_end) follower.on_round_end();
