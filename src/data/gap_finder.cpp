@@ -110,18 +110,22 @@ std::int64_t GapFinder::PeriodBehind(std::size_t al_At) const {
 }
 
 Verdict GapFinder::Judge(std::size_t al_At) const {
+  const std::int64_t before = PeriodBefore(al_At);
   const std::int64_t behind = PeriodBehind(al_At);
-  Verdict verdict = JudgeBy(At(al_At), PeriodBefore(al_At), behind);
-  const bool as_long = verdict.jumped <= kInexact ||
+  Verdict verdict = JudgeBy(At(al_At), before, behind);
+  // What a clock has jumped moves no reading to another stretch as long as it is small beside both periods.
+  const std::int64_t shorter = behind > 0 ? std::min(verdict.period, behind) : verdict.period;
+  const bool as_long = verdict.jumped <= std::max(kInexact, shorter / 2) ||
                        verdict.missing == Missing(At(al_At).length(), std::max<std::int64_t>(verdict.period, 1));
   const bool told = At(al_At).told > 0;
   // A command without an answer has reached the unit when it measures by it behind the gap and has not before.
   if (verdict.kind == Verdict::Gap && as_long && (told || behind != verdict.period))
-    CountByStretches(verdict, told, behind);
+    CountByStretches(verdict, told, before, behind);
   return verdict;
 }
 
-void GapFinder::CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Behind) const {
+void GapFinder::CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Before,
+                                 std::int64_t al_Behind) const {
   const auto counts = [&](const PeriodChange& change) {
     const bool within = change.at >= av_Gap.from && change.at < av_Gap.to && change.seconds > 0;
     return within && change.certain == ab_Certain && (ab_Certain || change.seconds == al_Behind);
@@ -132,9 +136,12 @@ void GapFinder::CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t 
   av_Gap.period_behind = av_Gap.period;
   for (const PeriodChange& change : hints_.periods) {
     if (!counts(change) || change.at < begin) continue;
-    // Behind a command no reading shows where the next one was: units log at whole multiples of their period.
-    av_Gap.missing += begin == av_Gap.from ? (change.at - begin) / av_Gap.period_behind
-                                           : MultiplesBetween(begin, change.at, av_Gap.period_behind);
+    if (begin != av_Gap.from) {
+      // Behind a command no reading shows where the next one was: units log at whole multiples of their period.
+      av_Gap.missing += MultiplesBetween(begin, change.at, av_Gap.period_behind);
+    } else if (al_Before > 0) {
+      av_Gap.missing += (change.at - begin) / al_Before;
+    }
     begin = change.at;
     av_Gap.period_behind = change.seconds;
     if (!ab_Certain) break;

@@ -92,8 +92,9 @@ class GapFinder {
   [[nodiscard]] Verdict Judge(std::size_t al_At) const;
   [[nodiscard]] Verdict JudgeBy(const Distance& av_Distance, std::int64_t al_Before, std::int64_t al_After) const;
   /// Counts what is missing where a period was set within the gap: each stretch by its own. `ab_Certain`: by commands
-  /// that were answered; else by the first one that was not and would have set the period behind.
-  void CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Behind) const;
+  /// that were answered; else by the first one that was not and would have set the period behind. Where the period
+  /// before is not known (0), the first stretch lacks nothing that anybody could tell.
+  void CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Before, std::int64_t al_Behind) const;
   /// The first distance of the window before that one.
   [[nodiscard]] static std::size_t WindowBegin(std::size_t al_At) { return al_At > kWindow ? al_At - kWindow : 0; }
   [[nodiscard]] bool IsShort(std::size_t al_At) const;

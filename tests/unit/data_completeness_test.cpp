@@ -117,6 +117,14 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
          return hints;
        }(),
        "540-3540:20"},
+      {"a told period in the first distance, the one before unknown", "0 +360 +180*9", period(230, 10800), ""},
+      {"a clock that drifted by minutes over a told period", "0 +360*9 +900 +180*9",
+       [&] {
+         ScanHints hints = period(3640, 10800);
+         hints.steps.push_back({kStart, kStart + 5000 * kMinute, 717});
+         return hints;
+       }(),
+       "3240-4140:3"},
       {"a told period that was not taken", "0 +15*30 +75 +15*9", period(100, 3600), "450-525:4"},
   };
   for (const auto& [name, dates, hints, expected] : rows) {
