@@ -79,34 +79,9 @@ void History::Adopt(const HistoryContents& av_Stored) {
   TakeSteps(waiting_.rounds);
   // What the file does not know of the units that are known here.
   if (!waiting_.units.empty() || !changed.empty() || av_Stored.units.empty()) waiting_.units = units_.All();
-  RenumberMemory(changed);
-  for (const ScanRecord& scan : av_Stored.scans) memory_[scan.unit].scan = scan;
-  for (const GapRecord& gap : av_Stored.gaps) memory_[gap.unit].gaps.push_back(gap);
-  for (const GapRecord& gap : waiting_.gaps) Remember(gap);
+  memory_.Adopt(av_Stored, changed);
+  for (const GapRecord& gap : waiting_.gaps) memory_.Take(gap);
   for (const DeliveryRecord& each : av_Stored.deliveries) deliveries_.try_emplace({each.unit, each.target}, each);
-}
-
-void History::RenumberMemory(const std::map<std::int64_t, std::int64_t>& av_Units) {
-  // The entries stay where they are: somebody may be at work with one.
-  auto former = std::exchange(memory_, {});
-  while (!former.empty()) {
-    auto unit = former.extract(former.begin());
-    unit.mapped().scan = {};
-    unit.mapped().gaps.clear();
-    if (const auto found = av_Units.find(unit.key()); found != av_Units.end()) unit.key() = found->second;
-    memory_.insert(std::move(unit));
-  }
-}
-
-void History::Remember(const GapRecord& av_Gap) {
-  std::vector<GapRecord>& known = memory_[av_Gap.unit].gaps;
-  const auto same =
-      std::find_if(known.begin(), known.end(), [&](const GapRecord& each) { return each.from == av_Gap.from; });
-  if (same == known.end()) {
-    known.push_back(av_Gap);
-  } else {
-    *same = av_Gap;
-  }
 }
 
 void History::Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds) {
@@ -219,8 +194,7 @@ std::int64_t History::ClockBase() const {
 }
 
 void History::TakeSteps(const std::vector<RoundRecord>& av_Rounds) {
-  if (!clock_steps_.Take(av_Rounds, round_.key)) return;
-  for (auto& [key, unit] : memory_) unit.clock_read = false;
+  if (clock_steps_.Take(av_Rounds, round_.key)) memory_.ForgetClocks();
 }
 
 void History::FollowUnits() {
@@ -232,7 +206,10 @@ void History::FollowUnits() {
   HistoryContents change;
   change.units = units_.Follow(PresentUnits(p_.registry, p_.names), p_.loop.NowUtc(), sentences);
   for (const std::string& sentence : sentences) p_.trace.LogWrite(sentence);
-  if (!change.units.empty()) Write(change);
+  if (change.units.empty()) return;
+  // Which entries of the list are one station may have changed, and so whose contacts tell of whose clock.
+  memory_.ForgetClocks();
+  Write(change);
 }
 
 std::vector<std::int64_t> History::PositionsOf(const std::vector<std::int64_t>& av_Keys) const {
@@ -245,11 +222,11 @@ std::vector<std::int64_t> History::PositionsOf(const std::vector<std::int64_t>& 
 }
 
 UnitMemory& History::WithClock(std::int64_t al_Key) {
-  if (UnitMemory& unit = memory_[al_Key]; unit.clock_read) return unit;
+  if (UnitMemory& unit = memory_.Of(al_Key); unit.clock_read) return unit;
   std::vector<ContactRecord> former;
   bool read = true;
   for (const std::int64_t entry : units_.EntriesOf(al_Key)) read = ReadContacts(entry, former) && read;
-  UnitMemory& unit = memory_[al_Key];
+  UnitMemory& unit = memory_.Of(al_Key);
   if (!read) return unit;
   std::stable_sort(former.begin(), former.end(), [](const ContactRecord& one, const ContactRecord& other) {
     return std::tuple(one.round, one.at.utc) < std::tuple(other.round, other.at.utc);
@@ -296,9 +273,9 @@ void History::NoteContact(std::int64_t al_Position, ContactRecord av_Contact) {
     round_.clock_step = step;
     change.rounds.push_back(round_);
   }
-  UnitMemory& memory = memory_[unit->key];
+  UnitMemory& memory = memory_.Of(unit->key);
   for (const std::int64_t entry : units_.EntriesOf(unit->key)) {
-    UnitMemory& each = memory_[entry];
+    UnitMemory& each = memory_.Of(entry);
     if (each.clock_read) each.clock.Take(av_Contact, clock_steps_.clock(), entry == unit->key);
   }
   memory.contacted = memory.contacted || av_Contact.outcome == Outcome::Answered || av_Contact.stored > 0;
@@ -333,7 +310,7 @@ void History::NoteGaps(std::int64_t al_Position, const std::vector<GapRecord>& a
     gap.unit = key;
     gap.changed = p_.loop.NowUtc();
     if (gap.found.IsNone()) gap.found = gap.changed;
-    Remember(gap);
+    memory_.Take(gap);
     change.gaps.push_back(gap);
   }
   Write(change);
@@ -355,12 +332,7 @@ bool History::NoteScan(std::int64_t al_Key, const RawScan& av_Scan, const std::v
     GiveUp("written", written);
     return false;
   }
-  UnitMemory& unit = memory_[al_Key];
-  std::erase_if(unit.gaps, [&](const GapRecord& each) { return each.to > av_Scan.changed_from; });
-  for (const GapRecord& gap : change.gaps) {
-    if (gap.state != GapState::Dropped) unit.gaps.push_back(gap);
-  }
-  unit.scan = std::move(change.scans.back());
+  memory_.Take(change.scans.back(), change.gaps, av_Scan.changed_from);
   return true;
 }
 
@@ -381,11 +353,7 @@ void History::ForgetBefore(std::int64_t al_Years) {
   if (forgotten_ > now) forgotten_ = {};
   if (!Kept() || now - forgotten_ < kSecondsPerDay || !IsReady()) return;
   forgotten_ = now;
-  std::vector<DateTime> lasts;
-  for (const auto& [key, unit] : memory_) {
-    if (!unit.scan.last.IsNone()) lasts.push_back(unit.scan.last);
-  }
-  const Moment today = believed_.Today(now, std::move(lasts));
+  const Moment today = believed_.Today(now, memory_.LastReadings());
   const Moment before{today.utc - al_Years * kSecondsPerYear, today.ahead};
   if (const Status forgot = p_.store->Forget(before); !forgot.ok()) GiveUp("written", forgot);
 }

@@ -10,10 +10,10 @@
 
 #include "data/completeness.h"
 #include "history/believed_time.h"
-#include "history/clock_book.h"
 #include "history/network_status.h"
 #include "history/own_clock.h"
 #include "history/unit_catalogue.h"
+#include "history/unit_memories.h"
 #include "platform/event_loop.h"
 #include "platform/history_records.h"
 #include "platform/history_store.h"
@@ -22,16 +22,6 @@
 #include "trace/trace.h"
 
 namespace corvane {
-
-/// What is kept in memory of a unit's history.
-struct UnitMemory {
-  ScanRecord scan;
-  std::vector<GapRecord>
-      gaps;  ///< that are neither filled nor a matter of the clock, and those settled since the start
-  ClockBook clock;
-  bool contacted = false;   ///< the unit has answered, or brought readings, since its raw file was scanned
-  bool clock_read = false;  ///< the contacts of former times are in the clock book
-};
 
 /// Writes down what happens to each unit, in the file "history.db" of the application folder.
 ///
@@ -83,7 +73,7 @@ class History {
   /// So many units are in the list.
   [[nodiscard]] std::int64_t Positions() const { return p_.registry.Units.count(); }
   /// What is known of the unit of a key.
-  [[nodiscard]] UnitMemory& Of(std::int64_t al_Key) { return memory_[al_Key]; }
+  [[nodiscard]] UnitMemory& Of(std::int64_t al_Key) { return memory_.Of(al_Key); }
   /// The same, with its contacts of former times in the clock book; without where they cannot be read now: see
   /// `clock_read`. May give units other keys where `IsReady` was not asked before.
   [[nodiscard]] UnitMemory& WithClock(std::int64_t al_Key);
@@ -125,9 +115,6 @@ class History {
   void Adopt(const HistoryContents& av_Stored);
   /// Begins a file anew that turned out to be damaged, with all that is known.
   Status BeginAnew();
-  /// Gives what is known of units the keys that the file has, without scans and gaps.
-  void RenumberMemory(const std::map<std::int64_t, std::int64_t>& av_Units);
-  void Remember(const GapRecord& av_Gap);
   /// Gives what waits the keys that the file has.
   void Renumber(const std::map<std::int64_t, std::int64_t>& av_Units, std::int64_t al_Rounds);
   /// `as_CannotBe`: "written" or "read".
@@ -148,7 +135,7 @@ class History {
   Parts p_;
   std::string file_;
   UnitCatalogue units_;
-  std::map<std::int64_t, UnitMemory> memory_;                             ///< by key
+  UnitMemories memory_;
   std::map<std::pair<std::int64_t, Target>, DeliveryRecord> deliveries_;  ///< by key and target
   RoundRecord round_;                                                     ///< that runs
   ClockSteps clock_steps_;

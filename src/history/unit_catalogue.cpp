@@ -1,6 +1,7 @@
 #include "history/unit_catalogue.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <utility>
 
@@ -80,6 +81,7 @@ std::map<std::int64_t, std::int64_t> UnitCatalogue::Adopt(const std::vector<Unit
   for (std::int64_t& key : keys_) {
     if (const auto found = changed.find(key); found != changed.end()) key = found->second;
   }
+  IndexAddresses();
   return changed;
 }
 
@@ -120,6 +122,7 @@ std::vector<UnitRecord> UnitCatalogue::Follow(std::vector<UnitRecord> av_Present
     unit.position = 0;
     changed.push_back(unit);
   }
+  if (!changed.empty()) IndexAddresses();
   return changed;
 }
 
@@ -137,11 +140,18 @@ std::vector<std::int64_t> UnitCatalogue::EntriesOf(std::int64_t al_Key) const {
   std::vector<std::int64_t> entries = {al_Key};
   const auto found = units_.find(al_Key);
   if (found == units_.end()) return entries;
-  for (const auto& [key, unit] : units_) {
-    const bool is_it = unit.unit_id == found->second.unit_id && unit.relay_id == found->second.relay_id;
-    if (key != al_Key && unit.position > 0 && is_it) entries.push_back(key);
-  }
+  const auto same = by_address_.find({found->second.unit_id, found->second.relay_id});
+  if (same == by_address_.end()) return entries;
+  std::copy_if(same->second.begin(), same->second.end(), std::back_inserter(entries),
+               [al_Key](std::int64_t key) { return key != al_Key; });
   return entries;
+}
+
+void UnitCatalogue::IndexAddresses() {
+  by_address_.clear();
+  for (const auto& [key, unit] : units_) {
+    if (unit.position > 0) by_address_[{unit.unit_id, unit.relay_id}].push_back(key);
+  }
 }
 
 std::vector<UnitRecord> UnitCatalogue::All() const {

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "platform/history_records.h"
@@ -51,11 +52,15 @@ class UnitCatalogue {
   using Marks = std::tuple<std::int32_t, std::int32_t, std::string>;
   [[nodiscard]] static Marks MarksOf(const UnitRecord& av_Unit);
   [[nodiscard]] const UnitRecord* FindSame(const UnitRecord& av_Unit) const;
+  /// How a station is called on the radio: ID, relay.
+  using Address = std::pair<std::int32_t, std::int32_t>;
   void Put(const UnitRecord& av_Unit);
+  void IndexAddresses();
   [[nodiscard]] std::int64_t NewKey() const { return units_.empty() ? 1 : units_.rbegin()->first + 1; }
 
   std::map<std::int64_t, UnitRecord> units_;  ///< by key
   std::map<Marks, std::int64_t> by_marks_;
+  std::map<Address, std::vector<std::int64_t>> by_address_;  ///< of the units that are in the list
   std::optional<Lists> seen_;
   std::vector<std::int64_t> keys_;  ///< by position, the first at 0
   std::set<std::int64_t> shared_;   ///< keys that were said to be those of several units
