@@ -91,6 +91,7 @@ std::int64_t ClockSteps::StepSoFar() const {
   for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
   const std::int64_t step = StepOf(jumps, {round_base_ - base_, heard_}, set_);
   if (step != 0 || heard_ || set_) return step;
+  if (!std::ranges::all_of(jumps, IsJump)) return 0;
   // Behind a start one unit does, too, that jumps by just what this computer's clock was off: it was set right.
   return Agreeing(jumps, clock_.SetBackSince(0)).value_or(0);
 }
