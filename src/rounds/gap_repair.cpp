@@ -92,12 +92,17 @@ std::vector<std::int64_t> GapRepair::Candidates() {
   return units;
 }
 
+std::string GapRepair::RawFileOf(std::int64_t al_Unit) const {
+  return p_.names.DataFileName(static_cast<std::int32_t>(al_Unit), false);
+}
+
 bool GapRepair::IsAskedByItself(std::int64_t al_Unit, const GapRecord& av_Gap) const {
   if (av_Gap.tries >= kMostTries) return false;
   const std::int64_t most = ReadNetworkSettings(p_.form).repair_limit;
   // From an earlier date on the unit sends more, never less.
-  const auto announced = announced_.lower_bound({al_Unit, av_Gap.from});
-  if (announced != announced_.end() && announced->first.first == al_Unit && announced->second > most) return false;
+  const std::string file = RawFileOf(al_Unit);
+  const auto announced = announced_.lower_bound({file, av_Gap.from});
+  if (announced != announced_.end() && announced->first.first == file && announced->second > most) return false;
   const std::int64_t period = (av_Gap.to - av_Gap.from) / (av_Gap.missing + 1);
   return p_.exchange.Now() - av_Gap.from <= std::max<std::int64_t>(period, 1) * most;
 }
@@ -170,8 +175,13 @@ void GapRepair::Take(RepairResult& av_Row, const GapAnswer& av_Answer) {
   av_Row.result = av_Answer.result;
   av_Row.asked = true;
   av_Row.heard = av_Answer.heard;
-  if (av_Answer.announced > 0) announced_[{av_Row.unit, av_Row.gap.from}] = av_Answer.announced;
   av_Row.problem = av_Answer.state != GapState::Filled && av_Answer.state != GapState::Lost;
+  const std::pair gap(RawFileOf(av_Row.unit), av_Row.gap.from);
+  if (!av_Row.problem) {
+    announced_.erase(gap);
+  } else if (av_Answer.announced > 0) {
+    announced_[gap] = av_Answer.announced;
+  }
   p_.trace.LogWrite(LineOf(av_Row));
   if (av_Answer.state == GapState::Found) return;
   GapRecord noted = av_Row.gap;

@@ -81,6 +81,7 @@ class GapRepair {
   /// Radio units that have answered well in the last round and have gaps that are asked for by themselves, that with
   /// the newest one first.
   [[nodiscard]] std::vector<std::int64_t> Candidates();
+  [[nodiscard]] std::string RawFileOf(std::int64_t al_Unit) const;
   [[nodiscard]] bool IsAskedByItself(std::int64_t al_Unit, const GapRecord& av_Gap) const;
   /// Lists the gaps of the units, and the units that cannot be asked.
   void Collect(const std::vector<std::int64_t>& av_Units, DateTime av_Since);
@@ -97,8 +98,8 @@ class GapRepair {
 
   Parts p_;
   std::vector<RepairResult> results_;
-  /// Lines that a unit has announced from a date on, where they were too many.
-  std::map<std::pair<std::int64_t, DateTime>, std::int64_t> announced_;
+  /// Lines that a unit has announced for an open gap, by raw file and the gap's begin.
+  std::map<std::pair<std::string, DateTime>, std::int64_t> announced_;
   bool tidied_ = false;  ///< what a former run of the program has left is gone
 };
 
