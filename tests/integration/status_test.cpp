@@ -1,7 +1,11 @@
 // Drives corvanectl status, health and note over histories, and hands what they print to the programs that read it.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
+#include <regex>
 #include <string>
 
 #include "posix/local_clock.h"
@@ -43,6 +47,11 @@ class StatusTest : public testing::Test {
   Moment now_ = LocalClock().NowUtc();
   std::string output_;
 };
+
+std::string Contents(const std::filesystem::path& file) {
+  std::ifstream stream(file);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 /// One unit of each state, with all that can be said of a unit.
 HistoryContents FullHistory(Moment now, const std::string& text) {
@@ -123,6 +132,23 @@ TEST_F(StatusTest, IsReadByTheProgramsItIsMeantFor) {
       static_cast<void>(Run({"status", form}));
       EXPECT_FALSE(Printed("\x1b") || Printed("\x01") || Printed("\xff")) << output_;
     }
+  }
+}
+
+TEST_F(StatusTest, PrintsTheMetricsThatTheGuideNames) {
+  Save(FullHistory(now_, "x"));
+  static_cast<void>(Run({"status", "--metrics"}));
+  const auto docs = std::filesystem::path(STATUS_SCHEMA).parent_path().parent_path();
+  for (const char* page : {"guide/administration.md", "guide/de/administration.md"}) {
+    const std::string text = Contents(docs / page);
+    const std::regex metric("expr:.*?(corvane_[a-z_]+)");
+    int named = 0;
+    for (auto match = std::sregex_iterator(text.begin(), text.end(), metric); match != std::sregex_iterator();
+         ++match) {
+      EXPECT_TRUE(Printed("# TYPE " + (*match)[1].str() + " ")) << page << ": " << (*match)[1];
+      ++named;
+    }
+    EXPECT_GE(named, 4) << page;
   }
 }
 
