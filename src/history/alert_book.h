@@ -36,6 +36,7 @@ inline constexpr std::string_view kDigest = "digest";  ///< no cause: `told` is 
 
 /// Cause, unit and subject of a record.
 using AlertKey = std::tuple<std::string, std::int64_t, std::string>;
+/// That of a record: two of one key tell of the same matter.
 [[nodiscard]] AlertKey KeyOf(const AlertRecord& av_Record);
 
 /// A unit in an event.

@@ -10,6 +10,9 @@
 
 namespace corvane {
 
+/// Seconds beyond which a unit's clock is wrong, and people are told.
+inline constexpr std::int64_t kClockOff = 600;
+
 /// How a unit's clock stands to this computer's.
 struct ClockView {
   std::optional<std::int64_t> offset;  ///< seconds that it is ahead of the local time now

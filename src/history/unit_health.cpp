@@ -10,6 +10,7 @@
 
 #include "base/format.h"
 #include "base/numbers.h"
+#include "history/clock_view.h"
 #include "history/status_texts.h"
 #include "history/unit_status.h"
 #include "state/records.h"
@@ -23,7 +24,6 @@ constexpr std::int64_t kRejectedDays = 30;
 constexpr double kBatterySoon = 30;     ///< days
 constexpr std::int64_t kManyTries = 2;  ///< a contact, on the average of the last ten
 constexpr double kSteady = 0.0005;      ///< volts a day
-constexpr std::int64_t kClockOff = 600;
 
 constexpr std::array kOutcomes = {Phrase{1314, "answered"},  Phrase{1315, "error"},   Phrase{1316, "no answer"},
                                   Phrase{1317, "not asked"}, Phrase{1318, "no port"}, Phrase{1331, "other"}};

@@ -13,7 +13,6 @@
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kClockOff = 600;
 constexpr std::int64_t kStill = 48 * 3600;
 constexpr std::int64_t kOutsideShare = 10;  ///< of so many readings of a day one may lie outside
 

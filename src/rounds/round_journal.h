@@ -62,7 +62,9 @@ class RoundJournal {
   void EndTurn(std::int64_t al_Index);
   /// No more units will be asked.
   void EndContacts();
+  /// A step with a unit's file on the way to a server, from there or to the backup has ended, within a round or not.
   void NoteTransfer(const TransferResult& av_Result);
+  /// A conversion of a raw file has ended; of a file that is no unit's nothing is noted.
   void NoteConversion(const ConversionResult& av_Result, const std::string& as_RawFile);
 
   RoundFollower follower;  ///< set by a front end

@@ -20,14 +20,17 @@ struct StationField {
   std::function<std::string(Record& record, const std::string& text)> set;
 };
 
+/// What a table of stations holds of a relay, column by column; a relay's ID is read by its column and never set.
 [[nodiscard]] std::vector<StationField<Relay>> RelayFields();
 /// A client's ID is read by its column and never set.
 [[nodiscard]] std::vector<StationField<Client>> ClientFields();
 /// `av_Relays` and `av_Clients` must outlive what is returned.
 [[nodiscard]] std::vector<StationField<Unit>> UnitFields(const RecordNames& av_Relays, const RecordNames& av_Clients);
 
+/// By which names the cells of units call these records.
 [[nodiscard]] RecordNames NamesOf(const RecordArray<Relay>& av_Relays);
 [[nodiscard]] RecordNames NamesOf(const RecordArray<Client>& av_Clients);
+/// The same for none at all, which only knows how a cell says "none".
 [[nodiscard]] RecordNames NoRelayNames();
 [[nodiscard]] RecordNames NoClientNames();
 

@@ -24,7 +24,6 @@ class AppInfo {
   /// Product name, version and a closing line, for the about box.
   [[nodiscard]] static std::string AboutText();
 
-  [[nodiscard]] const std::string& PreviousVersion() const { return previous_version_; }
   void SetPreviousVersion(std::string_view as_Version) { previous_version_ = as_Version; }
   /// The longest file that is fetched, in bytes.
   [[nodiscard]] std::int64_t FetchLimit() const { return fetch_limit_; }

@@ -35,9 +35,6 @@ class CWinsock {
 
   /// Turns the log on or off; a log that cannot be written turns itself off.
   void SetLogging(bool ab_Logging) { logging_ = ab_Logging; }
-  [[nodiscard]] const std::string& LogPath() const { return log_path_; }
-  [[nodiscard]] const std::string& RemoteHost() const { return remote_host_; }
-  [[nodiscard]] std::int32_t RemotePort() const { return remote_port_; }
 
  private:
   void OnEvent(SocketEvent av_Event, const std::string& as_Text);

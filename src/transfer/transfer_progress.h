@@ -36,7 +36,6 @@ class TransferProgress {
   [[nodiscard]] TransferDirection Direction() const { return direction_; }
   /// Lines of listings that were left out since the last call.
   [[nodiscard]] std::int64_t TakeSkippedLines() { return std::exchange(skipped_lines_, 0); }
-  [[nodiscard]] std::int64_t BytesThisSession() const { return bytes_this_session_; }
 
   /// The server's connection is gone; set by the session.
   std::function<void()> connection_closed;
