@@ -45,7 +45,12 @@ SetupAnswer SetupCommands::TryBackup(const SetupPlan& av_Plan) {
 
 bool SetupCommands::PutIn(const SetupPlan& av_Plan) {
   if (p_.slot.Taken()) return false;
-  p_.operations.RunCommand("Setup", [&] { p_.writer.PutIn(av_Plan); });
+  bool done = false;
+  p_.operations.RunCommand("Setup", [&] {
+    p_.writer.PutIn(av_Plan);
+    done = true;
+  });
+  if (!done) return false;
   const bool saved = p_.settings.SaveSettings();
   p_.watch.Write();
   return saved;

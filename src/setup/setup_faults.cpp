@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <map>
+#include <set>
+#include <string>
 
 #include "base/numbers.h"
 #include "base/paths.h"
@@ -40,6 +42,9 @@ constexpr struct {
   Phrase no_login{1517, "The server needs a user name and a password; enter both, or log in anonymously."};
   Phrase no_size{1518, "This is no number of megabytes; 0 stands for no end."};
   Phrase no_device{1519, "This is no device: %1."};
+  Phrase file_shared{1703,
+                     "The unit %1 of this client and that of another one would share one raw file; choose another "
+                     "folder."};
   Phrase id_of_direct{1701, "\"Direct\" has the ID 0; give this relay another one."};
 } kSay;
 
@@ -150,6 +155,26 @@ std::string ClientFolderProblem(std::string_view as_Folder, const Phrases& av_Sa
   return TextProblem(as_Folder, av_Say);
 }
 
+/// Units of one ID whose clients have one folder would share a raw file.
+void FindSharedFiles(const SetupPlan& av_Plan, Findings& av_Findings) {
+  std::map<std::string, std::size_t> clients = {{"", 0}};
+  for (std::size_t row = 1; row <= av_Plan.clients.size(); ++row) {
+    clients.emplace(ToLower(Trim(av_Plan.clients[row - 1].name)), row);
+  }
+  std::map<std::string, std::size_t> files;
+  std::set<std::size_t> told;
+  for (const SetupUnit& unit : av_Plan.units) {
+    const auto client = clients.find(ToLower(Trim(unit.client)));
+    if (!unit.active || client == clients.end()) continue;
+    const std::size_t row = client->second;
+    const std::string id = ShortestText(LeadingNumber(Trim(unit.id)));
+    const std::string folder = row == 0 ? "" : WithSlashes(Trim(av_Plan.clients[row - 1].folder));
+    const std::size_t first = files.emplace(id + " " + AddBackslash(folder), row).first->second;
+    if (first == row || !told.insert(std::max(first, row)).second) continue;
+    av_Findings.Add(SetupField::ClientFolder, std::max(first, row), av_Findings.say.Text(kSay.file_shared, {id}));
+  }
+}
+
 void FindInFolders(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& av_Findings) {
   const Phrases& say = av_Findings.say;
   std::string problem = NewFolderProblem(av_App.AppPath(WithSlashes(av_Plan.data_folder)), say);
@@ -164,6 +189,7 @@ void FindInFolders(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& av
     av_Findings.Add(SetupField::ClientName, row, problem);
     av_Findings.Add(SetupField::ClientFolder, row, ClientFolderProblem(client.folder, say));
   }
+  FindSharedFiles(av_Plan, av_Findings);
   for (const SetupUnit& unit : av_Plan.units) {
     const std::string client = ToLower(Trim(unit.client));
     if (client.empty() || names.contains(client)) continue;

@@ -16,6 +16,17 @@ std::string FolderNameFor(std::string_view as_Client) {
   return folder.starts_with('.') ? "_" + folder.substr(1) : folder;
 }
 
+/// The same, numbered where another client has that folder.
+std::string NewFolderFor(const SetupPlan& av_Plan, std::string_view as_Client) {
+  const std::string name = FolderNameFor(as_Client);
+  std::string folder = name;
+  const auto is_taken = [&folder](const SetupClient& client) { return EqualsNoCase(Trim(client.folder), folder); };
+  for (int number = 2; std::ranges::any_of(av_Plan.clients, is_taken); ++number) {
+    folder = name + "_" + std::to_string(number);
+  }
+  return folder;
+}
+
 /// The ID behind the last one, where that is a number.
 template <class Row>
 std::string NextID(const std::vector<Row>& av_Rows) {
@@ -41,7 +52,7 @@ void CompletePlan(SetupPlan& av_Plan, SetupPage av_Page) {
     const bool known = name.empty() ||
                        std::any_of(av_Plan.clients.begin(), av_Plan.clients.end(),
                                    [name](const SetupClient& client) { return EqualsNoCase(Trim(client.name), name); });
-    if (!known) av_Plan.clients.push_back({std::string(name), FolderNameFor(name)});
+    if (!known) av_Plan.clients.push_back({std::string(name), NewFolderFor(av_Plan, name)});
   }
 }
 

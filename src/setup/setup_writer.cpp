@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/paths.h"
+#include "base/status.h"
 #include "base/text.h"
 #include "setup/setup_records.h"
 #include "setup/stations_question.h"
@@ -27,7 +28,7 @@ void SetupWriter::PutIn(const SetupPlan& av_Plan) {
   if (!av_Plan.language_file.empty()) Enter(p_.form.Txt_File[kLanguageFile], av_Plan.language_file);
   if (!av_Plan.device.empty()) {
     // A number keeps its built-in device where that is the one.
-    if (p_.ports.Look(av_Plan.port).device != av_Plan.device) (void)p_.ports.Assign(av_Plan.port, av_Plan.device);
+    if (p_.ports.Look(av_Plan.port).device != av_Plan.device) Require(p_.ports.Assign(av_Plan.port, av_Plan.device));
     p_.form.Cmb_Port[0].SelectByItemData(av_Plan.port);
   }
   PutInStations(av_Plan);
@@ -43,7 +44,9 @@ void SetupWriter::PutInStations(const SetupPlan& av_Plan) {
   lists.units = std::move(records.units);
   lists.relays = std::move(records.relays);
   lists.clients = std::move(records.clients);
-  (void)corvane::PutInStations(std::move(lists), p_.registry, p_.editors);
+  if (!corvane::PutInStations(std::move(lists), p_.registry, p_.editors)) {
+    throw RunTimeError("the lists of units, relays and clients could not be put in");
+  }
 }
 
 void SetupWriter::PutInTables(const SetupPlan& av_Plan) {

@@ -26,7 +26,8 @@ class SetupWriter {
   explicit SetupWriter(const Parts& av_Parts) : p_(av_Parts) {}
 
   /// Enters what differs from what is there; what the plan does not name stays as it is. The plan has no faults and
-  /// comes from the present registry; no operation runs. **Yields** where a change handler does.
+  /// comes from the present registry; no operation runs. Throws `RunTimeError` where something is refused: the rest is
+  /// not entered then. **Yields** where a change handler does.
   void PutIn(const SetupPlan& av_Plan);
 
  private:

@@ -99,6 +99,15 @@ TEST_F(SetupPlanTest, EachFaultNamesItsPageRowAndField) {
       {[](auto& p) { p.units[0].depths = "ten"; }, Stations, SetupField::UnitDepths, 1, "no depths"},
       {[](auto& p) { p.data_folder = "/none/there"; }, Folders, SetupField::DataFolder, 0, "no folder /none"},
       {[](auto& p) { p.clients[0].folder = "../x"; }, Folders, SetupField::ClientFolder, 1, "out of the data folder"},
+      {[](auto& p) { p.units[1].id = "17", p.clients[0].folder = " "; }, Folders, SetupField::ClientFolder, 1,
+       "share one raw file"},
+      {[](auto& p) {
+         p.units = {Row("A", "1", "", "A/B"), Row("B", "1", "", "A:B")};
+         CompletePlan(p, Stations);
+         EXPECT_EQ(p.clients.back().folder, "A_B_2");
+         p.clients.back().folder = "A_B/";
+       },
+       Folders, SetupField::ClientFolder, 3, "share one raw file"},
       {[](auto& p) { p.clients.clear(); }, Folders, SetupField::Page, 0, "no client \"Farm\""},
       {[&](auto& p) { p.tables_folder = half; }, Tables, SetupField::TablesFolder, 0, "holds no salinity.lkp"},
       {[](auto& p) { p.interval = "0"; }, Schedule, SetupField::Interval, 0, "no interval"},
