@@ -1,7 +1,6 @@
 #include "desktop/application_folder.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -9,17 +8,10 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "desktop/environment.h"
 #include "state/home_folder.h"
 
 namespace corvane {
-namespace {
-
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
-}  // namespace
 
 std::string ChooseApplicationFolder(const std::string& home_option, const Shell& shell) {
   std::error_code error;

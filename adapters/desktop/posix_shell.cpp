@@ -3,7 +3,6 @@
 #include "base/files.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -13,6 +12,7 @@
 #include <unistd.h>
 
 #include "desktop/autostart_entry.h"
+#include "desktop/environment.h"
 #include "desktop/spawn.h"
 
 namespace corvane {
@@ -22,11 +22,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kEntryFile = "autostart/corvane.desktop";
-
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
 
 /// The user's autostart entry, empty when the environment names no home; a relative `$XDG_CONFIG_HOME` does not count.
 std::string EntryPath() {

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -18,6 +17,7 @@
 #include <unistd.h>
 
 #include "base/files.h"
+#include "desktop/environment.h"
 #include "desktop/folder_holder.h"
 #include "desktop/posix_shell.h"
 #include "posix/child_process.h"
@@ -43,11 +43,6 @@ constexpr std::int64_t kLongestLog = 64 * 1024;
 constexpr auto kTimeToStart = 5s;
 constexpr auto kTimeToEnd = 2s;
 constexpr auto kBetweenLooks = 5ms;
-
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
 
 std::string FindRoot() {
   const fs::path cache = Environment("XDG_CACHE_HOME");

@@ -19,21 +19,20 @@
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kTickMilliseconds = 20;
+constexpr std::int64_t kLookMilliseconds = 20;
 /// How long one of several addresses may be silent before the next is tried.
 constexpr std::int64_t kAddressMilliseconds = 10'000;
 /// What nobody takes is left to the kernel from here on, so that a talkative peer cannot fill the memory.
 constexpr std::size_t kMostReceived = 1024 * 1024;
 
-struct Address {
-  sockaddr_storage bytes{};
-  socklen_t length = 0;
-};
-
 }  // namespace
 
 /// Written by the thread that resolves the name, read once `ready` is set.
 struct PosixSocket::Lookup {
+  struct Address {
+    sockaddr_storage bytes{};
+    socklen_t length = 0;
+  };
   std::string host;
   std::string service;
   std::vector<Address> addresses;
@@ -77,7 +76,7 @@ void PosixSocket::Connect(const std::string& host, std::int32_t port) {
   lookup_ = std::make_shared<Lookup>();
   lookup_->host = host;
   lookup_->service = std::to_string(port);
-  timer_->Start(kTickMilliseconds);
+  timer_->Start(kLookMilliseconds);
   if (host.empty() || host.find('\0') != std::string::npos || port < 1 || port > 65535) {
     lookup_->error = "is no host name with a port from 1 to 65535";
     lookup_->ready = true;
@@ -109,7 +108,7 @@ void PosixSocket::Close() {
   received_.clear();
   if (std::exchange(state_, SocketState::Closed) == SocketState::Closed) return;
   untold_ = true;
-  timer_->Start(kTickMilliseconds);
+  timer_->Start(kLookMilliseconds);
 }
 
 void PosixSocket::Tick() {
@@ -140,7 +139,7 @@ void PosixSocket::TakeLookup() {
 bool PosixSocket::TryNextAddress() {
   CloseDescriptor();
   while (next_address_ < lookup_->addresses.size()) {
-    const Address& address = lookup_->addresses[next_address_++];
+    const Lookup::Address& address = lookup_->addresses[next_address_++];
     descriptor_ = socket(address.bytes.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     connect_began_ = loop_.MonotonicMilliseconds();
     const auto* const bytes = reinterpret_cast<const sockaddr*>(&address.bytes);

@@ -9,7 +9,7 @@
 namespace corvane {
 namespace {
 
-constexpr char kSeparator = '\t';
+constexpr char kTab = '\t';
 constexpr std::size_t kShortestLine = 12;
 constexpr int kTriesOfRightLine = 2;
 constexpr int kTriesOfDisturbedLine = 3;
@@ -36,7 +36,7 @@ void BadLines::BeginDownload(const std::string& as_RawFile, std::string_view as_
   if (!reader.Open(file_).ok()) return;
   std::string_view row;
   while (reader.Next(row)) {
-    const auto fields = Split(row, kSeparator);
+    const auto fields = Split(row, kTab);
     if (reader.terminated() && fields.size() == 3) lines_.emplace(fields[2]);
   }
 }
@@ -58,7 +58,7 @@ bool BadLines::IsTheCause(std::string_view as_Line, bool ab_ChecksumGood) {
 
 void BadLines::Add(DateTime av_Now, std::string_view as_Reason, std::string_view as_Line) {
   const std::string line = Visible(as_Line);
-  std::string row = GeneralDate(av_Now) + kSeparator + std::string(as_Reason) + kSeparator + line;
+  std::string row = GeneralDate(av_Now) + kTab + std::string(as_Reason) + kTab + line;
   row += kLineBreak;
   // A kill may have left half a line.
   if (!EndsWithLineEnd(file_)) row.insert(0, kLineBreak);

@@ -4,15 +4,11 @@
 
 #include "base/number_fields.h"
 #include "base/text.h"
+#include "data/raw_items.h"
 
 namespace corvane {
 namespace {
 
-// Fields of a data line; those between the count and the first sensor are extra analogue channels.
-constexpr std::size_t kBattery = 1;
-constexpr std::size_t kAmbient = 2;
-constexpr std::size_t kCount = 3;
-constexpr std::size_t kFirstExtra = 4;
 constexpr std::size_t kLongestField = kLongestFixed + 2;
 constexpr std::size_t kColumnsPerSensor = 4;
 
@@ -29,10 +25,10 @@ Calibration::Calibration(const CalibrationSettings& av_Settings, Lookups& av_Loo
 
 void Calibration::TakeHeader(const std::vector<std::string_view>& av_Fields) {
   layout_ = ReadingLayout::FromHeader(av_Fields);
-  values_.assign(std::max(layout_.expected, kFirstExtra), 0);
+  values_.assign(std::max(layout_.expected, reading_item::kFirstExtra), 0);
   sums_ = values_;
   samples_ = 0;
-  const std::size_t columns = std::max(layout_.fixed, kFirstExtra) + kColumnsPerSensor * layout_.sensors;
+  const std::size_t columns = std::max(layout_.fixed, reading_item::kFirstExtra) + kColumnsPerSensor * layout_.sensors;
   row_ = std::make_unique_for_overwrite<char[]>(columns * kLongestField);
 }
 
@@ -47,13 +43,14 @@ std::size_t Calibration::TakeLine(std::string_view as_Line) {
 
 void Calibration::AddReading() {
   if (!settings_.Average) return;
-  for (std::size_t i = kBattery; i < layout_.expected; ++i) sums_[i] += values_[i];
+  for (std::size_t i = reading_item::kBattery; i < layout_.expected; ++i) sums_[i] += values_[i];
   ++samples_;
 }
 
 void Calibration::AppendHeader(std::string& as_Out) const {
   as_Out += "Date, Battery, Ambient, Count";
-  for (std::size_t i = kFirstExtra; i < layout_.fixed; ++i) as_Out += ", AN_" + std::to_string(i - kFirstExtra);
+  for (std::size_t i = reading_item::kFirstExtra; i < layout_.fixed; ++i)
+    as_Out += ", AN_" + std::to_string(i - reading_item::kFirstExtra);
   for (std::size_t s = 1; s <= layout_.sensors; ++s) {
     const std::string number = std::to_string(s);
     if (settings_.Uncorrected) as_Out += ", UM" + number;
@@ -68,10 +65,10 @@ void Calibration::AppendRow(std::string& as_Out, DateTime av_When) {
   Average();
   date_writer_.AppendTo(as_Out, av_When);
   char* out = row_.get();
-  out = PutField(out, VoltsOf(values_[kBattery]), 3);
-  out = PutField(out, TemperatureOf(values_[kAmbient], settings_.Factors.kelvin), 2);
-  out = PutField(out, values_[kCount], 0);
-  for (std::size_t i = kFirstExtra; i < layout_.fixed; ++i) out = PutField(out, VoltsOf(values_[i]), 3);
+  out = PutField(out, VoltsOf(values_[reading_item::kBattery]), 3);
+  out = PutField(out, TemperatureOf(values_[reading_item::kAmbient], settings_.Factors.kelvin), 2);
+  out = PutField(out, values_[reading_item::kCount], 0);
+  for (std::size_t i = reading_item::kFirstExtra; i < layout_.fixed; ++i) out = PutField(out, VoltsOf(values_[i]), 3);
   for (std::size_t s = 1; s <= layout_.sensors; ++s) out = PutSensor(out, &values_[layout_.ItemOf(s)]);
   as_Out.append(row_.get(), out);
   as_Out += kLineBreak;
@@ -80,7 +77,7 @@ void Calibration::AppendRow(std::string& as_Out, DateTime av_When) {
 void Calibration::Average() {
   if (samples_ > 1) {
     const auto samples = static_cast<double>(samples_);
-    for (std::size_t i = kBattery; i < layout_.expected; ++i) values_[i] = sums_[i] / samples;
+    for (std::size_t i = reading_item::kBattery; i < layout_.expected; ++i) values_[i] = sums_[i] / samples;
   }
   if (samples_ > 0) std::fill(sums_.begin(), sums_.end(), 0);
   samples_ = 0;

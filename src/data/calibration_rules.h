@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/numbers.h"
+#include "data/raw_items.h"
 
 namespace corvane {
 
@@ -28,29 +29,26 @@ struct CalibrationFactors {
 struct ReadingLayout {
   /// Every field takes at least a comma of a line, whose length is limited.
   static constexpr std::int64_t kMostFields = 65536;
-  static constexpr std::size_t kFieldsPerSensor = 3;
 
   std::size_t fixed = 0;  ///< items before those of the sensors
   std::size_t sensors = 0;
   std::size_t expected = 0;  ///< items of a reading, the date included; 0 when the line does not say so
 
   [[nodiscard]] static ReadingLayout FromHeader(const std::vector<std::string_view>& av_Fields) {
-    constexpr std::size_t kFixedField = 2;
-    constexpr std::size_t kSensorField = 3;
     const auto number = [&av_Fields](std::size_t field) {
       return field < av_Fields.size() ? std::int64_t{LeadingInteger(av_Fields[field])} : 0;
     };
-    const std::int64_t fixed_items = number(kFixedField);
-    const std::int64_t sensor_items = number(kSensorField);
+    const std::int64_t fixed_items = number(header_item::kFixed);
+    const std::int64_t sensor_items = number(header_item::kSensors);
     ReadingLayout layout;
     if (fixed_items < 0 || sensor_items < 0 || fixed_items + sensor_items > kMostFields) return layout;
     layout.fixed = static_cast<std::size_t>(fixed_items);
     layout.expected = static_cast<std::size_t>(fixed_items + sensor_items);
-    layout.sensors = (layout.expected - layout.fixed) / kFieldsPerSensor;
+    layout.sensors = (layout.expected - layout.fixed) / kItemsPerSensor;
     return layout;
   }
   /// The first item of a sensor, counted from 1.
-  [[nodiscard]] std::size_t ItemOf(std::size_t al_Sensor) const { return fixed + kFieldsPerSensor * (al_Sensor - 1); }
+  [[nodiscard]] std::size_t ItemOf(std::size_t al_Sensor) const { return fixed + kItemsPerSensor * (al_Sensor - 1); }
 };
 
 /// The values of one sensor.

@@ -7,15 +7,11 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "data/calibration_rules.h"
+#include "data/raw_items.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::size_t kHeaderFixed = 2;
-constexpr std::size_t kHeaderSensorItems = 3;
-constexpr std::size_t kAmbient = 2;
-constexpr std::size_t kFirstExtra = 4;
-constexpr std::size_t kItemsPerSensor = 3;
 constexpr double kMillivolts = 1000;
 constexpr std::size_t kShortItem = 7;
 
@@ -74,9 +70,9 @@ ChannelWatch::Inside::Inside(const std::optional<TableRange>& av_Range) {
 
 bool ChannelWatch::TakeHeader(std::string_view as_Line) {
   const std::vector<std::string_view> fields = corvane::Split(as_Line, ',');
-  if (fields.size() <= kHeaderSensorItems) return false;
-  const std::int64_t fixed = LeadingInteger(fields[kHeaderFixed]);
-  const std::int64_t sensor_items = LeadingInteger(fields[kHeaderSensorItems]);
+  if (fields.size() <= header_item::kSensors) return false;
+  const std::int64_t fixed = LeadingInteger(fields[header_item::kFixed]);
+  const std::int64_t sensor_items = LeadingInteger(fields[header_item::kSensors]);
   if (fixed < 2 || sensor_items < 0 || fixed + sensor_items > ReadingLayout::kMostFields) return false;
   fixed_ = static_cast<std::size_t>(fixed);
   items_ = static_cast<std::size_t>(fixed + sensor_items);
@@ -96,7 +92,8 @@ std::optional<double> ChannelWatch::VoltsOf(std::uint64_t al_Battery) {
 }
 
 std::size_t ChannelWatch::First() const {
-  return fixed_ == 0 ? kFirstExtra : std::clamp(fixed_, kAmbient, kFirstExtra);
+  return fixed_ == 0 ? reading_item::kFirstExtra
+                     : std::clamp(fixed_, reading_item::kAmbient, reading_item::kFirstExtra);
 }
 
 void ChannelWatch::Watch(std::size_t al_Items, DateTime av_When, DayCount& av_Day) {

@@ -13,6 +13,7 @@
 #include "data/gap_finder.h"
 #include "data/jump_places.h"
 #include "data/line_blocks.h"
+#include "data/raw_items.h"
 #include "data/reading_date.h"
 #include "data/scan_state.h"
 
@@ -25,7 +26,6 @@ constexpr std::int64_t kStateVersion = 1;
 constexpr std::int64_t kTailBytes = 4096;
 // What more has to be remembered is found again by reading the whole file; hardly ever is it more than a few.
 constexpr std::int64_t kMostKept = 400;
-constexpr std::size_t kFewestItems = 3;
 
 /// The sum of the bytes before `al_End`, 4 KiB at most.
 std::uint32_t TailSum(const InputFile& av_File, std::int64_t al_End) {
@@ -239,7 +239,7 @@ bool Scan::TakeLine(std::string_view as_Line) {
   const char* items = nullptr;
   const std::optional<DateTime> when = dates_.Read(as_Line.data(), end, items);
   const std::size_t count = when ? watch_.Split(items, end) : 0;
-  if (count >= kFewestItems) {
+  if (count >= reading_item::kFewest) {
     if (*when < known_from_) return false;
     TakeReading(count, *when);
   } else if (first_line_) {

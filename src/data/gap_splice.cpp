@@ -12,7 +12,7 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+constexpr std::size_t kCopyBytes = std::size_t{256} * 1024;
 
 /// Looks through a raw file from its begin for the place between two readings, and for readings that it holds already.
 class PlaceSearch {
@@ -72,7 +72,7 @@ bool ReadBlocks(const std::string& as_File, std::int64_t al_Begin, std::int64_t 
                 const std::function<bool()>& av_Poll, const std::function<void(const std::string& block)>& av_Take) {
   for (std::string block; al_Begin < al_End; al_Begin += static_cast<std::int64_t>(block.size())) {
     const auto length = static_cast<std::size_t>(al_End - al_Begin);
-    Require(ReadAt(as_File, al_Begin, std::min(length, kBlockBytes), block));
+    Require(ReadAt(as_File, al_Begin, std::min(length, kCopyBytes), block));
     if (block.empty()) return true;
     av_Take(block);
     if (!av_Poll()) return false;

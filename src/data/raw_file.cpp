@@ -10,7 +10,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kTailBytes = 1024;
-constexpr std::int64_t kBlockBytes = std::int64_t{64} * 1024;
+constexpr std::int64_t kSearchBytes = std::int64_t{64} * 1024;
 constexpr std::size_t kShortestReading = 11;
 constexpr int kMostProblems = 5;
 
@@ -76,7 +76,7 @@ LastDateResult ReadBackwards(const std::string& as_File, std::int64_t al_Size, c
     if (begin == 0) block.insert(0, 1, '\n');
     if (search.Take(std::move(block), result) || !av_Poll()) break;
     end = begin;
-    wanted = kBlockBytes;
+    wanted = kSearchBytes;
   }
   return result;
 }

@@ -7,15 +7,15 @@
 #include "base/numbers.h"
 #include "base/replacement_file.h"
 #include "base/text.h"
+#include "data/raw_items.h"
 #include "data/raw_line.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::int64_t kBlockBytes = std::int64_t{64} * 1024;
+constexpr std::int64_t kPartBytes = std::int64_t{64} * 1024;
 constexpr std::int64_t kMostToCut = std::int64_t{64} * 1024;
 constexpr std::size_t kFewestHeaderItems = 6;
-constexpr std::size_t kSiteIDItem = 1;
 
 std::string BlockOf(const std::string& as_File, std::int64_t al_Begin, std::int64_t al_End) {
   std::string block;
@@ -27,7 +27,7 @@ std::string BlockOf(const std::string& as_File, std::int64_t al_Begin, std::int6
 /// NULs, is put in front of `as_Tail`.
 std::int64_t EndOfLastLine(const std::string& as_File, std::int64_t al_Size, std::string& as_Tail) {
   for (std::int64_t end = al_Size; end > 0;) {
-    const std::int64_t begin = std::max<std::int64_t>(0, end - kBlockBytes);
+    const std::int64_t begin = std::max<std::int64_t>(0, end - kPartBytes);
     const std::string block = BlockOf(as_File, begin, end);
     const std::size_t behind = block.rfind('\n') + 1;
     std::string text = block.substr(behind);
@@ -69,7 +69,7 @@ std::optional<RawHoles::Hole> RawHoles::Mend(const std::string& as_File, DateTim
   Whole& whole = whole_[as_File];
   if (whole.bytes > info->size) whole = {};
   while (whole.bytes < info->size) {
-    const std::string block = BlockOf(as_File, whole.bytes, std::min(info->size, whole.bytes + kBlockBytes));
+    const std::string block = BlockOf(as_File, whole.bytes, std::min(info->size, whole.bytes + kPartBytes));
     if (block.empty()) return std::nullopt;
     const std::size_t nul = block.find('\0');
     const std::string_view good = std::string_view(block).substr(0, nul);
@@ -115,14 +115,15 @@ std::string FirstLineOf(const std::string& as_File) {
 bool IsRightHeader(std::string_view as_Line) {
   RawLine line;
   SplitLine(as_Line, line);
-  return line.checksum_good && line.items.size() >= kFewestHeaderItems && !ParseReadingDate(line.items[0]);
+  return line.checksum_good && line.items.size() >= kFewestHeaderItems &&
+         !ParseReadingDate(line.items[reading_item::kDate]);
 }
 
 std::optional<std::string> SiteIDOf(std::string_view as_Line) {
   if (!IsRightHeader(as_Line)) return std::nullopt;
   RawLine line;
   SplitLine(as_Line, line);
-  return std::string(line.items[kSiteIDItem]);
+  return std::string(line.items[header_item::kSiteID]);
 }
 
 bool IsSameSiteID(std::string_view as_One, std::string_view as_Other) {
@@ -137,7 +138,7 @@ bool ReplaceFirstLine(const std::string& as_File, std::string_view as_Header, co
   file.buffer() = std::string(as_Header) + std::string(kLineBreak);
   bool in_first = true;
   for (std::int64_t at = 0; info && at < info->size;) {
-    std::string block = BlockOf(as_File, at, std::min(info->size, at + kBlockBytes));
+    std::string block = BlockOf(as_File, at, std::min(info->size, at + kPartBytes));
     if (block.empty()) throw RunTimeError(as_File + " became shorter while it was read");
     at += static_cast<std::int64_t>(block.size());
     if (in_first) {

@@ -12,6 +12,7 @@
 #include "data/calibrated_series.h"
 #include "data/line_blocks.h"
 #include "data/lookup.h"
+#include "data/raw_items.h"
 #include "data/reading_date.h"
 #include "data/series_collector.h"
 #include "data/series_phrases.h"
@@ -19,9 +20,6 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kBattery = 1;
-constexpr std::size_t kAmbient = 2;
-constexpr std::size_t kFewestItems = 3;
 constexpr std::int64_t kStretch = 128 * 1024;             ///< bytes
 constexpr std::int64_t kBeforeSpan = 4 * kSecondsPerDay;  ///< for the log period to be known at its begin
 
@@ -118,7 +116,7 @@ class RawReading {
     const char* const end = as_Line.data() + as_Line.size();
     const bool is_reading = dates_.Read(as_Line.data(), end, items).has_value();
     if (!is_reading) layout_ = ReadingLayout::FromHeader(Split(as_Line, ','));
-    if (layout_.expected < kFewestItems) {
+    if (layout_.expected < reading_item::kFewest) {
       layout_ = {};
       if (series_.problem.empty()) {
         series_.problem = request_.phrases.Text(kSeriesSays.no_header, {request_.raw_file});
@@ -147,8 +145,8 @@ class RawReading {
   /// The first item that a channel needs; 0 when the unit has none, or a table is missing.
   [[nodiscard]] std::size_t ItemOf(const SeriesChannel& av_Channel) const {
     const auto number = static_cast<std::size_t>(std::max(av_Channel.number, 0));
-    if (av_Channel.quantity == Quantity::Battery) return kBattery;
-    if (av_Channel.quantity == Quantity::Ambient) return kAmbient;
+    if (av_Channel.quantity == Quantity::Battery) return reading_item::kBattery;
+    if (av_Channel.quantity == Quantity::Ambient) return reading_item::kAmbient;
     if (av_Channel.quantity == Quantity::Item) return number < layout_.expected ? number : 0;
     const bool has_tables = av_Channel.quantity == Quantity::Temperature ||
                             (av_Channel.quantity == Quantity::Moisture ? has_moisture_ : has_salinity_);
@@ -162,7 +160,7 @@ class RawReading {
     if (!when) return;
     if (layout_.expected == 0) {
       const auto items = static_cast<std::size_t>(std::count(at, end, ',')) + 2;
-      if (items < kFewestItems) return;
+      if (items < reading_item::kFewest) return;
       layout_.fixed = layout_.expected = items;
       Prepare();
     }

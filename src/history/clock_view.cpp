@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t kNearSeason = 600;
-constexpr std::size_t kFewestDays = 5;
+constexpr std::size_t kFewestHeaders = 5;
 /// A header tells whole minutes: over so many days that makes four seconds a day.
 constexpr double kShortestSpan = 14;
 
@@ -63,7 +63,7 @@ ClockView ClockOf(const UnitRecord& av_Unit, std::span<const ContactRecord> av_C
                                                            [&fits](const auto& each) { return fits(each.at); }));
   const std::vector<TrendPoint> points = PointsSinceSet(av_Contacts, av_Here);
   if (points.empty() || points.back().days - points.front().days < kShortestSpan) return view;
-  if (const auto trend = RobustTrend(points, kFewestDays)) view.drift = trend->slope;
+  if (const auto trend = RobustTrend(points, kFewestHeaders)) view.drift = trend->slope;
   return view;
 }
 

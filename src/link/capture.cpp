@@ -8,6 +8,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "data/raw_file.h"
+#include "data/raw_items.h"
 #include "data/raw_repair.h"
 
 namespace corvane {
@@ -57,15 +58,15 @@ void DownloadCapture::AcceptHeader() {
   p_.download.HeaderTime = p_.loop.Now();
   p_.download.FramedHeader = p_.link.ReplyLine;
   p_.form.Lbl_HeaderLine.SetText(p_.download.HeaderLine);
-  const std::int64_t fixed = LeadingInteger(line_.items[2]);
-  const std::int64_t free = LeadingInteger(line_.items[3]);
-  p_.download.Tally.announced = LeadingInteger(line_.items[4]);
+  const std::int64_t fixed = LeadingInteger(line_.items[header_item::kFixed]);
+  const std::int64_t free = LeadingInteger(line_.items[header_item::kSensors]);
+  p_.download.Tally.announced = LeadingInteger(line_.items[header_item::kReadings]);
   p_.link.LinesExpected = p_.download.Tally.announced + 1;
   p_.trace.TraceDecision("Header line has " + std::to_string(line_.items.size()) + " items");
   p_.download.ItemsPerLine = fixed + free;
-  p_.trace.TraceDecision("Version:" + std::string(line_.items[0]) + " SiteID:" + std::string(line_.items[1]) +
-                         " Fixed:" + std::to_string(fixed) + " Free:" + std::to_string(free) +
-                         " LinesExpected: " + std::to_string(p_.link.LinesExpected));
+  p_.trace.TraceDecision("Version:" + std::string(line_.items[header_item::kVersion]) + " SiteID:" +
+                         std::string(line_.items[header_item::kSiteID]) + " Fixed:" + std::to_string(fixed) +
+                         " Free:" + std::to_string(free) + " LinesExpected: " + std::to_string(p_.link.LinesExpected));
   if (p_.link.LinesExpected < 1) {
     p_.trace.AErrorReport("Lines expected=0> " + p_.download.HeaderLine);
   } else {
@@ -82,7 +83,7 @@ void DownloadCapture::AcceptHeader() {
 bool DownloadCapture::RefuseOtherUnit() {
   const std::string& file = p_.download.OutputFileName;
   const auto& own = p_.download.OwnSiteID;
-  const std::string other(line_.items[1]);
+  const std::string other(line_.items[header_item::kSiteID]);
   const std::string asked = std::to_string(p_.download.AskedID);
   const bool is_asked = IsSameSiteID(other, asked);
   // Where no header tells whose file it is, only what the asked unit itself sends may come between its readings.
@@ -140,7 +141,7 @@ void DownloadCapture::CompareWithHeader() {
 }
 
 void DownloadCapture::TakeReading() {
-  const auto when = ParseReadingDate(line_.items[0]);
+  const auto when = ParseReadingDate(line_.items[reading_item::kDate]);
   if (!when) {
     if (PassOver("incorrect date")) return;
     Abort("No SaveToFile - incorrect date>" + std::string(line_.items_text));

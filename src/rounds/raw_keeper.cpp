@@ -3,6 +3,7 @@
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/status.h"
+#include "data/raw_items.h"
 #include "data/raw_line.h"
 #include "ui/mouse_pointer.h"
 
@@ -142,7 +143,7 @@ bool RawKeeper::ReplaceHeader(const std::string& as_Stored) {
   const auto poll = [this] { return Poll(); };
   RawLine line;
   SplitLine(as_Stored, line);
-  if (ParseReadingDate(line.items[0])) return false;
+  if (ParseReadingDate(line.items[reading_item::kDate])) return false;
   try {
     const LastDateResult last = ReadLastDate(file, poll);
     SplitLine(last.line_text, line);

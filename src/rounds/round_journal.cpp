@@ -11,6 +11,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "data/raw_file.h"
+#include "data/raw_items.h"
 #include "data/raw_line.h"
 #include "data/raw_repair.h"
 #include "link/exchange.h"
@@ -18,11 +19,6 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kHeaderDate = 5;
-constexpr std::size_t kHeaderBattery = 6;
-constexpr std::size_t kHeaderAmbient = 7;
-constexpr std::size_t kReadingBattery = 1;
-constexpr std::size_t kReadingAmbient = 2;
 constexpr std::int64_t kHalfMinute = 30;  ///< a header tells whole minutes: this far they are wrong on average
 // Intended: 273 and not 273.15; so the units report their temperatures.
 constexpr double kKelvinOffset = 273;
@@ -175,10 +171,11 @@ void RoundJournal::TakeHeader(ContactRecord& av_Contact) const {
   // What another unit says of its clock and battery is nothing of this one.
   const auto& own = p_.download.OwnSiteID;
   const std::string asked = std::to_string(p_.download.AskedID);
-  const bool is_its = items.size() > 1 && (IsSameSiteID(items[1], asked) || (own && IsSameSiteID(items[1], *own)));
+  const bool is_its = items.size() > header_item::kSiteID && (IsSameSiteID(items[header_item::kSiteID], asked) ||
+                                                              (own && IsSameSiteID(items[header_item::kSiteID], *own)));
   if (!is_its) return;
-  TakeValues(items, kHeaderBattery, kHeaderAmbient, av_Contact);
-  const auto clock = items.size() > kHeaderDate ? ParseReadingDate(items[kHeaderDate]) : std::nullopt;
+  TakeValues(items, header_item::kBattery, header_item::kAmbient, av_Contact);
+  const auto clock = items.size() > header_item::kDate ? ParseReadingDate(items[header_item::kDate]) : std::nullopt;
   if (clock) av_Contact.clock_offset = *clock + kHalfMinute - p_.download.HeaderTime;
 }
 
@@ -200,7 +197,7 @@ void RoundJournal::TakeLastReading(Turn& av_Turn, std::int64_t al_Index) {
   if (contact.stored > 0) {
     const LastDateResult last = ReadLastDate(file, [] { return true; });
     contact.last_reading = last.last_date;
-    TakeValues(Split(last.line_text, ','), kReadingBattery, kReadingAmbient, contact);
+    TakeValues(Split(last.line_text, ','), reading_item::kBattery, reading_item::kAmbient, contact);
   }
   last_readings_[al_Index] = contact.last_reading;
 }
