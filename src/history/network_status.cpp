@@ -66,7 +66,17 @@ class NetworkView {
     for (const RoundRecord& round : history_.rounds) {
       if (Collects(round)) status_.last = round;
     }
-    status_.last_round = status_.last.key != 0 ? RoundText(status_.last, phrases_) : "";
+    TakeLeftOut();
+    if (status_.last.key == 0) return;
+    status_.last_round = RoundText(status_.last, status_.LeftOutOf(status_.last.key), phrases_);
+  }
+
+  void TakeLeftOut() {
+    const std::int64_t first = history_.rounds.empty() ? 0 : history_.rounds.front().key;
+    for (const ContactRecord& contact : history_.contacts) {
+      if (contact.outcome != Outcome::NotAsked && contact.outcome != Outcome::NoPort) continue;
+      if (contact.round >= first) status_.left_out[contact.round].Take(contact);
+    }
   }
 
   [[nodiscard]] bool AliveLately() const {

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/dates.h"
+#include "history/status_texts.h"
 #include "lang/phrases.h"
 #include "platform/history_records.h"
 #include "platform/history_store.h"
@@ -80,14 +82,21 @@ enum class NetworkLetter : std::uint8_t { Empty, NobodyCollects, Critical, Warni
 struct NetworkStatus {
   Moment now;
   NetworkLetter letter = NetworkLetter::Empty;
-  std::string sentence;              ///< how things stand, in one line, English
-  std::string nobody_collects;       ///< why nobody collects; empty when somebody does
-  std::string last_round;            ///< the last round in one sentence
-  RoundRecord last;                  ///< that round, key 0 when there was none
-  DateTime next_round;               ///< local time, none when nothing is planned
-  std::vector<std::int64_t> counts;  ///< units, by `UnitState`
-  std::string worst_relay;           ///< behind which most silent units lie, empty when fewer than two lie behind one
-  std::vector<UnitStatus> units;     ///< the worst first
+  std::string sentence;                      ///< how things stand, in one line, English
+  std::string nobody_collects;               ///< why nobody collects; empty when somebody does
+  std::string last_round;                    ///< the last round in one sentence
+  RoundRecord last;                          ///< that round, key 0 when there was none
+  std::map<std::int64_t, LeftOut> left_out;  ///< by the keys of the rounds that left units out
+  DateTime next_round;                       ///< local time, none when nothing is planned
+  std::vector<std::int64_t> counts;          ///< units, by `UnitState`
+  std::string worst_relay;        ///< behind which most silent units lie, empty when fewer than two lie behind one
+  std::vector<UnitStatus> units;  ///< the worst first
+
+  /// What the round of that key has left out.
+  [[nodiscard]] LeftOut LeftOutOf(std::int64_t al_Round) const {
+    const auto found = left_out.find(al_Round);
+    return found != left_out.end() ? found->second : LeftOut();
+  }
 };
 
 /// Whether some program holds the folder.

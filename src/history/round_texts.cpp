@@ -198,7 +198,11 @@ HistoryQuery RoundQuery(std::int64_t al_Key) {
 }
 
 RoundTexts TextsOf(const RoundRecord& av_Round, const HistoryContents& av_History, const Phrases& av_Phrases) {
-  RoundTexts texts{av_Round, RoundText(av_Round, av_Phrases), {}};
+  LeftOut left_out;
+  for (const ContactRecord& contact : av_History.contacts) {
+    if (contact.round == av_Round.key) left_out.Take(contact);
+  }
+  RoundTexts texts{av_Round, RoundText(av_Round, left_out, av_Phrases), {}};
   if (texts.head[0] >= 'a' && texts.head[0] <= 'z') texts.head[0] -= 'a' - 'A';
   std::map<std::int64_t, UnitCase> cases = CasesOf(av_Round, av_History);
   std::vector<std::tuple<RoundSign, bool, std::int32_t, RoundLine>> sorted;

@@ -75,6 +75,7 @@ constexpr struct {
   Phrase not_ended{1060, "%1, not ended"};
   Phrase ended{1061, "%1, %2: %3 of %4 answered, %5 stored"};
   CountPhrase failed{{1062, "%1 unit or file failed"}, {1063, "%1 units or files failed"}};
+  CountPhrase not_asked{{1887, "%1 unit was not asked"}, {1888, "%1 units were not asked"}};
   Phrase ended_early{1064, "ended early: %1"};
 } kRound;
 
@@ -106,7 +107,13 @@ std::string WhenText(Moment av_When, const Phrases& av_Phrases) {
   return WhenText(av_When.Local(), av_Phrases);
 }
 
-std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases) {
+void LeftOut::Take(const ContactRecord& av_Contact) {
+  if (av_Contact.outcome != Outcome::NotAsked && av_Contact.outcome != Outcome::NoPort) return;
+  ++units;
+  no_port = no_port || av_Contact.outcome == Outcome::NoPort;
+}
+
+std::string RoundText(const RoundRecord& av_Round, const LeftOut& av_LeftOut, const Phrases& av_Phrases) {
   const auto& names = av_Round.start == RoundStart::BySchedule ? kAutomatic : kByHand;
   const std::size_t kind = std::min(static_cast<std::size_t>(av_Round.kind), names.size() - 1);
   const std::string head = av_Phrases.Text(names[kind], {WhenText(av_Round.began, av_Phrases)});
@@ -115,7 +122,9 @@ std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases) {
       kRound.ended, {head, SpanText(av_Round.ended - av_Round.began, av_Phrases), std::to_string(av_Round.answered),
                      CountText(av_Round.asked, kCommonPhrases.units, av_Phrases),
                      CountText(av_Round.stored, kCommonPhrases.readings, av_Phrases)});
-  if (av_Round.problems > 0) text += ", " + CountText(av_Round.problems, kRound.failed, av_Phrases);
+  const std::int64_t failed = av_Round.problems - av_LeftOut.units - (av_LeftOut.no_port ? 1 : 0);
+  if (failed > 0) text += ", " + CountText(failed, kRound.failed, av_Phrases);
+  if (av_LeftOut.units > 0) text += ", " + CountText(av_LeftOut.units, kRound.not_asked, av_Phrases);
   if (!av_Round.ending.empty()) text += "; " + av_Phrases.Text(kRound.ended_early, {av_Round.ending});
   return text;
 }

@@ -42,7 +42,17 @@ enum class SpanForm : std::uint8_t { Alone, Dependent };
 /// The same of a moment, as the local clock showed it then.
 [[nodiscard]] std::string WhenText(Moment av_When, const Phrases& av_Phrases = {});
 /// How one round went, in one sentence without a full stop.
-[[nodiscard]] std::string RoundText(const RoundRecord& av_Round, const Phrases& av_Phrases = {});
+[[nodiscard]] std::string RoundText(const RoundRecord& av_Round, const LeftOut& av_LeftOut = {},
+                                    const Phrases& av_Phrases = {});
+
+/// The units that a round has left out. Its record counts them among the problems, and none of them has failed.
+struct LeftOut {
+  std::int64_t units = 0;
+  bool no_port = false;  ///< which is a problem of its own
+
+  /// Takes what became of one unit in the round.
+  void Take(const ContactRecord& av_Contact);
+};
 
 /// What these texts are made of.
 [[nodiscard]] std::vector<Phrase> StatusTextPhrases();

@@ -81,11 +81,13 @@ void AppendLastRound(Html& av_Html, const RoundTexts& av_Texts) {
   av_Html << "</ul>\n";
 }
 
-void AppendRounds(Html& av_Html, const std::vector<RoundRecord>& av_Rounds) {
-  if (av_Rounds.empty()) return;
+void AppendRounds(Html& av_Html, const PageContents& av_Contents) {
+  const std::vector<RoundRecord>& rounds = av_Contents.rounds;
+  if (rounds.empty()) return;
   av_Html << "<h2>Rounds before</h2>\n<ul>";
-  for (auto round = av_Rounds.rbegin(); round != av_Rounds.rend(); ++round) {
-    (av_Html << "<li>").Text(Capitalised(RoundText(*round))) << "</li>\n";
+  for (auto round = rounds.rbegin(); round != rounds.rend(); ++round) {
+    const LeftOut left_out = av_Contents.status.LeftOutOf(round->key);
+    (av_Html << "<li>").Text(Capitalised(RoundText(*round, left_out))) << "</li>\n";
   }
   av_Html << "</ul>\n";
 }
@@ -100,7 +102,7 @@ std::string PageHtml(const PageContents& av_Contents) {
     AppendTable(html, av_Contents);
     AppendDayMap(html, av_Contents);
     AppendLastRound(html, av_Contents.last_round);
-    AppendRounds(html, av_Contents.rounds);
+    AppendRounds(html, av_Contents);
     AppendUnits(html, av_Contents);
   }
   html << "</main></body></html>\n";

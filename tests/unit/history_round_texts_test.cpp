@@ -126,11 +126,18 @@ TEST(RoundTexts, PutWhatWentWrongFirstAndLeaveOutWhoHadNoPart) {
   fixture.Contact(5, Outcome::Silent, 2);
   fixture.Contact(6, Outcome::NotAsked);
   fixture.Contact(4, Outcome::Answered).round = 6;
+  fixture.round.problems = 3;
   const RoundTexts texts = TextsOf(fixture.round, fixture.history);
   std::string names;
   for (const RoundLine& line : texts.lines) names += line.name + " ";
   EXPECT_EQ(names, "River Gone Last Hill North ");
   EXPECT_EQ(texts.head.substr(0, 12), "Download of ");
+  EXPECT_TRUE(texts.head.ends_with(", 2 units or files failed, 1 unit was not asked")) << texts.head;
+  fixture.Contact(6, Outcome::NoPort);
+  fixture.round.problems = 5;
+  EXPECT_TRUE(
+      TextsOf(fixture.round, fixture.history).head.ends_with(", 2 units or files failed, 2 units were not asked"))
+      << "the port is no unit";
   EXPECT_EQ(RoundInShort(texts, 2), texts.head + ". River: No answer, 2 tries; Gone: No answer; and 1 other");
 }
 
