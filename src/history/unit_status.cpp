@@ -13,6 +13,7 @@
 #include "history/gap_book.h"
 #include "history/status_texts.h"
 #include "history/unit_health.h"
+#include "history/unit_texts.h"
 #include "history/unit_troubles.h"
 #include "state/records.h"
 
@@ -178,8 +179,9 @@ std::string WhyLate(const UnitHistory& av_History, const StatusRules& av_Rules, 
   if (av_Status.last_reading.IsNone()) return phrases.Text(kSay.no_reading);
   const std::int64_t period = av_History.scan != nullptr ? av_History.scan->period : 0;
   if (*av_Status.reading_age <= av_Rules.LateFrom(period)) return "";
-  std::string why = phrases.Text(
-      kSay.old_reading, {WhenText(av_Status.last_reading, phrases), SpanText(*av_Status.reading_age, phrases)});
+  std::string why =
+      phrases.Text(kSay.old_reading, {ByItsClock(av_Status, WhenText(av_Status.last_reading, phrases), phrases),
+                                      SpanText(*av_Status.reading_age, phrases)});
   if (av_History.unit->get_from == kFromHandHeld) why += "; " + phrases.Text(kSay.by_hand);
   if (av_History.contacts.empty()) return why;
   const ContactRecord& last = av_History.contacts.back();

@@ -1,6 +1,7 @@
 #include "history/unit_texts.h"
 
 #include <cmath>
+#include <cstdlib>
 
 #include "base/format.h"
 #include "base/numbers.h"
@@ -11,7 +12,8 @@
 namespace corvane {
 namespace {
 
-constexpr double kSlopeShown = 0.005;  ///< volts a day
+constexpr double kSlopeShown = 0.005;    ///< volts a day
+constexpr std::int64_t kClockOff = 600;  ///< seconds; from there on a date and its age look like a contradiction
 
 constexpr struct {
   Phrase ago{1332, "%1 ago"};
@@ -24,6 +26,7 @@ constexpr struct {
   Phrase up_to{1340, "up to %1"};
   Phrase never{1341, "never"};
   Phrase then{1342, "then: %1"};
+  Phrase by_its_clock{1885, "%1 by its own clock"};
 } kSay;
 
 std::string AgoText(Moment av_When, Moment av_Now, const Phrases& av_Phrases) {
@@ -41,7 +44,13 @@ std::string LastReadingText(const UnitStatus& av_Unit, const Phrases& av_Phrases
   const std::string date = this_year ? DateText(av_Unit.last_reading, "d mmm HH:MM", av_Phrases)
                                      : WhenText(av_Unit.last_reading, av_Phrases);
   const std::string age = BriefSpanText(*av_Unit.reading_age, av_Phrases);
-  return date + " (" + (*av_Unit.reading_age < 0 ? av_Phrases.Text(kSay.ahead, {age}) : age) + ")";
+  const bool ahead = *av_Unit.reading_age < 0;
+  return ByItsClock(av_Unit, date + " (" + (ahead ? av_Phrases.Text(kSay.ahead, {age}) : age) + ")", av_Phrases);
+}
+
+std::string ByItsClock(const UnitStatus& av_Unit, const std::string& as_Date, const Phrases& av_Phrases) {
+  const bool off = std::llabs(av_Unit.clock_offset.value_or(0)) > kClockOff;
+  return off ? av_Phrases.Text(kSay.by_its_clock, {as_Date}) : as_Date;
 }
 
 std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {

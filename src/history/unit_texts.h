@@ -12,6 +12,9 @@ namespace corvane {
 
 /// "12 Mar 14:05 (2 h)": the reading's date, with the year where that is another than now, and its age.
 [[nodiscard]] std::string LastReadingText(const UnitStatus& av_Unit, const Phrases& av_Phrases = {});
+/// A date that a unit gave, such as that of its last reading; where its clock is known to be off, that it is by that.
+[[nodiscard]] std::string ByItsClock(const UnitStatus& av_Unit, const std::string& as_Date,
+                                     const Phrases& av_Phrases = {});
 /// "answered, 4 readings, 2 hours ago".
 [[nodiscard]] std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases = {});
 /// "12.41 V, 45 days left", "12.41 V, -0.02 V a day", "12.41 V".

@@ -92,7 +92,8 @@ void AppendRow(Html& av_Html, const UnitStatus& av_Unit, Moment av_Now) {
   av_Html.Text(av_Unit.name) << "</a>" << (av_Unit.note.empty() ? Markup("") : Markup("<small>with a note</small>"))
                              << "</th>";
   Cell(av_Html, av_Unit.client);
-  Cell(av_Html, av_Unit.last_reading.IsNone() ? "" : WhenText(av_Unit.last_reading), AgeText(av_Unit));
+  Cell(av_Html, av_Unit.last_reading.IsNone() ? "" : ByItsClock(av_Unit, WhenText(av_Unit.last_reading)),
+       AgeText(av_Unit));
   Cell(av_Html, av_Unit.last_contact.IsNone() ? "" : WhenText(av_Unit.last_contact), av_Unit.contact);
   AppendAnswers(av_Html, av_Unit);
   Cell(av_Html, av_Unit.battery ? FixedText(*av_Unit.battery, 2) + " V" : "", SlopeText(av_Unit));

@@ -60,6 +60,9 @@ TEST(UnitStatus, HasTheFirstLetterThatApplies) {
        [](NetworkHistory& f) { f.scan().last = kLocal - 6 * kHour - 300, f.last().clock_offset = -300; }, Fine, ""},
       {"older, clock ahead",
        [](NetworkHistory& f) { f.scan().last = kLocal - 6 * kHour + 300, f.last().clock_offset = 301; }, Late, ""},
+      {"older, clock far behind",
+       [](NetworkHistory& f) { f.scan().last = kLocal - 9 * kHour, f.last().clock_offset = -2 * kHour; }, Late,
+       "03:00 by its own clock, is 7 hours old"},
       {"older, clock behind by a contact from the future",
        [](NetworkHistory& f) {
          f.scan().last = kLocal - 6 * kHour - 1, f.last().clock_offset = -300, f.last().at = Ago(-kHour);
@@ -193,6 +196,8 @@ TEST(UnitTexts, SayWhatAColumnHolds) {
   UnitStatus old = unit;
   old.reading_age = 300 * kSecondsPerDay;
   EXPECT_EQ(LastReadingText(old), "30 Jun 2026 11:00 (300 d)") << "another year is told";
+  old.clock_offset = 300 * kSecondsPerDay;
+  EXPECT_EQ(LastReadingText(old), "30 Jun 2026 11:00 (300 d) by its own clock");
   EXPECT_EQ(LastContactText(unit, kNow), "answered, 4 readings, 3 hours ago");
   EXPECT_EQ(GapsText(unit), "2: 16 readings, 4 lost");
   EXPECT_EQ(DeliveredText(unit, kNow), "2 hours ago, then: 12007");
