@@ -107,6 +107,9 @@ class RowMaker {
   void MarkUnheard() {
     const DateTime known = KnownUntil();
     if (known.IsNone()) return;
+    if (history_.unit->last_answered.IsNone() && history_.days.empty()) {
+      for (DayCell& cell : row_.cells) cell.unknown = true;
+    }
     for (DateTime day = std::max(first_, known.Midnight()); day <= now_; day = day + kSecondsPerDay) {
       DayCell* const cell = CellOf(day);
       if (cell == nullptr) return;
@@ -124,6 +127,7 @@ class RowMaker {
 constexpr struct {
   Phrase day_unheard{1369, "the unit was not heard of"};
   Phrase none_due{1370, "no readings were due"};
+  Phrase unknown{1886, "nothing is known of this day yet"};
   Phrase rest_unheard{1371, "and the unit was not heard of for the rest of the day"};
   Phrase its_one{1372, "its one reading"};
   Phrase all{1373, "all %1 readings"};
@@ -159,7 +163,7 @@ std::string_view NameOf(DayGrade ae_Grade) {
 }
 
 DayGrade GradeOf(const DayCell& av_Cell) {
-  if (av_Cell.unheard && av_Cell.missing() == 0) return DayGrade::Unheard;
+  if ((av_Cell.unheard || av_Cell.unknown) && av_Cell.missing() == 0) return DayGrade::Unheard;
   if (av_Cell.expected <= 0) return DayGrade::NotDue;
   if (av_Cell.missing() == 0) return DayGrade::Whole;
   if (av_Cell.stored <= 0) return DayGrade::Nothing;
@@ -194,7 +198,10 @@ DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t
 
 std::string DayText(DateTime av_Day, const DayCell& av_Cell, const Phrases& av_Phrases) {
   const std::string day = DateText(av_Day, "d mmmm", av_Phrases) + ": ";
-  if (av_Cell.expected <= 0) return day + av_Phrases.Text(av_Cell.unheard ? kSay.day_unheard : kSay.none_due);
+  if (av_Cell.expected <= 0) {
+    const Phrase& none = av_Cell.unheard ? kSay.day_unheard : av_Cell.unknown ? kSay.unknown : kSay.none_due;
+    return day + av_Phrases.Text(none);
+  }
   const std::string until = av_Cell.unheard ? ", " + av_Phrases.Text(kSay.rest_unheard) : "";
   if (av_Cell.missing() == 0) {
     if (av_Cell.unheard) return day + CountText(av_Cell.stored, kCommonPhrases.readings, av_Phrases) + until;

@@ -23,6 +23,7 @@ struct DayCell {
   bool by_itself = false;  ///< the next repair asks for them without a person's word
   bool to_come = false;    ///< those missing that no gap tells of come with the next download
   bool unheard = false;    ///< the unit has not been heard of until its end: what it has logged then is not known
+  bool unknown = false;    ///< no reading of the unit is known, on that day or any other of the map
 
   [[nodiscard]] constexpr std::int32_t missing() const { return expected > stored ? expected - stored : 0; }
   /// Of the readings expected, 0 to 1; none where none were.

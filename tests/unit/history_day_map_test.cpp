@@ -67,6 +67,8 @@ TEST(DayMap, SaysOfEachDayWhatIsThereAndWhatIsToBecomeOfTheRest) {
   const DateTime noon = kToday + 12 * 3600;
   const Row rows[] = {
       {"unknown", [](Network&) {}, NotDue, "3 October: no readings were due"},
+      {"never heard of", [](Network& n) { n.history.units[0].added = kNow; }, Unheard,
+       "3 October: nothing is known of this day yet"},
       {"whole", [](Network& n) { n.Day(0, 48); }, Whole, "3 October: all 48 readings"},
       {"more than expected", [](Network& n) { n.Day(0, 9, 8); }, Whole, "3 October: all 9 readings"},
       {"found", [&](Network& n) { n.Day(0, 40).Gap(Found, noon, 8); }, Part,
