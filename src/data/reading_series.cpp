@@ -108,6 +108,7 @@ class RawReading {
       why = error.what();
     }
     series_.problem = request_.phrases.Text(kSeriesSays.table_unusable, {as_File, why});
+    series_.no_table = true;
     return false;
   }
 

@@ -58,6 +58,7 @@ struct ReadingSeries {
   std::vector<std::vector<double>> columns;  ///< by channel, as long as `times`; empty where there is no such value
   std::vector<std::size_t> breaks;           ///< ascending positions in `times` that a gap lies before
   std::string problem;                       ///< what is not shown and why, a sentence; empty when all is
+  bool no_table = false;                     ///< a lookup table that is needed cannot be used
   bool cancelled = false;
 };
 

@@ -258,5 +258,18 @@ TEST_F(PlotPageTest, SavesWhatIsShownAndSaysWhereItComesFrom) {
   EXPECT_TRUE(Widget<QLabel>("plotCursor").text().startsWith("Not saved: "));
 }
 
+TEST_F(PlotPageTest, OffersRawItemsWhereTheTablesAreMissing) {
+  EXPECT_TRUE(Button("plotRawItems").isHidden());
+  home.Write("moisture.lkp", "");
+  ShowUnit(1);
+  EXPECT_TRUE(page_.view().contents().lines.empty());
+  EXPECT_FALSE(Button("plotRawItems").isHidden());
+  Click("plotRawItems");
+  Wait();
+  EXPECT_EQ(Widget<QComboBox>("plotLeft").currentText(), "Raw item");
+  EXPECT_EQ(page_.view().contents().lines.size(), 1U);
+  EXPECT_TRUE(Button("plotRawItems").isHidden());
+}
+
 }  // namespace
 }  // namespace corvane::test

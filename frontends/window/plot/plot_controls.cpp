@@ -309,6 +309,10 @@ Quantity PlotControls::Left() const {
   return static_cast<Quantity>(left_->currentIndex());
 }
 
+void PlotControls::ChooseLeft(Quantity quantity) {
+  left_->setCurrentIndex(static_cast<int>(quantity));
+}
+
 std::optional<Quantity> PlotControls::Right() const {
   if (right_->currentIndex() <= 0 || right_->currentIndex() - 1 == left_->currentIndex()) return std::nullopt;
   return static_cast<Quantity>(right_->currentIndex() - 1);

@@ -42,6 +42,8 @@ class PlotControls {
   void Offer(std::int32_t sensors, std::int32_t items, const std::string& depths);
   [[nodiscard]] std::vector<std::int32_t> HiddenSensors() const;
   [[nodiscard]] Quantity Left() const;
+  /// Chooses what the left axis shows, as a person would.
+  void ChooseLeft(Quantity quantity);
   [[nodiscard]] std::optional<Quantity> Right() const;
   [[nodiscard]] std::int32_t Item() const;
   /// True when the span is the one between from and to.

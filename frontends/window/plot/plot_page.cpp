@@ -9,10 +9,12 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "data/sensor_names.h"
 #include "lang/date_words.h"
+#include "window/network/view_button.h"
 #include "window/plot/plot_axes.h"
 #include "window/plot/plot_export.h"
 #include "window/plot/plot_phrases.h"
@@ -22,6 +24,7 @@ namespace {
 
 using Chosen = PlotControls::Chosen;
 
+constexpr int kRawItemsTextId = 1890;
 constexpr int kLookAgainMilliseconds = 5000;
 constexpr int kCursorLines = 2;
 constexpr double kSameSpan = 60;  // seconds, which is what the fields from and to show
@@ -37,7 +40,13 @@ constexpr std::array<FilterRow, 4> kFilters = {{{kPlotSays.picture, "*.png"},
 
 }  // namespace
 
-PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_text_(new QLabel), problem_(new QLabel) {
+PlotPage::PlotPage(Application& app)
+    : app_(app),
+      view_(new PlotView),
+      cursor_text_(new QLabel),
+      problem_(new QLabel),
+      raw_items_(NewButton("Show raw items", "Shows on the left axis what the unit has sent, item by item",
+                           kRawItemsTextId, "plotRawItems", nullptr)) {
   setObjectName("tabPlot");
   view_->setObjectName("plotView");
   view_->setAccessibleName(Words(kPlotSays.plot));
@@ -57,6 +66,8 @@ PlotPage::PlotPage(Application& app) : app_(app), view_(new PlotView), cursor_te
   texts->setContentsMargins(0, 0, 0, 0);
   texts->addWidget(cursor_text_);
   texts->addWidget(problem_);
+  texts->addWidget(raw_items_, 0, Qt::AlignLeft);
+  raw_items_->hide();
   controls_ = std::make_unique<PlotControls>(*this, *view_, *below);
   work_ = new BackgroundWork(this);
   work_->failed = [this](const QString& why) { view_->SetMessage(Words(kPlotSays.not_read, {why.toStdString()})); };
@@ -90,6 +101,10 @@ void PlotPage::Connect() {
   controls_->back = [this] { view_->Back(); };
   controls_->save = [this] { AskWhereToSave(); };
   controls_->copy = [this] { Copy(); };
+  connect(raw_items_, &QPushButton::clicked, this, [this] {
+    controls_->ChooseLeft(Quantity::Item);
+    view_->setFocus(Qt::OtherFocusReason);
+  });
   view_->span_changed = [this] { SpanChanged(); };
   view_->cursor_changed = [this](bool by_keys) { CursorMoved(by_keys); };
   connect(&look_again_, &QTimer::timeout, this, [this] { LookForMore(); });
@@ -171,7 +186,10 @@ void PlotPage::Take(const std::shared_ptr<PlotReading>& reading, bool keeps_span
   // What reached to the last reading goes on doing so.
   const TimeSpan former_whole = view_->contents().Whole();
   const bool showed_all = view_->span().to >= former_whole.to && view_->span().from <= former_whole.from;
+  const bool raw_instead = empty && reading->no_table && reading->items > 0;
+  raw_items_->setVisible(raw_instead);
   view_->SetMessage(reading->units == 0 ? Words(kPlotSays.tick_a_unit)
+                    : raw_instead       ? Words(kPlotSays.needs_tables)
                     : empty             ? Words(kPlotSays.no_readings)
                                         : QString());
   view_->Show(std::shared_ptr<const PlotContents>(reading, &reading->contents), keeps_span && !showed_all);

@@ -20,6 +20,7 @@
 #include "window/plot/plot_view.h"
 
 class QLabel;
+class QPushButton;
 
 namespace corvane::window {
 
@@ -68,6 +69,7 @@ class PlotPage : public QWidget {
   PlotView* view_;
   QLabel* cursor_text_;
   QLabel* problem_;
+  QPushButton* raw_items_;  ///< offered where nothing else can be shown
   BackgroundWork* work_;    ///< reads
   BackgroundWork* saving_;  ///< writes, and is not cancelled by another choice
   QTimer look_again_;

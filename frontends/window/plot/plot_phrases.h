@@ -42,6 +42,7 @@ struct PlotPhrases {
   Phrase no_date{1459, "\"%1\" is no date: write it like %2."};
   Phrase plot{1460, "Plot"};
   Phrase date{1461, "Date"};
+  Phrase needs_tables{1889, "This needs the lookup tables. Raw items can be shown without them."};
 };
 inline constexpr PlotPhrases kPlotSays;
 

@@ -108,6 +108,7 @@ PlotReading ReadPlot(const PlotWish& wish, const std::function<bool()>& cancelle
     if (series->cancelled) return reading;
     reading.sensors = std::max(reading.sensors, series->sensors);
     reading.items = std::max(reading.items, series->items);
+    reading.no_table = reading.no_table || series->no_table;
     const QString name = QString::fromStdString(unit.name);
     if (!series->problem.empty()) problems << name + ": " + QString::fromStdString(series->problem) + ".";
     if (series->problem.empty() && series->source == ReadingSeries::Source::Calibrated) {

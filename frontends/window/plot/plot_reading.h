@@ -36,6 +36,7 @@ struct PlotReading {
   std::string depths;        ///< those of all units, empty where they differ
   std::int32_t sensors = 0;  ///< the most that one of the units has
   std::int32_t items = 0;    ///< the most raw items of one of the units
+  bool no_table = false;     ///< a lookup table that is needed cannot be used
 };
 
 /// More lines cannot be told apart.
