@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "desktop/folder_holder.h"
 #include "history/history_reading.h"
+#include "history/unit_health.h"
 #include "options.h"
 #include "posix/local_clock.h"
 #include "sqlite/sqlite_history_store.h"
@@ -14,8 +15,6 @@
 
 namespace corvane::console {
 namespace {
-
-constexpr Moment kEver{1, 0};
 
 Holder HolderOf(const std::string& folder) {
   const auto held = FolderIsHeld(folder);
@@ -37,10 +36,7 @@ Status HistoryReading::ReadForStatus() {
 }
 
 Status HistoryReading::ReadUnit(std::int64_t key, HistoryContents& contents) {
-  HistoryQuery query = StatusQuery(now_);
-  query.unit = key;
-  query.contacts_since = kEver;
-  return Read(query, contents);
+  return Read(HealthQuery(now_, key), contents);
 }
 
 const UnitRecord& HistoryReading::FindUnit(const std::string& name) const {

@@ -14,8 +14,9 @@ namespace corvane {
 
 std::vector<Phrase> HistoryPhrases() {
   std::vector<Phrase> all;
-  for (const auto& some : {StatusTextPhrases(), NetworkStatusPhrases(), HeadlinePhrases(), UnitStatusPhrases(),
-                           OutcomePhrases(), TroublePhrases(), UnitTextPhrases(), DayPhrases(), RoundTextPhrases()}) {
+  for (const auto& some :
+       {StatusTextPhrases(), NetworkStatusPhrases(), HeadlinePhrases(), UnitStatusPhrases(), OutcomePhrases(),
+        TroublePhrases(), UnitTextPhrases(), DayPhrases(), RoundTextPhrases(), HealthPhraseList()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

@@ -25,9 +25,7 @@ constexpr std::int32_t kFirstCommand = 2;
 
 constexpr struct {
   Phrase problem{1389, "problem"};
-  CountPhrase tries{{1390, "%1 try"}, {1391, "%1 tries"}};
   Phrase nothing_new{1392, "nothing new"};
-  CountPhrase rejected{{1393, "%1 line rejected"}, {1394, "%1 lines rejected"}};
   Phrase not_asked{1395, "not asked: %1"};
   Phrase filled{1396, "%1 of %2 filled"};
   Phrase still_there{1397, "%1 of %2 asked for and still there"};
@@ -74,7 +72,7 @@ void Add(std::string& av_Text, std::string_view as_Separator, std::string_view a
 }
 
 std::string TriesText(const ContactRecord& av_Contact, const Phrases& av_Phrases) {
-  return av_Contact.tries > 1 ? CountText(av_Contact.tries, kSay.tries, av_Phrases) : "";
+  return av_Contact.tries > 1 ? CountText(av_Contact.tries, kCommonPhrases.tries, av_Phrases) : "";
 }
 
 std::string ReadingsText(const ContactRecord& av_Contact, const Phrases& av_Phrases) {
@@ -100,14 +98,10 @@ class LineWriter {
 
  private:
   void SayContact(const ContactRecord& contact) {
-    line_.text = ContactText(contact);
-    // A round of another command than a download names it.
-    if (contact.command >= 0 && contact.command < kFirstCommand) return;
-    const auto command = static_cast<std::size_t>(contact.command - kFirstCommand);
-    line_.text = phrases_.Text(kCommands[std::min(command, kCommands.size() - 1)], {line_.text});
+    line_.text = WithCommand(contact.command, OutcomeOf(contact), phrases_);
   }
 
-  std::string ContactText(const ContactRecord& contact) {
+  std::string OutcomeOf(const ContactRecord& contact) {
     if (contact.outcome == Outcome::NotAsked || contact.outcome == Outcome::NoPort) {
       line_.sign = contact.outcome == Outcome::NoPort ? RoundSign::Problem : RoundSign::NotAsked;
       const std::string& why = contact.error.empty() ? round_.ending : contact.error;
@@ -123,7 +117,7 @@ class LineWriter {
     }
     Add(text, ", ", TriesText(contact, phrases_));
     Add(text, ", ", ReadingsText(contact, phrases_));
-    if (contact.rejected > 0) Add(text, ", ", CountText(contact.rejected, kSay.rejected, phrases_));
+    if (contact.rejected > 0) Add(text, ", ", CountText(contact.rejected, kCommonPhrases.rejected, phrases_));
     if (contact.outcome != Outcome::Answered || !contact.error.empty()) line_.sign = RoundSign::Problem;
     if (contact.outcome != Outcome::Silent) Add(text, ": ", Printable(contact.error));
     return text;
@@ -188,6 +182,12 @@ std::map<std::int64_t, UnitCase> CasesOf(const RoundRecord& av_Round, const Hist
 
 std::string_view NameOf(RoundSign ae_Sign) {
   return kSigns[static_cast<std::size_t>(ae_Sign)];
+}
+
+std::string WithCommand(std::int32_t al_Command, const std::string& as_Text, const Phrases& av_Phrases) {
+  if (al_Command >= 0 && al_Command < kFirstCommand) return as_Text;
+  const auto command = static_cast<std::size_t>(al_Command - kFirstCommand);
+  return av_Phrases.Text(kCommands[std::min(command, kCommands.size() - 1)], {as_Text});
 }
 
 HistoryQuery RoundQuery(std::int64_t al_Key) {

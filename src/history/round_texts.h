@@ -32,6 +32,9 @@ struct RoundTexts {
   std::vector<RoundLine> lines;  ///< problems first, then in the order of the list of units
 };
 
+/// `as_Text` behind the name of the command that it is of; a download goes without.
+[[nodiscard]] std::string WithCommand(std::int32_t al_Command, const std::string& as_Text, const Phrases& av_Phrases);
+
 /// What `TextsOf` reads of a history: the last round whose key is at most `al_Key`.
 [[nodiscard]] HistoryQuery RoundQuery(std::int64_t al_Key);
 

@@ -23,6 +23,8 @@ struct CommonPhrases {
   CountPhrase readings{{1044, "%1 reading"}, {1045, "%1 readings"}};
   CountPhrase units{{1046, "%1 unit"}, {1047, "%1 units"}};
   CountPhrase gaps{{1048, "%1 gap"}, {1049, "%1 gaps"}};
+  CountPhrase tries{{1390, "%1 try"}, {1391, "%1 tries"}};
+  CountPhrase rejected{{1393, "%1 line rejected"}, {1394, "%1 lines rejected"}};
 };
 inline constexpr CommonPhrases kCommonPhrases;
 
@@ -41,9 +43,6 @@ enum class SpanForm : std::uint8_t { Alone, Dependent };
 [[nodiscard]] std::string WhenText(DateTime av_When, const Phrases& av_Phrases = {});
 /// The same of a moment, as the local clock showed it then.
 [[nodiscard]] std::string WhenText(Moment av_When, const Phrases& av_Phrases = {});
-/// How one round went, in one sentence without a full stop.
-[[nodiscard]] std::string RoundText(const RoundRecord& av_Round, const LeftOut& av_LeftOut = {},
-                                    const Phrases& av_Phrases = {});
 
 /// The units that a round has left out. Its record counts them among the problems, and none of them has failed.
 struct LeftOut {
@@ -53,6 +52,9 @@ struct LeftOut {
   /// Takes what became of one unit in the round.
   void Take(const ContactRecord& av_Contact);
 };
+/// How one round went, in one sentence without a full stop.
+[[nodiscard]] std::string RoundText(const RoundRecord& av_Round, const LeftOut& av_LeftOut = {},
+                                    const Phrases& av_Phrases = {});
 
 /// What these texts are made of.
 [[nodiscard]] std::vector<Phrase> StatusTextPhrases();

@@ -5,6 +5,7 @@
 
 #include "base/format.h"
 #include "base/numbers.h"
+#include "history/clock_view.h"
 #include "history/status_texts.h"
 #include "history/unit_status.h"
 #include "lang/date_words.h"
@@ -12,8 +13,7 @@
 namespace corvane {
 namespace {
 
-constexpr double kSlopeShown = 0.005;    ///< volts a day
-constexpr std::int64_t kClockOff = 600;  ///< seconds; from there on a date and its age look like a contradiction
+constexpr double kSlopeShown = 0.005;  ///< volts a day
 
 constexpr struct {
   Phrase ago{1332, "%1 ago"};

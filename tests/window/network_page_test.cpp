@@ -1,6 +1,9 @@
 // The page "Network": what it shows of the history, and what its commands come to.
+#include <QClipboard>
 #include <QComboBox>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QTreeView>
 
 #include <gtest/gtest.h>
@@ -172,6 +175,14 @@ TEST_F(GermanNetworkPage, SpeaksGermanAllOver) {
   EXPECT_TRUE(
       ShowsSoon([this] { return Line("networkRound").find("2 von 2 Stationen mit Antwort") != std::string::npos; }));
   EXPECT_EQ(Cell(0, StationColumn::State), "neu");
+  Select({2});
+  world_.Click("healthButton");
+  auto& health = world_.Widget<QPlainTextEdit>("healthText");
+  EXPECT_TRUE(ShowsSoon([&] { return health.toPlainText().contains("    Antworten: Zuletzt 1-mal gefragt"); }))
+      << health.toPlainText().toStdString();
+  world_.Click("copyHealth");
+  EXPECT_TRUE(QGuiApplication::clipboard()->text().startsWith(Cell(2, StationColumn::Name) + " ("));
+  EXPECT_TRUE(QGuiApplication::clipboard()->text().endsWith(health.toPlainText()));
   world_.Widget<QComboBox>("stationGroups").setCurrentIndex(2);
   EXPECT_TRUE(Cell(0, StationColumn::State).startsWith("Kein Relais: 2 Stationen, "));
 }

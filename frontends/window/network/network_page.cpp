@@ -15,6 +15,7 @@
 
 #include "history/status_headline.h"
 #include "window/network/network_phrases.h"
+#include "window/network/health_dialog.h"
 #include "window/network/station_table.h"
 #include "window/network/stations_dialog.h"
 #include "window/network/stations_view.h"
@@ -69,6 +70,7 @@ NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(l
   table_ = new StationsDialog(app_, loop_, this);
   table_->on_put_in = [this] { Refresh(); };
   BindCommands();
+  health_ = new HealthDialog(reader_, this);
   FollowRounds();
   soon_.setSingleShot(true);
   for (QTimer* timer : {&every_minute_, &soon_}) connect(timer, &QTimer::timeout, this, [this] { Refresh(); });
@@ -106,6 +108,7 @@ void NetworkPage::SetPhrases(const Phrases& phrases) {
   phrases_ = phrases;
   stations_->SetPhrases(phrases);
   // What stands there in other words is told anew.
+  health_->SetPhrases(phrases);
   if (!headline_->text().isEmpty()) Refresh();
 }
 
@@ -129,6 +132,9 @@ void NetworkPage::BindCommands() {
   };
   stations_->as_table = [this] { table_->ShowEmpty(); };
   stations_->plot = [this](std::int64_t key) {
+  stations_->health = [this](const UnitStatus& unit) {
+    health_->ShowUnit(unit, NeighboursOf(unit, stations_->table().stations().units()), loop_.NowUtc());
+  };
     const auto positions = app_.history().PositionsOf({key});
     if (!positions.empty() && show_plot) show_plot(positions.front());
   };

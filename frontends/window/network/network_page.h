@@ -21,6 +21,7 @@ class QVBoxLayout;
 namespace corvane::window {
 
 class StationsDialog;
+class HealthDialog;
 class StationsView;
 
 /// The page "Network": how things stand. A view of the network's status; no rule of the system lives here.
@@ -88,6 +89,7 @@ class NetworkPage : public QScrollArea {
   int units_reading_ = 0;      ///< single units
   QElapsedTimer since_begin_;  ///< of the reading
   std::int64_t took_ = 0;      ///< milliseconds, the last one
+  HealthDialog* health_ = nullptr;
   QTimer every_minute_;
   QTimer soon_;
   HistoryReader reader_;

@@ -47,6 +47,11 @@ struct NetworkPhrases {
   Phrase well{1386, "Well"};
   Phrase nobody_in_it{1387, "No unit had a part in it."};
   Phrase no_round{1388, "No round is known yet: the first download brings one."};
+  Phrase take_along{1875, "Take along"};
+  Phrase nothing_special{1876, "nothing special"};
+  Phrase what_is_known{1877, "What is known"};
+  Phrase last_contacts{1878, "Last contacts"};
+  Phrase copied{1879, "The text is in the clipboard."};
 };
 inline constexpr NetworkPhrases kNetworkSays;
 

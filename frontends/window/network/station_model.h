@@ -47,6 +47,7 @@ class StationModel : public QAbstractItemModel {
   [[nodiscard]] QModelIndex IndexOf(std::int64_t key) const;
   [[nodiscard]] std::size_t ShownUnits() const;
   [[nodiscard]] std::size_t AllUnits() const { return units_.size(); }
+  [[nodiscard]] const std::vector<UnitStatus>& units() const { return units_; }
 
   [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
   [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;

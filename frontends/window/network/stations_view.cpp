@@ -34,7 +34,8 @@ enum TextId : int {
   kFilter = 796,
   kLetters = 797,
   kGroups = 798,
-  kStations = 880
+  kStations = 880,
+  kHealth = 1880
 };
 
 /// A choice of states, in the order of the selector; one state alone is named by itself.
@@ -167,6 +168,8 @@ void StationsView::AddCommands(QVBoxLayout& column) {
   plot_ = AddButton(*row, "plotButton", "Plot", "Shows the readings of the unit (Enter)", kPlot);
   row->addStretch();
   auto* as_table_button =
+  health_ = AddButton(*row, "healthButton", "Before driving out...",
+                      "Says all that is known of the unit, and what to take along to it", kHealth);
       AddButton(*row, "stationsButton", "Stations...",
                 "Saves units, relays and clients as a table of a spreadsheet, or puts one in", kStations);
   connect(as_table_button, &QPushButton::clicked, this, [this] { as_table(); });
@@ -190,6 +193,9 @@ void StationsView::AddCommands(QVBoxLayout& column) {
   });
 }
 
+  connect(health_, &QPushButton::clicked, this, [this] {
+    if (const UnitStatus* unit = table_->CurrentUnit()) health(*unit);
+  });
 void StationsView::AddKeys() {
   // Shortcuts of a view that does not show do nothing.
   const auto* find = new QShortcut(QKeySequence::Find, this);
@@ -204,7 +210,7 @@ void StationsView::AddKeys() {
 void StationsView::ShowMenu(const QPoint& where) {
   auto* menu = new QMenu(table_);
   menu->setAttribute(Qt::WA_DeleteOnClose);
-  for (QPushButton* button : {collect_, repair_, activate_, deactivate_, plot_}) {
+  for (QPushButton* button : {collect_, repair_, activate_, deactivate_, plot_, health_}) {
     QAction* entry = menu->addAction(QString(button->text()).remove('&'), button, &QPushButton::click);
     entry->setEnabled(button->isEnabled());
   }
@@ -269,7 +275,7 @@ void StationsView::ShowSelection() {
   const bool any = table_->selectionModel()->hasSelection();
   for (QPushButton* button : {collect_, repair_, activate_, deactivate_}) button->setEnabled(any && !busy_);
   const UnitStatus* const unit = table_->CurrentUnit();
-  plot_->setEnabled(unit != nullptr);
+  for (QPushButton* button : {plot_, health_}) button->setEnabled(unit != nullptr);
   why_->setText(unit != nullptr ? WhatIsWrong(*unit, phrases_) : QString());
 }
 

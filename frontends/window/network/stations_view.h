@@ -44,6 +44,8 @@ class StationsView : public QWidget {
   std::function<void(std::int64_t key)> plot;
   /// The person asks for the stations as a table.
   std::function<void()> as_table;
+  /// The person wants to know all that is known of a unit.
+  std::function<void(const UnitStatus& unit)> health;
 
  private:
   void AddFilters(QVBoxLayout& column);
@@ -69,6 +71,7 @@ class StationsView : public QWidget {
   QPushButton* plot_ = nullptr;
   Phrases phrases_;
   bool busy_ = false;
+  QPushButton* health_ = nullptr;
 };
 
 }  // namespace corvane::window
