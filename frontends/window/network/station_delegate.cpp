@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kMargin = 3;
 constexpr int kMostAnswers = 20;
+constexpr int kBarsInHeights = 5;   ///< so many times as wide as a line is high
 constexpr double kShortBar = 0.35;  ///< of a full one: no answer
 constexpr QColor kAnswered(0, 114, 178);
 constexpr QColor kNotAnswered(213, 94, 0);
@@ -55,6 +56,12 @@ void PaintBars(QPainter& painter, const QStyleOptionViewItem& item, const QRect&
 
 }  // namespace
 
+int StationDelegate::RoomBesideText(StationColumn column, const QFontMetrics& font) {
+  const int side = font.height();
+  if (column == StationColumn::State) return side + 5 * kMargin;
+  return (column == StationColumn::Answered ? kBarsInHeights * side : 0) + 4 * kMargin;
+}
+
 void StationDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
   const auto column = static_cast<StationColumn>(index.column());
   const bool is_unit = index.data(StationModel::KeyRole).toLongLong() != 0;
@@ -71,7 +78,7 @@ void StationDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
               static_cast<StationSign>(index.data(StationModel::SignRole).toInt()));
     where.setLeft(where.left() + side + 2 * kMargin);
   } else if (const QString answers = index.data(StationModel::AnswersRole).toString(); !answers.isEmpty()) {
-    const QRect bars(where.left(), where.top() + 1, 5 * item.fontMetrics.height(), where.height() - 2);
+    const QRect bars(where.left(), where.top() + 1, kBarsInHeights * item.fontMetrics.height(), where.height() - 2);
     PaintBars(*painter, item, bars, answers);
     where.setLeft(bars.right() + 2 * kMargin);
   }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QFontMetrics>
 #include <QStyledItemDelegate>
+
+#include "window/network/station_order.h"
 
 namespace corvane::window {
 
@@ -9,6 +12,8 @@ class StationDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  /// What a cell of that column needs besides its text.
+  [[nodiscard]] static int RoomBesideText(StationColumn column, const QFontMetrics& font);
   [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 };
 

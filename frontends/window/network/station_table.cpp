@@ -1,5 +1,6 @@
 #include "window/network/station_table.h"
 
+#include <algorithm>
 #include <array>
 
 #include <QHeaderView>
@@ -13,7 +14,8 @@ namespace {
 
 constexpr int kTextId = 785;  ///< and those of the other headings behind it
 /// In characters; what is wider is shortened, and shown whole below the table or by the pointer.
-constexpr std::array kWidths = {14, 16, 12, 24, 21, 20, 19, 11, 20, 16};
+constexpr std::array kWidest = {20, 28, 20, 40, 42, 24, 26, 22, 28, 28};
+constexpr int kRowsSeen = 60;
 
 }  // namespace
 
@@ -36,19 +38,59 @@ StationTable::StationTable(QWidget* parent) : QTreeView(parent), model_(this) {
   header()->setStretchLastSection(true);
   sortByColumn(0, Qt::AscendingOrder);
   setSortingEnabled(true);
-  SetColumnWidths();
+  fit_soon_.setSingleShot(true);
+  connect(&fit_soon_, &QTimer::timeout, this, [this] { FitColumns(); });
+  FitColumns();
   connect(&model_, &QAbstractItemModel::modelAboutToBeReset, this, [this] { Keep(); });
   connect(&model_, &QAbstractItemModel::modelReset, this, [this] { Restore(); });
+  connect(&model_, &QAbstractItemModel::headerDataChanged, this, [this] { ForgetWidths(); });
   connect(this, &QAbstractItemView::activated, this, [this](const QModelIndex& index) {
     if (const UnitStatus* unit = model_.UnitAt(index); unit != nullptr && on_opened) on_opened(unit->key);
   });
 }
 
-void StationTable::SetColumnWidths() {
-  const int character = fontMetrics().averageCharWidth();
-  for (int column = 0; column < kStationColumns; ++column) {
-    setColumnWidth(column, kWidths[static_cast<std::size_t>(column)] * character);
+void StationTable::ForgetWidths() {
+  widest_ = {};
+  fit_soon_.start(0);
+}
+
+std::vector<QModelIndex> StationTable::TopRows() const {
+  std::vector<QModelIndex> rows;
+  for (int row = 0; row < model_.rowCount() && rows.size() < kRowsSeen; ++row) {
+    const QModelIndex top = model_.index(row, 0);
+    if (model_.UnitAt(top) != nullptr) rows.push_back(top);
+    for (int unit = 0; unit < model_.rowCount(top) && rows.size() < kRowsSeen; ++unit) {
+      rows.push_back(model_.index(unit, 0, top));
+    }
   }
+  return rows;
+}
+
+int StationTable::WidestText(int column, const std::vector<QModelIndex>& rows) const {
+  int width = 0;
+  for (const QModelIndex& row : rows) {
+    width = std::max(width, fontMetrics().horizontalAdvance(row.siblingAtColumn(column).data().toString()));
+  }
+  const int most = kWidest.at(static_cast<std::size_t>(column)) * fontMetrics().averageCharWidth();
+  return std::min(width, most) + StationDelegate::RoomBesideText(static_cast<StationColumn>(column), fontMetrics());
+}
+
+void StationTable::FitColumns() {
+  const std::vector<QModelIndex> rows = TopRows();
+  for (int column = 0; column < kStationColumns; ++column) {
+    int& widest = widest_.at(static_cast<std::size_t>(column));
+    widest = std::max({widest, header()->sectionSizeHint(column), WidestText(column, rows)});
+    // The units of a group stand two steps further in.
+    SetFitted(column, widest + (column == 0 && rootIsDecorated() ? 2 * indentation() : 0));
+  }
+}
+
+void StationTable::SetFitted(int column, int width) {
+  int& fitted = fitted_.at(static_cast<std::size_t>(column));
+  const bool is_last = column == kStationColumns - 1;  // which fills what is left
+  if (fitted == width || (fitted != 0 && !is_last && columnWidth(column) != fitted)) return;
+  setColumnWidth(column, width);
+  fitted = width;
 }
 
 std::vector<std::int64_t> StationTable::SelectedKeys() const {
@@ -75,7 +117,11 @@ void StationTable::selectionChanged(const QItemSelection& selected, const QItemS
 }
 
 void StationTable::dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
-  if (first.row() != last.row()) return QTreeView::dataChanged(first, last, roles);
+  // Each unit of a round comes alone, and all of them together behind it.
+  if (first.row() != last.row() || model_.AllUnits() == 1) {
+    fit_soon_.start(0);
+    return QTreeView::dataChanged(first, last, roles);
+  }
   // The toolkit would paint the whole table for each unit of a round.
   const QRect cell = visualRect(first);
   viewport()->update(0, cell.top(), viewport()->width(), cell.height());
@@ -130,8 +176,6 @@ void StationTable::Restore() {
   });
   if (const bool grouped = model_.choice().grouping != Grouping::None; grouped != rootIsDecorated()) {
     setRootIsDecorated(grouped);
-    // The units of a group stand two steps further in.
-    setColumnWidth(0, columnWidth(0) + (grouped ? 2 : -2) * indentation());
   }
   for (int row = 0; row < model_.rowCount(); ++row) {
     const QModelIndex group = model_.index(row, 0);
@@ -146,6 +190,7 @@ void StationTable::Restore() {
   if (current.isValid()) selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
   horizontalScrollBar()->setValue(kept_.across);
   verticalScrollBar()->setValue(kept_.down);
+  fit_soon_.start(0);
 }
 
 }  // namespace corvane::window

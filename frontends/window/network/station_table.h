@@ -1,11 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <set>
 #include <vector>
 
 #include <QItemSelection>
+#include <QTimer>
 #include <QTreeView>
 
 #include "window/network/station_model.h"
@@ -18,6 +20,8 @@ class StationTable : public QTreeView {
   explicit StationTable(QWidget* parent);
 
   [[nodiscard]] StationModel& stations() { return model_; }
+  /// The texts are others by now: columns may become narrower.
+  void ForgetWidths();
   /// The keys of the selected units; those of a selected group are among them.
   [[nodiscard]] std::vector<std::int64_t> SelectedKeys() const;
   /// The unit of the current row; null when there is none.
@@ -42,7 +46,11 @@ class StationTable : public QTreeView {
     int across = 0;
     int down = 0;
   };
-  void SetColumnWidths();
+  /// Makes the columns as wide as what is seen of them, within limits; one that a person has set stays as it is.
+  void FitColumns();
+  void SetFitted(int column, int width);
+  [[nodiscard]] int WidestText(int column, const std::vector<QModelIndex>& rows) const;
+  [[nodiscard]] std::vector<QModelIndex> TopRows() const;
   void ForEachSelectedRow(const std::function<void(const QModelIndex& row)>& each) const;
   void Keep();
   void Restore();
@@ -51,6 +59,9 @@ class StationTable : public QTreeView {
   StationModel model_;
   Kept kept_;
   bool restoring_ = false;
+  std::array<int, kStationColumns> widest_ = {};  ///< what was seen of a column
+  std::array<int, kStationColumns> fitted_ = {};  ///< the widths that they were given
+  QTimer fit_soon_;
 };
 
 }  // namespace corvane::window

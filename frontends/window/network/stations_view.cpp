@@ -123,6 +123,8 @@ void StationsView::AddFilters(QVBoxLayout& column) {
   groups_->setProperty("textId", kGroups);
   while (std::cmp_less(groups_->count(), kGroupings.size())) groups_->addItem(QString());
   NameChoices();
+  // Their texts come in another language later.
+  for (QComboBox* choice : {letters_, groups_}) choice->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   counts_ = new QLabel(this);
   counts_->setObjectName("stationCounts");
   for (QWidget* widget : std::initializer_list<QWidget*>{label, filter_, letters_, groups_}) row->addWidget(widget);
@@ -229,6 +231,7 @@ void StationsView::ShowMenu(const QPoint& where) {
 void StationsView::SetPhrases(const Phrases& phrases) {
   phrases_ = phrases;
   NameChoices();
+  table_->ForgetWidths();
   table_->stations().SetPhrases(phrases);
   ShowCounts();
   ShowSelection();
