@@ -69,7 +69,9 @@ MainWindow::MainWindow(Application& app, EventLoop& loop)
   announcer_ = new Announcer(app_.form(), ui_->bottomPane);
   AddTray();
   captions_.on_phrases = [this](const Phrases& phrases) { TakePhrases(phrases); };
-  network_->on_status = [this](const NetworkStatus& status) { TakeStatus(status); };
+  network_->on_status = [this](const NetworkStatus& status, const std::string& headline) {
+    TakeStatus(status, headline);
+  };
   binder_ = std::make_unique<Binder>(app_.form(), Context());
   binder_->on_change = [this](const Control& control, Aspect aspect) { TakeChange(control, aspect); };
   app_.form().SetView(binder_.get());
@@ -163,8 +165,8 @@ void MainWindow::TakePhrases(const Phrases& phrases) {
   app_.setup().SetPhrases(phrases);
 }
 
-void MainWindow::TakeStatus(const NetworkStatus& status) {
-  tray_->Take(status);
+void MainWindow::TakeStatus(const NetworkStatus& status, const std::string& headline) {
+  tray_->Take(status, headline);
   const bool runs = status.last.ended.IsNone();
   const std::int64_t ended = runs ? std::max<std::int64_t>(status.last.key - 1, 0) : status.last.key;
   const std::int64_t before = std::exchange(last_round_, ended);

@@ -55,7 +55,7 @@ class MainWindow : public QMainWindow {
   /// The language file was read.
   void TakePhrases(const Phrases& phrases);
   /// How the network stands was read.
-  void TakeStatus(const NetworkStatus& status);
+  void TakeStatus(const NetworkStatus& status, const std::string& headline);
   /// What stands beside a row of a list.
   [[nodiscard]] std::string NoteOf(const Control& list, const std::string& row);
   /// A control has changed and is about to be shown.

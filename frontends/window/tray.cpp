@@ -10,7 +10,6 @@
 #include <QSystemTrayIcon>
 
 #include "base/outside_text.h"
-#include "history/status_headline.h"
 #include "history/status_texts.h"
 #include "window/network/network_phrases.h"
 
@@ -45,9 +44,9 @@ QIcon WithBadge(const QIcon& icon, std::int64_t number) {
 
 }  // namespace
 
-QString TrayTip(const NetworkStatus& status, const Phrases& phrases) {
+QString TrayTip(const NetworkStatus& status, const std::string& headline, const Phrases& phrases) {
   const std::string silent = CountText(SilentIn(status), kNetworkSays.stations_silent, phrases);
-  return QString::fromStdString(silent + "\n" + Printable(HeadlineOf(status, phrases)));
+  return QString::fromStdString(silent + "\n" + Printable(headline));
 }
 
 Tray::Tray(QIcon icon, QString title, QObject* parent)
@@ -79,8 +78,8 @@ void Tray::Make() {
   tray_->show();
 }
 
-void Tray::Take(const NetworkStatus& status) {
-  tip_ = TrayTip(status, phrases_);
+void Tray::Take(const NetworkStatus& status, const std::string& headline) {
+  tip_ = TrayTip(status, headline, phrases_);
   silent_ = SilentIn(status);
   Show();
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include <QIcon>
 #include <QObject>
@@ -17,7 +18,7 @@ class QSystemTrayIcon;
 namespace corvane::window {
 
 /// What the icon says when the pointer rests on it: how many stations are silent, and how the network stands.
-[[nodiscard]] QString TrayTip(const NetworkStatus& status, const Phrases& phrases = {});
+[[nodiscard]] QString TrayTip(const NetworkStatus& status, const std::string& headline, const Phrases& phrases = {});
 
 /// An icon in the tray of the desktop that draws attention without a box. Where the desktop has no tray nothing
 /// happens.
@@ -29,8 +30,8 @@ class Tray : public QObject {
 
   void SetOn(bool on);
   void SetPhrases(const Phrases& phrases) { phrases_ = phrases; }
-  /// Shows how the network stands.
-  void Take(const NetworkStatus& status);
+  /// Shows how the network stands; `headline` says so in one sentence.
+  void Take(const NetworkStatus& status, const std::string& headline);
 
   /// The person clicks on the icon; set by the window.
   std::function<void()> on_click;

@@ -188,7 +188,7 @@ TEST_F(Shown, TheViewsReadWhatARoundBroughtAndItsEndIsAnnounced) {
 TEST_F(Shown, TheTrayTellsOfSilentStations) {
   NetworkStatus status;
   status.counts = {0, 0, 1, 0, 0, 2};
-  EXPECT_TRUE(window::TrayTip(status).startsWith("1 station is silent\n"));
+  EXPECT_EQ(window::TrayTip(status, "2 of 3 units are fine"), "1 station is silent\n2 of 3 units are fine");
 }
 
 }  // namespace

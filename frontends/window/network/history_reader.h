@@ -39,6 +39,11 @@ class HistoryReader {
     });
   }
 
+  /// Has the thread take down what nobody needs any more.
+  void Drop(std::shared_ptr<void> things) {
+    pool_.start([things = std::move(things)]() mutable { things.reset(); });
+  }
+
  private:
   void Run(std::function<std::function<void()>()> reading);
   [[nodiscard]] Status ReadContents(const HistoryQuery& query, HistoryContents& contents) const;

@@ -1,6 +1,7 @@
 #include "window/network/network_page.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -14,8 +15,8 @@
 #include <QVBoxLayout>
 
 #include "history/status_headline.h"
-#include "window/network/network_phrases.h"
 #include "window/network/health_dialog.h"
+#include "window/network/network_phrases.h"
 #include "window/network/station_table.h"
 #include "window/network/stations_dialog.h"
 #include "window/network/stations_view.h"
@@ -69,8 +70,8 @@ NetworkPage::NetworkPage(Application& app, EventLoop& loop) : app_(app), loop_(l
   AddView(*stations_, "Units");
   table_ = new StationsDialog(app_, loop_, this);
   table_->on_put_in = [this] { Refresh(); };
-  BindCommands();
   health_ = new HealthDialog(reader_, this);
+  BindCommands();
   FollowRounds();
   soon_.setSingleShot(true);
   for (QTimer* timer : {&every_minute_, &soon_}) connect(timer, &QTimer::timeout, this, [this] { Refresh(); });
@@ -107,8 +108,8 @@ void NetworkPage::AddSetUp(QVBoxLayout& column) {
 void NetworkPage::SetPhrases(const Phrases& phrases) {
   phrases_ = phrases;
   stations_->SetPhrases(phrases);
-  // What stands there in other words is told anew.
   health_->SetPhrases(phrases);
+  // What stands there in other words is told anew.
   if (!headline_->text().isEmpty()) Refresh();
 }
 
@@ -131,10 +132,10 @@ void NetworkPage::BindCommands() {
     });
   };
   stations_->as_table = [this] { table_->ShowEmpty(); };
-  stations_->plot = [this](std::int64_t key) {
   stations_->health = [this](const UnitStatus& unit) {
     health_->ShowUnit(unit, NeighboursOf(unit, stations_->table().stations().units()), loop_.NowUtc());
   };
+  stations_->plot = [this](std::int64_t key) {
     const auto positions = app_.history().PositionsOf({key});
     if (!positions.empty() && show_plot) show_plot(positions.front());
   };
@@ -212,12 +213,17 @@ void NetworkPage::Refresh() {
   soon_.stop();
   since_begin_.start();
   const Moment now = loop_.NowUtc();
-  reader_.Read<NetworkStatus>(
+  reader_.Read<Shown>(
       StatusQuery(now),
-      [now, phrases = phrases_](const HistoryContents& read) {
-        return WorkOutStatus(read, now, Holder::Somebody, phrases);
+      [now, phrases = phrases_, choice = stations_->table().stations().choice()](const HistoryContents& read) {
+        Shown shown;
+        shown.status = WorkOutStatus(read, now, Holder::Somebody, phrases);
+        shown.headline = HeadlineOf(shown.status, phrases);
+        shown.advice = AdviceOn(shown.status);
+        shown.rows = RowsOf(std::move(shown.status.units), choice, phrases);
+        return shown;
       },
-      [this](const Status& read, NetworkStatus status) { Take(read, std::move(status)); });
+      [this](const Status& read, Shown shown) { Take(read, std::move(shown)); });
 }
 
 void NetworkPage::RefreshUnit(std::int64_t position) {
@@ -240,7 +246,7 @@ void NetworkPage::RefreshUnit(std::int64_t position) {
       });
 }
 
-void NetworkPage::Take(const Status& read, NetworkStatus status) {
+void NetworkPage::Take(const Status& read, Shown shown) {
   reading_ = false;
   took_ = since_begin_.elapsed();
   if (read.code() == HistoryStore::kBusy && !headline_->text().isEmpty()) {
@@ -251,12 +257,13 @@ void NetworkPage::Take(const Status& read, NetworkStatus status) {
     headline_->setText(QString::fromStdString(phrases_.Text(kNetworkSays.cannot_tell, {read.text()})));
     return ShowAdvice(&kNetworkSays.rounds_go_on);
   }
-  headline_->setText(QString::fromStdString(HeadlineOf(status, phrases_)));
-  last_round_ = status.last_round;
+  headline_->setText(QString::fromStdString(shown.headline));
+  last_round_ = shown.status.last_round;
   ShowRound();
-  ShowAdvice(AdviceOn(status));
-  if (on_status) on_status(status);
-  stations_->Take(std::move(status.units), status.now);
+  ShowAdvice(shown.advice);
+  if (on_status) on_status(shown.status, shown.headline);
+  // Thousands of them are not taken down here either.
+  reader_.Drop(std::make_shared<std::vector<UnitStatus>>(stations_->Take(std::move(shown.rows), shown.status.now)));
   if (again_) Refresh();
 }
 

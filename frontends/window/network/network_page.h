@@ -13,6 +13,7 @@
 #include "history/network_status.h"
 #include "lang/phrases.h"
 #include "window/network/history_reader.h"
+#include "window/network/station_order.h"
 
 class QLabel;
 class QTabWidget;
@@ -20,8 +21,8 @@ class QVBoxLayout;
 
 namespace corvane::window {
 
-class StationsDialog;
 class HealthDialog;
+class StationsDialog;
 class StationsView;
 
 /// The page "Network": how things stand. A view of the network's status; no rule of the system lives here.
@@ -47,8 +48,8 @@ class NetworkPage : public QScrollArea {
   std::function<void(std::int64_t position)> show_plot;
   /// Opens the assistant that sets a network up; called from the loop.
   std::function<void()> set_up;
-  /// How the network stands, whenever that was read.
-  std::function<void(const NetworkStatus& status)> on_status;
+  /// How the network stands but for its units, and that in one sentence, whenever it was read.
+  std::function<void(const NetworkStatus& status, const std::string& headline)> on_status;
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -68,7 +69,14 @@ class NetworkPage : public QScrollArea {
   void FollowRounds();
   void SetBusy(bool busy);
   void RefreshUnit(std::int64_t position);
-  void Take(const Status& read, NetworkStatus status);
+  /// How the network stands, and what of it is worked out before it is shown.
+  struct Shown {
+    NetworkStatus status;  ///< its units are in the rows
+    std::string headline;
+    const Phrase* advice = nullptr;
+    StationRows rows;
+  };
+  void Take(const Status& read, Shown shown);
   void ShowRound();
   /// Null: there is none.
   void ShowAdvice(const Phrase* advice);
@@ -81,6 +89,7 @@ class NetworkPage : public QScrollArea {
   QTabWidget* views_ = nullptr;
   StationsView* stations_ = nullptr;
   StationsDialog* table_ = nullptr;
+  HealthDialog* health_ = nullptr;
   Phrases phrases_;
   std::string last_round_;
   std::int64_t running_ = 0;   ///< place of the unit that has its turn, 0 none
@@ -89,7 +98,6 @@ class NetworkPage : public QScrollArea {
   int units_reading_ = 0;      ///< single units
   QElapsedTimer since_begin_;  ///< of the reading
   std::int64_t took_ = 0;      ///< milliseconds, the last one
-  HealthDialog* health_ = nullptr;
   QTimer every_minute_;
   QTimer soon_;
   HistoryReader reader_;

@@ -47,18 +47,16 @@ void StationModel::SetPhrases(const Phrases& phrases) {
   SetChoice(StationChoice(choice_));
 }
 
-void StationModel::Take(std::vector<UnitStatus> units, Moment now) {
+std::vector<UnitStatus> StationModel::Take(StationRows rows, Moment now) {
   now_ = now;
-  std::vector<StationGroup> groups = Arrange(units, choice_, phrases_);
-  if (SameRows(units_, groups_, units, groups)) {
-    units_ = std::move(units);
-    groups_ = std::move(groups);
-    return TellAllChanged();
-  }
-  beginResetModel();
-  units_ = std::move(units);
-  groups_ = std::move(groups);
-  endResetModel();
+  // Another was made while the status was read.
+  if (rows.choice != choice_) rows.groups = Arrange(rows.units, choice_, phrases_);
+  const bool same = SameRows(units_, groups_, rows.units, rows.groups);
+  if (!same) beginResetModel();
+  std::vector<UnitStatus> before = std::exchange(units_, std::move(rows.units));
+  groups_ = std::move(rows.groups);
+  same ? TellAllChanged() : endResetModel();
+  return before;
 }
 
 void StationModel::TakeUnit(const UnitStatus& unit) {

@@ -27,8 +27,8 @@ class StationModel : public QAbstractItemModel {
 
   /// Shows everything in these words from then on.
   void SetPhrases(const Phrases& phrases);
-  /// Takes how the network stands; rows keep their places where their order did not change.
-  void Take(std::vector<UnitStatus> units, Moment now);
+  /// Takes how the network stands; rows keep their places where their order did not change. Returns the units before.
+  std::vector<UnitStatus> Take(StationRows rows, Moment now);
   /// Takes how one unit stands. Its row stays where it is until the whole network is taken.
   void TakeUnit(const UnitStatus& unit);
   /// The unit that has its turn in a round, by its place in the list of units; 0 none.

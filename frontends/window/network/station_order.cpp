@@ -115,4 +115,9 @@ std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const St
   return all;
 }
 
+StationRows RowsOf(std::vector<UnitStatus> units, const StationChoice& choice, const Phrases& phrases) {
+  std::vector<StationGroup> groups = Arrange(units, choice, phrases);
+  return {std::move(units), choice, std::move(groups)};
+}
+
 }  // namespace corvane::window

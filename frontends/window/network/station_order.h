@@ -36,6 +36,8 @@ struct StationChoice {
   QString text;                    ///< a part of name, client, relay or ID; empty: all
   std::vector<UnitState> letters;  ///< one of these; none: all
   Grouping grouping = Grouping::None;
+
+  bool operator==(const StationChoice&) const = default;
 };
 
 /// One group of units, or all of them.
@@ -47,6 +49,13 @@ struct StationGroup {
 /// The groups in the order of their names, the units in the order chosen, the worst first where they are equal in it.
 [[nodiscard]] std::vector<StationGroup> Arrange(const std::vector<UnitStatus>& units, const StationChoice& choice,
                                                 const Phrases& phrases = {});
+/// Units and the rows that they make; worked out on a thread for what was chosen then.
+struct StationRows {
+  std::vector<UnitStatus> units;
+  StationChoice choice;
+  std::vector<StationGroup> groups;
+};
+[[nodiscard]] StationRows RowsOf(std::vector<UnitStatus> units, const StationChoice& choice, const Phrases& phrases);
 /// What the units of a group have in common.
 [[nodiscard]] QString GroupOf(const UnitStatus& unit, Grouping grouping, const Phrases& phrases);
 

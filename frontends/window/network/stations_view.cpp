@@ -168,10 +168,10 @@ void StationsView::AddCommands(QVBoxLayout& column) {
   deactivate_ = AddButton(*row, "deactivateButton", "Switch off",
                           "Makes the selected units inactive: they are left out when all units are asked", kDeactivate);
   plot_ = AddButton(*row, "plotButton", "Plot", "Shows the readings of the unit (Enter)", kPlot);
-  row->addStretch();
-  auto* as_table_button =
   health_ = AddButton(*row, "healthButton", "Before driving out...",
                       "Says all that is known of the unit, and what to take along to it", kHealth);
+  row->addStretch();
+  auto* as_table_button =
       AddButton(*row, "stationsButton", "Stations...",
                 "Saves units, relays and clients as a table of a spreadsheet, or puts one in", kStations);
   connect(as_table_button, &QPushButton::clicked, this, [this] { as_table(); });
@@ -193,11 +193,11 @@ void StationsView::AddCommands(QVBoxLayout& column) {
   connect(plot_, &QPushButton::clicked, this, [this] {
     if (const UnitStatus* unit = table_->CurrentUnit()) plot(unit->key);
   });
-}
-
   connect(health_, &QPushButton::clicked, this, [this] {
     if (const UnitStatus* unit = table_->CurrentUnit()) health(*unit);
   });
+}
+
 void StationsView::AddKeys() {
   // Shortcuts of a view that does not show do nothing.
   const auto* find = new QShortcut(QKeySequence::Find, this);
@@ -237,10 +237,11 @@ void StationsView::SetPhrases(const Phrases& phrases) {
   ShowSelection();
 }
 
-void StationsView::Take(std::vector<UnitStatus> units, Moment now) {
-  table_->stations().Take(std::move(units), now);
+std::vector<UnitStatus> StationsView::Take(StationRows rows, Moment now) {
+  std::vector<UnitStatus> before = table_->stations().Take(std::move(rows), now);
   ShowCounts();
   ShowSelection();
+  return before;
 }
 
 void StationsView::TakeUnit(const UnitStatus& unit) {

@@ -8,6 +8,7 @@
 
 #include "history/network_status.h"
 #include "lang/phrases.h"
+#include "window/network/station_order.h"
 
 class QComboBox;
 class QHBoxLayout;
@@ -28,7 +29,8 @@ class StationsView : public QWidget {
 
   /// Shows everything in these words from then on.
   void SetPhrases(const Phrases& phrases);
-  void Take(std::vector<UnitStatus> units, Moment now);
+  /// Shows these; returns the units that were shown before.
+  std::vector<UnitStatus> Take(StationRows rows, Moment now);
   void TakeUnit(const UnitStatus& unit);
   /// The unit that has its turn in a round, by its place in the list of units; 0 none.
   void SetRunning(std::int64_t position);
@@ -42,10 +44,10 @@ class StationsView : public QWidget {
   std::function<void(const Keys& keys)> repair;
   std::function<void(const Keys& keys, bool active)> set_active;
   std::function<void(std::int64_t key)> plot;
-  /// The person asks for the stations as a table.
-  std::function<void()> as_table;
   /// The person wants to know all that is known of a unit.
   std::function<void(const UnitStatus& unit)> health;
+  /// The person asks for the stations as a table.
+  std::function<void()> as_table;
 
  private:
   void AddFilters(QVBoxLayout& column);
@@ -69,9 +71,9 @@ class StationsView : public QWidget {
   QPushButton* activate_ = nullptr;
   QPushButton* deactivate_ = nullptr;
   QPushButton* plot_ = nullptr;
+  QPushButton* health_ = nullptr;
   Phrases phrases_;
   bool busy_ = false;
-  QPushButton* health_ = nullptr;
 };
 
 }  // namespace corvane::window
