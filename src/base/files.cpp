@@ -97,6 +97,12 @@ Status ReadBlock(int descriptor, const std::string& path, std::int64_t offset, c
   return Status::Ok();
 }
 
+/// Waits until what the file holds is on the disk, where it has one that can be waited for.
+Status SyncDescriptor(int descriptor, const std::string& path) {
+  const bool synced = fdatasync(descriptor) == 0 || errno == EINVAL || errno == EROFS;
+  return synced ? Status::Ok() : Status::FromErrno(path, errno);
+}
+
 }  // namespace
 
 std::optional<FileInfo> ExamineFile(const std::string& path) {
@@ -142,9 +148,13 @@ Status GiveSecondName(const std::string& path, const std::string& second) {
   if (Status full = CheckFullPath(second); !full.ok()) return full;
   unlink(second.c_str());
   if (link(path.c_str(), second.c_str()) == 0) return Status::Ok();
+  const std::string part = second + ".part";
   std::error_code failed;
-  std::filesystem::copy_file(path, second, failed);
-  return failed ? Status::FromErrno(second, failed.value()) : Status::Ok();
+  std::filesystem::copy_file(path, part, std::filesystem::copy_options::overwrite_existing, failed);
+  Status done = failed ? Status::FromErrno(part, failed.value()) : SyncFile(part);
+  if (done.ok() && rename(part.c_str(), second.c_str()) != 0) done = Status::FromErrno(second, errno);
+  if (!done.ok()) unlink(part.c_str());
+  return done;
 }
 
 Status RotateFile(const std::string& path, int kept) {
@@ -239,8 +249,7 @@ Status OutputFile::TakeOwnerAndMode(const std::string& path) {
 
 Status OutputFile::Sync() {
   if (descriptor_ < 0) return {EBADF, "no file is open"};
-  if (fdatasync(descriptor_) == 0 || errno == EINVAL || errno == EROFS) return Status::Ok();
-  return Status::FromErrno(path_, errno);
+  return SyncDescriptor(descriptor_, path_);
 }
 
 void OutputFile::Close() {
@@ -373,6 +382,12 @@ Status WriteAt(const std::string& path, std::int64_t offset, std::string_view by
   return fdatasync(descriptor.number()) == 0 ? Status::Ok() : Status::FromErrno(path, errno);
 }
 
+Status SyncFile(const std::string& path) {
+  int number = -1;
+  if (Status opened = OpenForReading(path, number); !opened.ok()) return opened;
+  return SyncDescriptor(Descriptor(number).number(), path);
+}
+
 Status SyncFolderOf(const std::string& path) {
   std::string_view name = path;
   while (name.size() > 1 && name.back() == '/') name.remove_suffix(1);
@@ -385,11 +400,9 @@ Status SyncFolderOf(const std::string& path) {
 
 Status CutFile(const std::string& path, std::int64_t size) {
   if (Status full = CheckFullPath(path); !full.ok()) return full;
-  const int number = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-  if (number < 0) return Status::FromErrno(path, errno);
-  const Descriptor descriptor(number);
-  if (ftruncate(number, size) != 0 || fdatasync(number) != 0) return Status::FromErrno(path, errno);
-  return Status::Ok();
+  const Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (file.number() < 0 || ftruncate(file.number(), size) != 0) return Status::FromErrno(path, errno);
+  return fdatasync(file.number()) == 0 ? Status::Ok() : Status::FromErrno(path, errno);
 }
 
 }  // namespace corvane

@@ -43,7 +43,8 @@ Status ListFiles(const std::string& folder, const std::function<bool(std::string
 /// Creates one folder and lets its parent reach the disk; the parent must exist. One that exists already is a success.
 Status MakeFolder(const std::string& path);
 Status RemoveFile(const std::string& path);
-/// Lets `second` be another name of the file `path`, in place of what bears it; where there are no such names, a copy.
+/// Lets `second` be another name of the file `path`, in place of what bears it; where there are no such names, a copy
+/// that is on the disk. After a failure `second` is not there.
 Status GiveSecondName(const std::string& path, const std::string& second);
 /// What `path` leads to, all links followed. A link that another user made is refused.
 Status FollowLink(const std::string& path, std::string& target);
@@ -160,6 +161,8 @@ class InputFile {
 Status ReadAt(const std::string& path, std::int64_t offset, std::size_t length, std::string& bytes);
 /// Writes `bytes` over what stands at `offset` and behind it, and syncs them.
 Status WriteAt(const std::string& path, std::int64_t offset, std::string_view bytes);
+/// Waits until what the file holds is on the disk.
+Status SyncFile(const std::string& path);
 /// Waits until the name of the file or folder `path` is on the disk: syncs the folder that it stands in.
 Status SyncFolderOf(const std::string& path);
 /// Cuts the file to `size` bytes and syncs it.

@@ -68,6 +68,11 @@ extern "C" int rename(const char* from, const char* to) {
 
 extern "C" int link(const char* from, const char* to) {
   BeforeChange();
+  if (corvane::test::failing_links > 0) {
+    --corvane::test::failing_links;
+    errno = EPERM;
+    return -1;
+  }
   return static_cast<int>(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
 }
 

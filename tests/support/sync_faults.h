@@ -9,6 +9,8 @@ namespace corvane::test {
 inline int failing_syncs = 0;
 /// How many of the next calls of `fsync` fail, which is used for folders.
 inline int failing_folder_syncs = 0;
+/// How many of the next calls of `link` fail, as on a disk where a file has one name only.
+inline int failing_links = 0;
 /// How many of the next calls that read "corvane.ini" fail, and with which error; with EMFILE it cannot be opened.
 inline int failing_reads = 0;
 inline int read_error = 0;

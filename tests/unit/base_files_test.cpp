@@ -12,6 +12,7 @@
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "support/small_disk.h"
+#include "support/sync_faults.h"
 #include "support/temp_folder.h"
 
 namespace corvane::test {
@@ -163,6 +164,23 @@ TEST(ReplacementFiles, BringTheirOwnPermissionsOrKeepThoseInPlace) {
   fs::create_directory(folder.Name("sub"));
   EXPECT_EQ(WriteFileAtomically(folder.Name("sub"), "x").code(), EISDIR);
   EXPECT_FALSE(fs::exists(folder.Name("sub.part")));
+}
+
+TEST(SecondNames, AreWholeCopiesWhereADiskHasNone) {
+  const TempFolder folder;
+  const std::string path = folder.Write("a", "text"), second = folder.Name("b");
+  for (const bool copied : {false, true}) {
+    folder.Write("b", "former");
+    failing_links = copied ? 1 : 0;
+    EXPECT_TRUE(GiveSecondName(path, second).ok());
+    EXPECT_EQ(folder.Read("b"), "text");
+    EXPECT_EQ(fs::hard_link_count(path), copied ? 1U : 2U);
+    fs::remove(second);
+  }
+  failing_links = failing_syncs = 1;
+  EXPECT_FALSE(GiveSecondName(path, second).ok());
+  EXPECT_EQ(failing_syncs, 0) << "the copy has to reach the disk";
+  EXPECT_TRUE(std::distance(fs::directory_iterator(folder.path()), {}) == 1 && folder.Read("a") == "text");
 }
 
 TEST(Paths, AreCreatedFolderByFolder) {
