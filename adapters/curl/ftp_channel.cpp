@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include "base/encoding.h"
 #include "base/scoped_value.h"
 #include "curl/run_under_way.h"
 #include "curl/socket_state.h"
@@ -24,11 +25,6 @@ constexpr long kSecondsBehind = 2;
 constexpr long kForEver = 1'000'000;
 /// As the lowest version; shifted by 16 bits as the highest.
 constexpr long kTls12 = CURL_SSLVERSION_TLSv1_2;
-
-bool IsUnreserved(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.' ||
-         c == '_' || c == '~' || c == '/';
-}
 
 bool IsOfAFile(const FtpTask& task) {
   return task.kind == FtpTask::Kind::Examine || task.kind == FtpTask::Kind::Upload ||
@@ -170,19 +166,9 @@ void FtpChannel::PrepareTransfer() {
 }
 
 std::string FtpChannel::UrlOf(const std::string& path) const {
-  constexpr const char* kDigits = "0123456789ABCDEF";
   const bool is_ipv6 = login_.host.find(':') != std::string::npos;
-  std::string url = "ftp://" + (is_ipv6 ? "[" + login_.host + "]" : login_.host) + ":" + std::to_string(login_.port);
-  url += '/';
-  for (const char c : path) {
-    if (IsUnreserved(c)) {
-      url += c;
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      url += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
-    }
-  }
-  return url;
+  const std::string host = is_ipv6 ? "[" + login_.host + "]" : login_.host;
+  return "ftp://" + host + ":" + std::to_string(login_.port) + "/" + PercentEncoded(path);
 }
 
 void FtpChannel::Drive() {

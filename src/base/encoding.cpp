@@ -91,4 +91,21 @@ std::string DecodeText(std::string bytes) {
   return bytes;
 }
 
+std::string PercentEncoded(std::string_view path) {
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  static constexpr std::string_view kPlain = "-._~/";
+  std::string encoded;
+  for (const char c : path) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
+                       kPlain.find(c) != std::string_view::npos;
+    if (plain) {
+      encoded += c;
+    } else {
+      encoded += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  return encoded;
+}
+
 }  // namespace corvane

@@ -14,5 +14,8 @@ namespace corvane {
 [[nodiscard]] std::string Utf8FromWindows1252(std::string_view bytes);
 /// The text of a file in UTF-8: a byte order mark is dropped; bytes that are no UTF-8 are read as Windows-1252.
 [[nodiscard]] std::string DecodeText(std::string bytes);
+/// A path as it stands in an address: unreserved characters and "/" stay, other bytes become "%" and two digits
+/// (RFC 3986).
+[[nodiscard]] std::string PercentEncoded(std::string_view path);
 
 }  // namespace corvane
