@@ -4,29 +4,15 @@
 
 #include <sqlite3.h>
 
+#include "base/encoding.h"
+
 namespace corvane {
 namespace {
 
 constexpr int kMillisecondsBetweenTries = 4;
+constexpr int kPagesAtOnce = 1024;
 constexpr sqlite3_int64 kReadVersionAt = 19;  // in the file's header; 2: a write-ahead log
 constexpr char kKeptWithLog = 2;
-
-/// The path as an address that asks for an unchanging file.
-std::string UnchangedAddress(const std::string& path) {
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string address = "file:";
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
-                       c == '/' || c == '.' || c == '-' || c == '_';
-    if (plain) {
-      address += c;
-    } else {
-      address += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
-    }
-  }
-  return address + "?immutable=1";
-}
 
 }  // namespace
 
@@ -104,7 +90,7 @@ void Database::Open(const std::string& path, Access access) {
   int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   flags |= access == Access::Write ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
   if (access == Access::Unchanged) flags |= SQLITE_OPEN_URI;
-  const std::string name = access == Access::Unchanged ? UnchangedAddress(path) : path;
+  const std::string name = access == Access::Unchanged ? "file:" + PercentEncoded(path) + "?immutable=1" : path;
   const int code = sqlite3_open_v2(name.c_str(), &connection_, flags, nullptr);
   if (code != SQLITE_OK) {
     const SqliteError error(code, connection_ == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(connection_));
@@ -143,19 +129,27 @@ bool Database::HasMoved() const {
   return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
 }
 
-void Database::CopyTo(const std::string& path) const {
-  constexpr int kAllPages = -1;
+void Database::CopyTo(const std::string& path, const std::function<bool()>& cancelled) {
   Database copy;
   copy.Open(path, Access::Write);
   // A file that is copied elsewhere has no log beside it.
   int keep = 0;
   sqlite3_file_control(copy.connection_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
+  // What is read here holds the moment until all of it is copied.
+  Execute("BEGIN");
+  static_cast<void>(Number("SELECT count(*) FROM sqlite_schema"));
   sqlite3_backup* const backup = sqlite3_backup_init(copy.connection_, "main", connection_, "main");
   if (backup == nullptr) throw SqliteError(sqlite3_errcode(copy.connection_), sqlite3_errmsg(copy.connection_));
-  sqlite3_backup_step(backup, kAllPages);
-  if (const int code = sqlite3_backup_finish(backup); code != SQLITE_OK) {
+  int copied = SQLITE_OK;
+  while (copied == SQLITE_OK) {
+    copied = cancelled && cancelled() ? SQLITE_INTERRUPT : sqlite3_backup_step(backup, kPagesAtOnce);
+  }
+  // The end of the copying does not tell again that another program holds the file.
+  const int ended = sqlite3_backup_finish(backup);
+  if (const int code = copied == SQLITE_DONE ? ended : copied; code != SQLITE_OK) {
     throw SqliteError(code, sqlite3_errstr(code));
   }
+  RollBack();
   copy.Execute("PRAGMA journal_mode = DELETE");
 }
 

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -91,8 +92,9 @@ class Database {
   void Compile(const std::string& sql) { const Statement statement(connection_, sql); }
   /// The statement of that text, which is prepared once and stays until `Close`.
   Statement& Prepared(const std::string& sql);
-  /// Copies all of it, as it stands at one moment, into the empty file `path`, which is whole in itself then.
-  void CopyTo(const std::string& path) const;
+  /// Copies all of it, as it stands at one moment, into the empty file `path`, which is whole in itself then. Asks
+  /// `cancelled` meanwhile whether to break off, which fails; after a failure a transaction may be open.
+  void CopyTo(const std::string& path, const std::function<bool()>& cancelled);
   /// Leaves a transaction, if one is open. Throws nothing.
   void RollBack();
 

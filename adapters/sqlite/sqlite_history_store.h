@@ -28,13 +28,16 @@ class SqliteHistoryStore : public HistoryStore {
   Status Read(const HistoryQuery& av_Query, HistoryContents& av_Result) override;
   Status Forget(Moment av_Before) override;
   /// Copies the history that is open into the file `copy`, made readable for its owner only, as it stands at one
-  /// moment, whoever writes meanwhile.
-  Status CopyTo(const std::string& copy);
+  /// moment, whoever writes meanwhile. Fails where `cancelled`, asked meanwhile, is true; the copy of a failure is not
+  /// to be used.
+  Status CopyTo(const std::string& copy, const std::function<bool()>& cancelled = {});
 
  private:
   /// Runs `work` and turns what it throws into a status; no transaction stays open.
   Status Run(const std::function<void()>& work);
-  /// The same between the begin and the end of a transaction that writes.
+  /// The same for what only reads; done again where somebody wrote meanwhile what was taken for unchanging.
+  Status RunToRead(const std::function<void()>& work);
+  /// As `Run`, between the begin and the end of a transaction that writes.
   Status Change(const std::function<void()>& work);
   [[nodiscard]] Status Failure(int code, const std::string& text) const;
 

@@ -281,6 +281,36 @@ TEST_F(HistoryInAFile, DoesNotWaitForAProgramThatHoldsIt) {
   EXPECT_TRUE(set_aside.empty());
 }
 
+TEST_F(HistoryInAFile, IsCopiedWholeOrNotAtAll) {
+  const std::string copy = folder.Name("copy.db");
+  const auto copied = [&] {
+    SqliteHistoryStore opened;
+    return opened.OpenToRead(copy).ok() ? Everything(opened).days.size() : 0;
+  };
+  SqliteHistoryStore writer([](const std::string&) { return true; });
+  ASSERT_TRUE(Open(writer).ok() && writer.Write(TwoUnits()).ok());
+  ASSERT_TRUE(Open(second, false).ok());
+  {
+    Database other;
+    other.Open(file, Database::Access::Write);
+    other.Execute("BEGIN EXCLUSIVE");
+    EXPECT_EQ(second.CopyTo(copy).code(), HistoryStore::kBusy);
+  }
+  EXPECT_TRUE(second.CopyTo(copy).ok());
+  EXPECT_EQ(copied(), 8U);
+  writer.Close(), second.Close();
+  // Taken for unchanging, and then written: with a log, of which the file itself knows nothing yet.
+  ASSERT_TRUE(Open(store).ok());
+  store.Close();
+  fs::remove(file + "-wal"), fs::remove(file + "-shm");
+  ASSERT_TRUE(Open(second, false).ok());
+  HistoryContents more;
+  more.days = {Day(1, kDay)};
+  ASSERT_TRUE(Open(store).ok() && store.Write(more).ok());
+  EXPECT_TRUE(second.CopyTo(copy).ok());
+  EXPECT_EQ(copied(), 9U);
+}
+
 TEST_F(HistoryInAFile, GoesOnBehindAFullDisk) {
   {
     const SmallDisk disk(0);
