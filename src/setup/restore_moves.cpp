@@ -35,9 +35,18 @@ Status Renamed(const std::string& as_From, const std::string& as_To) {
   return failed ? Status::FromErrno(as_To, failed.value()) : Status::Ok();
 }
 
+/// Whether something bears the name; an error that hides it is a failure.
+Status LookFor(const std::string& as_File, bool& ab_There) {
+  std::error_code failed;
+  ab_There = fs::exists(fs::status(as_File, failed));
+  return ab_There || !failed || failed.value() == ENOENT ? Status::Ok() : Status::FromErrno(as_File, failed.value());
+}
+
 /// Lets the former file have a name among what was replaced; one that has it already keeps it.
 Status KeepFormer(const std::string& as_Target, const std::string& as_Kept) {
-  if (!ExamineFile(as_Target) || ExamineFile(as_Kept)) return Status::Ok();
+  bool there = false, kept = false;
+  if (Status looked = LookFor(as_Target, there); !looked.ok() || !there) return looked;
+  if (Status looked = LookFor(as_Kept, kept); !looked.ok() || kept) return looked;
   const std::string part = as_Kept + ".part";
   Status named = GiveSecondName(as_Target, part);
   return named.ok() ? Renamed(part, as_Kept) : named;
@@ -47,24 +56,18 @@ Status KeepFormer(const std::string& as_Target, const std::string& as_Kept) {
 Status Move(const std::string& as_From, const std::string& as_To) {
   Status moved = Renamed(as_From, as_To);
   if (moved.code() != EXDEV) return moved;
-  const std::string part = as_To + ".part";
-  std::error_code failed;
-  fs::copy_file(as_From, part, fs::copy_options::overwrite_existing, failed);
-  if (failed) return Status::FromErrno(part, failed.value());
-  OutputFile copy;
-  if (Status synced = copy.OpenForAppending(part); !synced.ok()) return synced;
-  if (Status synced = copy.Sync(); !synced.ok()) return synced;
-  copy.Close();
-  if (Status renamed = Renamed(part, as_To); !renamed.ok()) return renamed;
-  return RemoveFile(as_From);
+  Status copied = GiveSecondName(as_From, as_To);
+  return copied.ok() ? RemoveFile(as_From) : copied;
 }
 
 Status MakeMove(const RestoreMove& av_Move, const std::string& as_Stage, const std::string& as_Kept) {
   const std::string from = as_Stage + av_Move.staged;
-  // It is in its place already.
-  if (!av_Move.staged.empty() && !ExamineFile(from)) return Status::Ok();
+  bool there = false;
+  if (Status looked = LookFor(av_Move.staged.empty() ? av_Move.target : from, there); !looked.ok()) return looked;
+  // It is in its place, or set aside, already.
+  if (!there) return Status::Ok();
   if (Status kept = KeepFormer(av_Move.target, as_Kept); !kept.ok()) return kept;
-  if (av_Move.staged.empty()) return ExamineFile(av_Move.target) ? RemoveFile(av_Move.target) : Status::Ok();
+  if (av_Move.staged.empty()) return RemoveFile(av_Move.target);
   try {
     CreatePath(FolderOf(av_Move.target));
   } catch (const RunTimeError& error) {
@@ -110,11 +113,14 @@ Status FinishRestore(const std::string& as_Home, std::string& as_Before) {
   ProfileFile list;
   list.Parse(std::move(text));
   const std::string before = list.Get(kSection, "Before", "");
-  const std::int64_t count = ParseInteger(list.Get(kSection, "Count", ""), 0, INT32_MAX).value_or(0);
+  const Status damaged(EINVAL, ListFile(as_Home) + ": is damaged");
+  const auto count = ParseInteger(list.Get(kSection, "Count", ""), 1, INT32_MAX);
+  if (!count || before.empty()) return damaged;
   std::set<std::string> folders;
-  for (std::int64_t number = 1; number <= count; ++number) {
+  for (std::int64_t number = 1; number <= *count; ++number) {
     const RestoreMove move{list.Get(kSection, KeyOf("Staged", number), ""),
                            list.Get(kSection, KeyOf("Target", number), "")};
+    if (!list.Has(kSection, KeyOf("Staged", number)) || move.target.empty()) return damaged;
     // The number keeps files of the same name apart.
     const std::string kept = AddBackslash(before) + std::to_string(number) + "-" + std::string(FileNameOf(move.target));
     if (Status made = MakeMove(move, StageFolder(as_Home), kept); !made.ok()) return made;
