@@ -1,6 +1,7 @@
 #include "zip/libzip_archive.h"
 
 #include <cerrno>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -11,7 +12,7 @@
 
 #include "base/encoding.h"
 #include "base/files.h"
-#include "zip/zip_limits.h"
+#include "zip/zip_file_source.h"
 #include "zip/zip_writer.h"
 
 namespace corvane {
@@ -34,15 +35,10 @@ Status FailureOf(zip_t* archive, const std::string& what) {
 }
 
 /// Adds one source; the library owns what it is given from then on, and reads files when the archive is closed.
-Status AddOne(zip_t* archive, const ArchiveSource& source) {
-  zip_source_t* from = nullptr;
-  if (source.file.empty()) {
-    from = zip_source_buffer(archive, source.text.data(), source.text.size(), 0);
-  } else {
-    const auto about = ExamineFile(source.file);
-    if (!about) return Status::FromErrno(source.file, ENOENT);
-    from = zip_source_file(archive, source.file.c_str(), 0, about->size);
-  }
+/// `failed` is the file that cannot be read then.
+Status AddOne(zip_t* archive, const ArchiveSource& source, std::string& failed) {
+  zip_source_t* const from = source.file.empty() ? zip_source_buffer(archive, source.text.data(), source.text.size(), 0)
+                                                 : MakeFileSource(archive, source.file, failed);
   if (from == nullptr) return FailureOf(archive, source.file);
   const zip_flags_t encoding = IsUtf8(source.name) ? ZIP_FL_ENC_UTF_8 : ZIP_FL_ENC_GUESS;
   const zip_int64_t index = zip_file_add(archive, source.name.c_str(), from, encoding);
@@ -54,34 +50,36 @@ Status AddOne(zip_t* archive, const ArchiveSource& source) {
   return Status::Ok();
 }
 
-Status SyncFile(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) return Status::FromErrno(path, errno);
-  const int error = fsync(descriptor) == 0 ? 0 : errno;
-  close(descriptor);
-  return error == 0 ? Status::Ok() : Status::FromErrno(path, error);
+int IsCancelled(zip_t* /*archive*/, void* cancelled) {
+  return (*static_cast<const std::function<bool()>*>(cancelled))() ? 1 : 0;
 }
 
 }  // namespace
 
-Status LibzipArchive::Add(const std::string& path, const std::vector<ArchiveSource>& sources) {
+Status LibzipArchive::Add(const std::string& path, const std::string& name, const std::vector<ArchiveSource>& sources) {
   // What the library writes beside the file takes over its permissions: it may hold passwords from the first byte on.
   const int made = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
-  if (made < 0) return Status::FromErrno(path, errno);
+  if (made < 0) return Status::FromErrno(name, errno);
   const int error = fchmod(made, kOwnerOnly) == 0 ? 0 : errno;
   close(made);
-  if (error != 0) return Status::FromErrno(path, error);
+  if (error != 0) return Status::FromErrno(name, error);
   const auto about = ExamineFile(path);
-  RemoveLeftOvers(path);
-  ZipOutcome outcome;
-  ArchiveHandle archive = OpenArchive(path, about && about->size > 0 ? 0 : ZIP_CREATE | ZIP_TRUNCATE, outcome);
-  if (!archive) return StatusOf(outcome);
+  RemoveLeftOversOf(path);
+  std::string failed;
+  int code = 0;
+  ArchiveHandle archive(zip_open(path.c_str(), about && about->size > 0 ? 0 : ZIP_CREATE | ZIP_TRUNCATE, &code));
+  if (!archive) return StatusOf(OutcomeOf(code, name));
   for (const ArchiveSource& source : sources) {
-    if (Status added = AddOne(archive.get(), source); !added.ok()) return added;
+    if (Status added = AddOne(archive.get(), source, failed); !added.ok()) return added;
   }
-  if (zip_close(archive.get()) != 0) return FailureOf(archive.get(), path);
+  if (cancelled_) zip_register_cancel_callback_with_state(archive.get(), IsCancelled, nullptr, &cancelled_);
+  if (zip_close(archive.get()) != 0) {
+    if (cancelled_ && cancelled_()) return StatusOf(AbortedOutcome(name));
+    return FailureOf(archive.get(), failed.empty() ? name : failed);
+  }
   static_cast<void>(archive.release());
-  return SyncFile(path);
+  const Status synced = SyncFile(path);
+  return synced.ok() ? synced : Status::FromErrno(name, synced.code());
 }
 
 Status LibzipArchive::Open(const std::string& path) {
@@ -105,8 +103,8 @@ Status LibzipArchive::List(std::vector<ArchiveEntry>& entries) {
     const char* const raw = zip_get_name(archive_.get(), index, ZIP_FL_ENC_RAW);
     ArchiveEntry entry;
     entry.name = raw != nullptr ? raw : "";
-    if (ZipOutcome checked = CheckEntry(about, path_ + ", " + entry.name); checked.code != kZipOk) {
-      return StatusOf(checked);
+    if ((about.valid & ZIP_STAT_SIZE) == 0) {
+      return {kZipCorrupt, path_ + ", " + entry.name + ": the entry does not state its size"};
     }
     entry.size = static_cast<std::int64_t>(about.size);
     entry.crc = about.crc;
@@ -121,12 +119,18 @@ Status LibzipArchive::Walk(const std::string& name, const Take& take) {
   if (index < 0) return {kZipNothingToDo, what + ": is missing"};
   const EntryHandle file(zip_fopen_index(archive_.get(), static_cast<zip_uint64_t>(index), 0));
   if (!file) return FailureOf(archive_.get(), what);
+  zip_stat_t about;
+  if (zip_stat_index(archive_.get(), static_cast<zip_uint64_t>(index), 0, &about) != 0) {
+    return FailureOf(archive_.get(), what);
+  }
   std::string block(kBlockSize, '\0');
-  while (true) {
-    // The library compares the checksum with the last block and fails there.
+  for (zip_uint64_t done = 0;;) {
+    // The library compares size and checksum with the last block and fails there.
     const zip_int64_t got = zip_fread(file.get(), block.data(), block.size());
     if (got < 0) return StatusOf(OutcomeOf(*zip_file_get_error(file.get()), what));
     if (got == 0) return Status::Ok();
+    done += static_cast<zip_uint64_t>(got);
+    if (done > about.size) return {kZipCorrupt, what + ": the entry is longer than it states"};
     if (Status taken = take(block.data(), static_cast<std::size_t>(got)); !taken.ok()) return taken;
   }
 }

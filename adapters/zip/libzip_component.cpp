@@ -1,6 +1,7 @@
 #include "zip/libzip_component.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <string_view>
 #include <utility>
@@ -41,9 +42,18 @@ std::int16_t LibzipComponent::Zip() {
     return End({kZipBadProperties, "cannot zip \"" + source + "\" into \"" + archive + "\""});
   }
   return Run([this, archive, source] {
-    if (swept_folders_.emplace(FolderOf(archive)).second) RemoveLeftOvers(archive);
+    Sweep(archive);
     return ZipOneFile(archive, source, progress_);
   });
+}
+
+void LibzipComponent::Sweep(const std::string& archive) {
+  constexpr std::chrono::hours kBetween(24);
+  const auto now = std::chrono::steady_clock::now();
+  const auto [folder, first] = swept_folders_.try_emplace(std::string(FolderOf(archive)), now);
+  if (!first && now - folder->second < kBetween) return;
+  folder->second = now;
+  RemoveForsaken(folder->first);
 }
 
 std::int16_t LibzipComponent::Unzip() {

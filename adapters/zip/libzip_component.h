@@ -3,9 +3,10 @@
 // A run works on a thread of its own; the loop's thread only passes on how far it is.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
-#include <set>
+#include <map>
 #include <string>
 
 #include "platform/event_loop.h"
@@ -40,6 +41,8 @@ class LibzipComponent : public ZipComponent {
  private:
   /// Runs `work` aside, tells how far it is and keeps its outcome; a second run at the same time is refused.
   std::int16_t Run(const std::function<ZipOutcome()>& work);
+  /// Takes away what killed runs left in the archive's folder, once a day.
+  void Sweep(const std::string& archive);
   void TellProgress(bool at_end);
   std::int16_t End(const ZipOutcome& outcome);
 
@@ -54,7 +57,7 @@ class LibzipComponent : public ZipComponent {
   std::int64_t told_total_ = -1;
   std::int64_t told_done_ = 0;
   bool running_ = false;
-  std::set<std::string, std::less<>> swept_folders_;  ///< touched by the run only
+  std::map<std::string, std::chrono::steady_clock::time_point> swept_folders_;  ///< and when; touched by the run only
 };
 
 }  // namespace corvane

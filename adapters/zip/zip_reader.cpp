@@ -6,7 +6,6 @@
 
 #include "base/paths.h"
 #include "base/text.h"
-#include "zip/zip_limits.h"
 
 namespace corvane {
 namespace {
@@ -52,6 +51,16 @@ bool ExpandsTooFar(zip_uint64_t size, zip_uint64_t packed_size) {
   return size > kLargestFile || (size > kSmallEnough && size / kLargestExpansion > packed_size);
 }
 
+/// Why an entry is not taken: no size, encrypted, or beyond all measure when it is unpacked.
+ZipOutcome CheckEntry(const zip_stat_t& entry, const std::string& what) {
+  constexpr zip_uint64_t kNeeded = ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE | ZIP_STAT_ENCRYPTION_METHOD;
+  if ((entry.valid & kNeeded) != kNeeded) return {kZipCorrupt, what + ": the entry does not state its size"};
+  if (entry.encryption_method != ZIP_EM_NONE) return {kZipReadProblem, what + ": the entry is encrypted"};
+  if (!ExpandsTooFar(entry.size, entry.comp_size)) return {};
+  return {kZipCorrupt, what + ": " + std::to_string(entry.comp_size) + " bytes would expand to " +
+                           std::to_string(entry.size) + ", which is beyond the limit"};
+}
+
 /// Hands the entry's bytes to the file, block by block; the caller's file is not committed after a failure.
 ZipOutcome CopyEntry(zip_file_t* file, zip_uint64_t size, const std::string& what, ReplacementFile& target,
                      ZipProgress& progress) {
@@ -88,23 +97,10 @@ ZipOutcome ExtractEntry(zip_t* archive, zip_uint64_t index, const std::string& w
   outcome = CopyEntry(file.get(), entry.size, what, target, progress);
   const int closed = zip_fclose(file.release());
   if (outcome.code != kZipOk || closed == 0) return outcome;
-  zip_error_t error;
-  zip_error_init_with_code(&error, closed);
-  outcome = OutcomeOf(error, what);
-  zip_error_fini(&error);
-  return outcome;
+  return OutcomeOf(closed, what);
 }
 
 }  // namespace
-
-ZipOutcome CheckEntry(const zip_stat_t& entry, const std::string& what) {
-  constexpr zip_uint64_t kNeeded = ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE | ZIP_STAT_ENCRYPTION_METHOD;
-  if ((entry.valid & kNeeded) != kNeeded) return {kZipCorrupt, what + ": the entry does not state its size"};
-  if (entry.encryption_method != ZIP_EM_NONE) return {kZipReadProblem, what + ": the entry is encrypted"};
-  if (!ExpandsTooFar(entry.size, entry.comp_size)) return {};
-  return {kZipCorrupt, what + ": " + std::to_string(entry.comp_size) + " bytes would expand to " +
-                           std::to_string(entry.size) + ", which is beyond the limit"};
-}
 
 ZipOutcome UnzipOneFile(const std::string& archive, const std::string& name, ReplacementFile& target,
                         ZipProgress& progress) {

@@ -62,15 +62,19 @@ ZipOutcome AbortedOutcome(const std::string& path) {
   return {kZipAborted, path + ": the run was aborted"};
 }
 
+ZipOutcome OutcomeOf(int library_code, const std::string& path) {
+  zip_error_t error;
+  zip_error_init_with_code(&error, library_code);
+  ZipOutcome outcome = OutcomeOf(error, path);
+  zip_error_fini(&error);
+  return outcome;
+}
+
 ArchiveHandle OpenArchive(const std::string& path, int flags, ZipOutcome& outcome) {
   int code = 0;
   ArchiveHandle archive(zip_open(path.c_str(), flags, &code));
-  if (archive) return archive;
-  zip_error_t error;
-  zip_error_init_with_code(&error, code);
-  outcome = OutcomeOf(error, path);
-  zip_error_fini(&error);
-  return nullptr;
+  if (!archive) outcome = OutcomeOf(code, path);
+  return archive;
 }
 
 }  // namespace corvane

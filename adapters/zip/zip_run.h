@@ -34,6 +34,8 @@ using ArchiveHandle = std::unique_ptr<zip_t, DiscardArchive>;
 
 /// A failure of the library; `path` is the file it was about.
 [[nodiscard]] ZipOutcome OutcomeOf(zip_error_t& error, const std::string& path);
+/// One that only a code of the library tells.
+[[nodiscard]] ZipOutcome OutcomeOf(int library_code, const std::string& path);
 /// A failure of the file system; `otherwise` is the code unless there is no room left.
 [[nodiscard]] ZipOutcome OutcomeOf(const Status& failure, ZipResult otherwise);
 [[nodiscard]] ZipOutcome AbortedOutcome(const std::string& path);

@@ -4,11 +4,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <string_view>
 #include <vector>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -27,16 +27,6 @@ constexpr std::array<std::string_view, 5> kStoredExtensions = {"zip", "lzh", "ar
 /// What the library says, early or late, of an archive whose parts do not fit together.
 bool MeansBadArchive(ZipResult result) {
   return result == kZipCorrupt || result == kZipBadProperties || result == kZipArchiveReadWrite;
-}
-
-/// Waits until a file, or the entries of a folder, are on the disk.
-Status SyncPath(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) return Status::FromErrno(path, errno);
-  const int error = fsync(descriptor) == 0 ? 0 : errno;
-  close(descriptor);
-  // Some file systems cannot sync a folder.
-  return error == 0 || error == EINVAL ? Status::Ok() : Status::FromErrno(path, error);
 }
 
 bool IsStored(std::string_view name) {
@@ -138,12 +128,12 @@ class ArchiveUpdate {
   }
 
   ZipOutcome PutInPlace() {
-    if (const Status synced = SyncPath(part_); !synced.ok()) return OutcomeOf(synced, kZipWriteProblem);
+    if (const Status synced = SyncFile(part_); !synced.ok()) return OutcomeOf(synced, kZipWriteProblem);
     if (progress_.cancelled) return AbortedOutcome(archive_);
     if (rename(part_.c_str(), archive_.c_str()) != 0) {
       return OutcomeOf(Status::FromErrno(archive_, errno), kZipCreateProblem);
     }
-    const Status synced = SyncPath(AddBackslash(FolderOf(archive_)));
+    const Status synced = SyncFolderOf(archive_);
     return synced.ok() ? ZipOutcome() : OutcomeOf(synced, kZipWriteProblem);
   }
 
@@ -163,16 +153,26 @@ class ArchiveUpdate {
   std::FILE* file_ = nullptr;  ///< the source; closed by the library
 };
 
-/// "<anything>.zip.part" and what the library appends while it writes: a dot and six small letters or digits.
-bool IsLeftOver(std::string_view name) {
+/// What the library appends while it writes: a dot and six small letters or digits; the name before that, else empty.
+std::string_view WrittenName(std::string_view name) {
   constexpr std::size_t kSuffixLength = 7;
-  constexpr std::string_view kMiddle = ".zip.part";
-  if (name.size() <= kSuffixLength + kMiddle.size()) return false;
+  if (name.size() <= kSuffixLength) return {};
   const std::string_view suffix = name.substr(name.size() - kSuffixLength);
-  const std::string_view stem = name.substr(0, name.size() - kSuffixLength);
   const auto is_sign = [](char sign) { return (sign >= 'a' && sign <= 'z') || (sign >= '0' && sign <= '9'); };
-  return EqualsNoCase(stem.substr(stem.size() - kMiddle.size()), kMiddle) && suffix.front() == '.' &&
-         std::all_of(suffix.begin() + 1, suffix.end(), is_sign);
+  const bool fits = suffix.front() == '.' && std::all_of(suffix.begin() + 1, suffix.end(), is_sign);
+  return fits ? name.substr(0, name.size() - kSuffixLength) : std::string_view();
+}
+
+bool IsOfAnArchive(std::string_view written) {
+  constexpr std::string_view kEnd = ".zip.part";
+  return written.size() > kEnd.size() && EqualsNoCase(written.substr(written.size() - kEnd.size()), kEnd);
+}
+
+/// Whether nobody has written the file for so long that no program can be at it.
+bool IsForsaken(const std::string& path) {
+  constexpr std::time_t kLongestRun = 24 * 60 * 60;
+  struct stat found {};
+  return stat(path.c_str(), &found) == 0 && found.st_mtime < std::time(nullptr) - kLongestRun;
 }
 
 }  // namespace
@@ -185,11 +185,23 @@ ZipOutcome ZipOneFile(const std::string& archive, const std::string& source, Zip
   return ArchiveUpdate(archive, source, progress).Run();
 }
 
-void RemoveLeftOvers(const std::string& archive) {
-  const std::string folder(FolderOf(archive));
+void RemoveLeftOversOf(const std::string& written) {
+  const std::string folder(FolderOf(written));
+  const std::string_view own = FileNameOf(written);
   std::vector<FolderEntry> entries;
-  if (!ListFiles(folder.empty() ? "/" : folder, IsLeftOver, entries).ok()) return;
+  const auto is_own = [own](std::string_view name) { return WrittenName(name) == own; };
+  if (!ListFiles(folder.empty() ? "/" : folder, is_own, entries).ok()) return;
   for (const FolderEntry& entry : entries) unlink(PlaceInFolder(folder, entry.name).c_str());
+}
+
+void RemoveForsaken(const std::string& folder) {
+  std::vector<FolderEntry> entries;
+  const auto wanted = [](std::string_view name) { return IsOfAnArchive(WrittenName(name)); };
+  if (!ListFiles(folder.empty() ? "/" : folder, wanted, entries).ok()) return;
+  for (const FolderEntry& entry : entries) {
+    const std::string path = PlaceInFolder(folder, entry.name);
+    if (IsForsaken(path)) unlink(path.c_str());
+  }
 }
 
 }  // namespace corvane

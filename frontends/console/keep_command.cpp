@@ -1,7 +1,10 @@
 #include "keep_command.h"
 
+#include <atomic>
 #include <cerrno>
 #include <fstream>
+#include <functional>
+#include <iterator>
 
 #include "app/settings_tables.h"
 #include "base/files.h"
@@ -16,6 +19,7 @@
 #include "desktop/posix_shell.h"
 #include "desktop/terminal.h"
 #include "full_path.h"
+#include "history/status_texts.h"
 #include "setup/keeping.h"
 #include "setup/restoring.h"
 #include "sqlite/sqlite_history_store.h"
@@ -33,16 +37,6 @@ std::string HostName() {
   return name;
 }
 
-Status CopyHistory(const std::string& from, const std::string& to) {
-  SqliteHistoryStore store;
-  if (Status opened = store.OpenToRead(from); !opened.ok()) return opened;
-  return store.CopyTo(to);
-}
-
-std::string FileCount(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " file" : " files");
-}
-
 void Say(bool error, const std::string& text) {
   WriteOut(error ? kStandardError : kStandardOutput, Printable(text) + "\n", true);
 }
@@ -57,8 +51,8 @@ void Tell(const Restoring& restoring, const Options& options, const std::string&
   const KeptManifest& manifest = restoring.manifest();
   if (!before.empty()) Say(false, "What was replaced is in " + before);
   if (!options.quiet) {
-    Say(false, "Restored into " + folder + ": " + FileCount(manifest.entries.size()) + ", kept on " + manifest.host +
-                   " at " + manifest.made);
+    Say(false, "Restored into " + folder + ": " + CountText(std::ssize(manifest.entries), "file", "files") +
+                   ", kept on " + manifest.host + " at " + manifest.made);
   }
   if (!restoring.changed().empty()) {
     std::vector<std::vector<std::string>> rows;
@@ -85,8 +79,19 @@ int Keep(Desk& desk, const Options& options) {
     return Refuse("there is nothing to keep: " + app.app().Folder() + " has no settings yet", kNotStarted);
   }
   const KeptSettings settings = SettingsToKeep(app.app());
-  LibzipArchive archive;
-  Keeping keeping({app.form(), app.registry(), app.app(), app.names(), settings, archive, CopyHistory});
+  std::atomic<bool> cancelled = false;
+  const auto is_cancelled = [&cancelled] { return cancelled.load(); };
+  const auto copy_history = [&](const std::string& from, const std::string& to) {
+    SqliteHistoryStore store;
+    const Status opened = store.OpenToRead(from);
+    return opened.ok() ? store.CopyTo(to, is_cancelled) : opened;
+  };
+  const auto aside = [&](const std::function<void()>& work) {
+    desk.loop.Aside(work, [&] { cancelled = app.flags().closing; });
+  };
+  LibzipArchive archive(is_cancelled);
+  Keeping keeping(
+      {app.form(), app.registry(), app.app(), app.names(), settings, archive, copy_history, aside, is_cancelled});
   KeepingOrder order;
   order.archive = FullPath(options.arguments[0]);
   order.data = options.with_data;
@@ -97,16 +102,9 @@ int Keep(Desk& desk, const Options& options) {
   try {
     const Kept kept = keeping.Keep(order);
     for (const std::string& left_out : kept.left_out) desk.output.Error("Not kept: " + left_out);
-    desk.output.Line(order.archive + ": " + FileCount(static_cast<std::size_t>(kept.files)) + ", " +
-                     FormatSize(kept.bytes));
+    desk.output.Line(order.archive + ": " + CountText(kept.files, "file", "files") + ", " + FormatSize(kept.bytes));
   } catch (const RunTimeError& error) {
-    // What stands beside the archive until it is whole is nobody's concern.
-    std::string why = error.what();
-    for (const std::string_view part : {".history.part", ".part"}) {
-      const std::size_t at = why.find(order.archive + std::string(part));
-      if (at != std::string::npos) why.erase(at + order.archive.size(), part.size());
-    }
-    desk.output.Error("corvanectl: nothing was kept: " + why);
+    desk.output.Error(std::string("corvanectl: nothing was kept: ") + error.what());
     return kProblems;
   }
   if (order.passwords)

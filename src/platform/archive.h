@@ -33,13 +33,14 @@ class Archive {
   Archive& operator=(const Archive&) = delete;
 
   /// Puts the sources into the file `as_Path`, made when it is missing and readable for its owner only; entries that
-  /// are there stay. Of a file that grows meanwhile, what it held at the beginning. After a failure the file is as it
-  /// was.
-  virtual Status Add(const std::string& as_Path, const std::vector<ArchiveSource>& av_Sources) = 0;
+  /// are there stay. Of a file that is written or replaced meanwhile, what it held when its turn came. After a failure
+  /// the file is as it was.
+  /// Failures call it `as_Name`.
+  virtual Status Add(const std::string& as_Path, const std::string& as_Name,
+                     const std::vector<ArchiveSource>& av_Sources) = 0;
   /// Opens for reading; closed by the next call, or with this object. A file that is no whole archive fails.
   virtual Status Open(const std::string& as_Path) = 0;
-  /// What the open archive says that it holds, in its order. Entries that are encrypted or expand beyond all measure
-  /// fail.
+  /// What the open archive says that it holds, in its order; what it does not keep to fails when it is read.
   virtual Status List(std::vector<ArchiveEntry>& av_Entries) = 0;
   /// Reads a whole entry of at most `al_Limit` bytes.
   virtual Status Read(const std::string& as_Name, std::int64_t al_Limit, std::string& as_Text) = 0;

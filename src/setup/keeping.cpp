@@ -75,11 +75,17 @@ Kept Keeping::Keep(const KeepingOrder& av_Order) {
   if (const std::string problem = NewFileProblem(av_Order.archive); !problem.empty()) throw RunTimeError(problem);
   const TemporaryFile part(av_Order.archive + ".part");
   const TemporaryFile history(av_Order.archive + ".history.part");
-  AddSettings(av_Order);
-  AddNamedFiles();
-  AddHistory(history.path());
+  std::string settings;
+  Require(ReadFile(p_.app.AppPath(kSettingsFile), settings, ProfileFile::kLargestFile));
+  AddNamedFiles(settings);
+  AddSettings(av_Order, std::move(settings));
+  if (ExamineFile(p_.app.AppPath(kHistoryFile))) AddFile(std::string(kKeptHistory), history.path());
   if (av_Order.data) AddData();
-  Write(av_Order, part.path());
+  kept_.files = static_cast<std::int64_t>(sources_.size());
+  KeptManifest manifest = BeginManifest(av_Order);
+  const auto write = [&] { Write(av_Order.archive, part.path(), history.path(), manifest); };
+  p_.aside ? p_.aside(write) : write();
+  if (p_.cancelled && p_.cancelled()) throw RunTimeError(av_Order.archive + ": the run was aborted");
   MakeRoom(av_Order.archive, av_Order.generations);
   Rename(part.path(), av_Order.archive);
   Require(SyncFolderOf(av_Order.archive));
@@ -87,18 +93,14 @@ Kept Keeping::Keep(const KeepingOrder& av_Order) {
   return kept_;
 }
 
-void Keeping::AddSettings(const KeepingOrder& av_Order) {
-  std::string settings;
-  Require(ReadFile(p_.app.AppPath(kSettingsFile), settings, ProfileFile::kLargestFile));
-  if (!av_Order.passwords) settings = WithoutPasswords(std::move(settings), p_.settings);
-  sources_.push_back({std::string(kKeptSettings), "", std::move(settings)});
+void Keeping::AddSettings(const KeepingOrder& av_Order, std::string as_Settings) {
+  if (!av_Order.passwords) as_Settings = WithoutPasswords(std::move(as_Settings), p_.settings);
+  sources_.insert(sources_.begin(), {std::string(kKeptSettings), "", std::move(as_Settings)});
 }
 
-void Keeping::AddNamedFiles() {
-  std::string settings;
-  Require(ReadFile(p_.app.AppPath(kSettingsFile), settings, ProfileFile::kLargestFile));
+void Keeping::AddNamedFiles(const std::string& as_Settings) {
   ProfileFile profile;
-  profile.Parse(std::move(settings));
+  profile.Parse(as_Settings);
   for (const auto& [key, fallback] : p_.settings.paths) {
     const std::string value = profile.Get(kGeneral, key, fallback);
     if (value.empty() || value == kNoText) continue;
@@ -111,13 +113,6 @@ void Keeping::AddNamedFiles() {
     }
     AddFile(std::string(kKeptFiles) + key + "/" + std::string(FileNameOf(file)), file);
   }
-}
-
-void Keeping::AddHistory(const std::string& as_Copy) {
-  const std::string file = p_.app.AppPath(kHistoryFile);
-  if (!ExamineFile(file)) return;
-  Require(p_.copy_history(file, as_Copy));
-  AddFile(std::string(kKeptHistory), as_Copy);
 }
 
 void Keeping::AddData() {
@@ -159,8 +154,7 @@ void Keeping::AddFile(const std::string& as_Name, const std::string& as_File) {
   if (taken_.insert(as_Name).second) sources_.push_back({as_Name, as_File, ""});
 }
 
-void Keeping::Write(const KeepingOrder& av_Order, const std::string& as_Part) {
-  Require(p_.archive.Add(as_Part, sources_));
+KeptManifest Keeping::BeginManifest(const KeepingOrder& av_Order) const {
   KeptManifest manifest;
   manifest.version = AppInfo::VersionText();
   manifest.made = av_Order.made;
@@ -169,11 +163,25 @@ void Keeping::Write(const KeepingOrder& av_Order, const std::string& as_Part) {
   manifest.data_folder = p_.names.DataFolder();
   manifest.passwords = av_Order.passwords;
   manifest.data = av_Order.data;
-  // Told of what was stored: a file may have grown since it was looked at.
-  Require(p_.archive.Open(as_Part));
-  Require(p_.archive.List(manifest.entries));
-  Require(p_.archive.Add(as_Part, {{std::string(kManifestName), "", ManifestText(manifest)}}));
-  kept_.files = static_cast<std::int64_t>(sources_.size());
+  return manifest;
+}
+
+void Keeping::Write(const std::string& as_Archive, const std::string& as_Part, const std::string& as_History,
+                    KeptManifest& av_Manifest) {
+  if (taken_.contains(std::string(kKeptHistory))) {
+    // Made here, so that a place that cannot be written is told by the name that was asked for.
+    OutputFile copy;
+    if (Status made = copy.Create(as_History, kOwnerOnly); !made.ok()) {
+      throw RunTimeError(Status::FromErrno(as_Archive, made.code()));
+    }
+    copy.Close();
+    Require(p_.copy_history(p_.app.AppPath(kHistoryFile), as_History));
+  }
+  Require(p_.archive.Add(as_Part, as_Archive, sources_));
+  // Told of what was stored: a file may have been written since it was looked at.
+  const bool listed = p_.archive.Open(as_Part).ok() && p_.archive.List(av_Manifest.entries).ok();
+  if (!listed) throw RunTimeError(as_Archive + ": cannot be read again");
+  Require(p_.archive.Add(as_Part, as_Archive, {{std::string(kManifestName), "", ManifestText(av_Manifest)}}));
 }
 
 }  // namespace corvane

@@ -57,21 +57,26 @@ class Keeping {
     const KeptSettings& settings;
     Archive& archive;
     std::function<Status(const std::string& from, const std::string& to)> copy_history;
+    /// Runs what takes long where it holds nothing up; without it, it runs as it is called.
+    std::function<void(const std::function<void()>& work)> aside = {};
+    std::function<bool()> cancelled = {};  ///< asked by what runs aside too
   };
   explicit Keeping(const Parts& av_Parts) : p_(av_Parts) {}
 
-  /// Makes the archive; it appears under its name when it is whole. Throws `RunTimeError`; the former one is whole
-  /// then.
+  /// Makes the archive; it appears under its name when it is whole. Throws `RunTimeError`, also where it was cancelled;
+  /// the former one is whole then. **Yields** where `aside` does.
   [[nodiscard]] Kept Keep(const KeepingOrder& av_Order);
 
  private:
-  void AddSettings(const KeepingOrder& av_Order);
-  void AddNamedFiles();
-  void AddHistory(const std::string& as_Copy);
+  void AddSettings(const KeepingOrder& av_Order, std::string as_Settings);
+  void AddNamedFiles(const std::string& as_Settings);
   void AddData();
   void AddFolder(const std::string& as_Client);
   void AddFile(const std::string& as_Name, const std::string& as_File);
-  void Write(const KeepingOrder& av_Order, const std::string& as_Part);
+  [[nodiscard]] KeptManifest BeginManifest(const KeepingOrder& av_Order) const;
+  /// Writes all that was added. Touches nothing that belongs to the loop's thread.
+  void Write(const std::string& as_Archive, const std::string& as_Part, const std::string& as_History,
+             KeptManifest& av_Manifest);
 
   Parts p_;
   std::vector<ArchiveSource> sources_;

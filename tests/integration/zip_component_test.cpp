@@ -1,6 +1,7 @@
 #include "zip/libzip_component.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -97,11 +98,14 @@ TEST_F(ZipArchives, OtherProgramsReadWhatIsZipped) {
 TEST_F(ZipArchives, UpdateReplacesItsEntryAndKeepsTheOthers) {
   Make("z.writestr('other/x.csv', 'x'); z.writestr('u1.csv', 'old'); z.writestr('y.csv', 'y')");
   fs::permissions(archive, fs::perms(0600));
-  folder.Write("killed.zip.part.ab12cd", "left over");
+  const auto day = std::chrono::hours(24);
+  fs::last_write_time(folder.Write("killed.zip.part.ab12cd", "left over"), fs::file_time_type::clock::now() - day * 2);
+  folder.Write("other.zip.part.ab12cd", "of another program");
   folder.Write("own.zip.backup", "stays");
   ASSERT_EQ(Zip(folder.Write("u1.csv", "new"), archive), kZipOk) << zip.LastErrorText();
   EXPECT_EQ(Entries(), "'other/x.csv' 8 x\n'y.csv' 8 y\n'u1.csv' 8 new\n");
   EXPECT_EQ(fs::status(archive).permissions(), fs::perms(0600));
+  EXPECT_TRUE(fs::remove(folder.Name("other.zip.part.ab12cd")));
   EXPECT_FALSE(HasTemporary());
   EXPECT_EQ(folder.Read("own.zip.backup"), "stays");
   const std::string odd = folder.Write("\xF6.csv", "no UTF-8");

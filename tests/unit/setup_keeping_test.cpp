@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <tuple>
@@ -18,6 +19,8 @@ namespace corvane::test {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kManyBytes = 66 << 20;
 
 ArchiveEntry EntryOf(const std::string& name, const std::string& text) {
   return {name, static_cast<std::int64_t>(text.size()), Crc32(text)};
@@ -60,6 +63,8 @@ TEST_F(RestoringTest, PutsInWhatWasKeptAndKeepsWhatItReplaces) {
   elsewhere.Write("gone/data/F1/00001.epd", "raw");
   elsewhere.Write("gone/data/00002.txt", "calibrated");
   elsewhere.Write("gone/data/00002.zip", "no");
+  // Packs better than what comes from elsewhere may.
+  fs::resize_file(elsewhere.Write("gone/data/00003.epd", ""), kManyBytes);
   Application& app = world.Start();
   const KeptSettings settings = SettingsToKeep(app.app());
   LibzipArchive zip;
@@ -69,7 +74,11 @@ TEST_F(RestoringTest, PutsInWhatWasKeptAndKeepsWhatItReplaces) {
   order.data = true;
   order.passwords = false;
   order.generations = 2;
-  for (int time = 0; time < 4; ++time) EXPECT_EQ(keeping.Keep(order).files, 5);
+  for (int time = 0; time < 4; ++time) EXPECT_EQ(keeping.Keep(order).files, 6);
+  bool cancelled = true;
+  LibzipArchive never([&cancelled] { return cancelled; });
+  Keeping broken_off({app.form(), app.registry(), app.app(), app.names(), settings, never, {}});
+  EXPECT_THROW(static_cast<void>(broken_off.Keep(order)), RunTimeError);
   std::vector<FolderEntry> files;
   ASSERT_TRUE(ListFiles(
                   there.path(), [](std::string_view) { return true; }, files)
@@ -86,6 +95,7 @@ TEST_F(RestoringTest, PutsInWhatWasKeptAndKeepsWhatItReplaces) {
   EXPECT_TRUE(ini.find("FTPPassword=null\n") != std::string::npos && ini.find("Password1=null\n") != std::string::npos);
   EXPECT_EQ(here.Read("data/F1/00001.epd"), "raw");
   EXPECT_EQ(here.Read("data/00002.txt"), "calibrated");
+  EXPECT_EQ(fs::file_size(here.Name("data/00003.epd")), kManyBytes);
   EXPECT_EQ(here.Read("restored/MoistureLookupFile/m.lkp"), "0,0\n1,1\n");
   EXPECT_EQ(here.Read("salinity.lkp"), "0,0\n");
   EXPECT_EQ(changed.size(), 2U);
@@ -93,6 +103,22 @@ TEST_F(RestoringTest, PutsInWhatWasKeptAndKeepsWhatItReplaces) {
   EXPECT_EQ(here.Read("before-restore-1/1-history.db-wal"), "former");
   EXPECT_EQ(here.Read("before-restore-1/5-corvane.ini"), "former");
   EXPECT_FALSE(ExamineFile(here.Name("restore.part")) || ExamineFile(here.Name("restore.list")));
+}
+
+TEST_F(RestoringTest, KeepsOfAFileWhatItHeldInItsTurn) {
+  const std::string first = there.Write("first", "1"), second = there.Write("second", "2"), archive = there.Name("a");
+  LibzipArchive zip([this] {
+    there.Write("second", "longer than it was");
+    return false;
+  });
+  EXPECT_TRUE(zip.Add(archive, archive, {{"1", first, ""}, {"2", second, ""}}).ok());
+  std::string text;
+  EXPECT_TRUE(zip.Open(archive).ok() && zip.Read("2", 100, text).ok());
+  EXPECT_EQ(text, "longer than it was");
+  const Status failed = zip.Add(there.Name("b.part"), "b", {{"1", first, ""}, {"3", there.Name("third"), ""}});
+  EXPECT_NE(failed.text().find(there.Name("third") + ": "), std::string::npos) << failed.text();
+  const Status no_folder = zip.Add(there.Name("none/b.part"), "b.zip", {});
+  EXPECT_TRUE(no_folder.text().starts_with("b.zip: ")) << no_folder.text();
 }
 
 TEST_F(RestoringTest, RefusesWhatIsNotWholeBeforeAnythingIsWritten) {
@@ -132,7 +158,7 @@ TEST_F(RestoringTest, RefusesWhatIsNotWholeBeforeAnythingIsWritten) {
     const std::string archive = there.Name("wrong.zip");
     fs::remove(archive);
     LibzipArchive zip;
-    ASSERT_TRUE(zip.Add(archive, wrong.sources).ok());
+    ASSERT_TRUE(zip.Add(archive, archive, wrong.sources).ok());
     const std::string refusal = Restore(archive);
     EXPECT_NE(refusal.find(says), std::string::npos) << says << ": " << refusal;
   }
@@ -144,8 +170,9 @@ TEST_F(RestoringTest, RefusesWhatIsNotWholeBeforeAnythingIsWritten) {
   manifest.entries = {EntryOf(std::string(kKeptSettings), settings + body)};
   LibzipArchive zip;
   const std::string archive = there.Name("whole.zip");
-  ASSERT_TRUE(zip.Add(archive, {{std::string(kKeptSettings), "", settings + body},
-                                {std::string(kManifestName), "", ManifestText(manifest)}})
+  ASSERT_TRUE(zip.Add(archive, archive,
+                      {{std::string(kKeptSettings), "", settings + body},
+                       {std::string(kManifestName), "", ManifestText(manifest)}})
                   .ok());
   const std::string whole = there.Read("whole.zip");
   for (std::size_t at : {std::size_t{0}, std::size_t{10}, whole.size() / 2, whole.size() - 1}) {
@@ -194,6 +221,31 @@ TEST_F(RestoringTest, IsFinishedByTheNextStartWhereverItWasStopped) {
     EXPECT_EQ(home.Read("kept/1-aside"), "former aside");
     EXPECT_FALSE(ExamineFile(home.Name("aside")) || ExamineFile(home.Name("restore.list")));
     EXPECT_TRUE(FinishRestore(home.path(), done).ok() && done.empty());
+  }
+}
+
+TEST_F(RestoringTest, IsNotTakenForDoneWhereItsListOrItsFilesCannotBeRead) {
+  const std::string good =
+      "[Restore]\nBefore=" + there.path() + "\nCount=1\nStaged1=a\nTarget1=" + here.Name("a") + "\n";
+  const std::string count = "Count=1", staged = "Staged1=a", target = "Target1=";
+  const auto without = [&good](const std::string& line) {
+    std::string list = good;
+    return list.replace(list.find(line), line.size(), "x=");
+  };
+  const std::tuple<std::string, const char*> rows[] = {{without(count), "is damaged"},
+                                                       {without(staged), "is damaged"},
+                                                       {without(target), "is damaged"},
+                                                       {good, "restore.part/a: "}};
+  fs::create_directory(here.Name("restore.part"));
+  fs::create_symlink("a", here.Name("restore.part/a"));
+  here.Write("a", "former");
+  for (const auto& [list, says] : rows) {
+    here.Write("restore.list", list);
+    std::string done;
+    const Status finished = FinishRestore(here.path(), done);
+    EXPECT_NE(finished.text().find(says), std::string::npos) << finished.text();
+    EXPECT_TRUE(here.Read("a") == "former" && fs::is_symlink(here.Name("restore.part/a"))) << list;
+    EXPECT_EQ(here.Read("restore.list"), list);
   }
 }
 
