@@ -1,5 +1,6 @@
 #include "console_dialogs.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "base/text.h"
@@ -90,20 +91,34 @@ std::optional<std::string> ConsoleDialogs::ReadLine(const std::string& prompt, E
   std::optional<NoEcho> unseen;
   if (secret) unseen.emplace(input_);
   std::optional<std::string> line = TakeTyped();
-  bool at_end = false;
-  if (!line) {
-    watcher_.WatchRead(input_, [this, &at_end] { at_end = !ReadArrived(input_, typed_); });
-    while (!line && !at_end && !ended) {
-      loop.Yield();
-      line = TakeTyped();
-    }
-    watcher_.Unwatch(input_);
-  }
+  const auto has_line = [&] {
+    if (!line) line = TakeTyped();
+    return line.has_value();
+  };
+  const bool at_end = !ReadUntil(loop, ended, has_line);
   // A last line without its end counts too.
   if (!line && at_end && !typed_.empty()) line = std::exchange(typed_, {});
   // Whoever reads what came through a pipe sees the answers too.
   if (secret || !HasPerson()) output_.Error(secret ? "" : line.value_or(""));
   return line;
+}
+
+Status ConsoleDialogs::ReadAll(EventLoop& loop, const bool& ended, std::int64_t limit, std::string& text) {
+  const auto too_long = [&] { return static_cast<std::int64_t>(typed_.size()) > limit; };
+  const bool at_end = !ReadUntil(loop, ended, too_long);
+  text = std::exchange(typed_, {});
+  if (at_end) return Status::Ok();
+  return ended ? Status(ECANCELED, "it was broken off")
+               : Status(EFBIG, "it is longer than " + std::to_string(limit) + " bytes");
+}
+
+bool ConsoleDialogs::ReadUntil(EventLoop& loop, const bool& ended, const std::function<bool()>& enough) {
+  if (enough()) return true;
+  bool at_end = false;
+  watcher_.WatchRead(input_, [&] { at_end = !ReadArrived(input_, typed_); });
+  while (!at_end && !ended && !enough()) loop.Yield();
+  watcher_.Unwatch(input_);
+  return !at_end;
 }
 
 void ConsoleDialogs::TakeLine(std::string_view line) {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "base/status.h"
 #include "console_output.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
@@ -46,6 +48,9 @@ class ConsoleDialogs : public Dialogs {
   [[nodiscard]] std::optional<std::string> ReadLine(const std::string& prompt, EventLoop& loop, const bool& ended,
                                                     bool secret = false);
 
+  /// Reads what comes to its end, at most `limit` bytes; fails for more, and when `ended` while it waits. **Yields.**
+  [[nodiscard]] Status ReadAll(EventLoop& loop, const bool& ended, std::int64_t limit, std::string& text);
+
   /// Whether a person types, who can be asked once more.
   [[nodiscard]] bool HasPerson() const;
 
@@ -63,6 +68,8 @@ class ConsoleDialogs : public Dialogs {
   void OnInput();
   void TakeLine(std::string_view line);
   void StopAsking();
+  /// Lets the input come until `enough`, or until `ended`; false at its end. **Yields.**
+  bool ReadUntil(EventLoop& loop, const bool& ended, const std::function<bool()>& enough);
   /// Takes the first line that has arrived; none when none is whole.
   [[nodiscard]] std::optional<std::string> TakeTyped();
 

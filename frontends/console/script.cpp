@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <iostream>
-#include <iterator>
 #include <sstream>
 #include <utility>
 
@@ -171,11 +169,6 @@ Statements ParseScript(std::string_view name, std::string_view text, Form& form)
 }
 
 Statements LoadScript(const std::string& file, Form& form) {
-  std::string text;
-  if (file == "-") {
-    text.assign(std::istreambuf_iterator<char>(std::cin), {});
-    return ParseScript("standard input", text, form);
-  }
   std::ifstream in(file, std::ios::binary);
   std::ostringstream contents;
   if (!in || !(contents << in.rdbuf())) throw UsageError("the script " + file + " cannot be read");

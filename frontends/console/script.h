@@ -26,7 +26,7 @@ using Statements = std::vector<Statement>;
 /// Reads a script over the controls of `form`; `name` is for messages. Throws `UsageError` with "name:line: text" at
 /// the first line that cannot be understood.
 [[nodiscard]] Statements ParseScript(std::string_view name, std::string_view text, Form& form);
-/// Reads the script in `file`, or on the standard input when it is "-"; throws `UsageError`.
+/// Reads the script in `file`; throws `UsageError`.
 [[nodiscard]] Statements LoadScript(const std::string& file, Form& form);
 
 }  // namespace corvane::console

@@ -9,8 +9,8 @@
 
 #include "base/files.h"
 #include "base/replacement_file.h"
-#include "desktop/terminal.h"
 #include "full_path.h"
+#include "history/status_texts.h"
 #include "setup/field_rules.h"
 #include "setup/stations_question.h"
 
@@ -25,10 +25,6 @@ int Fail(Desk& desk, const std::string& why, int status) {
   return status;
 }
 
-std::string CountOf(std::int64_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 int Export(Desk& desk, const std::string& file) {
   const std::string text = desk.app.commands().AskStations().File();
   if (file == kStandardStream) {
@@ -40,31 +36,29 @@ int Export(Desk& desk, const std::string& file) {
   const Status written = problem.empty() ? WriteFileAtomically(path, text) : Status(ENOENT, problem);
   if (!written.ok()) return Fail(desk, "the table cannot be written: " + written.text(), kProblems);
   const Registry& registry = desk.app.registry();
-  desk.output.Line(path + ": " + CountOf(registry.Units.count(), "unit") + ", " +
-                   CountOf(registry.Relays.count(), "relay") + ", " + CountOf(registry.Clients.count(), "client"));
+  desk.output.Line(path + ": " + CountText(registry.Units.count(), "unit", "units") + ", " +
+                   CountText(registry.Relays.count(), "relay", "relays") + ", " +
+                   CountText(registry.Clients.count(), "client", "clients"));
   return kAllWell;
 }
 
-Status ReadTable(const std::string& file, std::string& bytes) {
+Status ReadTable(Desk& desk, const std::string& file, std::string& bytes) {
   if (file != kStandardStream) return ReadFile(FullPath(file), bytes, kLargestStationsFile);
-  while (ReadArrived(kStandardInput, bytes)) {
-    if (static_cast<std::int64_t>(bytes.size()) > kLargestStationsFile) return {EFBIG, "the table is too large"};
-  }
-  return Status::Ok();
+  return desk.dialogs.ReadAll(desk.loop, desk.app.flags().closing, kLargestStationsFile, bytes);
 }
 
 int TellFaults(Desk& desk, const std::string& name, const std::vector<StationFault>& faults) {
   for (const StationFault& fault : faults) {
     desk.output.Error(name + (fault.line > 0 || !fault.column.empty() ? ", " : ": ") + fault.Sentence());
   }
-  return Fail(desk, CountOf(std::ssize(faults), "fault") + "; nothing is put in", kProblems);
+  return Fail(desk, CountText(std::ssize(faults), "fault", "faults") + "; nothing is put in", kProblems);
 }
 
 int Import(Desk& desk, const Options& options) {
   const std::string& file = options.arguments[1];
   const std::string name = file == kStandardStream ? "standard input" : file;
   std::string bytes;
-  if (const Status read = ReadTable(file, bytes); !read.ok()) {
+  if (const Status read = ReadTable(desk, file, bytes); !read.ok()) {
     return Fail(desk, "the table cannot be read: " + read.text(), kProblems);
   }
   const StationTable table = ReadStations(std::move(bytes));
@@ -84,13 +78,13 @@ int Import(Desk& desk, const Options& options) {
     return kAllWell;
   }
   if (options.dry_run) {
-    desk.output.Line(CountOf(std::ssize(plan.changes), "change") + "; nothing is put in");
+    desk.output.Line(CountText(std::ssize(plan.changes), "change", "changes") + "; nothing is put in");
     return kAllWell;
   }
   if (!desk.app.commands().PutInStations(question, plan)) {
     return Fail(desk, "the lists have changed meanwhile; nothing is put in", kProblems);
   }
-  desk.output.Line(CountOf(std::ssize(plan.changes), "change") + " put in");
+  desk.output.Line(CountText(std::ssize(plan.changes), "change", "changes") + " put in");
   return kAllWell;
 }
 

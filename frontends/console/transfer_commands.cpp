@@ -67,8 +67,7 @@ void TransferOne(Desk& desk, CommandId command, std::int64_t unit) {
 int Transfer(Desk& desk, const Options& options) {
   const CommandId command = options.command;
   if (command == CommandId::Backup && !desk.app.form().Chk_Backup.ticked()) {
-    desk.output.Error(
-        "Backup is switched off in the settings. Tick it in the window, or write Backup=1 into corvane.ini");
+    desk.output.Error("Backup is switched off in the settings. Tick it in the window, or: corvanectl set Backup 1");
     return kProblems;
   }
   Rows rows;

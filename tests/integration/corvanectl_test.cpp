@@ -2,10 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <set>
 #include <sstream>
 #include <tuple>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "support/child.h"
 
@@ -245,6 +251,30 @@ TEST_F(CorvanectlTest, SignalEndsWhatRunsWithinASecond) {
   EXPECT_TRUE(send.Shows("Send: " + home_.Name("00001.epd") + "\n")) << send.output();
   send.Signal(SIGTERM);
   EXPECT_EQ(send.Wait(1s), 128 + SIGTERM) << send.output();
+
+  const std::string pipe = home_.Name("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const int end = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+  for (const Words& waits : {Words{"script", "-"}, Words{"stations", "import", "-"}}) {
+    Words command = Command(waits);
+    command.insert(command.begin(), {"sh", "-c", "exec \"$0\" \"$@\" <" + pipe});
+    Child reader(command);
+    ASSERT_EQ(write(end, "#\n", 2), 2);
+    int unread = 2;
+    EXPECT_TRUE(Until([&] { return ioctl(end, FIONREAD, &unread) == 0 && unread == 0; })) << reader.output();
+    reader.Signal(SIGINT);
+    EXPECT_EQ(reader.Wait(1s), 128 + SIGINT) << reader.output();
+  }
+  close(end);
+
+  std::filesystem::resize_file(home_.Name("00001.epd"), 8'000'000'000);
+  const TempFolder other;
+  Child keep(Command({"keep", other.Write("net.zip", "former"), "--with-data"}));
+  const auto files = [&other] { return std::distance(std::filesystem::directory_iterator(other.path()), {}); };
+  EXPECT_TRUE(Until([&] { return files() > 2; })) << "what the library writes: " << keep.output();
+  keep.Signal(SIGTERM);
+  EXPECT_EQ(keep.Wait(1s), 128 + SIGTERM) << keep.output();
+  EXPECT_TRUE(files() == 1 && other.Read("net.zip") == "former");
 }
 
 TEST_F(CorvanectlTest, SendsFetchesAndBacksUp) {
