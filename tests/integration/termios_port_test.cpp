@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -22,6 +23,7 @@ namespace {
 
 using std::string_literals::operator""s;
 using Events = std::vector<int>;
+constexpr SerialTimes kTimes{10, 200, 20};
 
 TEST(LineSettings, TakesOnlyWellFormedTexts) {
   for (const char* good : {"1,e,7,2", "4000000,O,5,1.5", "9600,S,6,1"}) EXPECT_TRUE(ParseLineSettings(good)) << good;
@@ -103,7 +105,7 @@ class TermiosPortTest : public testing::Test {
   PtyPair pty;
   PosixLoop loop;
   std::shared_ptr<Script> script = std::make_shared<Script>();
-  TermiosPort port{loop, loop, std::bind_front(&TermiosPortTest::OpenScripted, this), SerialTimes{10, 200, 20}};
+  TermiosPort port{loop, loop, std::bind_front(&TermiosPortTest::OpenScripted, this), kTimes};
   Events events;
   std::string data;
 };
@@ -230,8 +232,11 @@ TEST_F(TermiosPortTest, StuckDeviceHoldsUpNeitherCloseNorTheNextOpen) {
   const auto stuck = std::exchange(script, std::make_shared<Script>());
   stuck->pending_output = 5;
   stuck->may_close = false;
+  constexpr std::int64_t kSlowComputer = 500;
+  const std::int64_t begin = loop.MonotonicMilliseconds();
   port.Close();
   OpenPort();
+  EXPECT_LT(loop.MonotonicMilliseconds() - begin, kTimes.close_wait + kSlowComputer);
   stuck->may_close = true;
   stuck->may_close.notify_all();
 }
