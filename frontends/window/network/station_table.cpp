@@ -116,13 +116,13 @@ void StationTable::selectionChanged(const QItemSelection& selected, const QItemS
   if (on_selected) on_selected();
 }
 
-void StationTable::dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
-  // Each unit of a round comes alone, and all of them together behind it.
+void StationTable::dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& /*roles*/) {
+  // Each unit of a round comes alone, and all of them together behind it. The toolkit would paint the whole table for
+  // each, and look for the place of each of thousands of rows.
   if (first.row() != last.row() || model_.AllUnits() == 1) {
     fit_soon_.start(0);
-    return QTreeView::dataChanged(first, last, roles);
+    return viewport()->update();
   }
-  // The toolkit would paint the whole table for each unit of a round.
   const QRect cell = visualRect(first);
   viewport()->update(0, cell.top(), viewport()->width(), cell.height());
 }
