@@ -128,11 +128,12 @@ TEST_F(Shown, TheGapMapKeepsItsPlaceAndPaintsOnlyWhatIsSeen) {
 TEST_F(Shown, RoundsArePagedBackToAndStayWhileTheNextOneRuns) {
   window::RoundsView view;
   std::vector<std::int64_t> stored = {1, 2, 4};
+  std::string word = "Round ";
   view.read_round = [&](std::int64_t key) {
     std::optional<RoundTexts> texts;
     for (const std::int64_t each : stored) {
       if (each > key) continue;
-      texts = RoundTexts{{}, "Round " + std::to_string(each), {{1, "North", RoundSign::Problem, "No answer"}}};
+      texts = RoundTexts{{}, word + std::to_string(each), {{1, "North", RoundSign::Problem, "No answer"}}};
       texts->round.key = each;
       texts->lines.push_back({2, "Hill", RoundSign::Well, "Answered"});
     }
@@ -151,6 +152,10 @@ TEST_F(Shown, RoundsArePagedBackToAndStayWhileTheNextOneRuns) {
   stored.push_back(5);
   view.RoundEnded();
   EXPECT_EQ(head(), "Round 2.") << "who reads an earlier one goes on reading";
+  word = "Runde ";
+  view.SetPhrases({});
+  EXPECT_EQ(head(), "Runde 2.") << "in another language";
+  word = "Round ";
   EXPECT_EQ(click("roundsEarlier"), "Round 1.");
   EXPECT_FALSE(Part<QPushButton>(view, "roundsEarlier").isEnabled());
   EXPECT_EQ(click("roundsLater"), "Round 2.");

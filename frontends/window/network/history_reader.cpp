@@ -1,5 +1,8 @@
 #include "window/network/history_reader.h"
 
+#include <cerrno>
+#include <exception>
+
 #include <QMetaObject>
 
 #include "history/history_reading.h"
@@ -19,6 +22,14 @@ HistoryReader::~HistoryReader() {
 void HistoryReader::Run(std::function<std::function<void()>()> reading) {
   pool_.start(
       [this, reading = std::move(reading)] { QMetaObject::invokeMethod(&receiver_, reading(), Qt::QueuedConnection); });
+}
+
+Status HistoryReader::Tried(const std::function<Status()>& reading) {
+  try {
+    return reading();
+  } catch (const std::exception& error) {
+    return {ENOMEM, error.what()};
+  }
 }
 
 Status HistoryReader::ReadContents(const HistoryQuery& query, HistoryContents& contents) const {

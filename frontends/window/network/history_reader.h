@@ -31,10 +31,14 @@ class HistoryReader {
   void Read(const HistoryQuery& query, std::function<Result(const HistoryContents&)> work,
             std::function<void(const Status&, Result)> done) {
     Run([this, query, work = std::move(work), done = std::move(done)]() -> std::function<void()> {
-      HistoryContents contents;
-      const Status status = ReadContents(query, contents);
       // Shared: a function that is handed on has to be one that can be copied.
-      auto result = std::make_shared<Result>(status.ok() ? work(contents) : Result());
+      auto result = std::make_shared<Result>();
+      const Status status = Tried([&] {
+        HistoryContents contents;
+        const Status read = ReadContents(query, contents);
+        if (read.ok()) *result = work(contents);
+        return read;
+      });
       return [done, status, result] { done(status, std::move(*result)); };
     });
   }
@@ -46,6 +50,8 @@ class HistoryReader {
 
  private:
   void Run(std::function<std::function<void()>()> reading);
+  /// What was thrown is a failure: nobody is there to catch it on the thread.
+  [[nodiscard]] static Status Tried(const std::function<Status()>& reading);
   [[nodiscard]] Status ReadContents(const HistoryQuery& query, HistoryContents& contents) const;
 
   std::string folder_;

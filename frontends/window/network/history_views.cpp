@@ -9,6 +9,7 @@
 #include <QTabWidget>
 
 #include "history/round_texts.h"
+#include "platform/history_store.h"
 #include "window/network/gap_map.h"
 #include "window/network/rounds_view.h"
 
@@ -16,6 +17,7 @@ namespace corvane::window {
 namespace {
 
 constexpr int kAgeingMilliseconds = 600'000;
+constexpr int kAgainMilliseconds = 1000;  ///< behind a reading for which another program left no room
 
 /// What the gap map shows.
 struct MapContents {
@@ -55,6 +57,12 @@ void HistoryViews::Connect() {
       if (show_plot) show_plot(position, day);
     });
   };
+  again_.setSingleShot(true);
+  again_.setInterval(kAgainMilliseconds);
+  connect(&again_, &QTimer::timeout, this, [this] {
+    if (map_is_stale_ && map_->isVisible()) ReadMap();
+    if (const auto key = std::exchange(unread_round_, {})) ReadRound(*key);
+  });
   rounds_->read_round = [this](std::int64_t key) { ReadRound(key); };
   connect(&ageing_, &QTimer::timeout, this, [this] {
     map_is_stale_ = true;
@@ -95,11 +103,15 @@ void HistoryViews::ReadMap() {
       [this](const Status& read, MapContents contents) {
         map_is_read_ = false;
         if (read.ok()) map_->Show(std::move(contents.map), contents.units);
-        if (map_is_stale_ && map_->isVisible()) ReadMap();
+        // What is shown is as old as it was.
+        if (!read.ok()) map_is_stale_ = true;
+        if (read.code() == HistoryStore::kBusy) return again_.start();
+        if (read.ok() && map_is_stale_ && map_->isVisible()) ReadMap();
       });
 }
 
 void HistoryViews::ReadRound(std::int64_t key) {
+  unread_round_.reset();
   // The one that runs is told of when it is over.
   const std::int64_t running = app_.history().Round().key;
   if (running > 0 && key >= running) key = running - 1;
@@ -110,7 +122,12 @@ void HistoryViews::ReadRound(std::int64_t key) {
         if (history.rounds.empty()) return std::nullopt;
         return TextsOf(history.rounds.front(), history, phrases);
       },
-      [this](const Status&, const std::optional<RoundTexts>& texts) { rounds_->Show(texts); });
+      [this, key](const Status& read, const std::optional<RoundTexts>& texts) {
+        if (read.ok()) return rounds_->Show(texts);
+        if (read.code() != HistoryStore::kBusy) return;
+        unread_round_ = key;
+        again_.start();
+      });
 }
 
 void HistoryViews::Post(std::int64_t key, const std::function<void(std::int64_t position)>& command) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 #include <QObject>
 #include <QTimer>
@@ -49,8 +50,10 @@ class HistoryViews : public QObject {
   GapMap* map_;
   RoundsView* rounds_;
   bool map_is_stale_ = true;
-  bool map_is_read_ = false;  ///< it is being read
-  QTimer ageing_;             ///< days pass, and other programs write too
+  bool map_is_read_ = false;                  ///< it is being read
+  std::optional<std::int64_t> unread_round_;  ///< the key of one that could not be read yet
+  QTimer again_;
+  QTimer ageing_;  ///< days pass, and other programs write too
   HistoryReader reader_;
 };
 

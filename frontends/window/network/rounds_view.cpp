@@ -72,7 +72,8 @@ RoundsView::RoundsView(QWidget* parent)
 
 void RoundsView::SetPhrases(const Phrases& phrases) {
   phrases_ = phrases;
-  if (key_ == 0) Show(std::nullopt);
+  if (key_ == 0) return Show(std::nullopt);
+  Ask(key_);
 }
 
 void RoundsView::RoundEnded() {
