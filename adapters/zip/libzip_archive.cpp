@@ -12,19 +12,12 @@
 
 #include "base/encoding.h"
 #include "base/files.h"
+#include "zip/zip_entry.h"
 #include "zip/zip_file_source.h"
 #include "zip/zip_writer.h"
 
 namespace corvane {
 namespace {
-
-constexpr std::size_t kBlockSize = 64 * 1024;
-constexpr int kDeflateLevel = 6;
-
-struct CloseEntry {
-  void operator()(zip_file_t* file) const { zip_fclose(file); }
-};
-using EntryHandle = std::unique_ptr<zip_file_t, CloseEntry>;
 
 Status StatusOf(const ZipOutcome& outcome) {
   return outcome.code == kZipOk ? Status::Ok() : Status(outcome.code, outcome.text);
@@ -117,13 +110,13 @@ Status LibzipArchive::Walk(const std::string& name, const Take& take) {
   const std::string what = path_ + ", " + name;
   const zip_int64_t index = zip_name_locate(archive_.get(), name.c_str(), ZIP_FL_ENC_RAW);
   if (index < 0) return {kZipNothingToDo, what + ": is missing"};
-  const EntryHandle file(zip_fopen_index(archive_.get(), static_cast<zip_uint64_t>(index), 0));
+  const ZipEntry file(zip_fopen_index(archive_.get(), static_cast<zip_uint64_t>(index), 0));
   if (!file) return FailureOf(archive_.get(), what);
   zip_stat_t about;
   if (zip_stat_index(archive_.get(), static_cast<zip_uint64_t>(index), 0, &about) != 0) {
     return FailureOf(archive_.get(), what);
   }
-  std::string block(kBlockSize, '\0');
+  std::string block(kZipBlock, '\0');
   for (zip_uint64_t done = 0;;) {
     // The library compares size and checksum with the last block and fails there.
     const zip_int64_t got = zip_fread(file.get(), block.data(), block.size());

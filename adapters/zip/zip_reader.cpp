@@ -6,19 +6,14 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "zip/zip_entry.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::size_t kBlockSize = 64 * 1024;
 constexpr zip_uint64_t kSmallEnough = 64ULL * 1024 * 1024;
 constexpr zip_uint64_t kLargestExpansion = 200;
 constexpr zip_uint64_t kLargestFile = 4ULL * 1024 * 1024 * 1024;
-
-struct CloseEntry {
-  void operator()(zip_file_t* file) const { zip_fclose(file); }
-};
-using EntryHandle = std::unique_ptr<zip_file_t, CloseEntry>;
 
 /// How well a stored name fits, 0 best; none when it does not.
 std::optional<int> Fit(const char* stored, std::string_view wanted) {
@@ -69,8 +64,8 @@ ZipOutcome CopyEntry(zip_file_t* file, zip_uint64_t size, const std::string& wha
     if (progress.cancelled) return AbortedOutcome(what);
     std::string& buffer = target.buffer();
     const std::size_t before = buffer.size();
-    buffer.resize(before + kBlockSize);
-    const zip_int64_t got = zip_fread(file, buffer.data() + before, kBlockSize);
+    buffer.resize(before + kZipBlock);
+    const zip_int64_t got = zip_fread(file, buffer.data() + before, kZipBlock);
     if (got < 0) return OutcomeOf(*zip_file_get_error(file), what);
     buffer.resize(before + static_cast<std::size_t>(got));
     done += static_cast<zip_uint64_t>(got);
@@ -91,7 +86,7 @@ ZipOutcome ExtractEntry(zip_t* archive, zip_uint64_t index, const std::string& w
   ZipOutcome outcome = CheckEntry(entry, what);
   if (outcome.code != kZipOk) return outcome;
   progress.total = static_cast<std::int64_t>(entry.size);
-  EntryHandle file(zip_fopen_index(archive, index, 0));
+  ZipEntry file(zip_fopen_index(archive, index, 0));
   if (!file) return OutcomeOf(*zip_get_error(archive), what);
   if (const Status opened = target.Open(); !opened.ok()) return OutcomeOf(opened, kZipCreateProblem);
   outcome = CopyEntry(file.get(), entry.size, what, target, progress);

@@ -16,11 +16,11 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "zip/zip_entry.h"
 
 namespace corvane {
 namespace {
 
-constexpr int kDeflateLevel = 6;
 /// Files that are compressed already.
 constexpr std::array<std::string_view, 5> kStoredExtensions = {"zip", "lzh", "arc", "arj", "zoo"};
 
