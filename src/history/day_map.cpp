@@ -138,22 +138,22 @@ constexpr struct {
   Phrase open{1378, "open to a repair"};
   Phrase to_come{1379, "to come with the next download"};
   Phrase not_now{1380, "not to be asked for now"};
-} kSay;
+} kDayMapSays;
 
 /// "lost for ever", or "3 of them lost for ever" where others are not.
 std::string PartText(std::int32_t ai_Part, std::int32_t ai_Missing, const Phrase& av_What, const Phrases& av_Phrases) {
   if (ai_Part == 0) return "";
   const std::string what = av_Phrases.Text(av_What);
-  return ", " + (ai_Part == ai_Missing ? what : av_Phrases.Text(kSay.part, {std::to_string(ai_Part), what}));
+  return ", " + (ai_Part == ai_Missing ? what : av_Phrases.Text(kDayMapSays.part, {std::to_string(ai_Part), what}));
 }
 
 /// What became of the readings that a day lacks.
 std::string MissingText(const DayCell& av_Cell, const Phrases& av_Phrases) {
   const std::int32_t missing = av_Cell.missing();
   const std::int32_t unsettled = missing - av_Cell.lost - av_Cell.open;
-  return PartText(av_Cell.lost, missing, kSay.lost, av_Phrases) +
-         PartText(av_Cell.open, missing, av_Cell.by_itself ? kSay.by_itself : kSay.open, av_Phrases) +
-         PartText(unsettled, missing, av_Cell.to_come ? kSay.to_come : kSay.not_now, av_Phrases);
+  return PartText(av_Cell.lost, missing, kDayMapSays.lost, av_Phrases) +
+         PartText(av_Cell.open, missing, av_Cell.by_itself ? kDayMapSays.by_itself : kDayMapSays.open, av_Phrases) +
+         PartText(unsettled, missing, av_Cell.to_come ? kDayMapSays.to_come : kDayMapSays.not_now, av_Phrases);
 }
 
 }  // namespace
@@ -199,23 +199,26 @@ DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t
 std::string DayText(DateTime av_Day, const DayCell& av_Cell, const Phrases& av_Phrases) {
   const std::string day = DateText(av_Day, "d mmmm", av_Phrases) + ": ";
   if (av_Cell.expected <= 0) {
-    const Phrase& none = av_Cell.unheard ? kSay.day_unheard : av_Cell.unknown ? kSay.unknown : kSay.none_due;
+    const Phrase& none = av_Cell.unheard   ? kDayMapSays.day_unheard
+                         : av_Cell.unknown ? kDayMapSays.unknown
+                                           : kDayMapSays.none_due;
     return day + av_Phrases.Text(none);
   }
-  const std::string until = av_Cell.unheard ? ", " + av_Phrases.Text(kSay.rest_unheard) : "";
+  const std::string until = av_Cell.unheard ? ", " + av_Phrases.Text(kDayMapSays.rest_unheard) : "";
   if (av_Cell.missing() == 0) {
     if (av_Cell.unheard) return day + CountText(av_Cell.stored, kCommonPhrases.readings, av_Phrases) + until;
-    if (av_Cell.stored == 1) return day + av_Phrases.Text(kSay.its_one);
-    return day + av_Phrases.Text(kSay.all, {std::to_string(av_Cell.stored)});
+    if (av_Cell.stored == 1) return day + av_Phrases.Text(kDayMapSays.its_one);
+    return day + av_Phrases.Text(kDayMapSays.all, {std::to_string(av_Cell.stored)});
   }
-  const std::string some = av_Phrases.Text(
-      kSay.some, {std::to_string(av_Cell.stored), CountText(av_Cell.expected, kCommonPhrases.readings, av_Phrases),
-                  std::to_string(av_Cell.missing())});
+  const std::string some =
+      av_Phrases.Text(kDayMapSays.some,
+                      {std::to_string(av_Cell.stored), CountText(av_Cell.expected, kCommonPhrases.readings, av_Phrases),
+                       std::to_string(av_Cell.missing())});
   return day + some + MissingText(av_Cell, av_Phrases) + until;
 }
 
 std::vector<Phrase> DayPhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kDayMapSays);
 }
 
 }  // namespace corvane

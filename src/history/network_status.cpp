@@ -28,7 +28,7 @@ constexpr struct {
   Phrase not_heard_of{1301, "Automatic download is on, and the program has not been heard of since %1"};
   Phrase no_interval{1302, "Automatic download is on, and its interval in the settings is none"};
   Phrase round_missed{1303, "The round of %1 has not begun"};
-} kSay;
+} kNetworkStatusSays;
 constexpr std::array<std::string_view, 5> kLetters = {"empty", "nobody collects", "critical", "warning", "well"};
 /// The worst first.
 constexpr std::array kOrder = {UnitState::Silent, UnitState::Late, UnitState::Trouble,
@@ -105,14 +105,14 @@ class NetworkView {
     if (!network_.automatic) return "";
     // A program that was ended in order has said so.
     if (holder_ == Holder::Nobody || (holder_ == Holder::Unknown && !network_.open)) {
-      return phrases_.Text(kSay.no_program);
+      return phrases_.Text(kNetworkStatusSays.no_program);
     }
     if (holder_ == Holder::Unknown && !AliveLately()) {
-      return phrases_.Text(kSay.not_heard_of, {WhenText(network_.alive, phrases_)});
+      return phrases_.Text(kNetworkStatusSays.not_heard_of, {WhenText(network_.alive, phrases_)});
     }
-    if (!network_.interval) return phrases_.Text(kSay.no_interval);
+    if (!network_.interval) return phrases_.Text(kNetworkStatusSays.no_interval);
     if (!RoundIsMissed()) return "";
-    return phrases_.Text(kSay.round_missed, {WhenText(network_.next_download, phrases_)});
+    return phrases_.Text(kNetworkStatusSays.round_missed, {WhenText(network_.next_download, phrases_)});
   }
 
   void TakeWorstRelay() {
@@ -192,7 +192,7 @@ std::string UndeliveredText(const NetworkStatus& av_Status, const Phrases& av_Ph
   const std::int64_t files = std::count_if(av_Status.units.begin(), av_Status.units.end(), [](const UnitStatus& unit) {
     return unit.state != UnitState::Off && !unit.silenced && !unit.delivery_problem.empty();
   });
-  return files == 0 ? "" : CountText(files, kSay.undelivered, av_Phrases);
+  return files == 0 ? "" : CountText(files, kNetworkStatusSays.undelivered, av_Phrases);
 }
 
 int PlaceOf(UnitState ae_State) {
@@ -240,7 +240,7 @@ NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Ho
 
 std::vector<Phrase> NetworkStatusPhrases() {
   std::vector<Phrase> all = PhrasesIn(kStates);
-  const std::vector<Phrase> more = PhrasesIn(kSay);
+  const std::vector<Phrase> more = PhrasesIn(kNetworkStatusSays);
   all.insert(all.end(), more.begin(), more.end());
   return all;
 }

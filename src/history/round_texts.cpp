@@ -38,7 +38,7 @@ constexpr struct {
   Phrase not_sent{1405, "not sent"};
   Phrase backed_up{1406, "backed up"};
   Phrase not_backed_up{1407, "not backed up"};
-} kSay;
+} kRoundSays;
 
 struct TargetText {
   Target target;
@@ -48,10 +48,10 @@ struct TargetText {
 
 /// In the order in which a round goes through them.
 constexpr std::array kTargets = {
-    TargetText{Target::Fetched, kSay.fetched, kSay.not_fetched},
-    TargetText{Target::Calibrated, kSay.converted, kSay.not_converted},
-    TargetText{Target::Server, kSay.sent, kSay.not_sent},
-    TargetText{Target::Backup, kSay.backed_up, kSay.not_backed_up},
+    TargetText{Target::Fetched, kRoundSays.fetched, kRoundSays.not_fetched},
+    TargetText{Target::Calibrated, kRoundSays.converted, kRoundSays.not_converted},
+    TargetText{Target::Server, kRoundSays.sent, kRoundSays.not_sent},
+    TargetText{Target::Backup, kRoundSays.backed_up, kRoundSays.not_backed_up},
 };
 
 /// All that is known of one unit in the round.
@@ -78,7 +78,7 @@ std::string TriesText(const ContactRecord& av_Contact, const Phrases& av_Phrases
 std::string ReadingsText(const ContactRecord& av_Contact, const Phrases& av_Phrases) {
   if (av_Contact.command != kDownload) return "";
   if (av_Contact.stored > 0) return CountText(av_Contact.stored, kCommonPhrases.readings, av_Phrases);
-  return av_Contact.outcome == Outcome::Answered ? av_Phrases.Text(kSay.nothing_new) : "";
+  return av_Contact.outcome == Outcome::Answered ? av_Phrases.Text(kRoundSays.nothing_new) : "";
 }
 
 class LineWriter {
@@ -106,14 +106,14 @@ class LineWriter {
       line_.sign = contact.outcome == Outcome::NoPort ? RoundSign::Problem : RoundSign::NotAsked;
       const std::string& why = contact.error.empty() ? round_.ending : contact.error;
       if (why.empty()) return OutcomeText(Outcome::NotAsked, phrases_);
-      return phrases_.Text(kSay.not_asked, {Printable(why)});
+      return phrases_.Text(kRoundSays.not_asked, {Printable(why)});
     }
     std::string text;
     if (contact.outcome == Outcome::Answered) {
       text = OutcomeText(Outcome::Answered, phrases_);
     } else {
       const bool silent = contact.outcome == Outcome::Silent || contact.error.empty();
-      text = silent ? OutcomeText(Outcome::Silent, phrases_) : phrases_.Text(kSay.problem);
+      text = silent ? OutcomeText(Outcome::Silent, phrases_) : phrases_.Text(kRoundSays.problem);
     }
     Add(text, ", ", TriesText(contact, phrases_));
     Add(text, ", ", ReadingsText(contact, phrases_));
@@ -125,8 +125,8 @@ class LineWriter {
 
   void SayGaps() {
     for (const auto& [state, text] :
-         {std::pair(GapState::Filled, kSay.filled), std::pair(GapState::Asked, kSay.still_there),
-          std::pair(GapState::Lost, kSay.lost)}) {
+         {std::pair(GapState::Filled, kRoundSays.filled), std::pair(GapState::Asked, kRoundSays.still_there),
+          std::pair(GapState::Lost, kRoundSays.lost)}) {
       std::int64_t gaps = 0;
       std::int64_t missing = 0;
       for (const GapRecord* gap : case_.gaps) {
@@ -240,7 +240,7 @@ std::string RoundInShort(const RoundTexts& av_Texts, std::size_t al_Units) {
 }
 
 std::vector<Phrase> RoundTextPhrases() {
-  std::vector<Phrase> all = PhrasesIn(kSay);
+  std::vector<Phrase> all = PhrasesIn(kRoundSays);
   const std::vector<Phrase> more = PhrasesIn(kCommands);
   all.insert(all.end(), more.begin(), more.end());
   return all;

@@ -34,7 +34,7 @@ constexpr struct {
   Phrase round_due{1096, "the next round is due"};
   Phrase round_today{1097, "next round at %1"};
   Phrase round_on{1098, "next round %1"};
-} kSay;
+} kHeadlineSays;
 
 struct StateWords {
   UnitState state;
@@ -43,10 +43,10 @@ struct StateWords {
 
 /// The worst first.
 constexpr std::array kWords = {
-    StateWords{UnitState::Silent, kSay.silent},
-    StateWords{UnitState::Late, kSay.late},
-    StateWords{UnitState::Trouble, kSay.trouble},
-    StateWords{UnitState::New, kSay.is_new},
+    StateWords{UnitState::Silent, kHeadlineSays.silent},
+    StateWords{UnitState::Late, kHeadlineSays.late},
+    StateWords{UnitState::Trouble, kHeadlineSays.trouble},
+    StateWords{UnitState::New, kHeadlineSays.is_new},
 };
 
 std::int64_t CountOf(const NetworkStatus& av_Status, UnitState ae_State) {
@@ -57,12 +57,12 @@ std::int64_t CountOf(const NetworkStatus& av_Status, UnitState ae_State) {
 /// One unit that is not fine.
 std::string TextOf(const UnitStatus& av_Unit, const StateWords& av_Words, Moment av_Now, const Phrases& av_Phrases) {
   if (av_Unit.state == UnitState::Silent) {
-    if (av_Unit.last_answered.IsNone()) return av_Phrases.Text(kSay.never_answered, {av_Unit.name});
-    return av_Phrases.Text(kSay.silent_for,
+    if (av_Unit.last_answered.IsNone()) return av_Phrases.Text(kHeadlineSays.never_answered, {av_Unit.name});
+    return av_Phrases.Text(kHeadlineSays.silent_for,
                            {av_Unit.name, SpanText(av_Now - av_Unit.last_answered, av_Phrases, SpanForm::Dependent)});
   }
   if (av_Unit.state == UnitState::Late && av_Unit.reading_age) {
-    return av_Phrases.Text(kSay.late_by, {av_Unit.name, SpanText(*av_Unit.reading_age, av_Phrases)});
+    return av_Phrases.Text(kHeadlineSays.late_by, {av_Unit.name, SpanText(*av_Unit.reading_age, av_Phrases)});
   }
   return av_Phrases.Text(av_Words.words.one, {av_Unit.name});
 }
@@ -93,49 +93,50 @@ std::int64_t SilentBehind(const NetworkStatus& av_Status) {
 }
 
 std::string NextRound(const NetworkStatus& av_Status, const Phrases& av_Phrases) {
-  if (av_Status.next_round.IsNone()) return av_Phrases.Text(kSay.no_round);
+  if (av_Status.next_round.IsNone()) return av_Phrases.Text(kHeadlineSays.no_round);
   const DateTime now = av_Status.now.Local();
-  if (av_Status.next_round <= now) return av_Phrases.Text(kSay.round_due);
+  if (av_Status.next_round <= now) return av_Phrases.Text(kHeadlineSays.round_due);
   if (av_Status.next_round.Midnight() != now.Midnight()) {
-    return av_Phrases.Text(kSay.round_on, {WhenText(av_Status.next_round, av_Phrases)});
+    return av_Phrases.Text(kHeadlineSays.round_on, {WhenText(av_Status.next_round, av_Phrases)});
   }
-  return av_Phrases.Text(kSay.round_today, {FormatDate(av_Status.next_round, "HH:MM")});
+  return av_Phrases.Text(kHeadlineSays.round_today, {FormatDate(av_Status.next_round, "HH:MM")});
 }
 
 /// How many are fine, without a word on the others.
 std::string FineText(std::int64_t al_Fine, std::int64_t al_Active, const Phrases& av_Phrases) {
   const std::string fine = std::to_string(al_Fine);
   const std::string active = std::to_string(al_Active);
-  if (al_Active == 0) return av_Phrases.Text(kSay.none_active);
+  if (al_Active == 0) return av_Phrases.Text(kHeadlineSays.none_active);
   if (al_Active == 1) {
-    return al_Fine == 1 ? av_Phrases.Text(kSay.one_is_all) : av_Phrases.Text(kSay.not_the_one, {fine, active});
+    return al_Fine == 1 ? av_Phrases.Text(kHeadlineSays.one_is_all)
+                        : av_Phrases.Text(kHeadlineSays.not_the_one, {fine, active});
   }
-  if (al_Fine == al_Active) return av_Phrases.Text(kSay.all_fine, {active});
-  return av_Phrases.Text(al_Fine == 1 ? kSay.of_many.one : kSay.of_many.many, {fine, active});
+  if (al_Fine == al_Active) return av_Phrases.Text(kHeadlineSays.all_fine, {active});
+  return av_Phrases.Text(al_Fine == 1 ? kHeadlineSays.of_many.one : kHeadlineSays.of_many.many, {fine, active});
 }
 
 }  // namespace
 
 std::string HeadlineOf(const NetworkStatus& av_Status, const Phrases& av_Phrases) {
   if (!av_Status.nobody_collects.empty()) {
-    return av_Phrases.Text(kSay.nobody_collects, {av_Status.nobody_collects});
+    return av_Phrases.Text(kHeadlineSays.nobody_collects, {av_Status.nobody_collects});
   }
-  if (av_Status.units.empty()) return av_Phrases.Text(kSay.no_units);
+  if (av_Status.units.empty()) return av_Phrases.Text(kHeadlineSays.no_units);
   const std::int64_t off = CountOf(av_Status, UnitState::Off);
   const std::int64_t active = std::ssize(av_Status.units) - off;
   std::string text = FineText(CountOf(av_Status, UnitState::Fine), active, av_Phrases);
   if (active > 0) text += WhatIsWrong(av_Status, av_Phrases);
-  if (off > 0 && active > 0) text += ", " + CountText(off, kSay.off, av_Phrases);
+  if (off > 0 && active > 0) text += ", " + CountText(off, kHeadlineSays.off, av_Phrases);
   if (!av_Status.worst_relay.empty()) {
     const std::string silent = std::to_string(SilentBehind(av_Status));
-    text += "; " + av_Phrases.Text(kSay.behind_relay, {silent, av_Status.worst_relay});
+    text += "; " + av_Phrases.Text(kHeadlineSays.behind_relay, {silent, av_Status.worst_relay});
   }
   if (const std::string files = UndeliveredText(av_Status, av_Phrases); !files.empty()) text += "; " + files;
   return text + "; " + NextRound(av_Status, av_Phrases);
 }
 
 std::vector<Phrase> HeadlinePhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kHeadlineSays);
 }
 
 }  // namespace corvane

@@ -38,7 +38,7 @@ constexpr struct {
   Phrase no_port{1312, "the port could not be used"};
   Phrase is_new{1313, "No reading yet; it was added on %1"};
   Phrase no_answer_yet{1462, "No answer yet, asked so far: %1; added on %2. Check its ID, its relay and its battery"};
-} kSay;
+} kUnitStatusSays;
 
 template <typename Record>
 std::span<const Record> OfUnit(const std::vector<Record>& av_Records, std::int64_t al_Unit) {
@@ -163,32 +163,32 @@ std::int64_t SilentRounds(std::span<const ContactRecord> av_Contacts) {
 }
 
 std::string WhyOff(const UnitRecord& av_Unit, const Phrases& av_Phrases) {
-  if (!av_Unit.active) return av_Phrases.Text(kSay.not_active);
-  return av_Unit.get_from == kFromNone ? av_Phrases.Text(kSay.from_nowhere) : "";
+  if (!av_Unit.active) return av_Phrases.Text(kUnitStatusSays.not_active);
+  return av_Unit.get_from == kFromNone ? av_Phrases.Text(kUnitStatusSays.from_nowhere) : "";
 }
 
 std::string WhySilent(std::int64_t al_Rounds, const UnitStatus& av_Status, const Phrases& av_Phrases) {
   const std::string rounds = std::to_string(al_Rounds);
-  if (av_Status.last_answered.IsNone()) return av_Phrases.Text(kSay.never_answered, {rounds});
-  return av_Phrases.Text(kSay.no_answer, {rounds, WhenText(av_Status.last_answered, av_Phrases)});
+  if (av_Status.last_answered.IsNone()) return av_Phrases.Text(kUnitStatusSays.never_answered, {rounds});
+  return av_Phrases.Text(kUnitStatusSays.no_answer, {rounds, WhenText(av_Status.last_answered, av_Phrases)});
 }
 
 /// Empty for a unit that is not late.
 std::string WhyLate(const UnitHistory& av_History, const StatusRules& av_Rules, const UnitStatus& av_Status) {
   const Phrases& phrases = av_Rules.phrases;
-  if (av_Status.last_reading.IsNone()) return phrases.Text(kSay.no_reading);
+  if (av_Status.last_reading.IsNone()) return phrases.Text(kUnitStatusSays.no_reading);
   const std::int64_t period = av_History.scan != nullptr ? av_History.scan->period : 0;
   if (*av_Status.reading_age <= av_Rules.LateFrom(period)) return "";
-  std::string why =
-      phrases.Text(kSay.old_reading, {ByItsClock(av_Status, WhenText(av_Status.last_reading, phrases), phrases),
-                                      SpanText(*av_Status.reading_age, phrases)});
-  if (av_History.unit->get_from == kFromHandHeld) why += "; " + phrases.Text(kSay.by_hand);
+  std::string why = phrases.Text(kUnitStatusSays.old_reading,
+                                 {ByItsClock(av_Status, WhenText(av_Status.last_reading, phrases), phrases),
+                                  SpanText(*av_Status.reading_age, phrases)});
+  if (av_History.unit->get_from == kFromHandHeld) why += "; " + phrases.Text(kUnitStatusSays.by_hand);
   if (av_History.contacts.empty()) return why;
   const ContactRecord& last = av_History.contacts.back();
   if (last.outcome == Outcome::Failed && !last.error.empty()) {
-    why += "; " + phrases.Text(kSay.last_answer, {last.error});
+    why += "; " + phrases.Text(kUnitStatusSays.last_answer, {last.error});
   }
-  if (last.outcome == Outcome::NoPort) why += "; " + phrases.Text(kSay.no_port);
+  if (last.outcome == Outcome::NoPort) why += "; " + phrases.Text(kUnitStatusSays.no_port);
   return why;
 }
 
@@ -205,8 +205,9 @@ std::pair<UnitState, std::string> Judge(const UnitHistory& av_History, const Sta
   if (IsNew(unit, av_Rules, av_Status)) {
     const std::string added = WhenText(unit.added, av_Rules.phrases);
     if (av_Status.asked == 0 || av_Status.answered > 0)
-      return {UnitState::New, av_Rules.phrases.Text(kSay.is_new, {added})};
-    return {UnitState::New, av_Rules.phrases.Text(kSay.no_answer_yet, {std::to_string(av_Status.asked), added})};
+      return {UnitState::New, av_Rules.phrases.Text(kUnitStatusSays.is_new, {added})};
+    return {UnitState::New,
+            av_Rules.phrases.Text(kUnitStatusSays.no_answer_yet, {std::to_string(av_Status.asked), added})};
   }
   const std::int64_t silent = unit.get_from == kFromRadio ? SilentRounds(av_History.contacts) : 0;
   if (silent >= kSilentRounds) return {UnitState::Silent, WhySilent(silent, av_Status, av_Rules.phrases)};
@@ -257,7 +258,7 @@ UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules) 
 }
 
 std::vector<Phrase> UnitStatusPhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kUnitStatusSays);
 }
 
 }  // namespace corvane

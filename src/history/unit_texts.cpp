@@ -27,11 +27,11 @@ constexpr struct {
   Phrase never{1341, "never"};
   Phrase then{1342, "then: %1"};
   Phrase by_its_clock{1885, "%1 by its own clock"};
-} kSay;
+} kUnitSays;
 
 std::string AgoText(Moment av_When, Moment av_Now, const Phrases& av_Phrases) {
   const std::int64_t ago = av_Now - av_When;
-  return av_Phrases.Text(ago < 0 ? kSay.in : kSay.ago, {SpanText(ago, av_Phrases, SpanForm::Dependent)});
+  return av_Phrases.Text(ago < 0 ? kUnitSays.in : kUnitSays.ago, {SpanText(ago, av_Phrases, SpanForm::Dependent)});
 }
 
 }  // namespace
@@ -45,12 +45,12 @@ std::string LastReadingText(const UnitStatus& av_Unit, const Phrases& av_Phrases
                                      : WhenText(av_Unit.last_reading, av_Phrases);
   const std::string age = BriefSpanText(*av_Unit.reading_age, av_Phrases);
   const bool ahead = *av_Unit.reading_age < 0;
-  return ByItsClock(av_Unit, date + " (" + (ahead ? av_Phrases.Text(kSay.ahead, {age}) : age) + ")", av_Phrases);
+  return ByItsClock(av_Unit, date + " (" + (ahead ? av_Phrases.Text(kUnitSays.ahead, {age}) : age) + ")", av_Phrases);
 }
 
 std::string ByItsClock(const UnitStatus& av_Unit, const std::string& as_Date, const Phrases& av_Phrases) {
   const bool off = std::llabs(av_Unit.clock_offset.value_or(0)) > kClockOff;
-  return off ? av_Phrases.Text(kSay.by_its_clock, {as_Date}) : as_Date;
+  return off ? av_Phrases.Text(kUnitSays.by_its_clock, {as_Date}) : as_Date;
 }
 
 std::string LastContactText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {
@@ -62,11 +62,11 @@ std::string BatteryText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
   if (!av_Unit.battery) return "";
   const std::string volts = FixedText(*av_Unit.battery, 2) + " V";
   if (av_Unit.battery_days) {
-    return volts + ", " + CountText(static_cast<std::int64_t>(*av_Unit.battery_days), kSay.days_left, av_Phrases);
+    return volts + ", " + CountText(static_cast<std::int64_t>(*av_Unit.battery_days), kUnitSays.days_left, av_Phrases);
   }
   if (!av_Unit.battery_slope || std::fabs(*av_Unit.battery_slope) < kSlopeShown) return volts;
   const std::string slope = (*av_Unit.battery_slope > 0 ? "+" : "") + FixedText(*av_Unit.battery_slope, 2);
-  return volts + ", " + av_Phrases.Text(kSay.volts_a_day, {slope});
+  return volts + ", " + av_Phrases.Text(kUnitSays.volts_a_day, {slope});
 }
 
 std::string CompleteText(const UnitStatus& av_Unit) {
@@ -76,14 +76,14 @@ std::string CompleteText(const UnitStatus& av_Unit) {
 std::string KnownToText(const UnitStatus& av_Unit, Moment av_Now, const Phrases& av_Phrases) {
   if (av_Unit.state == UnitState::Off || !av_Unit.complete || av_Unit.last_answered.IsNone()) return "";
   if (av_Now - av_Unit.last_answered <= kHeardLately) return "";
-  return av_Phrases.Text(kSay.known_to, {DateText(av_Unit.last_answered.Local(), "d mmm", av_Phrases)});
+  return av_Phrases.Text(kUnitSays.known_to, {DateText(av_Unit.last_answered.Local(), "d mmm", av_Phrases)});
 }
 
 std::string GapsText(const UnitStatus& av_Unit, const Phrases& av_Phrases) {
   if (av_Unit.gaps == 0) return "";
   std::string text =
       std::to_string(av_Unit.gaps) + ": " + CountText(av_Unit.missing, kCommonPhrases.readings, av_Phrases);
-  if (av_Unit.lost > 0) text += ", " + av_Phrases.Text(kSay.lost, {std::to_string(av_Unit.lost)});
+  if (av_Unit.lost > 0) text += ", " + av_Phrases.Text(kUnitSays.lost, {std::to_string(av_Unit.lost)});
   return text;
 }
 
@@ -91,14 +91,14 @@ std::string DeliveredText(const UnitStatus& av_Unit, Moment av_Now, const Phrase
   std::string when = av_Unit.delivered.IsNone() ? "" : AgoText(av_Unit.delivered, av_Now, av_Phrases);
   const DateTime last = av_Unit.delivered_to;
   if (!when.empty() && !last.IsNone() && av_Unit.delivered.Local() - last > kHeardLately)
-    when += ", " + av_Phrases.Text(kSay.up_to, {WhenText(last, av_Phrases)});
+    when += ", " + av_Phrases.Text(kUnitSays.up_to, {WhenText(last, av_Phrases)});
   if (av_Unit.delivery_problem.empty()) return when;
-  return (when.empty() ? av_Phrases.Text(kSay.never) : when) + ", " +
-         av_Phrases.Text(kSay.then, {av_Unit.delivery_problem});
+  return (when.empty() ? av_Phrases.Text(kUnitSays.never) : when) + ", " +
+         av_Phrases.Text(kUnitSays.then, {av_Unit.delivery_problem});
 }
 
 std::vector<Phrase> UnitTextPhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kUnitSays);
 }
 
 }  // namespace corvane

@@ -28,7 +28,7 @@ constexpr struct {
   Phrase battery{1328, "The battery is down to %1 V, below %2 V"};
   Phrase still{1329, "Item %1 of its readings has not changed since %2"};
   Phrase outside{1330, "Item %1 lay outside its table in %2 of %3"};
-} kSay;
+} kTroubleSays;
 
 struct Missing {
   std::int64_t readings = 0;
@@ -58,8 +58,8 @@ std::string MissingText(const UnitHistory& av_History, const StatusRules& av_Rul
                         {std::to_string(which.readings), CountText(which.gaps, kCommonPhrases.gaps, phrases),
                          WhenText(which.since, phrases)});
   };
-  if (missing.gaps > 0) return text(missing, kSay.missing);
-  return lost.gaps > 0 ? text(lost, kSay.lost) : "";
+  if (missing.gaps > 0) return text(missing, kTroubleSays.missing);
+  return lost.gaps > 0 ? text(lost, kTroubleSays.lost) : "";
 }
 
 std::string RejectedText(const UnitHistory& av_History, const Phrases& av_Phrases) {
@@ -67,7 +67,7 @@ std::string RejectedText(const UnitHistory& av_History, const Phrases& av_Phrase
   for (std::size_t i = contacts.size(); i-- > 0;) {
     if (!WasAsked(contacts[i].outcome)) continue;
     if (contacts[i].rejected == 0) break;
-    return CountText(contacts[i].rejected, kSay.rejected, av_Phrases);
+    return CountText(contacts[i].rejected, kTroubleSays.rejected, av_Phrases);
   }
   return "";
 }
@@ -76,25 +76,27 @@ std::string ClockText(const UnitHistory& av_History, const StatusRules& av_Rules
   if (!av_Status.clock_offset || std::llabs(*av_Status.clock_offset) <= kClockOff) return "";
   // Intended: a unit keeps the time it was given; where summer time moves this computer's clock, nobody sets all units.
   if (ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock).of_another_season) return "";
-  return av_Rules.phrases.Text(*av_Status.clock_offset > 0 ? kSay.clock_ahead : kSay.clock_behind,
+  return av_Rules.phrases.Text(*av_Status.clock_offset > 0 ? kTroubleSays.clock_ahead : kTroubleSays.clock_behind,
                                {SpanText(*av_Status.clock_offset, av_Rules.phrases)});
 }
 
 std::string FutureText(const UnitStatus& av_Status, const Phrases& av_Phrases) {
   if (av_Status.reading_age.value_or(0) >= -kClockOff) return "";
-  return av_Phrases.Text(kSay.future,
+  return av_Phrases.Text(kTroubleSays.future,
                          {WhenText(av_Status.last_reading, av_Phrases), SpanText(*av_Status.reading_age, av_Phrases)});
 }
 
 std::string BatteryText(const StatusRules& av_Rules, const UnitStatus& av_Status) {
   if (!av_Status.battery || *av_Status.battery >= av_Rules.battery_limit) return "";
-  return av_Rules.phrases.Text(kSay.battery, {FixedText(*av_Status.battery, 2), FixedText(av_Rules.battery_limit, 2)});
+  return av_Rules.phrases.Text(kTroubleSays.battery,
+                               {FixedText(*av_Status.battery, 2), FixedText(av_Rules.battery_limit, 2)});
 }
 
 std::string StillText(const UnitHistory& av_History, const Phrases& av_Phrases) {
   const ScanRecord* const scan = av_History.scan;
   if (scan == nullptr || scan->still_channel == 0 || scan->last - scan->still_since < kStill) return "";
-  return av_Phrases.Text(kSay.still, {std::to_string(scan->still_channel), WhenText(scan->still_since, av_Phrases)});
+  return av_Phrases.Text(kTroubleSays.still,
+                         {std::to_string(scan->still_channel), WhenText(scan->still_since, av_Phrases)});
 }
 
 /// Of the last two days with readings: today is not over.
@@ -107,9 +109,9 @@ std::string OutsideText(const UnitHistory& av_History, const Phrases& av_Phrases
     --days;
     const std::int64_t of_day = std::max(day.stored, period > 0 ? kSecondsPerDay / period : 0);
     if (day.outside_channel == 0 || day.outside * kOutsideShare <= of_day) continue;
-    return av_Phrases.Text(
-        kSay.outside, {std::to_string(day.outside_channel), CountText(day.outside, kCommonPhrases.readings, av_Phrases),
-                       DateText(day.day, "d mmm yyyy", av_Phrases)});
+    return av_Phrases.Text(kTroubleSays.outside, {std::to_string(day.outside_channel),
+                                                  CountText(day.outside, kCommonPhrases.readings, av_Phrases),
+                                                  DateText(day.day, "d mmm yyyy", av_Phrases)});
   }
   return "";
 }
@@ -133,7 +135,7 @@ std::vector<Trouble> TroublesOf(const UnitHistory& av_History, const StatusRules
 }
 
 std::vector<Phrase> TroublePhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kTroubleSays);
 }
 
 }  // namespace corvane

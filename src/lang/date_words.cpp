@@ -12,7 +12,7 @@ struct DateSentences {
   Phrase short_months{1416, "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec"};
   Phrase months{1417, "January February March April May June July August September October November December"};
 };
-constexpr DateSentences kSay;
+constexpr DateSentences kDateSays;
 
 /// The twelve names of a phrase; the English ones where a language file does not hold twelve.
 std::vector<std::string> NamesOf(const Phrase& av_Phrase, const Phrases& av_Phrases) {
@@ -30,7 +30,7 @@ std::string DateText(DateTime av_When, std::string_view as_Pattern, const Phrase
   std::string text = FormatDate(av_When, as_Pattern);
   const bool whole = as_Pattern.find("mmmm") != std::string_view::npos;
   if (!whole && as_Pattern.find("mmm") == std::string_view::npos) return text;
-  const Phrase& names = whole ? kSay.months : kSay.short_months;
+  const Phrase& names = whole ? kDateSays.months : kDateSays.short_months;
   const auto month = static_cast<std::size_t>(av_When.ToCivil().month - 1);
   const std::string english = NamesOf(names, Phrases())[month];
   const std::size_t at = text.find(english);
@@ -41,7 +41,7 @@ std::string WithEnglishMonths(std::string_view as_Typed, const Phrases& av_Phras
   std::string text;
   for (const std::string_view word : Split(as_Typed, ' ')) {
     std::string english(word);
-    for (const Phrase* names : {&kSay.short_months, &kSay.months}) {
+    for (const Phrase* names : {&kDateSays.short_months, &kDateSays.months}) {
       const std::vector<std::string> theirs = NamesOf(*names, av_Phrases);
       for (std::size_t month = 0; month < theirs.size(); ++month) {
         if (EqualsNoCase(word, theirs[month])) english = NamesOf(*names, Phrases())[month];
@@ -53,7 +53,7 @@ std::string WithEnglishMonths(std::string_view as_Typed, const Phrases& av_Phras
 }
 
 std::vector<Phrase> DatePhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kDateSays);
 }
 
 }  // namespace corvane

@@ -27,15 +27,15 @@ constexpr struct {
       1527,
       "Then log out of the desktop and log in again; a new window is not enough. Where the device names "
       "another group, use that one."};
-} kSay;
+} kPortSays;
 
 std::string NameOf(int al_Number) {
   return "COM" + std::to_string(al_Number);
 }
 
 std::string WordFor(DevicePresence av_Presence, const Phrases& av_Phrases = {}) {
-  if (av_Presence == DevicePresence::NoPermission) return av_Phrases.Text(kSay.no_permission);
-  return av_Phrases.Text(av_Presence == DevicePresence::There ? kSay.there : kSay.not_there);
+  if (av_Presence == DevicePresence::NoPermission) return av_Phrases.Text(kPortSays.no_permission);
+  return av_Phrases.Text(av_Presence == DevicePresence::There ? kPortSays.there : kPortSays.not_there);
 }
 
 bool IsTooLong(std::string_view as_Device) {
@@ -104,9 +104,9 @@ Status PortChoices::Assign(int al_Number, std::string_view as_Device) {
 Status PortChoices::Check(std::string_view as_Device, const Phrases& av_Phrases) {
   const std::string_view device = Trim(as_Device);
   const bool plain = std::all_of(device.begin(), device.end(), [](unsigned char c) { return c >= ' ' && c != 127; });
-  if (!device.starts_with('/')) return {EINVAL, av_Phrases.Text(kSay.no_slash)};
-  if (!plain) return {EINVAL, av_Phrases.Text(kSay.not_plain)};
-  if (IsTooLong(device)) return {ENAMETOOLONG, av_Phrases.Text(kSay.too_long, {std::to_string(kLongestDevice)})};
+  if (!device.starts_with('/')) return {EINVAL, av_Phrases.Text(kPortSays.no_slash)};
+  if (!plain) return {EINVAL, av_Phrases.Text(kPortSays.not_plain)};
+  if (IsTooLong(device)) return {ENAMETOOLONG, av_Phrases.Text(kPortSays.too_long, {std::to_string(kLongestDevice)})};
   return Status::Ok();
 }
 
@@ -115,12 +115,12 @@ std::string PortChoices::CommandToJoin(std::string_view as_Group) {
 }
 
 std::string PortChoices::PermissionHelp(const Phrases& av_Phrases) {
-  return av_Phrases.Text(kSay.group_help) + "\n    " + CommandToJoin("dialout") + "\n" +
-         av_Phrases.Text(kSay.log_in_again);
+  return av_Phrases.Text(kPortSays.group_help) + "\n    " + CommandToJoin("dialout") + "\n" +
+         av_Phrases.Text(kPortSays.log_in_again);
 }
 
 std::vector<Phrase> PortChoices::PhraseList() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kPortSays);
 }
 
 }  // namespace corvane

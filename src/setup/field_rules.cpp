@@ -38,7 +38,7 @@ constexpr struct {
   Phrase is_folder{1648, "This is a folder; choose a file."};
   Phrase is_file{1649, "This is a file; choose a folder."};
   Phrase no_parent{1650, "There is no folder %1 to create it in; choose a folder that exists."};
-} kSay;
+} kRuleSays;
 
 /// The folder above `as_Path`, "/" at the top.
 std::string ParentOf(std::string_view as_Path) {
@@ -51,31 +51,31 @@ std::string ParentOf(std::string_view as_Path) {
 
 std::string HoursProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   if (as_Text.find(':') == std::string_view::npos || ParseTimeOfDay(Trim(as_Text))) return {};
-  return av_Phrases.Text(kSay.no_hours);
+  return av_Phrases.Text(kRuleSays.no_hours);
 }
 
 std::string IntervalProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   if (AutomaticInterval(as_Text)) return {};
   const std::string problem = HoursProblem(as_Text, av_Phrases);
-  return problem.empty() ? av_Phrases.Text(kSay.no_interval) : problem;
+  return problem.empty() ? av_Phrases.Text(kRuleSays.no_interval) : problem;
 }
 
 std::string WholeNumberProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
                                const Phrases& av_Phrases) {
   const auto lowest = static_cast<std::int64_t>(ad_Lowest);
   if (ParseInteger(as_Text, lowest, static_cast<std::int64_t>(ad_Highest))) return {};
-  return av_Phrases.Text(kSay.no_whole_number, {ShortestText(ad_Lowest), ShortestText(ad_Highest)});
+  return av_Phrases.Text(kRuleSays.no_whole_number, {ShortestText(ad_Lowest), ShortestText(ad_Highest)});
 }
 
 std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest, const Phrases& av_Phrases) {
   const std::optional<double> number = ParseNumber(as_Text);
   if (number && *number >= ad_Lowest && *number <= ad_Highest) return {};
-  return av_Phrases.Text(kSay.no_decimal, {ShortestText(ad_Lowest), ShortestText(ad_Highest)});
+  return av_Phrases.Text(kRuleSays.no_decimal, {ShortestText(ad_Lowest), ShortestText(ad_Highest)});
 }
 
 std::string DepthsProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   for (const std::string_view depth : Split(as_Text, ';')) {
-    if (!Trim(depth).empty() && !DepthOf(depth)) return av_Phrases.Text(kSay.no_depths);
+    if (!Trim(depth).empty() && !DepthOf(depth)) return av_Phrases.Text(kRuleSays.no_depths);
   }
   return {};
 }
@@ -83,23 +83,23 @@ std::string DepthsProblem(std::string_view as_Text, const Phrases& av_Phrases) {
 std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   const ServerAddress server = ParseServer(as_Text);
   if (server.port != 0 && server.host.find_first_of("/@ ") == std::string::npos) return {};
-  return av_Phrases.Text(kSay.no_server);
+  return av_Phrases.Text(kRuleSays.no_server);
 }
 
 std::string FileProblem(std::string_view as_Text, const AppInfo& av_App, const Phrases& av_Phrases) {
-  if (as_Text.empty()) return av_Phrases.Text(kSay.file_unnamed);
+  if (as_Text.empty()) return av_Phrases.Text(kRuleSays.file_unnamed);
   const std::string path = av_App.AppPath(WithSlashes(as_Text));
-  if (!path.starts_with('/')) return av_Phrases.Text(kSay.foreign_path);
+  if (!path.starts_with('/')) return av_Phrases.Text(kRuleSays.foreign_path);
   const auto info = ExamineFile(path);
-  if (!info) return av_Phrases.Text(kSay.no_file, {path});
-  return info->is_folder ? av_Phrases.Text(kSay.is_folder) : "";
+  if (!info) return av_Phrases.Text(kRuleSays.no_file, {path});
+  return info->is_folder ? av_Phrases.Text(kRuleSays.is_folder) : "";
 }
 
 std::string NewFolderProblem(const std::string& as_Path, const Phrases& av_Phrases) {
-  if (!as_Path.starts_with('/')) return av_Phrases.Text(kSay.foreign_path);
-  if (ExamineFile(as_Path)) return IsFolder(as_Path) ? "" : av_Phrases.Text(kSay.is_file);
+  if (!as_Path.starts_with('/')) return av_Phrases.Text(kRuleSays.foreign_path);
+  if (ExamineFile(as_Path)) return IsFolder(as_Path) ? "" : av_Phrases.Text(kRuleSays.is_file);
   const std::string parent = ParentOf(as_Path);
-  return IsFolder(parent) ? "" : av_Phrases.Text(kSay.no_parent, {parent});
+  return IsFolder(parent) ? "" : av_Phrases.Text(kRuleSays.no_parent, {parent});
 }
 
 std::string NewFileProblem(const std::string& as_Path) {
@@ -119,7 +119,7 @@ bool IsFolder(const std::string& as_Path) {
 }
 
 std::vector<Phrase> FieldRulePhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kRuleSays);
 }
 
 }  // namespace corvane

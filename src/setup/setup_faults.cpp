@@ -46,7 +46,7 @@ constexpr struct {
                      "The unit %1 of this client and that of another one would share one raw file; choose another "
                      "folder."};
   Phrase id_of_direct{1701, "\"Direct\" has the ID 0; give this relay another one."};
-} kSay;
+} kFaultSays;
 
 /// The faults of one page as they are found.
 class Findings {
@@ -68,9 +68,9 @@ class Findings {
 
 /// What is wrong with a text that becomes one line of the settings.
 std::string TextProblem(std::string_view as_Text, const Phrases& av_Say) {
-  if (HasControlCharacter(as_Text)) return av_Say.Text(kSay.control_characters);
+  if (HasControlCharacter(as_Text)) return av_Say.Text(kFaultSays.control_characters);
   if (CutCharacters(as_Text, TextField::kLongestText).size() == as_Text.size()) return {};
-  return av_Say.Text(kSay.too_long, {std::to_string(TextField::kLongestText)});
+  return av_Say.Text(kFaultSays.too_long, {std::to_string(TextField::kLongestText)});
 }
 
 std::string NameProblem(std::string_view as_Name, const Phrase& av_Unnamed, const Phrases& av_Say) {
@@ -95,15 +95,15 @@ void FindInRelays(const SetupPlan& av_Plan, Findings& av_Findings) {
   for (std::size_t row = 1; row <= av_Plan.relays.size(); ++row) {
     const SetupRelay& relay = av_Plan.relays[row - 1];
     const std::string name(Trim(relay.name));
-    std::string problem = NameProblem(name, kSay.relay_unnamed, say);
-    if (EqualsNoCase(name, kDirect)) problem = say.Text(kSay.named_direct);
-    if (problem.empty()) problem = NotTwice(FirstRowOf(names, ToLower(name), row), kSay.name_twice, say);
+    std::string problem = NameProblem(name, kFaultSays.relay_unnamed, say);
+    if (EqualsNoCase(name, kDirect)) problem = say.Text(kFaultSays.named_direct);
+    if (problem.empty()) problem = NotTwice(FirstRowOf(names, ToLower(name), row), kFaultSays.name_twice, say);
     av_Findings.Add(SetupField::RelayName, row, problem);
     const std::string id(Trim(relay.id));
     problem = WholeNumberProblem(id, kLowestID, kHighestID, say);
-    if (problem.empty() && LeadingInteger(id) == 0) problem = say.Text(kSay.id_of_direct);
+    if (problem.empty() && LeadingInteger(id) == 0) problem = say.Text(kFaultSays.id_of_direct);
     if (problem.empty()) {
-      problem = NotTwice(FirstRowOf(ids, ShortestText(LeadingNumber(id)), row), kSay.id_twice, say);
+      problem = NotTwice(FirstRowOf(ids, ShortestText(LeadingNumber(id)), row), kFaultSays.id_twice, say);
     }
     av_Findings.Add(SetupField::RelayID, row, problem);
   }
@@ -114,7 +114,7 @@ std::string RelayProblem(const SetupPlan& av_Plan, std::string_view as_Relay, co
   const bool known = name.empty() || EqualsNoCase(name, kDirect) ||
                      std::any_of(av_Plan.relays.begin(), av_Plan.relays.end(),
                                  [name](const SetupRelay& relay) { return EqualsNoCase(Trim(relay.name), name); });
-  return known ? "" : av_Say.Text(kSay.no_relay, {Quote(name)});
+  return known ? "" : av_Say.Text(kFaultSays.no_relay, {Quote(name)});
 }
 
 void FindInUnits(const SetupPlan& av_Plan, Findings& av_Findings) {
@@ -122,12 +122,12 @@ void FindInUnits(const SetupPlan& av_Plan, Findings& av_Findings) {
   std::map<std::string, std::size_t> files;
   for (std::size_t row = 1; row <= av_Plan.units.size(); ++row) {
     const SetupUnit& unit = av_Plan.units[row - 1];
-    av_Findings.Add(SetupField::UnitName, row, NameProblem(unit.name, kSay.unit_unnamed, say));
+    av_Findings.Add(SetupField::UnitName, row, NameProblem(unit.name, kFaultSays.unit_unnamed, say));
     const std::string id(Trim(unit.id));
     std::string problem = WholeNumberProblem(id, kLowestID, kHighestID, say);
     if (problem.empty() && unit.active) {
       const std::string file = ShortestText(LeadingNumber(id)) + " " + ToLower(Trim(unit.client));
-      problem = NotTwice(FirstRowOf(files, file, row), kSay.file_twice, say);
+      problem = NotTwice(FirstRowOf(files, file, row), kFaultSays.file_twice, say);
     }
     av_Findings.Add(SetupField::UnitID, row, problem);
     av_Findings.Add(SetupField::UnitRelay, row, RelayProblem(av_Plan, unit.relay, say));
@@ -142,7 +142,7 @@ void FindInStations(const SetupPlan& av_Plan, Findings& av_Findings) {
   FindInUnits(av_Plan, av_Findings);
   constexpr auto kMost = static_cast<std::size_t>(RecordEditor::kMostRecords) - 1;
   if (std::max(av_Plan.units.size(), av_Plan.relays.size()) > kMost) {
-    av_Findings.Add(SetupField::Page, av_Findings.say.Text(kSay.too_many, {std::to_string(kMost)}));
+    av_Findings.Add(SetupField::Page, av_Findings.say.Text(kFaultSays.too_many, {std::to_string(kMost)}));
   }
 }
 
@@ -150,7 +150,7 @@ void FindInStations(const SetupPlan& av_Plan, Findings& av_Findings) {
 std::string ClientFolderProblem(std::string_view as_Folder, const Phrases& av_Say) {
   const std::string folder = WithSlashes(Trim(as_Folder));
   for (const std::string_view part : Split(folder, '/')) {
-    if (part == "..") return av_Say.Text(kSay.leads_out);
+    if (part == "..") return av_Say.Text(kFaultSays.leads_out);
   }
   return TextProblem(as_Folder, av_Say);
 }
@@ -171,7 +171,7 @@ void FindSharedFiles(const SetupPlan& av_Plan, Findings& av_Findings) {
     const std::string folder = row == 0 ? "" : WithSlashes(Trim(av_Plan.clients[row - 1].folder));
     const std::size_t first = files.emplace(id + " " + AddBackslash(folder), row).first->second;
     if (first == row || !told.insert(std::max(first, row)).second) continue;
-    av_Findings.Add(SetupField::ClientFolder, std::max(first, row), av_Findings.say.Text(kSay.file_shared, {id}));
+    av_Findings.Add(SetupField::ClientFolder, std::max(first, row), av_Findings.say.Text(kFaultSays.file_shared, {id}));
   }
 }
 
@@ -184,8 +184,8 @@ void FindInFolders(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& av
   for (std::size_t row = 1; row <= av_Plan.clients.size(); ++row) {
     const SetupClient& client = av_Plan.clients[row - 1];
     const std::string name(Trim(client.name));
-    problem = NameProblem(name, kSay.client_unnamed, say);
-    if (problem.empty()) problem = NotTwice(FirstRowOf(names, ToLower(name), row), kSay.name_twice, say);
+    problem = NameProblem(name, kFaultSays.client_unnamed, say);
+    if (problem.empty()) problem = NotTwice(FirstRowOf(names, ToLower(name), row), kFaultSays.name_twice, say);
     av_Findings.Add(SetupField::ClientName, row, problem);
     av_Findings.Add(SetupField::ClientFolder, row, ClientFolderProblem(client.folder, say));
   }
@@ -193,7 +193,7 @@ void FindInFolders(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& av
   for (const SetupUnit& unit : av_Plan.units) {
     const std::string client = ToLower(Trim(unit.client));
     if (client.empty() || names.contains(client)) continue;
-    av_Findings.Add(SetupField::Page, say.Text(kSay.no_client, {Quote(Trim(unit.client)), Quote(unit.name)}));
+    av_Findings.Add(SetupField::Page, say.Text(kFaultSays.no_client, {Quote(Trim(unit.client)), Quote(unit.name)}));
     break;
   }
 }
@@ -203,9 +203,9 @@ std::string TableProblem(const std::string& as_File, const Phrases& av_Say) {
   try {
     LookupTable table;
     table.Read(as_File);
-    return table.Count() > 0 ? "" : av_Say.Text(kSay.no_points, {as_File});
+    return table.Count() > 0 ? "" : av_Say.Text(kFaultSays.no_points, {as_File});
   } catch (const RunTimeError& error) {
-    return av_Say.Text(kSay.unusable, {as_File, error.what()});
+    return av_Say.Text(kFaultSays.unusable, {as_File, error.what()});
   }
 }
 
@@ -213,11 +213,11 @@ void FindInTables(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& av_
   if (Trim(av_Plan.tables_folder).empty()) return;
   const Phrases& say = av_Findings.say;
   const std::string folder = av_App.AppPath(WithSlashes(Trim(av_Plan.tables_folder)));
-  if (!IsFolder(folder)) return av_Findings.Add(SetupField::TablesFolder, say.Text(kSay.no_folder, {folder}));
+  if (!IsFolder(folder)) return av_Findings.Add(SetupField::TablesFolder, say.Text(kFaultSays.no_folder, {folder}));
   const auto files = TablesIn(folder);
   for (std::size_t table = 0; table < files.size(); ++table) {
     av_Findings.Add(SetupField::TablesFolder, files[table].empty()
-                                                  ? say.Text(kSay.no_table, {folder, kTableNames[table]})
+                                                  ? say.Text(kFaultSays.no_table, {folder, kTableNames[table]})
                                                   : TableProblem(files[table], say));
   }
 }
@@ -227,7 +227,7 @@ void FindInDelivery(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& a
   if (!Trim(av_Plan.server).empty()) {
     av_Findings.Add(SetupField::Server, ServerProblem(Trim(av_Plan.server), say));
     const bool can_log_in = av_Plan.anonymous || (!Trim(av_Plan.user).empty() && !av_Plan.password.empty());
-    if (!can_log_in) av_Findings.Add(SetupField::User, say.Text(kSay.no_login));
+    if (!can_log_in) av_Findings.Add(SetupField::User, say.Text(kFaultSays.no_login));
     if (!av_Plan.certificate.empty()) {
       av_Findings.Add(SetupField::Certificate, FileProblem(av_Plan.certificate, av_App, say));
     }
@@ -240,7 +240,7 @@ void FindInDelivery(const SetupPlan& av_Plan, const AppInfo& av_App, Findings& a
 void FindInSchedule(const SetupPlan& av_Plan, Findings& av_Findings) {
   if (av_Plan.automatic) av_Findings.Add(SetupField::Interval, IntervalProblem(av_Plan.interval, av_Findings.say));
   const bool is_size = ParseNumber(av_Plan.log_size).value_or(-1) >= 0;
-  av_Findings.Add(SetupField::LogSize, is_size ? "" : av_Findings.say.Text(kSay.no_size));
+  av_Findings.Add(SetupField::LogSize, is_size ? "" : av_Findings.say.Text(kFaultSays.no_size));
 }
 
 }  // namespace
@@ -256,7 +256,7 @@ std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page, co
     case SetupPage::Port:
       if (av_Plan.device.empty()) break;
       if (const Status device = PortChoices::Check(av_Plan.device, av_Phrases); !device.ok()) {
-        findings.Add(SetupField::Device, av_Phrases.Text(kSay.no_device, {device.text()}));
+        findings.Add(SetupField::Device, av_Phrases.Text(kFaultSays.no_device, {device.text()}));
       }
       break;
     case SetupPage::Stations:
@@ -289,7 +289,7 @@ std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page, co
 }
 
 std::vector<Phrase> SetupFaultPhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kFaultSays);
 }
 
 }  // namespace corvane

@@ -20,7 +20,7 @@ constexpr struct {
   Phrase lets_us_in_there{1606, "The server %1 lets us in; the folder of the login holds %2 and %3."};
   CountPhrase files{{1607, "%1 file"}, {1608, "%1 files"}};
   CountPhrase folders{{1609, "%1 folder"}, {1610, "%1 folders"}};
-} kSay;
+} kServerSays;
 
 /// What an error's first line says; the others tell handles and names that the person has entered.
 std::string FirstLine(std::string_view as_Error, const Phrases& av_Say) {
@@ -31,7 +31,7 @@ std::string FirstLine(std::string_view as_Error, const Phrases& av_Say) {
     while (line.ends_with('.')) line = Trim(line.substr(0, line.size() - 1));
     if (!line.empty()) return std::string(line);
   }
-  return av_Say.Text(kSay.no_reason);
+  return av_Say.Text(kServerSays.no_reason);
 }
 
 }  // namespace
@@ -59,21 +59,21 @@ void SetupServer::Enter(const SetupPlan& av_Plan) {
 
 SetupAnswer SetupServer::Visit(const SetupPlan& av_Plan, const Phrases& av_Say) {
   const auto failed = [this, &av_Say] {
-    if (Cancelled(p_.link, p_.flags)) return SetupAnswer{false, av_Say.Text(kSay.cancelled)};
-    return SetupAnswer{false, av_Say.Text(kSay.unusable, {FirstLine(p_.ftp.LastErrorText(), av_Say)})};
+    if (Cancelled(p_.link, p_.flags)) return SetupAnswer{false, av_Say.Text(kServerSays.cancelled)};
+    return SetupAnswer{false, av_Say.Text(kServerSays.unusable, {FirstLine(p_.ftp.LastErrorText(), av_Say)})};
   };
   if (!p_.ftp.Initialise()) return failed();
   if (!p_.ftp.ConnectIfNotConnected() || !p_.ftp.SetRemoteDirectory() || !p_.ftp.GetDirectoryList("")) return failed();
   const std::string folder = p_.ftp.CurrentRemoteDirectory();
-  const std::string files = CountText(p_.ftp.Listing().FileCount(), kSay.files, av_Say);
-  const std::string folders = CountText(p_.ftp.Listing().FolderCount(), kSay.folders, av_Say);
+  const std::string files = CountText(p_.ftp.Listing().FileCount(), kServerSays.files, av_Say);
+  const std::string folders = CountText(p_.ftp.Listing().FolderCount(), kServerSays.folders, av_Say);
   const std::string_view server = Trim(av_Plan.server);
-  return {true, folder.empty() ? av_Say.Text(kSay.lets_us_in_there, {server, files, folders})
-                               : av_Say.Text(kSay.lets_us_in, {server, folder, files, folders})};
+  return {true, folder.empty() ? av_Say.Text(kServerSays.lets_us_in_there, {server, files, folders})
+                               : av_Say.Text(kServerSays.lets_us_in, {server, folder, files, folders})};
 }
 
 std::vector<Phrase> SetupServerPhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kServerSays);
 }
 
 }  // namespace corvane

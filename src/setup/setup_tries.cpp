@@ -54,7 +54,7 @@ constexpr struct {
   Phrase not_created{1598, "The backup folder cannot be created: %1."};
   Phrase can_write{1599, "A file can be written into %1."};
   Phrase cannot_write{1600, "The backup folder cannot be used: %1. Choose another, or ask for the right to it."};
-} kSay;
+} kTrySays;
 
 /// Lets the radio port stand for the plan's device as long as it lives.
 class PlannedPort {
@@ -96,7 +96,7 @@ SetupAnswer WriteIn(const std::string& as_Folder, const Phrases& av_Say) {
   try {
     CreatePath(as_Folder);
   } catch (const RunTimeError& error) {
-    return {false, av_Say.Text(kSay.not_created, {error.what()})};
+    return {false, av_Say.Text(kTrySays.not_created, {error.what()})};
   }
   const std::string file = AddBackslash(as_Folder) + ".corvane-try";
   OutputFile trial;
@@ -106,26 +106,26 @@ SetupAnswer WriteIn(const std::string& as_Folder, const Phrases& av_Say) {
   trial.Close();
   (void)RemoveFile(file);
   if (!was_there) (void)std::remove(as_Folder.c_str());
-  if (done.ok()) return {true, av_Say.Text(kSay.can_write, {as_Folder})};
-  return {false, av_Say.Text(kSay.cannot_write, {done.text()})};
+  if (done.ok()) return {true, av_Say.Text(kTrySays.can_write, {as_Folder})};
+  return {false, av_Say.Text(kTrySays.cannot_write, {done.text()})};
 }
 
 }  // namespace
 
 SetupAnswer SetupTries::TryPort(const SetupPlan& av_Plan) {
-  if (av_Plan.device.empty()) return {false, say_.Text(kSay.no_device)};
+  if (av_Plan.device.empty()) return {false, say_.Text(kTrySays.no_device)};
   const PlannedPort planned(p_.form, p_.devices, av_Plan);
   const ScopedValue<std::string> asked(p_.link.Asked, "Base station");
   p_.form.Lbl_HeaderLine.SetText("");
   const bool answered = p_.finder.TestBaseUnit(0);
-  if (p_.link.UserCancel) return {false, say_.Text(kSay.port_cancelled)};
+  if (p_.link.UserCancel) return {false, say_.Text(kTrySays.port_cancelled)};
   if (p_.link.PortFailed) return {false, p_.form.Lbl_PortProblem.text() + "."};
   if (!answered) return {false, WhySilent()};
-  if (p_.finder.FailedHere()) return {false, say_.Text(kSay.port_failed, {p_.finder.Error()})};
+  if (p_.finder.FailedHere()) return {false, say_.Text(kTrySays.port_failed, {p_.finder.Error()})};
   const bool is_error = !p_.finder.Error().empty();
   const std::string line(Trim(is_error ? p_.finder.Error() : p_.form.Lbl_HeaderLine.text()));
-  if (is_error || SoundsLikeModem(line)) return {false, say_.Text(kSay.no_base_station, {Quote(line)})};
-  return {true, line.empty() ? say_.Text(kSay.answers) : say_.Text(kSay.answers_with, {line})};
+  if (is_error || SoundsLikeModem(line)) return {false, say_.Text(kTrySays.no_base_station, {Quote(line)})};
+  return {true, line.empty() ? say_.Text(kTrySays.answers) : say_.Text(kTrySays.answers_with, {line})};
 }
 
 std::string SetupTries::WhySilent() {
@@ -137,21 +137,22 @@ std::string SetupTries::WhySilent() {
   p_.port.EndDiscarding();
   p_.port.ClearEverything();
   p_.port.ClosePort();
-  return say_.Text(echoes ? kSay.echoes : kSay.silent, {p_.devices.DeviceOf(p_.form.Cmb_Port[0].SelectedItemData())});
+  return say_.Text(echoes ? kTrySays.echoes : kTrySays.silent,
+                   {p_.devices.DeviceOf(p_.form.Cmb_Port[0].SelectedItemData())});
 }
 
 std::string SetupTries::WhyFailed() const {
-  if (p_.link.UserCancel) return say_.Text(kSay.cancelled);
-  if (p_.link.Timeout) return say_.Text(kSay.too_late);
+  if (p_.link.UserCancel) return say_.Text(kTrySays.cancelled);
+  if (p_.link.Timeout) return say_.Text(kTrySays.too_late);
   if (p_.link.HalvexError) return p_.link.ResultTextOf(p_.link.ResultCode);
   return {};
 }
 
 SetupAnswer SetupTries::Ask(const SetupPlan& av_Plan, std::size_t al_Row, std::int16_t ai_Command) {
   const SetupRecords records = RecordsOf(av_Plan, p_.registry);
-  if (al_Row < 1 || al_Row > records.units.size()) return {false, say_.Text(kSay.no_unit)};
+  if (al_Row < 1 || al_Row > records.units.size()) return {false, say_.Text(kTrySays.no_unit)};
   const Unit& unit = records.units[al_Row - 1].record;
-  if (unit.GetFrom != kFromRadio) return {false, say_.Text(kSay.not_by_radio)};
+  if (unit.GetFrom != kFromRadio) return {false, say_.Text(kTrySays.not_by_radio)};
   const PlannedPort planned(p_.form, p_.devices, av_Plan);
   const ScopedValue<std::string> asked(p_.link.Asked, unit.Name);
   if (!p_.port.OpenPort(0)) return {false, p_.form.Lbl_PortProblem.text()};
@@ -187,7 +188,7 @@ SetupClock SetupTries::SetClock(const SetupPlan& av_Plan, std::size_t al_Row) {
   const SetupAnswer set = Ask(av_Plan, al_Row, kSetDate);
   if (!set.well) {
     SetupClock clock;
-    clock.text = say_.Text(kSay.clock_not_set, {set.text});
+    clock.text = say_.Text(kTrySays.clock_not_set, {set.text});
     clock.is_off = true;
     clock.unit = al_Row;
     return clock;
@@ -202,19 +203,21 @@ SetupClock SetupTries::ClockOf(const SetupAnswer& av_Answer) const {
     return clock;
   }
   if (!av_Answer.well) {
-    clock.text = say_.Text(kSay.clock_not_told, {av_Answer.text});
+    clock.text = say_.Text(kTrySays.clock_not_told, {av_Answer.text});
     return clock;
   }
   const std::optional<DateTime> time = ParseDate(av_Answer.text);
   if (!time) {
-    clock.text = say_.Text(kSay.no_date, {Quote(av_Answer.text)});
+    clock.text = say_.Text(kTrySays.no_date, {Quote(av_Answer.text)});
     return clock;
   }
   const std::int64_t since = (p_.loop.MonotonicMilliseconds() - p_.link.LastLineTime) / 1000;
   clock.seconds_ahead = *time + since - p_.loop.Now();
   clock.is_off = std::abs(clock.seconds_ahead) > kRightSeconds;
   clock.well = !clock.is_off;
-  const Phrase& how = !clock.is_off ? kSay.clock_right : clock.seconds_ahead > 0 ? kSay.clock_ahead : kSay.clock_behind;
+  const Phrase& how = !clock.is_off             ? kTrySays.clock_right
+                      : clock.seconds_ahead > 0 ? kTrySays.clock_ahead
+                                                : kTrySays.clock_behind;
   clock.text = say_.Text(how, {GeneralDate(*time), SpanText(clock.seconds_ahead, say_)});
   return clock;
 }
@@ -228,7 +231,7 @@ SetupAnswer SetupTries::TryBackup(const SetupPlan& av_Plan, const AppInfo& av_Ap
 }
 
 std::vector<Phrase> SetupTryPhrases() {
-  return PhrasesIn(kSay);
+  return PhrasesIn(kTrySays);
 }
 
 }  // namespace corvane

@@ -21,7 +21,7 @@ constexpr quint64 kOneWheelMove = 700;  // milliseconds
 constexpr double kShortestSpan = 120;   // seconds
 constexpr double kShortestDrag = 5;     // pixels
 constexpr std::size_t kMostFormer = 100;
-constexpr double kPadding = 6;
+constexpr double kTipPadding = 6;
 constexpr int kMinimumWidth = 260;
 constexpr int kMinimumHeight = 160;
 
@@ -145,21 +145,23 @@ void PlotView::DrawCursor(PlotPainter& plot, QPainter& painter) {
   }
   double width = 0;
   for (const QString& text : texts) width = std::max(width, metrics.horizontalAdvance(text));
-  QRectF box(x + 2 * kPadding, canvas_.top() + kPadding, width + 5 * kPadding,
-             metrics.height() * static_cast<double>(texts.size()) + kPadding);
-  if (box.right() > canvas_.right()) box.moveRight(x - 2 * kPadding);
+  QRectF box(x + 2 * kTipPadding, canvas_.top() + kTipPadding, width + 5 * kTipPadding,
+             metrics.height() * static_cast<double>(texts.size()) + kTipPadding);
+  if (box.right() > canvas_.right()) box.moveRight(x - 2 * kTipPadding);
   QColor back = colours.background;
   back.setAlpha(235);
   painter.setPen(colours.grid);
   painter.setBrush(back);
   painter.drawRect(box);
   for (qsizetype row = 0; row < texts.size(); ++row) {
-    const QPointF place(box.left() + kPadding, box.top() + kPadding / 2 + metrics.height() * static_cast<double>(row));
-    const double indent = row == 0 ? 0 : 3 * kPadding;
+    const QPointF place(box.left() + kTipPadding,
+                        box.top() + kTipPadding / 2 + metrics.height() * static_cast<double>(row));
+    const double indent = row == 0 ? 0 : 3 * kTipPadding;
     painter.setPen(colours.text);
     painter.drawText(place + QPointF(indent, metrics.ascent()), texts[row]);
     if (row == 0) continue;
-    plot.DrawMark(lines[static_cast<std::size_t>(row - 1)], place + QPointF(kPadding, metrics.height() / 2), colours);
+    plot.DrawMark(lines[static_cast<std::size_t>(row - 1)], place + QPointF(kTipPadding, metrics.height() / 2),
+                  colours);
   }
 }
 
