@@ -82,7 +82,7 @@ class Reader {
 
   void TakeQuoted(CsvRow& row, std::vector<CsvFault>& faults) {
     const std::int64_t begun = line_;
-    ++at_;
+    const std::size_t from = ++at_;
     while (at_ < text_.size()) {
       const char c = text_[at_++];
       if (c == '"' && (at_ >= text_.size() || text_[at_] != '"')) {
@@ -92,14 +92,18 @@ class Reader {
       if (c == '"') ++at_;
       row.cells.back() += IsLineEnd(c) ? '\n' : c;
     }
-    faults.push_back({begun, "a quote (\") begins here and has no end"});
+    // The rows below are rows still.
+    faults.push_back({begun, CsvProblem::OpenQuote});
+    at_ = std::min(text_.find_first_of("\r\n", from), text_.size());
+    line_ = begun;
+    row.cells.back() = text_.substr(from, at_ - from);
+    closed_ = true;
   }
 
   void NoticeBehindQuote(char c, const CsvRow& row, std::vector<CsvFault>& faults) {
     if (!closed_ || c == ' ') return;
     closed_ = false;
-    faults.push_back(
-        {row.line, "text stands behind the closing quote (\") of a cell; a quote within is written twice"});
+    faults.push_back({row.line, CsvProblem::BehindQuote});
   }
 
   std::string_view text_;

@@ -14,10 +14,13 @@ struct CsvRow {
   std::vector<std::string> cells;  ///< line breaks in them are "\n"
 };
 
+/// What is wrong with quotes: they have no end, so that the cell ends with its line; or text stands behind their end.
+enum class CsvProblem : std::uint8_t { OpenQuote, BehindQuote };
+
 /// What is wrong with a row; the rest of the file was read.
 struct CsvFault {
   std::int64_t line = 1;
-  std::string text;
+  CsvProblem problem = CsvProblem::OpenQuote;
 };
 
 struct CsvContents {

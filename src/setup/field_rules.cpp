@@ -1,5 +1,6 @@
 #include "setup/field_rules.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -47,6 +48,21 @@ std::string ParentOf(std::string_view as_Path) {
   return parent.empty() ? "/" : std::string(parent);
 }
 
+/// The depths with ";" between them; none where one of them is no number.
+std::optional<std::string> DepthsPartedBy(std::string_view as_Text, char ac_Separator) {
+  std::string depths;
+  std::string_view before;
+  for (const std::string_view part : Split(as_Text, ac_Separator)) {
+    std::string depth(Trim(part));
+    if (ac_Separator == ' ' && depth.empty()) continue;
+    if (ac_Separator != ',' && std::ranges::count(depth, ',') == 1) std::ranges::replace(depth, ',', '.');
+    if (!depth.empty() && !DepthOf(depth)) return std::nullopt;
+    depths += std::string(before) + depth;
+    before = ";";
+  }
+  return depths;
+}
+
 }  // namespace
 
 std::string HoursProblem(std::string_view as_Text, const Phrases& av_Phrases) {
@@ -78,6 +94,29 @@ std::string DepthsProblem(std::string_view as_Text, const Phrases& av_Phrases) {
     if (!Trim(depth).empty() && !DepthOf(depth)) return av_Phrases.Text(kRuleSays.no_depths);
   }
   return {};
+}
+
+std::string PlainDepths(std::string_view as_Text) {
+  const auto count = [as_Text](char c) { return std::ranges::count(as_Text, c); };
+  // One comma alone may be a decimal one.
+  const bool commas_part = as_Text.find(", ") != std::string_view::npos || count(',') > 1 || count('.') > 0;
+  for (const char separator : std::string_view(";/, ")) {
+    if (count(separator) == 0 || (separator == ',' && !commas_part)) continue;
+    if (const auto depths = DepthsPartedBy(as_Text, separator)) return *depths;
+    if (separator == ';') break;
+  }
+  return std::string(as_Text);
+}
+
+std::string ClientFolderFor(std::string_view as_Client,
+                            const std::function<bool(const std::string& folder)>& av_IsTaken) {
+  std::string name(Trim(as_Client));
+  std::ranges::replace_if(
+      name, [](char c) { return c == '/' || c == '\\' || c == ':'; }, '_');
+  if (name.starts_with('.')) name.front() = '_';
+  std::string folder = name;
+  for (int number = 2; av_IsTaken(folder); ++number) folder = name + "_" + std::to_string(number);
+  return folder;
 }
 
 std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,12 @@ inline constexpr double kHighestID = INT32_MAX;
 [[nodiscard]] std::string DecimalProblem(std::string_view as_Text, double ad_Lowest, double ad_Highest,
                                          const Phrases& av_Phrases = {});
 [[nodiscard]] std::string DepthsProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
+/// Depths as the settings hold them, "10;20;7.5", also where they were parted by "/", blanks, or commas that are no
+/// decimal ones: one comma alone could be. A text that is none of these comes back as it is.
+[[nodiscard]] std::string PlainDepths(std::string_view as_Text);
+/// A client's name as that of its folder: what cannot stand in one becomes "_", and where it is taken it gets a number.
+[[nodiscard]] std::string ClientFolderFor(std::string_view as_Client,
+                                          const std::function<bool(const std::string& folder)>& av_IsTaken);
 [[nodiscard]] std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
 /// A file that has to be there.
 [[nodiscard]] std::string FileProblem(std::string_view as_Text, const AppInfo& av_App, const Phrases& av_Phrases = {});

@@ -110,11 +110,7 @@ void FindInRelays(const SetupPlan& av_Plan, Findings& av_Findings) {
 }
 
 std::string RelayProblem(const SetupPlan& av_Plan, std::string_view as_Relay, const Phrases& av_Say) {
-  const std::string_view name = Trim(as_Relay);
-  const bool known = name.empty() || EqualsNoCase(name, kDirect) ||
-                     std::any_of(av_Plan.relays.begin(), av_Plan.relays.end(),
-                                 [name](const SetupRelay& relay) { return EqualsNoCase(Trim(relay.name), name); });
-  return known ? "" : av_Say.Text(kFaultSays.no_relay, {Quote(name)});
+  return RelayMeant(av_Plan, as_Relay) ? "" : av_Say.Text(kFaultSays.no_relay, {Quote(Trim(as_Relay))});
 }
 
 void FindInUnits(const SetupPlan& av_Plan, Findings& av_Findings) {
@@ -132,7 +128,7 @@ void FindInUnits(const SetupPlan& av_Plan, Findings& av_Findings) {
     av_Findings.Add(SetupField::UnitID, row, problem);
     av_Findings.Add(SetupField::UnitRelay, row, RelayProblem(av_Plan, unit.relay, say));
     av_Findings.Add(SetupField::UnitClient, row, TextProblem(unit.client, say));
-    problem = DepthsProblem(unit.depths, say);
+    problem = DepthsProblem(PlainDepths(unit.depths), say);
     av_Findings.Add(SetupField::UnitDepths, row, problem.empty() ? TextProblem(unit.depths, say) : problem);
   }
 }

@@ -4,28 +4,10 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "setup/field_rules.h"
 
 namespace corvane {
 namespace {
-
-/// A client's name as a folder's: what cannot stand in one becomes "_".
-std::string FolderNameFor(std::string_view as_Client) {
-  std::string folder(Trim(as_Client));
-  std::replace_if(
-      folder.begin(), folder.end(), [](char c) { return c == '/' || c == '\\' || c == ':'; }, '_');
-  return folder.starts_with('.') ? "_" + folder.substr(1) : folder;
-}
-
-/// The same, numbered where another client has that folder.
-std::string NewFolderFor(const SetupPlan& av_Plan, std::string_view as_Client) {
-  const std::string name = FolderNameFor(as_Client);
-  std::string folder = name;
-  const auto is_taken = [&folder](const SetupClient& client) { return EqualsNoCase(Trim(client.folder), folder); };
-  for (int number = 2; std::ranges::any_of(av_Plan.clients, is_taken); ++number) {
-    folder = name + "_" + std::to_string(number);
-  }
-  return folder;
-}
 
 /// The ID behind the last one, where that is a number.
 template <class Row>
@@ -47,13 +29,36 @@ std::string_view TitleOf(SetupPage av_Page) {
 
 void CompletePlan(SetupPlan& av_Plan, SetupPage av_Page) {
   if (av_Page != SetupPage::Stations) return;
-  for (const SetupUnit& unit : av_Plan.units) {
+  for (SetupUnit& unit : av_Plan.units) {
+    unit.relay = RelayMeant(av_Plan, unit.relay).value_or(unit.relay);
+    unit.depths = PlainDepths(unit.depths);
     const std::string_view name = Trim(unit.client);
     const bool known = name.empty() ||
                        std::any_of(av_Plan.clients.begin(), av_Plan.clients.end(),
                                    [name](const SetupClient& client) { return EqualsNoCase(Trim(client.name), name); });
-    if (!known) av_Plan.clients.push_back({std::string(name), NewFolderFor(av_Plan, name)});
+    const auto is_taken = [&av_Plan](const std::string& folder) {
+      return std::ranges::any_of(
+          av_Plan.clients, [&folder](const SetupClient& client) { return EqualsNoCase(Trim(client.folder), folder); });
+    };
+    if (!known) av_Plan.clients.push_back({std::string(name), ClientFolderFor(name, is_taken)});
   }
+}
+
+std::optional<std::string> RelayMeant(const SetupPlan& av_Plan, std::string_view as_Text) {
+  constexpr std::string_view kBeforeID = "id ";
+  std::string_view text = Trim(as_Text);
+  const auto with = [&](std::string SetupRelay::*member) {
+    return std::ranges::find_if(av_Plan.relays,
+                                [&](const SetupRelay& relay) { return EqualsNoCase(Trim(relay.*member), text); });
+  };
+  if (text.empty()) return "";
+  if (const auto named = with(&SetupRelay::name); named != av_Plan.relays.end()) return std::string(Trim(named->name));
+  for (const std::string_view direct : {"Direct", "Direkt", "-", "0"}) {
+    if (EqualsNoCase(text, direct)) return "";
+  }
+  if (StartsWithNoCase(text, kBeforeID)) text = Trim(text.substr(kBeforeID.size()));
+  if (const auto of_id = with(&SetupRelay::id); of_id != av_Plan.relays.end()) return std::string(Trim(of_id->name));
+  return std::nullopt;
 }
 
 SetupUnit NextUnit(const SetupPlan& av_Plan) {
@@ -65,7 +70,7 @@ SetupUnit NextUnit(const SetupPlan& av_Plan) {
     return unit;
   }
   const SetupUnit& last = av_Plan.units.back();
-  unit.relay = last.relay;
+  unit.relay = RelayMeant(av_Plan, last.relay).value_or(last.relay);
   unit.client = last.client;
   unit.get_from = last.get_from;
   unit.sent = last.sent;

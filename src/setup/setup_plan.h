@@ -71,9 +71,9 @@ struct SetupRelay {
 struct SetupUnit {
   std::string name;
   std::string id;      ///< as typed
-  std::string relay;   ///< its name; empty: reached directly
+  std::string relay;   ///< its name, or what `RelayMeant` understands; empty: reached directly
   std::string client;  ///< its name; empty: none, the files are in the data folder itself
-  std::string depths;
+  std::string depths;  ///< as typed
   bool active = true;
   bool sent = false;                   ///< its file is sent to the server
   std::int32_t get_from = kFromRadio;  ///< how it is read, see `GetFrom`
@@ -154,8 +154,12 @@ struct SetupTried {
 /// What is wrong on a page; empty when it can be left. Looks at files and folders that the plan names.
 [[nodiscard]] std::vector<SetupFault> FaultsOf(const SetupPlan& av_Plan, SetupPage av_Page, const AppInfo& av_App,
                                                const Phrases& av_Phrases = {});
-/// Fills in what follows from a page that is left without faults: clients that units name get a row and a folder.
+/// Fills in what follows from a page that is left without faults: clients that units name get a row and a folder, and
+/// relays and depths are as they are written elsewhere.
 void CompletePlan(SetupPlan& av_Plan, SetupPage av_Page);
+/// The name of the relay that a text means: a name, or an ID where no relay is called so; an empty one for an empty
+/// text, "Direct", "-" and 0. None where there is no such relay.
+[[nodiscard]] std::optional<std::string> RelayMeant(const SetupPlan& av_Plan, std::string_view as_Text);
 /// A row for one more unit: behind the relay of the last one and of its client, the next ID as a proposal.
 [[nodiscard]] SetupUnit NextUnit(const SetupPlan& av_Plan);
 [[nodiscard]] SetupRelay NextRelay(const SetupPlan& av_Plan);

@@ -9,6 +9,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "setup/field_rules.h"
 
 namespace corvane {
 namespace {
@@ -94,11 +95,12 @@ void AddUnits(const SetupPlan& av_Plan, const Registry& av_Registry, SetupRecord
     Unit& record = unit.record;
     record.Name = Trim(row.name);
     record.ID = LeadingInteger(Trim(row.id));
-    record.Depths = Trim(row.depths);
+    record.Depths = PlainDepths(Trim(row.depths));
     record.Active = row.active ? 1 : 0;
     record.ftpFile = row.sent ? 1 : 0;
     record.GetFrom = row.get_from;
-    const std::optional<std::int32_t> relay = IDOf(av_Records.relays, Trim(row.relay));
+    const std::optional<std::int32_t> relay =
+        IDOf(av_Records.relays, RelayMeant(av_Plan, row.relay).value_or(row.relay));
     // An ID that no relay or client bears, which a row cannot name, stays.
     if (relay || av_Registry.FindRelay(record.RelayID) != nullptr) record.RelayID = relay.value_or(0);
     const std::optional<std::int32_t> client = IDOf(av_Records.clients, Trim(row.client));

@@ -1,19 +1,21 @@
 #include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "base/text.h"
 #include "history/status_texts.h"
 #include "setup/setup_plan.h"
+#include "setup/stations_phrases.h"
 
 namespace corvane {
 namespace {
 
 constexpr struct {
-  CountPhrase relays{{1540, "%1 relay"}, {1541, "%1 relays"}};
   Phrase some_active{1542, "%1 (%2 active)"};
   Phrase every{1543, "every %1"};
   Phrase when_asked{1544, "only when asked for"};
@@ -46,8 +48,9 @@ constexpr struct {
   Phrase clock_not_asked{1565, "No unit was asked for its clock: readings bear the unit's own date, right or wrong."};
   Phrase other_clocks{
       1702,
-      "Only one unit was asked for its clock, not %1: see the clocks with corvanectl get-date and set "
+      "Only the unit %1 was asked for its clock, not %2: see the clocks with corvanectl get-date and set "
       "them with corvanectl set-date, or with the commands \"Get date\" and \"Set date\" of the window."};
+  Phrase of_unit{1780, "Unit %1: %2"};
   Phrase no_tables{1566,
                    "The tables are missing: readings are stored raw, and converted once you name the folder that holds "
                    "moisture.lkp, salinity.lkp and salcorr.lkp. Until then each round says that a table is missing."};
@@ -78,7 +81,7 @@ std::string StationsText(const SetupPlan& av_Plan, const Phrases& av_Say) {
   std::string text = CountText(std::ssize(av_Plan.units), kCommonPhrases.units, av_Say);
   const std::size_t active = ActiveUnits(av_Plan);
   if (active < av_Plan.units.size()) text = av_Say.Text(kValues.some_active, {text, std::to_string(active)});
-  return text + ", " + CountText(std::ssize(av_Plan.relays), kValues.relays, av_Say);
+  return text + ", " + CountText(std::ssize(av_Plan.relays), kStationsSay.relays, av_Say);
 }
 
 std::string ScheduleText(const SetupPlan& av_Plan, const Phrases& av_Say) {
@@ -107,7 +110,9 @@ class Sentences {
   explicit Sentences(const Phrases& say) : say_(say) {}
 
   void Add(const Phrase& phrase) { found.push_back(say_.Text(phrase)); }
-  void Add(const Phrase& phrase, std::string_view value) { found.push_back(say_.Text(phrase, {value})); }
+  void Add(const Phrase& phrase, std::initializer_list<std::string_view> values) {
+    found.push_back(say_.Text(phrase, values));
+  }
   /// Adds what was not tried, or went wrong.
   void AddTried(const std::optional<SetupAnswer>& answer, const Phrase& not_tried) {
     if (!answer) {
@@ -136,6 +141,24 @@ std::string OthersThanAsked(const SetupPlan& av_Plan, const SetupTried& av_Tried
   return count > kMostNamed ? names + ", ..." : names;
 }
 
+/// The name of the unit that was asked for its clock.
+std::string AskedIn(const SetupPlan& av_Plan, const SetupTried& av_Tried) {
+  const std::size_t row = av_Tried.clock ? av_Tried.clock->unit : 0;
+  return row >= 1 && row <= av_Plan.units.size() ? std::string(Trim(av_Plan.units[row - 1].name)) : std::string();
+}
+
+/// What a unit's clock shows is told with the unit's name.
+void AddClock(Sentences& av_Sentences, const SetupPlan& av_Plan, const SetupTried& av_Tried) {
+  const std::string asked = AskedIn(av_Plan, av_Tried);
+  if (asked.empty() || av_Tried.clock->well) {
+    av_Sentences.AddTried(av_Tried.clock, kOpen.clock_not_asked);
+  } else {
+    av_Sentences.Add(kOpen.of_unit, {asked, av_Tried.clock->text});
+  }
+  const std::string others = OthersThanAsked(av_Plan, av_Tried);
+  if (!others.empty()) av_Sentences.Add(kOpen.other_clocks, {asked, others});
+}
+
 void AddCollecting(Sentences& av_Sentences, const SetupPlan& av_Plan, const SetupTried& av_Tried) {
   if (av_Plan.device.empty()) {
     av_Sentences.Add(kOpen.no_device);
@@ -147,9 +170,7 @@ void AddCollecting(Sentences& av_Sentences, const SetupPlan& av_Plan, const Setu
   } else if (ActiveUnits(av_Plan) == 0) {
     av_Sentences.Add(kOpen.none_active);
   } else if (!av_Plan.device.empty()) {
-    av_Sentences.AddTried(av_Tried.clock, kOpen.clock_not_asked);
-    const std::string others = OthersThanAsked(av_Plan, av_Tried);
-    if (!others.empty()) av_Sentences.Add(kOpen.other_clocks, others);
+    AddClock(av_Sentences, av_Plan, av_Tried);
   }
   if (av_Plan.tables_folder.empty() && !av_Plan.tables_are_set) av_Sentences.Add(kOpen.no_tables);
 }

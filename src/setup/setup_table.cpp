@@ -34,9 +34,9 @@ std::vector<Placed<Record>> Traced(std::vector<Placed<Record>> av_Records,
   return av_Records;
 }
 
-std::vector<std::string> SentencesOf(const std::vector<StationFault>& av_Faults) {
+std::vector<std::string> SentencesOf(const std::vector<StationFault>& av_Faults, const Phrases& av_Say) {
   std::vector<std::string> sentences;
-  for (const StationFault& fault : av_Faults) sentences.push_back(fault.Sentence());
+  for (const StationFault& fault : av_Faults) sentences.push_back(fault.Sentence(av_Say));
   return sentences;
 }
 
@@ -56,8 +56,8 @@ SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std:
   }
   const SetupRecords planned = RecordsOf(av_Plan, av_Registry);
   const Registry registry{ArrayOf(planned.units), ArrayOf(planned.relays), ArrayOf(planned.clients)};
-  StationsPlan stations = PlanStations(registry, ReadStations(std::move(bytes)), {});
-  if (!stations.faults.empty()) return {SentencesOf(stations.faults), {}, std::move(stations.notes)};
+  StationsPlan stations = PlanStations(registry, ReadStations(std::move(bytes), av_Phrases), {false, {}, av_Phrases});
+  if (!stations.faults.empty()) return {SentencesOf(stations.faults, av_Phrases), {}, std::move(stations.notes)};
   SetupRecords records{Traced(std::move(stations.units), planned.units),
                        Traced(std::move(stations.relays), planned.relays),
                        Traced(std::move(stations.clients), planned.clients)};
@@ -70,7 +70,9 @@ SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std:
 }
 
 std::vector<Phrase> SetupTablePhrases() {
-  return {kNotRead};
+  std::vector<Phrase> all = StationsPhraseList();
+  all.push_back(kNotRead);
+  return all;
 }
 
 }  // namespace corvane

@@ -20,7 +20,7 @@ struct SetupTable {
 /// registry: rows that the table does not have stay.
 [[nodiscard]] SetupTable TakeTable(SetupPlan& av_Plan, const Registry& av_Registry, const std::string& as_File,
                                    const Phrases& av_Phrases = {});
-/// What is said of a file that cannot be read.
+/// What is said of a file and of what it holds.
 [[nodiscard]] std::vector<Phrase> SetupTablePhrases();
 
 }  // namespace corvane

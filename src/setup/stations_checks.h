@@ -15,8 +15,12 @@ struct StationLists {
   const StationList<Unit>& units;
 };
 
-/// Adds what is wrong with the lists as a whole: names and IDs that two records bear, raw files that two units would
-/// share, relays and clients that would be missing. What was so before the table may stay so.
+// Both add what is wrong with lists as a whole. What was so before the table may stay so, and what only follows from a
+// fault of a row's own is left out.
+
+/// Names and IDs that two relays or two clients bear, or that stand for none.
+void CheckCarriers(const StationLists& av_Lists, std::vector<StationFault>& av_Faults);
+/// Names and raw files that two units would share, relays and clients that would be missing.
 void CheckStations(const StationLists& av_Lists, std::vector<StationFault>& av_Faults);
 
 }  // namespace corvane

@@ -13,6 +13,7 @@
 #include "base/text.h"
 #include "form/control.h"
 #include "setup/field_rules.h"
+#include "setup/stations_phrases.h"
 #include "state/unit_choices.h"
 
 namespace corvane {
@@ -25,76 +26,68 @@ constexpr int kPasswordStyles = 3;
 constexpr std::array<std::string_view, 6> kYes = {"yes", "1", "true", "x", "ja", "wahr"};
 constexpr std::array<std::string_view, 5> kNo = {"no", "0", "false", "nein", "falsch"};
 
-std::string TextProblem(const std::string& as_Text) {
-  if (HasControlCharacter(as_Text)) return "the text holds a line break or a control character; write it in one line";
-  if (CutCharacters(as_Text, TextField::kLongestText).size() < as_Text.size()) {
-    return "the text is longer than " + std::to_string(TextField::kLongestText) + " characters";
-  }
-  // Intended: the settings file has this word for an empty text.
-  if (as_Text == "null") return "the word \"null\" stands for an empty text; write another one";
-  return {};
-}
-
 template <class Record>
-StationField<Record> TextFieldOf(StationColumn ae_Column, std::string Record::*av_Member) {
+StationField<Record> TextFieldOf(StationColumn ae_Column, std::string Record::*av_Member, const Phrases& av_Say) {
   return {ae_Column, true, [av_Member](const Record& record) { return TableText(record.*av_Member); },
-          [av_Member](Record& record, const std::string& text) {
-            std::string problem = TextProblem(text);
+          [av_Member, say = av_Say](Record& record, const std::string& text) {
+            std::string problem = StationTextProblem(text, say);
             if (problem.empty()) record.*av_Member = text;
             return problem;
           }};
 }
 
 template <class Record>
-StationField<Record> NameField() {
-  StationField<Record> field = TextFieldOf(StationColumn::Name, &Record::Name);
-  field.set = [set = field.set](Record& record, const std::string& text) {
-    return text.empty() ? std::string("the name is empty") : set(record, text);
+StationField<Record> NameField(const Phrases& av_Say) {
+  StationField<Record> field = TextFieldOf(StationColumn::Name, &Record::Name, av_Say);
+  field.set = [set = field.set, say = av_Say](Record& record, const std::string& text) {
+    return text.empty() ? say.Text(kStationsSay.unnamed) : set(record, text);
   };
   return field;
 }
 
 template <class Record>
-StationField<Record> NumberField(StationColumn ae_Column, double ad_Lowest, double ad_Highest) {
+StationField<Record> NumberField(StationColumn ae_Column, double ad_Lowest, double ad_Highest, const Phrases& av_Say) {
   return {ae_Column, false, [](const Record& record) { return std::to_string(record.ID); },
-          [ad_Lowest, ad_Highest](Record& record, const std::string& text) {
-            std::string problem = WholeNumberProblem(text, ad_Lowest, ad_Highest);
+          [ad_Lowest, ad_Highest, say = av_Say](Record& record, const std::string& text) {
+            std::string problem = WholeNumberProblem(text, ad_Lowest, ad_Highest, say);
             if (problem.empty()) record.ID = LeadingInteger(text);
             return problem;
           }};
 }
 
-StationField<Unit> CorrectionField(StationColumn ae_Column, float Unit::*av_Member) {
+StationField<Unit> CorrectionField(StationColumn ae_Column, float Unit::*av_Member, const Phrases& av_Say) {
   return {ae_Column, false, [av_Member](const Unit& unit) { return ShortestText(unit.*av_Member); },
-          [av_Member](Unit& unit, const std::string& text) {
+          [av_Member, say = av_Say](Unit& unit, const std::string& text) {
             std::string number = text;
             // Spreadsheets of many countries write it so.
             if (std::ranges::count(number, ',') == 1) std::ranges::replace(number, ',', '.');
-            std::string problem = DecimalProblem(number, 0, kLargestCorrection);
+            std::string problem = DecimalProblem(number, 0, kLargestCorrection, say);
             if (problem.empty()) unit.*av_Member = static_cast<float>(LeadingNumber(number));
             return problem;
           }};
 }
 
-StationField<Unit> ActiveField() {
+StationField<Unit> ActiveField(const Phrases& av_Say) {
   return {StationColumn::Active, false, [](const Unit& unit) { return std::string(unit.Active != 0 ? "yes" : "no"); },
-          [](Unit& unit, const std::string& text) {
+          [say = av_Say](Unit& unit, const std::string& text) {
             const bool yes = std::ranges::count(kYes, ToLower(text)) > 0;
-            if (!yes && std::ranges::count(kNo, ToLower(text)) == 0) return "write yes or no, not " + Quote(text);
+            if (!yes && std::ranges::count(kNo, ToLower(text)) == 0) {
+              return say.Text(kStationsSay.yes_or_no, {Quote(text)});
+            }
             if (yes != (unit.Active != 0)) unit.Active = yes ? 1 : 0;
             return std::string();
           }};
 }
 
 StationField<Unit> ChoiceField(StationColumn ae_Column, std::int32_t Unit::*av_Member,
-                               std::span<const UnitChoice> av_Choices) {
+                               std::span<const UnitChoice> av_Choices, const Phrases& av_Say) {
   const auto text_of = [av_Member, av_Choices](const Unit& unit) {
     for (const UnitChoice& choice : av_Choices) {
       if (choice.number == unit.*av_Member) return std::string(choice.text);
     }
     return std::to_string(unit.*av_Member);
   };
-  return {ae_Column, false, text_of, [av_Member, av_Choices](Unit& unit, const std::string& text) {
+  return {ae_Column, false, text_of, [av_Member, av_Choices, say = av_Say](Unit& unit, const std::string& text) {
             std::string names;
             for (const UnitChoice& choice : av_Choices) {
               if (PlainName(text) == PlainName(choice.text)) {
@@ -103,7 +96,7 @@ StationField<Unit> ChoiceField(StationColumn ae_Column, std::int32_t Unit::*av_M
               }
               names += (names.empty() ? "" : ", ") + std::string(choice.text);
             }
-            return Quote(text) + " is none of " + names;
+            return say.Text(kStationsSay.none_of, {Quote(text), names});
           }};
 }
 
@@ -116,11 +109,12 @@ StationField<Unit> NamedField(StationColumn ae_Column, std::int32_t Unit::*av_Me
           }};
 }
 
-StationField<Unit> DepthsField() {
-  StationField<Unit> field = TextFieldOf(StationColumn::Depths, &Unit::Depths);
-  field.set = [set = field.set](Unit& unit, const std::string& text) {
-    std::string problem = DepthsProblem(text);
-    return problem.empty() ? set(unit, text) : problem;
+StationField<Unit> DepthsField(const Phrases& av_Say) {
+  StationField<Unit> field = TextFieldOf(StationColumn::Depths, &Unit::Depths, av_Say);
+  field.set = [set = field.set, say = av_Say](Unit& unit, const std::string& text) {
+    const std::string depths = PlainDepths(text);
+    std::string problem = DepthsProblem(depths, say);
+    return problem.empty() ? set(unit, depths) : problem;
   };
   return field;
 }
@@ -133,42 +127,56 @@ RecordNames With(RecordNames av_Names, const RecordArray<Record>& av_Records) {
 
 }  // namespace
 
-std::vector<StationField<Relay>> RelayFields() {
+std::string StationTextProblem(const std::string& as_Text, const Phrases& av_Phrases) {
+  if (HasControlCharacter(as_Text)) return av_Phrases.Text(kStationsSay.line_break);
+  if (CutCharacters(as_Text, TextField::kLongestText).size() < as_Text.size()) {
+    return av_Phrases.Text(kStationsSay.too_long, {std::to_string(TextField::kLongestText)});
+  }
+  // Intended: the settings file has this word for an empty text.
+  if (as_Text == "null") return av_Phrases.Text(kStationsSay.null_word);
+  return {};
+}
+
+std::vector<StationField<Relay>> RelayFields(const Phrases& av_Phrases) {
   return {
-      NameField<Relay>(),
-      NumberField<Relay>(StationColumn::ID, kLowestID, kHighestID),
+      NameField<Relay>(av_Phrases),
+      NumberField<Relay>(StationColumn::ID, kLowestID, kHighestID, av_Phrases),
       {StationColumn::PasswordStyle, false, [](const Relay& relay) { return std::to_string(relay.PasswordStyle + 1); },
-       [](Relay& relay, const std::string& text) {
-         std::string problem = WholeNumberProblem(text, 1, kPasswordStyles);
+       [say = av_Phrases](Relay& relay, const std::string& text) {
+         std::string problem = WholeNumberProblem(text, 1, kPasswordStyles, say);
          if (problem.empty()) relay.PasswordStyle = static_cast<std::int16_t>(LeadingInteger(text) - 1);
          return problem;
        }}};
 }
 
-std::vector<StationField<Client>> ClientFields() {
-  return {NameField<Client>(), NumberField<Client>(StationColumn::ID, 1, kHighest32),
-          TextFieldOf(StationColumn::Folder, &Client::Folder), TextFieldOf(StationColumn::UserID, &Client::UserID)};
+std::vector<StationField<Client>> ClientFields(const Phrases& av_Phrases) {
+  return {NameField<Client>(av_Phrases), NumberField<Client>(StationColumn::ID, 1, kHighest32, av_Phrases),
+          TextFieldOf(StationColumn::Folder, &Client::Folder, av_Phrases),
+          TextFieldOf(StationColumn::UserID, &Client::UserID, av_Phrases)};
 }
 
-std::vector<StationField<Unit>> UnitFields(const RecordNames& av_Relays, const RecordNames& av_Clients) {
-  return {NameField<Unit>(),
-          NumberField<Unit>(StationColumn::ID, kLowestID, kHighestID),
-          ActiveField(),
+std::vector<StationField<Unit>> UnitFields(const RecordNames& av_Relays, const RecordNames& av_Clients,
+                                           const Phrases& av_Phrases) {
+  return {NameField<Unit>(av_Phrases),
+          NumberField<Unit>(StationColumn::ID, kLowestID, kHighestID, av_Phrases),
+          ActiveField(av_Phrases),
           NamedField(StationColumn::Relay, &Unit::RelayID, av_Relays),
           NamedField(StationColumn::Client, &Unit::ClientID, av_Clients),
-          ChoiceField(StationColumn::GetFrom, &Unit::GetFrom, kGetFromChoices),
-          ChoiceField(StationColumn::SendTo, &Unit::ftpFile, kSendToChoices),
-          CorrectionField(StationColumn::MoistureCorrection, &Unit::MoistureCorrection),
-          CorrectionField(StationColumn::SalinityCorrection, &Unit::SalinityCorrection),
-          DepthsField()};
+          ChoiceField(StationColumn::GetFrom, &Unit::GetFrom, kGetFromChoices, av_Phrases),
+          ChoiceField(StationColumn::SendTo, &Unit::ftpFile, kSendToChoices, av_Phrases),
+          CorrectionField(StationColumn::MoistureCorrection, &Unit::MoistureCorrection, av_Phrases),
+          CorrectionField(StationColumn::SalinityCorrection, &Unit::SalinityCorrection, av_Phrases),
+          DepthsField(av_Phrases)};
 }
 
-RecordNames NoRelayNames() {
-  return {"relay", "Direct"};
+RecordNames NoRelayNames(const Phrases& av_Phrases) {
+  constexpr std::array<std::string_view, 4> kToo = {"-", "none", "direkt", "keines"};
+  return RecordNames({"Direct", kToo, kStationsSay.several_relays, kStationsSay.no_relay}, av_Phrases);
 }
 
-RecordNames NoClientNames() {
-  return {"client", "None"};
+RecordNames NoClientNames(const Phrases& av_Phrases) {
+  constexpr std::array<std::string_view, 4> kToo = {"-", "no client", "keiner", "kein kunde"};
+  return RecordNames({"None", kToo, kStationsSay.several_clients, kStationsSay.no_client}, av_Phrases);
 }
 
 RecordNames NamesOf(const RecordArray<Relay>& av_Relays) {

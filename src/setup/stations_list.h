@@ -10,9 +10,11 @@
 
 #include "base/numbers.h"
 #include "base/paths.h"
+#include "registry/record_editor.h"
 #include "setup/stations_fields.h"
 #include "setup/stations_match.h"
-#include "setup/stations_plan.h"
+#include "setup/stations_phrases.h"
+#include "setup/stations_table.h"
 
 namespace corvane {
 
@@ -27,13 +29,18 @@ class StationList {
     std::vector<std::string> changes;
   };
 
-  StationList(StationKind ae_Kind, const RecordArray<Record>& av_Former) : kind_(ae_Kind), former_(av_Former) {
+  /// `av_Table`, whose rows these are, and the other two must outlive the list.
+  StationList(StationKind ae_Kind, const RecordArray<Record>& av_Former, const StationTable& av_Table,
+              const Phrases& av_Phrases)
+      : kind_(ae_Kind), former_(av_Former), table_(av_Table), say_(av_Phrases) {
     for (const Record& record : av_Former) {
       entries_.push_back({record, static_cast<std::int64_t>(entries_.size()) + 1, 0, {}});
     }
   }
 
   [[nodiscard]] StationKind kind() const { return kind_; }
+  [[nodiscard]] const StationTable& table() const { return table_; }
+  [[nodiscard]] const Phrases& say() const { return say_; }
   [[nodiscard]] std::vector<Entry>& entries() { return entries_; }
   [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
   [[nodiscard]] const RecordArray<Record>& former() const { return former_; }
@@ -56,13 +63,13 @@ class StationList {
     }
   }
   /// The record of a row.
-  [[nodiscard]] Entry& Of(std::size_t as_Row) { return entries_[places_[as_Row]]; }
+  [[nodiscard]] Entry& EntryOf(std::size_t as_Row) { return entries_[places_[as_Row]]; }
 
   /// Takes a row's cells; `av_Skip` is a column that is left out.
   void Apply(std::size_t as_Row, const std::vector<StationField<Record>>& av_Fields,
              std::vector<StationFault>& av_Faults, StationColumn ae_Skip = StationColumn::Kind) {
     const StationRow& row = *rows_[as_Row];
-    Entry& entry = Of(as_Row);
+    Entry& entry = EntryOf(as_Row);
     for (const StationField<Record>& field : av_Fields) {
       const auto& cell = row[field.column];
       if (!cell || field.column == ae_Skip) continue;
@@ -70,12 +77,16 @@ class StationList {
       if (*cell == before && (entry.former != 0 || !cell->empty())) continue;
       if (cell->empty() && !field.empty_is_text) continue;
       const std::string problem = field.set(entry.record, *cell);
-      if (!problem.empty()) av_Faults.push_back({row.line, std::string(HeadingOf(field.column)), problem});
+      if (!problem.empty()) av_Faults.push_back({row.line, table_.Heading(field.column), problem});
       const std::string after = field.text(entry.record);
       if (after == before) continue;
-      entry.changes.push_back(std::string(HeadingOf(field.column)) + " " + Shown(before) + " becomes " + Shown(after));
+      entry.changes.push_back(
+          say_.Text(kStationsSay.becomes, {table_.Heading(field.column), Shown(before), Shown(after)}));
     }
   }
+
+  /// Appends a record that no row is of, but one of another kind on that line asks for.
+  void Append(const Record& av_Record, std::int64_t al_Line) { entries_.push_back({av_Record, 0, al_Line, {}}); }
 
   /// Takes away what has no row and `av_MayGo` allows.
   template <class MayGo>
@@ -94,25 +105,26 @@ class StationList {
 
   /// "the unit on line 4", or by name where the table has none of it.
   [[nodiscard]] std::string Who(const Entry& av_Entry) const {
-    const std::string word = "the " + std::string(WordOf(kind_));
-    if (av_Entry.line > 0) return word + " on line " + std::to_string(av_Entry.line);
-    return word + " " + Quote(TableText(av_Entry.record.Name)) + ", of which the table has no row,";
+    if (av_Entry.line > 0) return say_.Text(Of(kStationsSay.on_line, kind_), {std::to_string(av_Entry.line)});
+    return say_.Text(Of(kStationsSay.without_row, kind_), {Quote(TableText(av_Entry.record.Name))});
   }
 
   /// "unit "Hill" (17)", as it was before where it was there.
   [[nodiscard]] std::string NameOf(const Entry& av_Entry) const {
     const Record& record = av_Entry.former == 0 ? av_Entry.record : former_[av_Entry.former];
-    return std::string(WordOf(kind_)) + " " + Quote(TableText(record.Name)) + " (" + std::to_string(record.ID) + ")";
+    return say_.Text(Of(kStationsSay.named, kind_), {Quote(TableText(record.Name)), std::to_string(record.ID)});
   }
 
  private:
-  static std::string Shown(const std::string& as_Text) {
-    if (as_Text.empty()) return "(empty)";
+  [[nodiscard]] std::string Shown(const std::string& as_Text) const {
+    if (as_Text.empty()) return say_.Text(kStationsSay.nothing);
     return ParseNumber(as_Text) ? as_Text : Quote(as_Text);
   }
 
   StationKind kind_;
   const RecordArray<Record>& former_;
+  const StationTable& table_;
+  const Phrases& say_;
   std::vector<Entry> entries_;
   std::vector<Entry> deleted_;
   std::vector<const StationRow*> rows_;

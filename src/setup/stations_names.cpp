@@ -60,20 +60,24 @@ std::optional<std::int32_t> RecordNames::Find(const std::string& as_Text, std::i
   if (IsNone(as_Text)) return 0;
   if (const IDs* bearers = Bearers(as_Text); bearers != nullptr) {
     if (bearers->size() == 1) return *bearers->begin();
-    if (bearers->contains(al_Present)) return al_Present;
-    as_Problem = "several " + kind_ + "s are called " + Quote(as_Text) + "; write \"ID " +
-                 std::to_string(*bearers->begin()) + "\", with the ID of the one that is meant";
+    if (bearers->contains(al_Present) || IsExcused(as_Text)) return al_Present;
+    as_Problem = say_.Text(words_.several, {Quote(as_Text), std::to_string(*bearers->begin())});
     return std::nullopt;
   }
   const auto number = NumberIn(as_Text);
-  if (number && (*number == al_Present || names_.contains(*number))) return number;
-  as_Problem = "there is no " + kind_ + " " + Quote(as_Text) + "; write the name of one, or " + none_ +
-               ", or add a row of the kind " + kind_;
+  if (number && (*number == 0 || *number == al_Present || names_.contains(*number))) return number;
+  if (std::ranges::count(words_.none_too, PlainName(as_Text)) > 0) return 0;
+  if (IsExcused(as_Text)) return al_Present;
+  as_Problem = say_.Text(words_.missing, {Quote(as_Text)});
   return std::nullopt;
 }
 
+bool RecordNames::IsID(std::string_view as_Text) {
+  return NumberIn(as_Text).has_value();
+}
+
 std::string RecordNames::TextFor(std::int32_t al_ID) const {
-  if (al_ID == 0) return none_;
+  if (al_ID == 0) return std::string(words_.none);
   std::string problem;
   const auto named = names_.find(al_ID);
   if (named != names_.end() && !named->second.empty() && Find(named->second, 0, problem) == al_ID) return named->second;

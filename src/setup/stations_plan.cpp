@@ -10,16 +10,14 @@
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "setup/field_rules.h"
 #include "setup/stations_checks.h"
 #include "setup/stations_fields.h"
 #include "setup/stations_list.h"
+#include "setup/stations_phrases.h"
 
 namespace corvane {
 namespace {
-
-std::string Counted(std::size_t as_Count, std::string_view as_Word) {
-  return std::to_string(as_Count) + " " + std::string(as_Word) + (as_Count == 1 ? "" : "s");
-}
 
 std::optional<std::int32_t> NumberIn(const std::optional<std::string>& as_Cell) {
   using Limits = std::numeric_limits<std::int32_t>;
@@ -45,10 +43,11 @@ RecordNames NamesOf(RecordNames av_Names, const StationList<Record>& av_List) {
 class Planner {
  public:
   Planner(const Registry& registry, const StationTable& table, const StationsWish& wish)
-      : wish_(wish),
-        relays_(StationKind::Relay, registry.Relays),
-        clients_(StationKind::Client, registry.Clients),
-        units_(StationKind::Unit, registry.Units) {
+      : table_(table),
+        wish_(wish),
+        relays_(StationKind::Relay, registry.Relays, table, wish.phrases),
+        clients_(StationKind::Client, registry.Clients, table, wish.phrases),
+        units_(StationKind::Unit, registry.Units, table, wish.phrases) {
     plan_.faults = table.faults;
     for (const StationRow& row : table.rows) {
       if (row.kind == StationKind::Relay) relays_.AddRow(row);
@@ -56,16 +55,19 @@ class Planner {
       if (row.kind == StationKind::Unit) units_.AddRow(row);
     }
     for (const std::string& column : table.unused) {
-      plan_.notes.push_back("the column " + Quote(column) + " is not used");
+      plan_.notes.push_back(say_.Text(kStationsSay.unused, {Quote(column)}));
     }
   }
 
   StationsPlan Plan() {
     TakeClients();
     TakeRelays();
+    CheckCarriers({relays_, clients_, units_}, plan_.faults);
+    AddNamedClients();
     LetUnitsFollow();
     TakeUnits();
     CheckStations({relays_, clients_, units_}, plan_.faults);
+    DropWhatFollows();
     std::ranges::stable_sort(plan_.faults, {}, &StationFault::line);
     TellChanges();
     plan_.units = units_.Take();
@@ -91,26 +93,25 @@ class Planner {
     const auto others = std::ranges::count_if(
         av_List.entries(), [&](const auto& entry) { return entry.line == 0 && av_MayGo(entry.record); });
     if (others == 0) return;
-    const bool one = others == 1;
-    plan_.notes.push_back(Counted(static_cast<std::size_t>(others), WordOf(av_List.kind())) + (one ? " has" : " have") +
-                          " no row and " + (one ? "stays as it is" : "stay as they are"));
+    plan_.notes.push_back(say_.Text(others == 1 ? kStationsSay.stays.one : kStationsSay.stays.many,
+                                    {CountText(others, CountOf(av_List.kind()), say_)}));
   }
 
   void Fault(const StationRow& av_Row, StationColumn ae_Column, std::string as_Text) {
-    plan_.faults.push_back({av_Row.line, std::string(HeadingOf(ae_Column)), std::move(as_Text)});
+    plan_.faults.push_back({av_Row.line, table_.Heading(ae_Column), std::move(as_Text)});
   }
 
   void TakeClients() {
     MatchByID(clients_);
-    const auto fields = ClientFields();
+    const auto fields = ClientFields(say_);
     for (std::size_t row = 0; row < clients_.rows().size(); ++row) {
       const StationRow& cells = *clients_.rows()[row];
-      auto& entry = clients_.Of(row);
+      auto& entry = clients_.EntryOf(row);
       const bool known = entry.former != 0;
       if (known && !IsEmpty(cells[StationColumn::ID]) && NumberIn(cells[StationColumn::ID]) != entry.record.ID) {
         Fault(cells, StationColumn::ID,
-              "the ID of a client does not change: " + Quote(TableText(entry.record.Name)) + " has " +
-                  std::to_string(entry.record.ID) + "; write that, or empty the cell");
+              say_.Text(kStationsSay.client_id_stays,
+                        {Quote(TableText(entry.record.Name)), std::to_string(entry.record.ID)}));
       }
       clients_.Apply(row, fields, plan_.faults, known ? StationColumn::ID : StationColumn::Kind);
     }
@@ -124,28 +125,56 @@ class Planner {
     for (const auto& entry : clients_.entries()) taken.insert(entry.record.ID);
     std::int32_t free = 1;
     for (std::size_t row = 0; row < clients_.rows().size(); ++row) {
-      Client& client = clients_.Of(row).record;
-      if (clients_.Of(row).former != 0) continue;
+      Client& client = clients_.EntryOf(row).record;
+      if (clients_.EntryOf(row).former != 0) continue;
       while (client.ID == 0 && taken.contains(free)) ++free;
       if (client.ID == 0) taken.insert(client.ID = free);
       if (!(*clients_.rows()[row])[StationColumn::Folder]) client.Folder = "F" + std::to_string(client.ID);
     }
   }
 
+  /// Clients that units name and nobody has entered: they get the first free ID, and a folder that is called as they
+  /// are.
+  void AddNamedClients() {
+    const RecordNames names = ClientNames();
+    std::set<std::string> added;
+    std::set<std::int32_t> taken;
+    std::set<std::string> folders;
+    for (const auto& entry : clients_.entries()) {
+      taken.insert(entry.record.ID);
+      folders.insert(ToLower(TableText(entry.record.Folder)));
+    }
+    std::int32_t free = 1;
+    for (const StationRow* row : units_.rows()) {
+      const std::string name = (*row)[StationColumn::Client].value_or("");
+      std::string problem;
+      const bool is_there = name.empty() || names.Find(name, 0, problem) || RecordNames::IsID(name);
+      if (is_there || names.Knows(name) || !added.insert(PlainName(name)).second) continue;
+      problem = StationTextProblem(name, say_);
+      if (!problem.empty()) Fault(*row, StationColumn::Client, problem);
+      while (!taken.insert(free).second) ++free;
+      const std::string folder =
+          ClientFolderFor(name, [&folders](const std::string& wish) { return folders.contains(ToLower(wish)); });
+      folders.insert(ToLower(folder));
+      clients_.Append({name, free, folder, "", ""}, row->line);
+    }
+  }
+
   template <class Record>
-  void AskForIDs(StationList<Record>& av_List) {
+  void AskForIDs(StationList<Record>& av_List, const Phrase& av_Phrase) {
     for (std::size_t row = 0; row < av_List.rows().size(); ++row) {
       const StationRow& cells = *av_List.rows()[row];
-      if (av_List.Of(row).former != 0 || !IsEmpty(cells[StationColumn::ID])) continue;
-      Fault(cells, StationColumn::ID, "it is a new " + std::string(WordOf(av_List.kind())) + " and needs an ID");
+      if (av_List.EntryOf(row).former != 0 || !IsEmpty(cells[StationColumn::ID])) continue;
+      if (table_.has_ids) Fault(cells, StationColumn::ID, say_.Text(av_Phrase));
+      lacks_ids_ = !table_.has_ids;
     }
   }
 
   void TakeRelays() {
     MatchByID(relays_);
-    const auto fields = RelayFields();
+    const auto fields = RelayFields(say_);
     for (std::size_t row = 0; row < relays_.rows().size(); ++row) relays_.Apply(row, fields, plan_.faults);
-    AskForIDs(relays_);
+    AskForIDs(relays_, kStationsSay.relay_needs_id);
     DeleteOthers(relays_, [](const Relay& relay) { return relay.ID != 0; });
   }
 
@@ -165,8 +194,8 @@ class Planner {
   }
 
   void TakeUnits() {
-    const RecordNames relays = NamesOf(NoRelayNames(), relays_);
-    const RecordNames clients = NamesOf(NoClientNames(), clients_);
+    const RecordNames relays = RelayNames();
+    const RecordNames clients = ClientNames();
     std::vector<StationMarks> rows;
     for (const StationRow* row : units_.rows()) {
       std::string problem;
@@ -179,52 +208,82 @@ class Planner {
     Unit fresh;
     fresh.Active = 1;
     units_.Match(rows, records, fresh);
-    const auto fields = UnitFields(relays, clients);
+    const auto fields = UnitFields(relays, clients, say_);
     for (std::size_t row = 0; row < units_.rows().size(); ++row) units_.Apply(row, fields, plan_.faults);
-    AskForIDs(units_);
+    AskForIDs(units_, kStationsSay.unit_needs_id);
+    if (lacks_ids_) plan_.faults.push_back({table_.heading_line, "", say_.Text(kStationsSay.no_id_column)});
     DeleteOthers(units_, [](const Unit&) { return true; });
+  }
+
+  template <class Record>
+  RecordNames NamesFor(RecordNames av_Names, const StationList<Record>& av_List) {
+    RecordNames names = NamesOf(std::move(av_Names), av_List);
+    for (const std::string& name : table_.names_left_out) names.Excuse(name);
+    std::set<std::int64_t> faulty;
+    for (const StationFault& fault : plan_.faults) faulty.insert(fault.line);
+    for (const StationRow* row : av_List.rows()) {
+      if (faulty.contains(row->line)) names.Excuse(NameIn(*row));
+    }
+    return names;
+  }
+  RecordNames RelayNames() { return NamesFor(NoRelayNames(say_), relays_); }
+  RecordNames ClientNames() { return NamesFor(NoClientNames(say_), clients_); }
+
+  /// Of a line that could not be taken apart only that is told.
+  void DropWhatFollows() {
+    std::set<std::int64_t> broken;
+    for (const StationFault& fault : table_.faults) {
+      if (fault.column.empty() && fault.line != table_.heading_line) broken.insert(fault.line);
+    }
+    std::erase_if(plan_.faults, [&broken](const StationFault& fault) {
+      return !fault.column.empty() && broken.contains(fault.line);
+    });
   }
 
   void TellChanges() {
     const std::string none;
     for (const auto& entry : relays_.entries()) {
-      Tell(relays_, entry, {}, entry.former == 0 ? none : FollowersOf(entry.former));
+      Tell(relays_, entry, relays_.NameOf(entry), entry.former == 0 ? none : FollowersOf(entry.former));
     }
     for (const auto& entry : clients_.entries()) {
-      Tell(clients_, entry, ", folder " + Quote(entry.record.Folder), FolderNote(entry));
+      const std::string folder = Quote(entry.record.Folder);
+      Tell(clients_, entry, say_.Text(kStationsSay.with_folder, {clients_.NameOf(entry), folder}), FolderNote(entry));
     }
     const RecordNames relays = NamesOf(NoRelayNames(), relays_);
     const RecordNames clients = NamesOf(NoClientNames(), clients_);
     for (const auto& entry : units_.entries()) {
-      std::string way;
-      if (entry.record.RelayID != 0) way += " behind " + Quote(relays.TextFor(entry.record.RelayID));
-      if (entry.record.ClientID != 0) way += " for " + Quote(clients.TextFor(entry.record.ClientID));
-      Tell(units_, entry, way, RawFileNote(entry));
+      std::string unit = units_.NameOf(entry);
+      const std::int32_t relay = entry.record.RelayID;
+      const std::int32_t client = entry.record.ClientID;
+      if (relay != 0) unit = say_.Text(kStationsSay.behind, {unit, Quote(relays.TextFor(relay))});
+      if (client != 0) unit = say_.Text(kStationsSay.for_client, {unit, Quote(clients.TextFor(client))});
+      Tell(units_, entry, unit, RawFileNote(entry));
     }
     for (const auto& entry : units_.deleted()) {
       const std::string file = RawFileOf(entry.former);
-      plan_.changes.push_back("deletes " + units_.NameOf(entry) +
-                              (file.empty() ? "" : "; its raw file stays: " + file));
+      TellDeleted(units_.NameOf(entry), file.empty() ? none : say_.Text(kStationsSay.raw_file_stays, {file}));
     }
-    for (const auto& entry : relays_.deleted()) plan_.changes.push_back("deletes " + relays_.NameOf(entry));
+    for (const auto& entry : relays_.deleted()) TellDeleted(relays_.NameOf(entry), none);
     for (const auto& entry : clients_.deleted()) {
-      plan_.changes.push_back("deletes " + clients_.NameOf(entry) + "; its folder stays");
+      TellDeleted(clients_.NameOf(entry), say_.Text(kStationsSay.folder_stays));
     }
+  }
+
+  void AddChange(const std::string& as_Change, const std::string& as_Note) {
+    plan_.changes.push_back(as_Note.empty() ? as_Change : as_Change + "; " + as_Note);
+  }
+  void TellDeleted(const std::string& as_What, const std::string& as_Note) {
+    AddChange(say_.Text(kStationsSay.deletes, {as_What}), as_Note);
   }
 
   template <class Record>
   void Tell(const StationList<Record>& av_List, const typename StationList<Record>::Entry& av_Entry,
-            const std::string& as_OfNew, const std::string& as_Note) {
-    if (av_Entry.former == 0) {
-      plan_.changes.push_back("adds " + av_List.NameOf(av_Entry) + as_OfNew);
-      return;
-    }
+            const std::string& as_New, const std::string& as_Note) {
+    if (av_Entry.former == 0) return AddChange(say_.Text(kStationsSay.adds, {as_New}), "");
     if (av_Entry.changes.empty()) return;
-    std::string sentence = "changes " + av_List.NameOf(av_Entry) + ": ";
-    for (const std::string& change : av_Entry.changes) {
-      sentence += (&change == &av_Entry.changes.front() ? "" : ", ") + change;
-    }
-    plan_.changes.push_back(sentence + as_Note);
+    std::string changes;
+    for (const std::string& change : av_Entry.changes) changes += (changes.empty() ? "" : ", ") + change;
+    AddChange(say_.Text(kStationsSay.changes, {av_List.NameOf(av_Entry), changes}), as_Note);
   }
 
   [[nodiscard]] std::string FollowersOf(std::int64_t al_Relay) const {
@@ -235,7 +294,8 @@ class Planner {
              entry.record.RelayID == followed_.at(id);
     });
     if (count == 0) return {};
-    return "; " + Counted(static_cast<std::size_t>(count), "unit") + (count == 1 ? " follows it" : " follow it");
+    return say_.Text(count == 1 ? kStationsSay.follow.one : kStationsSay.follow.many,
+                     {CountText(count, kCommonPhrases.units, say_)});
   }
 
   [[nodiscard]] std::string RawFileOf(std::int64_t al_Position) const {
@@ -244,7 +304,7 @@ class Planner {
 
   [[nodiscard]] std::string FolderNote(const StationList<Client>::Entry& av_Entry) const {
     if (av_Entry.former == 0 || clients_.former()[av_Entry.former].Folder == av_Entry.record.Folder) return {};
-    return "; the files of its units are not moved: do that, or all readings are fetched anew";
+    return say_.Text(kStationsSay.files_stay);
   }
 
   [[nodiscard]] std::string RawFileNote(const StationList<Unit>::Entry& av_Entry) const {
@@ -252,11 +312,13 @@ class Planner {
     const Unit& before = units_.former()[av_Entry.former];
     if (before.ID == av_Entry.record.ID && before.ClientID == av_Entry.record.ClientID) return {};
     const std::string file = RawFileOf(av_Entry.former);
-    if (file.empty()) return {};
-    return "; its raw file keeps its name and folder: move it, or all readings are fetched anew: " + file;
+    return file.empty() ? "" : say_.Text(kStationsSay.raw_file_not_moved, {file});
   }
 
+  const StationTable& table_;
   const StationsWish& wish_;
+  const Phrases& say_ = wish_.phrases;
+  bool lacks_ids_ = false;  ///< of new records, for want of the column
   StationList<Relay> relays_;
   StationList<Client> clients_;
   StationList<Unit> units_;

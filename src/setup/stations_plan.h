@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "lang/phrases.h"
 #include "registry/record_editor.h"
 #include "setup/stations_table.h"
 #include "state/records.h"
@@ -17,6 +18,7 @@ struct StationsWish {
   bool deletes = false;
   /// The raw file of the unit at a position (from 1) of the list, empty where there is none; an empty function: none.
   std::function<std::string(std::int64_t position)> raw_file;
+  Phrases phrases = {};
 };
 
 /// What putting a table in would come to.

@@ -54,7 +54,7 @@ StationsPlan StationsQuestion::Answer(const StationTable& av_Table, bool ab_Dele
     const std::string& file = raw_files[static_cast<std::size_t>(position - 1)];
     return ExamineFile(file) ? file : std::string();
   };
-  return PlanStations(registry, av_Table, {ab_Deletes, raw_file});
+  return PlanStations(registry, av_Table, {ab_Deletes, raw_file, phrases});
 }
 
 bool StationsQuestion::StillHolds(const Registry& av_Registry) const {

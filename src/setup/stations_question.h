@@ -13,6 +13,7 @@ namespace corvane {
 struct StationsQuestion {
   Registry registry;
   std::vector<std::string> raw_files;  ///< full names by unit, whether they are there or not
+  Phrases phrases = {};                ///< the language of the answer
 
   /// What the table would change; looks at the disk for raw files.
   [[nodiscard]] StationsPlan Answer(const StationTable& av_Table, bool ab_Deletes) const;

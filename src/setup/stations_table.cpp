@@ -8,6 +8,7 @@
 #include "base/numbers.h"
 #include "base/outside_text.h"
 #include "base/text.h"
+#include "setup/stations_phrases.h"
 
 namespace corvane {
 namespace {
@@ -39,33 +40,75 @@ constexpr std::array<ColumnRow, kStationColumns> kColumns = {{
     {"User ID", kOfClient},
 }};
 
-/// What people call columns besides: as the tables of the window are headed, in English and in German.
-constexpr std::array<std::pair<std::string_view, StationColumn>, 7> kOtherHeadings = {{
-    {"Depths", StationColumn::Depths},
-    {"Tiefen", StationColumn::Depths},
-    {"Sensortiefen", StationColumn::Depths},
+/// What people call columns besides, in English and in German, also as the window does; of several columns that could
+/// be one the first of this list is it.
+constexpr auto kOtherHeadings = std::to_array<std::pair<std::string_view, StationColumn>>({
+    {"Type", StationColumn::Kind},
+    {"Art", StationColumn::Kind},
+    {"Typ", StationColumn::Kind},
+    {"Station", StationColumn::Name},
+    {"Station name", StationColumn::Name},
+    {"Stationsname", StationColumn::Name},
+    {"Unit", StationColumn::Name},
+    {"Unit name", StationColumn::Name},
+    {"Messstelle", StationColumn::Name},
+    {"Site", StationColumn::Name},
+    {"Bezeichnung", StationColumn::Name},
+    {"Radio ID", StationColumn::ID},
+    {"Funk-ID", StationColumn::ID},
+    {"Funkadresse", StationColumn::ID},
+    {"Unit ID", StationColumn::ID},
+    {"Station ID", StationColumn::ID},
+    {"Stations-ID", StationColumn::ID},
+    {"Stationsnummer", StationColumn::ID},
+    {"Number", StationColumn::ID},
+    {"Nummer", StationColumn::ID},
+    {"Nr.", StationColumn::ID},
+    {"Aktiv", StationColumn::Active},
     {"Relais", StationColumn::Relay},
     {"Kunde", StationColumn::Client},
+    {"Customer", StationColumn::Client},
+    {"Messwerte \u00FCber", StationColumn::GetFrom},
+    {"Dateien senden an", StationColumn::SendTo},
+    {"Feuchtekorrektur", StationColumn::MoistureCorrection},
+    {"Salzkorrektur", StationColumn::SalinityCorrection},
+    {"Depths", StationColumn::Depths},
+    {"Sensortiefen", StationColumn::Depths},
+    {"Tiefen", StationColumn::Depths},
+    {"Passwortart", StationColumn::PasswordStyle},
     {"Ordner", StationColumn::Folder},
-    {"Aktiv", StationColumn::Active},
-}};
+    {"Benutzer-ID", StationColumn::UserID},
+});
 
 constexpr std::array<std::string_view, 3> kKindWords = {"relay", "client", "unit"};
+/// What people write for them besides.
+constexpr auto kOtherKinds = std::to_array<std::pair<std::string_view, StationKind>>({
+    {"Station", StationKind::Unit},
+    {"Relais", StationKind::Relay},
+    {"Kunde", StationKind::Client},
+    {"Customer", StationKind::Client},
+});
 
-/// A heading without blanks, letter case and what is between parentheses.
+/// A heading without blanks, letter case, marks and what is between parentheses.
 std::string PlainHeading(std::string_view text) {
   std::string plain = ToLower(text.substr(0, text.find('(')));
-  std::erase_if(plain, [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
+  std::erase_if(plain, [](char c) { return std::string_view(" \t\n.-_:").find(c) != std::string_view::npos; });
   return plain;
 }
 
-std::optional<StationColumn> ColumnOf(std::string_view heading) {
+/// The column that a heading may be of.
+struct Guess {
+  StationColumn column;
+  std::size_t rank;  ///< 0: it is the heading itself; else the lower the surer
+};
+
+std::optional<Guess> ColumnOf(std::string_view heading) {
   const std::string plain = PlainHeading(heading);
   for (std::size_t column = 0; column < kStationColumns; ++column) {
-    if (plain == PlainHeading(kColumns[column].heading)) return static_cast<StationColumn>(column);
+    if (plain == PlainHeading(kColumns[column].heading)) return Guess{static_cast<StationColumn>(column), 0};
   }
-  for (const auto& [other, column] : kOtherHeadings) {
-    if (plain == PlainHeading(other)) return column;
+  for (std::size_t other = 0; other < kOtherHeadings.size(); ++other) {
+    if (plain == PlainHeading(kOtherHeadings[other].first)) return Guess{kOtherHeadings[other].second, other + 1};
   }
   return std::nullopt;
 }
@@ -73,6 +116,9 @@ std::optional<StationColumn> ColumnOf(std::string_view heading) {
 std::optional<StationKind> KindOf(std::string_view word) {
   for (std::size_t kind = 0; kind < kKindWords.size(); ++kind) {
     if (EqualsNoCase(word, kKindWords[kind])) return static_cast<StationKind>(kind);
+  }
+  for (const auto& [other, kind] : kOtherKinds) {
+    if (EqualsNoCase(word, other)) return kind;
   }
   return std::nullopt;
 }
@@ -99,21 +145,28 @@ std::string_view WithoutMark(std::string_view text) {
 /// Reads the rows of one file.
 class TableReader {
  public:
-  explicit TableReader(StationTable& table) : table_(table), faults_(table.faults) {}
+  TableReader(StationTable& table, const Phrases& say) : table_(table), faults_(table.faults), say_(say) {}
 
   void TakeHeadings(const CsvRow& row) {
-    for (const std::string& cell : row.cells) {
-      const std::string_view heading = Trim(cell);
-      const auto column = ColumnOf(heading);
-      const bool again = column && std::ranges::count(columns_, column) > 0;
-      if (again) faults_.push_back({row.line, std::string(heading), "there are two columns of this name"});
-      if (!column && !heading.empty()) table_.unused.emplace_back(heading);
-      columns_.push_back(column);
+    table_.heading_line = row.line;
+    std::vector<std::optional<Guess>> guesses;
+    for (const std::string& cell : row.cells) guesses.push_back(ColumnOf(Trim(cell)));
+    for (std::size_t place = 0; place < guesses.size(); ++place) {
+      const std::string heading(Trim(row.cells[place]));
+      const auto& guess = guesses[place];
+      const bool surer = guess && std::ranges::any_of(guesses, [&](const auto& other) {
+                           return other && other->column == guess->column && other->rank < guess->rank;
+                         });
+      const bool again = guess && !surer && Has(guess->column);
+      if (again) faults_.push_back({row.line, heading, say_.Text(kStationsSay.two_columns)});
+      const bool is_used = guess && !surer && !again;
+      if (!is_used && !again && !heading.empty()) table_.unused.push_back(heading);
+      columns_.push_back(is_used ? std::optional(guess->column) : std::nullopt);
+      if (is_used && guess->rank > 0) table_.own_headings[static_cast<std::size_t>(guess->column)] = heading;
     }
-    if (std::ranges::count(columns_, std::optional(StationColumn::Name)) > 0) return;
-    faults_.push_back({row.line, "",
-                       "this is no table of stations: no column has the heading Name. The first line holds the "
-                       "headings, with commas, semicolons or tabs between them"});
+    table_.has_ids = Has(StationColumn::ID);
+    if (Has(StationColumn::Name)) return;
+    faults_.push_back({row.line, "", say_.Text(kStationsSay.no_name_column)});
     columns_.clear();
   }
 
@@ -125,7 +178,7 @@ class TableReader {
     for (std::size_t place = 0; place < csv.cells.size(); ++place) {
       const std::string_view text = Trim(csv.cells[place]);
       if (place >= columns_.size() && !text.empty()) {
-        faults_.push_back({csv.line, "", "there are more cells than headings, the first of them " + Shown(text)});
+        faults_.push_back({csv.line, "", say_.Text(kStationsSay.more_cells, {Shown(text)})});
         break;
       }
       if (place < columns_.size() && columns_[place]) row[*columns_[place]] = Trim(WithoutMark(text));
@@ -136,14 +189,17 @@ class TableReader {
   }
 
  private:
+  [[nodiscard]] bool Has(StationColumn column) const { return std::ranges::count(columns_, std::optional(column)) > 0; }
+
   bool TakeKind(StationRow& row) {
     const auto& word = row[StationColumn::Kind];
-    if (std::ranges::count(columns_, std::optional(StationColumn::Kind)) == 0) return true;
+    if (!Has(StationColumn::Kind)) return true;
     const auto kind = KindOf(word.value_or(""));
     if (kind) row.kind = *kind;
     if (!kind) {
-      faults_.push_back({row.line, std::string(HeadingOf(StationColumn::Kind)),
-                         Shown(word.value_or("")) + " is none of Unit, Relay and Client"});
+      faults_.push_back(
+          {row.line, table_.Heading(StationColumn::Kind), say_.Text(kStationsSay.no_kind, {Shown(word.value_or(""))})});
+      table_.names_left_out.push_back(row[StationColumn::Name].value_or(""));
     }
     return kind.has_value();
   }
@@ -155,8 +211,8 @@ class TableReader {
       auto& cell = row.cells[place];
       if (!cell || HasColumn(row.kind, column)) continue;
       if (!cell->empty()) {
-        faults_.push_back({row.line, std::string(HeadingOf(column)),
-                           "a " + std::string(WordOf(row.kind)) + " has nothing in this column; empty the cell"});
+        faults_.push_back({row.line, table_.Heading(column),
+                           say_.Text(kStationsSay.not_of_kind, {say_.Text(Of(kStationsSay.word, row.kind))})});
       }
       cell.reset();
     }
@@ -164,6 +220,7 @@ class TableReader {
 
   StationTable& table_;
   std::vector<StationFault>& faults_;
+  const Phrases& say_;
   std::vector<std::optional<StationColumn>> columns_;
 };
 
@@ -181,25 +238,36 @@ bool HasColumn(StationKind ae_Kind, StationColumn ae_Column) {
   return (kColumns[static_cast<std::size_t>(ae_Column)].kinds & 1U << static_cast<unsigned>(ae_Kind)) != 0;
 }
 
-std::string StationFault::Sentence() const {
-  std::string where = line > 0 ? "line " + std::to_string(line) : std::string();
-  if (!column.empty()) where += (where.empty() ? "" : ", ") + column;
+std::string StationFault::Sentence(const Phrases& av_Phrases) const {
+  std::string where = column;
+  const std::string number = std::to_string(line);
+  if (line > 0 && column.empty()) where = av_Phrases.Text(kStationsSay.line, {number});
+  if (line > 0 && !column.empty()) where = av_Phrases.Text(kStationsSay.line_and_column, {number, column});
   return where.empty() ? text : where + ": " + text;
 }
 
-StationTable ReadStations(std::string as_Bytes) {
+std::string StationTable::Heading(StationColumn ae_Column) const {
+  const std::string& own = own_headings[static_cast<std::size_t>(ae_Column)];
+  return own.empty() ? std::string(HeadingOf(ae_Column)) : own;
+}
+
+StationTable ReadStations(std::string as_Bytes, const Phrases& av_Phrases) {
   StationTable table;
   if (as_Bytes.find('\0') != std::string::npos) {
-    table.faults.push_back({0, "", "this is no text in UTF-8 or Windows-1252; save the table as CSV in UTF-8"});
+    table.faults.push_back({0, "", av_Phrases.Text(kStationsSay.no_text)});
     return table;
   }
-  CsvContents contents = ParseCsv(DecodeText(std::move(as_Bytes)));
-  for (CsvFault& fault : contents.faults) table.faults.push_back({fault.line, "", std::move(fault.text)});
+  const CsvContents contents = ParseCsv(DecodeText(std::move(as_Bytes)));
+  for (const CsvFault& fault : contents.faults) {
+    const bool is_open = fault.problem == CsvProblem::OpenQuote;
+    table.faults.push_back(
+        {fault.line, "", av_Phrases.Text(is_open ? kStationsSay.open_quote : kStationsSay.behind_quote)});
+  }
   if (contents.rows.empty()) {
-    table.faults.push_back({0, "", "the file is empty; its first line holds the headings, Name among them"});
+    table.faults.push_back({0, "", av_Phrases.Text(kStationsSay.empty_file)});
     return table;
   }
-  TableReader reader(table);
+  TableReader reader(table, av_Phrases);
   reader.TakeHeadings(contents.rows.front());
   if (!reader.has_headings()) return table;
   for (std::size_t row = 1; row < contents.rows.size(); ++row) reader.TakeRow(contents.rows[row]);
@@ -218,6 +286,10 @@ std::string StationsFile(const StationTable& av_Table) {
     AppendCsvRow(file, cells);
   }
   return file;
+}
+
+std::vector<Phrase> StationsPhraseList() {
+  return PhrasesIn(kStationsSay);
 }
 
 }  // namespace corvane

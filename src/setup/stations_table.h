@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "lang/phrases.h"
+
 namespace corvane {
 
 /// What a row is about.
@@ -36,7 +38,7 @@ inline constexpr std::size_t kStationColumns = 14;
 
 /// The heading of a column.
 [[nodiscard]] std::string_view HeadingOf(StationColumn ae_Column);
-/// "unit", "relay" or "client".
+/// "unit", "relay" or "client", as the column Kind has it.
 [[nodiscard]] std::string_view WordOf(StationKind ae_Kind);
 /// True when a record of that kind has something in that column.
 [[nodiscard]] bool HasColumn(StationKind ae_Kind, StationColumn ae_Column);
@@ -64,13 +66,21 @@ struct StationFault {
   std::string text;
 
   /// "line 4, Relay: there is no ...".
-  [[nodiscard]] std::string Sentence() const;
+  [[nodiscard]] std::string Sentence(const Phrases& av_Phrases = {}) const;
 };
 
 struct StationTable {
   std::vector<StationRow> rows;
   std::vector<std::string> unused;   ///< headings of columns that are none of these
   std::vector<StationFault> faults;  ///< what is wrong with the file itself
+  std::int64_t heading_line = 0;     ///< of the file; 0 without one
+  bool has_ids = true;               ///< there is a column ID
+  /// What the file calls its columns, by `StationColumn`; empty where that is the heading itself.
+  std::array<std::string, kStationColumns> own_headings;
+  std::vector<std::string> names_left_out;  ///< of rows whose kind cannot be told
+
+  /// What messages call a column: as the file does.
+  [[nodiscard]] std::string Heading(StationColumn ae_Column) const;
 };
 
 /// The largest file that is read, in bytes.
@@ -78,9 +88,12 @@ inline constexpr std::int64_t kLargestStationsFile = 64LL * 1024 * 1024;
 
 /// Reads the bytes of a file: UTF-8 or Windows-1252, with commas, semicolons or tabs. Without a column "Kind" every row
 /// is a unit. What the cells say is looked at by `PlanStations`.
-[[nodiscard]] StationTable ReadStations(std::string as_Bytes);
+[[nodiscard]] StationTable ReadStations(std::string as_Bytes, const Phrases& av_Phrases = {});
 /// The file of a table: UTF-8 with a byte order mark, commas, lines that end with CR LF. What a spreadsheet would run
 /// is kept from it by "'", which `ReadStations` takes away again.
 [[nodiscard]] std::string StationsFile(const StationTable& av_Table);
+
+/// The words in which a table's faults, changes and notes are told.
+[[nodiscard]] std::vector<Phrase> StationsPhraseList();
 
 }  // namespace corvane

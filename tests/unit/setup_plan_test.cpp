@@ -136,11 +136,14 @@ TEST_F(SetupPlanTest, AFirstPlanOffersNoExampleAndBecomesTheWholeNetwork) {
   EXPECT_TRUE(plan.first && plan.goes_on && plan.automatic && plan.encrypted);
   EXPECT_EQ(plan.device, "/dev/radio") << "the only one";
   plan.tables_folder = "tables";
+  plan.units[0].relay = "1";
+  plan.units[0].depths = "7,5 / 15";
+  plan.units[1].relay = "0";
   EXPECT_EQ(Saved(), "") << "written before the end";
   EXPECT_TRUE(setup.PutIn(plan));
-  for (const char* line :
-       {"NumUnits=2", "Name1=Hill", "ID1=17", "RelayID1=1", "Name2=River", "RelayID2=0", "ClientID2=1", "NumRelays=2",
-        "NumClients=1", "Folder1=Farm", "GoOnPastFailures=1", "Automatic=1", "LogSize=10", "COM1=/dev/radio"}) {
+  for (const char* line : {"NumUnits=2", "Name1=Hill", "ID1=17", "RelayID1=1", "Depths1=7.5;15", "Name2=River",
+                           "RelayID2=0", "ClientID2=1", "NumRelays=2", "NumClients=1", "Folder1=Farm",
+                           "GoOnPastFailures=1", "Automatic=1", "LogSize=10", "COM1=/dev/radio"}) {
     EXPECT_TRUE(Holds(line)) << line;
   }
   EXPECT_TRUE(Holds("SalinityCorrection=" + world.home.Name("tables/SALCORR.LKP")));
@@ -274,9 +277,11 @@ TEST_F(SetupPlanTest, TheSummarySaysWhatIsNotDone) {
   const SetupAnswer well{true, "well"};
   const SetupAnswer first{true, "well", 1};
   EXPECT_EQ(All(NotDone(plan, {well, first, {}, setup.TryBackup(plan)}))
-                .find("Only one unit was asked for its clock, "
-                      "not River: "),
+                .find("Only the unit Hill was asked for its clock, not River: "),
             0U);
+  EXPECT_EQ(
+      All(NotDone(plan, {well, SetupAnswer{false, "ahead", 2}, {}, setup.TryBackup(plan)})).find("Unit River: ahead"),
+      0U);
   plan.units[1].active = false;
   EXPECT_EQ(All(NotDone(plan, {well, first, {}, setup.TryBackup(plan)})), "");
   plan.backup_folder = "/proc/no";

@@ -26,9 +26,7 @@ TEST(Csv, IsTakenApart) {
       {"a\tb,c\td\r1\t2\t3\r", "1: a|b,c|d\n2: 1|2|3\n", ""},
       {"sep=;\na;b,c,d\n", "2: a|b,c,d\n", ""},
       {"\"a,\";b\n5\" pipe;2\n", "1: a,|b\n2: 5\" pipe|2\n", ""},
-      {"a,b\n\"1\"x,2\n3,\"4\n5,6\n", "1: a|b\n2: 1x|2\n3: 3|4~5,6~\n",
-       "2: text stands behind the closing quote (\") of a cell; a quote within is written twice\n"
-       "3: a quote (\") begins here and has no end\n"},
+      {"a,b\n\"1\"x,2\n3,\"4\n5,6\n", "1: a|b\n2: 1x|2\n3: 3|4\n4: 5|6\n", "2: behind\n3: open\n"},
       {"", "", ""},
   };
   for (const Row& row : rows) {
@@ -44,7 +42,9 @@ TEST(Csv, IsTakenApart) {
     }
     EXPECT_EQ(text, row.rows) << row.text;
     std::string faults;
-    for (const CsvFault& fault : contents.faults) faults += std::to_string(fault.line) + ": " + fault.text + "\n";
+    for (const CsvFault& fault : contents.faults) {
+      faults += std::to_string(fault.line) + (fault.problem == CsvProblem::OpenQuote ? ": open\n" : ": behind\n");
+    }
     EXPECT_EQ(faults, row.faults) << row.text;
   }
 }
@@ -115,6 +115,14 @@ TEST(Stations, TellWhatATableWouldChange) {
        "changes unit \"Hill\" (12): Relay \"Direct\" becomes \"Tower\"\n"},
       {"Kind,Name,ID,Folder\nClient,Cora,,cora\nclient,Acme,1,north\nCLIENT,Dora,7,\n",
        "adds client \"Cora\" (3), folder \"cora\"\nadds client \"Dora\" (7), folder \"\"\n"},
+      // A client that nobody entered is made; names that mean none, German headings, depths as people write them.
+      {"Nr.;Stationsname;Relais;Kunde;Tiefen (cm);Nummer\n1;Au;Ridge;Cora & Co/2;10,20,40;31\n2;Hang;-;cora & co/2;7,5 "
+       "/ 15;32\n"
+       "3;Ufer;0;keiner;10 20;33\n",
+       "adds client \"Cora & Co/2\" (3), folder \"Cora & Co_2\"\nadds unit \"Au\" (31) behind \"Ridge\" for \"Cora & "
+       "Co/2\"\nadds unit \"Hang\" (32) for \"Cora & Co/2\"\nadds unit \"Ufer\" (33)\n"},
+      {"Art,Name,ID,Relais\nRelais,Ridge,7,\nStation,Hill,12,Ridge\n",
+       "changes unit \"Hill\" (12): Relais \"Direct\" becomes \"Ridge\"\n"},
       {"Name,ID,Relay,Moisture correction\nRiver,11,ID 7,\"0,5\"\nLost,14,99,0.1\n",
        "changes unit \"River\" (11): Relay \"Tower\" becomes \"Ridge\", Moisture correction 0.1 becomes 0.5\n"},
       {"Name,ID\nRiver,11\nHill,12\nhill,13\n", "deletes unit \"Lost\" (14)\n", true},
@@ -139,12 +147,13 @@ TEST(Stations, TellEveryFaultOfATable) {
   const Row rows[] = {
       {"", "the file is empty; its first line holds the headings, Name among them\n"},
       {std::string("PK\0", 3), "this is no text in UTF-8 or Windows-1252; save the table as CSV in UTF-8\n"},
-      {"%PDF-1.7\n%\xE2\xE3\n",
-       "line 1: this is no table of stations: no column has the heading Name. The first line holds the headings, with "
-       "commas, semicolons or tabs between them\n"},
       {"Name|ID\nRiver|11\n",
-       "line 1: this is no table of stations: no column has the heading Name. The first line holds the headings, with "
-       "commas, semicolons or tabs between them\n"},
+       "line 1: this is no table of stations: no column has the heading Name (or Station, or Site). The first line "
+       "holds the headings, such as Name, ID (or Radio ID, or Number), Relay, Client and Depths, with commas, "
+       "semicolons or tabs between them\n"},
+      {"Name,Relay\nRiver,\nA,Towr\nB,\n",
+       "line 1: no column has the heading ID (or Radio ID, or Number): units and relays that are new need one\n"
+       "line 3, Relay: there is no relay \"Towr\"; write the name of one, or Direct, or add a row of the kind relay\n"},
       {"Name,ID,Name\nRiver,11\n", "line 1, Name: there are two columns of this name\n"},
       {"Name,ID\nRiver,11,5\n", "line 2: there are more cells than headings, the first of them \"5\"\n"},
       {"Name,ID\nA,21\nB,21\nC,12\n",
@@ -159,16 +168,16 @@ TEST(Stations, TellEveryFaultOfATable) {
        "line 6, ID: it is a new unit and needs an ID\n"},
       {"Name,ID\nBrook,21\n brook ,22\n", "line 3, Name: the unit on line 2 of the same client has the same name\n"},
       {"Name,ID,Relay,Client,Active,Get readings by,Salinity correction,Sensor depths (cm)\n"
-       "A,21,Towr,Acm,perhaps,post,51,deep\n",
+       "A,21,Towr,ID 9,perhaps,post,51,deep\n",
        "line 2, Active: write yes or no, not \"perhaps\"\n"
        "line 2, Relay: there is no relay \"Towr\"; write the name of one, or Direct, or add a row of the kind relay\n"
-       "line 2, Client: there is no client \"Acm\"; write the name of one, or None, or add a row of the kind client\n"
+       "line 2, Client: there is no client \"ID 9\"; write the name of one, or None, or add a row of the kind client\n"
        "line 2, Get readings by: \"post\" is none of None, Radio, Hand held, ftp\n"
        "line 2, Salinity correction: This is no number (with \".\" as the decimal point) from 0 to 50.\n"
        "line 2, Sensor depths (cm): These are no depths; write them in centimetres from the first sensor on, such as "
        "10;20;40.\n"},
-      {"Kind,Name,ID,Folder,Password style\nStation,A,21,,\nUnit,B,22,north,\nRelay,Other,0,,4\nClient,Acme,5,,\n",
-       "line 2, Kind: \"Station\" is none of Unit, Relay and Client\n"
+      {"Kind,Name,ID,Folder,Password style\nTower,A,21,,\nUnit,B,22,north,\nRelay,Other,0,,4\nClient,Acme,5,,\n",
+       "line 2, Kind: \"Tower\" is none of Unit, Relay and Client\n"
        "line 3, Folder: a unit has nothing in this column; empty the cell\n"
        "line 4, Password style: This is no whole number from 1 to 3.\n"
        "line 4, ID: Direct, and it alone, is the relay with the ID 0\n"
@@ -178,6 +187,18 @@ TEST(Stations, TellEveryFaultOfATable) {
        "the relay \"Tower\" (5) has no row and would be deleted, but units refer to it (1); give it a row, or them "
        "another one\n",
        true},
+      // All of them at once, whatever else a line has, but nothing that only follows from another.
+      {"Kind,Name,ID,Relay,Client\nMast,East,8\nRelay,West,x\nRelay,Tower,5\nUnit,A,21,East,Acme,\nUnit,A,2x,West,"
+       "Acme\n"
+       "Unit,B,11,Tower,Acme,5\nUnit,C,\"23\"3,none\nUnit,\"D,21,0,Acme\nUnit,E,21,Ridge,Acme\n",
+       "line 2, Kind: \"Mast\" is none of Unit, Relay and Client\n"
+       "line 3, ID: This is no whole number from -2147483648 to 2147483647.\n"
+       "line 6, ID: This is no whole number from -2147483648 to 2147483647.\n"
+       "line 6, Name: the unit on line 5 of the same client has the same name\n"
+       "line 7: there are more cells than headings, the first of them \"5\"\n"
+       "line 8: text stands behind the closing quote (\") of a cell; a quote within is written twice\n"
+       "line 9: a quote (\") begins here and has no end\n"
+       "line 10, ID: the unit on line 5 has the same ID and folder: both would share one raw file\n"},
       {"Name,ID\nnull,21\n", "line 2, Name: the word \"null\" stands for an empty text; write another one\n"},
   };
   const Registry registry = Network();

@@ -71,6 +71,16 @@ TEST_F(StationsDialog, ShowsWhatATableWouldChangeAndPutsItIn) {
   EXPECT_FALSE(put_in.isEnabled());
 }
 
+TEST_F(StationsDialog, SpeaksTheLanguageOfTheWindow) {
+  world_.app().LoadCaptions(GERMAN_FILE, world_.window().captions());
+  Read("Name;ID;Relais\nAu;40;Turm\n");
+  EXPECT_TRUE(Lines().startsWith("Zeile 2, Relais: es gibt kein Relais \"Turm\"")) << Lines().toStdString();
+  Read("Name;ID;Kunde\nNorth;1;Cora\n");
+  EXPECT_EQ(Lines(),
+            "neu: Kunde \"Cora\" (3), Ordner \"Cora\"\nändert Station \"North\" (1): Kunde \"None\" wird "
+            "\"Cora\"\n(1 Station hat keine Zeile und bleibt unverändert)\n");
+}
+
 TEST_F(StationsDialog, AsksAnewWhenTheListsHaveChanged) {
   Read("Name,ID\nNorth,1\nNew,40\n");
   world_.app().units().RunCommand(kNew);

@@ -54,7 +54,10 @@ bool AssistantPage::validatePage() {
     ShowFault(faults.front());
     return false;
   }
+  const SetupPlan entered = desk_.plan;
   CompletePlan(desk_.plan, page_);
+  // Who comes back finds it as it was understood.
+  if (entered != desk_.plan) Show();
   return true;
 }
 

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
@@ -16,7 +17,8 @@ namespace {
 constexpr int kShownRows = 4;
 constexpr int kCellMargin = 10;  ///< an editor in it has a frame
 
-/// Edits a cell by choosing.
+/// Edits a cell by choosing, or by typing what is not in the list: what that is about is looked at when the page is
+/// left.
 class ChoiceDelegate : public QStyledItemDelegate {
  public:
   ChoiceDelegate(std::function<QStringList()> choices, QObject* parent)
@@ -25,12 +27,16 @@ class ChoiceDelegate : public QStyledItemDelegate {
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                         const QModelIndex& /*index*/) const override {
     auto* box = new QComboBox(parent);
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
     box->addItems(choices_());
     return box;
   }
   void setEditorData(QWidget* editor, const QModelIndex& index) const override {
     auto& box = dynamic_cast<QComboBox&>(*editor);
     box.setCurrentIndex(std::max(box.findText(index.data().toString()), 0));
+    if (const QString text = index.data().toString(); !text.isEmpty()) box.setEditText(text);
+    box.lineEdit()->selectAll();
   }
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override {
     model->setData(index, dynamic_cast<QComboBox&>(*editor).currentText());

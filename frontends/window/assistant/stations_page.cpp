@@ -19,8 +19,9 @@ constexpr SetupField kRelayColumns[] = {SetupField::RelayName, SetupField::Relay
 constexpr SetupField kUnitColumns[] = {SetupField::UnitName, SetupField::UnitID, SetupField::UnitRelay,
                                        SetupField::UnitClient, SetupField::UnitDepths};
 constexpr int kRelayColumn = 2;
-/// Of a table that is wrong; the rest shows when these are mended.
-constexpr std::size_t kMostFaults = 5;
+constexpr int kDepthsColumn = 4;
+/// Of a table that is wrong; of the rest it is told how many there are.
+constexpr std::size_t kMostFaults = 20;
 
 /// Place of a field among the columns, -1 when it is none of them.
 template <std::size_t kCount>
@@ -47,7 +48,7 @@ QString Text(const std::string& text) {
 StationsPage::StationsPage(Desk& desk) : AssistantPage(SetupPage::Stations, desk) {
   AddIntroduction(
       "The relays first, then the units, with their radio IDs. Type into the empty row; Tab goes from cell "
-      "to cell. Client and depths may stay empty.",
+      "to cell. Client and depths (such as 10;20;40) may stay empty.",
       kStationsIntro);
   relays_ = new RowsTable({"Name", "ID"}, "setupRelays", kRelayHeadings, this);
   units_ = new RowsTable({"Name", "ID", "Relay", "Client", "Depths (cm)"}, "setupUnits", kUnitHeadings, this);
@@ -93,7 +94,7 @@ void StationsPage::TakeFile(const QString& file) {
   for (std::size_t fault = 0; fault < std::min(table.faults.size(), kMostFaults); ++fault) {
     lines << Text(table.faults[fault]);
   }
-  if (table.faults.size() > kMostFaults) lines << "...";
+  if (table.faults.size() > kMostFaults) lines << Say(kMoreFaults).arg(table.faults.size() - kMostFaults);
   if (table.faults.empty()) lines << Say(kTakenFromFile).arg(table.changes.size());
   for (const std::string& note : table.notes) lines << Text(note);
   Show();
@@ -126,6 +127,8 @@ void StationsPage::FollowRelayNames() {
 }
 
 void StationsPage::Show() {
+  units_->horizontalHeaderItem(kRelayColumn)->setToolTip(Say(kRelayTip));
+  units_->horizontalHeaderItem(kDepthsColumn)->setToolTip(Say(kDepthsTip));
   former_relays_ = desk().plan.relays;
   former_units_ = desk().plan.units;
   RowsTable::Rows relays;

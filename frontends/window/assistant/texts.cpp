@@ -30,6 +30,9 @@ std::vector<Sentences::Row> BuiltInSentences() {
       {kTakenFromFile, "Taken from the file; rows that are new or differ: %1"},
       {kNotPutIn, "This could not be put in and saved. Nothing is lost: mend what was said and press Finish again."},
       {kDirect, "Direct"},
+      {kDepthsTip, "In centimetres, from the first sensor on: 10;20;40, also 10/20/40 or 10 20 40"},
+      {kRelayTip, "A relay by its name or ID; Direct or 0: none"},
+      {kMoreFaults, "and %1 more"},
       {kPractiseFailed, "The practice could not be started: %1"},
   };
   int title = kFirstTitle;

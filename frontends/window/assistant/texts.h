@@ -88,6 +88,9 @@ enum TextId : int {
   kEndPractice = 995,
   kSendsAll = 996,
   kChooseAFolder = 997,
+  kDepthsTip = 1781,
+  kRelayTip = 1782,
+  kMoreFaults = 1783,
 };
 
 /// The texts that stand in no caption, as they are built in.

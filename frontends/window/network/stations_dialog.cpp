@@ -195,11 +195,11 @@ void StationsDialog::ReadFrom(const QString& file) {
   Say(say_[kReading].arg(file));
   table_.reset();
   EnableCommands();
-  work_->Add([this, file](const BackgroundWork::Cancelled&) -> std::function<void()> {
+  work_->Add([this, file, phrases = app_.setup().phrases()](const BackgroundWork::Cancelled&) -> std::function<void()> {
     std::string bytes;
     const Status read = ReadFile(file.toStdString(), bytes, kLargestStationsFile);
     if (!read.ok()) return [this, read] { Say(say_[kNotRead].arg(QString::fromStdString(read.text()))); };
-    auto table = std::make_shared<const StationTable>(ReadStations(std::move(bytes)));
+    auto table = std::make_shared<const StationTable>(ReadStations(std::move(bytes), phrases));
     return [this, file, table] {
       file_ = file;
       table_ = table;
@@ -227,7 +227,9 @@ void StationsDialog::WorkOut(const QString& said) {
   EnableCommands();
   loop_.Post([this, said] {
     if (!table_ || app_.flags().closing) return;
-    question_ = std::make_shared<const StationsQuestion>(app_.commands().AskStations());
+    StationsQuestion question = app_.commands().AskStations();
+    question.phrases = app_.setup().phrases();
+    question_ = std::make_shared<const StationsQuestion>(std::move(question));
     work_->Add([this, said, question = question_, table = table_,
                 deletes = delete_->isChecked()](const BackgroundWork::Cancelled&) -> std::function<void()> {
       auto plan = std::make_shared<StationsPlan>(question->Answer(*table, deletes));
@@ -243,7 +245,7 @@ void StationsDialog::WorkOut(const QString& said) {
 
 void StationsDialog::ShowPlan(const QString& said) {
   QString lines;
-  for (const StationFault& fault : plan_.faults) lines += Line(fault.Sentence());
+  for (const StationFault& fault : plan_.faults) lines += Line(fault.Sentence(app_.setup().phrases()));
   if (plan_.faults.empty()) {
     for (const std::string& change : plan_.changes) lines += Line(change);
   }
