@@ -75,8 +75,13 @@ void Captions::SetToolTip(std::int64_t position, const std::string& text) {
 
 std::vector<Phrase> Captions::PhraseList() const {
   std::vector<Phrase> all = HistoryPhrases();
-  for (const auto& more : {PhrasesIn(kNetworkSays), DatePhrases(), PhrasesIn(kSeriesSays), PhrasesIn(kPlotSays),
-                           SetupPhrases(), SetupCommandPhrases()}) {
+  for (const auto& more : {PhrasesIn(kNetworkSays),
+                           DatePhrases(),
+                           PhrasesIn(kSeriesSays),
+                           PhrasesIn(kPlotSays),
+                           SetupPhrases(),
+                           SetupCommandPhrases(),
+                           {kLanguageCode}}) {
     all.insert(all.end(), more.begin(), more.end());
   }
   return all;
@@ -192,7 +197,7 @@ void Captions::AddMenuEntries(MenuGroup& menu) const {
 }
 
 std::string Captions::LanguageTemplate() const {
-  std::map<std::int32_t, std::string> lines = {{kLanguageCodeID, std::to_string(kLanguageCodeID) + "~en~en~"}};
+  std::map<std::int32_t, std::string> lines;
   for (const Item& item : Items()) {
     for (int tab = 0; tab < std::max(1, item.tabs); ++tab) {
       const std::string caption = item.caption ? FieldText(item.caption(tab)) : std::string();

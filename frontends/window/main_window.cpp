@@ -163,6 +163,7 @@ void MainWindow::TakePhrases(const Phrases& phrases) {
   tray_->SetPhrases(phrases);
   plot_->SetPhrases(phrases);
   app_.setup().SetPhrases(phrases);
+  toolkit_.Show(QString::fromStdString(phrases.Text(kLanguageCode)));
 }
 
 void MainWindow::TakeStatus(const NetworkStatus& status, const std::string& headline) {
@@ -215,7 +216,12 @@ void MainWindow::AddPortDialog() {
 void MainWindow::AddAssistant() {
   assistant_ = new Assistant(app_, loop_, this);
   assistant_->show_language = [this](const std::string& file) { ShowLanguage(file); };
-  assistant_->put_in = [this] { ui_->tabs->setCurrentWidget(network_); };
+  assistant_->put_in = [this] {
+    ui_->tabs->setCurrentWidget(network_);
+    // The units as they are now stand there before the first of them is asked.
+    app_.history().FollowUnits();
+    network_->Refresh();
+  };
   assistant_->name_controls = NameControls;
   assistant_->practise = StartPractice;
   network_->set_up = [this] { OpenAssistant(); };

@@ -17,6 +17,7 @@
 #include "window/network/network_page.h"
 #include "window/plot/plot_page.h"
 #include "window/port_dialog.h"
+#include "window/toolkit_language.h"
 #include "window/tray.h"
 
 namespace Ui {
@@ -75,6 +76,7 @@ class MainWindow : public QMainWindow {
   EventLoop& loop_;
   std::unique_ptr<Ui::MainWindow> ui_;
   Captions captions_;
+  ToolkitLanguage toolkit_;
   FileUnits file_units_;
   Announcer* announcer_ = nullptr;
   HistoryViews* history_views_ = nullptr;

@@ -15,6 +15,7 @@ namespace corvane {
 
 /// The entry whose text is the code of the file's language, such as "de"; the guide is opened in it where there is one.
 inline constexpr std::int32_t kLanguageCodeID = 1229;
+inline constexpr Phrase kLanguageCode{kLanguageCodeID, "en"};
 
 /// The texts of a language file by their text IDs. File format: docs/formats/language-file.md.
 ///

@@ -150,6 +150,17 @@ TEST_F(AssistantTest, GoesToWhatIsWrongAndSaysWhatToDo) {
   EXPECT_FALSE(Shown("setupFault").empty());
   EXPECT_EQ(Table("setupUnits").currentRow(), 1);
   EXPECT_EQ(Table("setupUnits").currentColumn(), 1);
+  Table("setupUnits").item(1, 1)->setText("24");
+  // A relay may be typed: one that is not there is said, 0 is none.
+  for (const bool is_there : {false, true}) {
+    Table("setupUnits").GoTo(0, 2);
+    Fill(is_there ? "0" : "Mast");
+    Next();
+    EXPECT_EQ(Page() == static_cast<int>(SetupPage::Stations), !is_there) << Shown("setupFault");
+  }
+  Shortcut(Qt::Key_B);
+  EXPECT_EQ(Table("setupUnits").item(0, 2)->text(), "Direct");
+  Table("setupUnits").GoTo(1, 1);
   // The units of a relay go with its name.
   Table("setupRelays").item(0, 0)->setText("Water tower");
   EXPECT_EQ(Table("setupUnits").item(1, 2)->text(), "Water tower");
@@ -223,6 +234,7 @@ TEST_F(AssistantTest, SpeaksTheLanguageOfTheWindow) {
   world_.Field("setupDevice").setText("COM1");
   Shortcut(Qt::Key_W);
   EXPECT_EQ(Shown("setupFault").find("Das ist kein Gerät"), 0U);
+  EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Look in:"), "Suchen in:") << "the toolkit's own dialogs";
 }
 
 TEST_F(AssistantTest, FitsASmallScreenAtTwiceItsSize) {
