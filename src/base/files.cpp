@@ -82,13 +82,12 @@ Status OpenForReading(const std::string& path, int& descriptor) {
   return {EINVAL, path + ": is not a plain file"};
 }
 
-/// Reads up to `length` bytes at `offset` (-1: from where the file stands); fewer at the end of the file.
+/// Reads up to `length` bytes at `offset`; fewer at the end of the file.
 Status ReadBlock(int descriptor, const std::string& path, std::int64_t offset, char* bytes, std::size_t length,
                  std::size_t& got) {
   got = 0;
   while (got < length) {
-    const ssize_t some = offset < 0 ? read(descriptor, bytes + got, length - got)
-                                    : pread(descriptor, bytes + got, length - got, offset + static_cast<off_t>(got));
+    const ssize_t some = pread(descriptor, bytes + got, length - got, offset + static_cast<off_t>(got));
     if (some < 0 && errno == EINTR) continue;
     if (some < 0) return Status::FromErrno(path, errno);
     if (some == 0) break;
@@ -180,15 +179,14 @@ Status FollowLink(const std::string& path, std::string& target) {
 
 Status ReadFile(const std::string& path, std::string& contents, std::int64_t limit) {
   contents.clear();
-  int number = -1;
-  if (Status opened = OpenForReading(path, number); !opened.ok()) return opened;
-  const Descriptor descriptor(number);
+  InputFile file;
+  if (Status opened = file.Open(path); !opened.ok()) return opened;
   const auto most = static_cast<std::size_t>(limit);
   for (std::size_t got = 1; got > 0 && contents.size() <= most;) {
     const std::size_t before = contents.size();
     contents.resize(before + kBlockSize);
-    if (Status block = ReadBlock(number, path, -1, contents.data() + before, kBlockSize, got); !block.ok())
-      return block;
+    const auto offset = static_cast<std::int64_t>(before);
+    if (Status block = file.Read(offset, contents.data() + before, kBlockSize, got); !block.ok()) return block;
     contents.resize(before + got);
   }
   if (contents.size() <= most) return Status::Ok();
@@ -256,92 +254,16 @@ void OutputFile::Close() {
   if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
-LineReader::LineReader() : block_(std::make_unique_for_overwrite<char[]>(kBlockSize)) {}
-
-LineReader::~LineReader() {
-  Close();
-}
-
-Status LineReader::Open(const std::string& path) {
-  Close();
-  begin_ = end_ = 0;
-  at_end_ = terminated_ = false;
-  status_ = Status::Ok();
-  path_ = path;
-  return OpenForReading(path, descriptor_);
-}
-
-void LineReader::MoveToFront() {
-  std::memmove(block_.get(), block_.get() + begin_, end_ - begin_);
-  end_ -= begin_;
-  begin_ = 0;
-}
-
-bool LineReader::ReadMore() {
-  if (at_end_ || descriptor_ < 0) return false;
-  std::size_t got = 0;
-  status_ = ReadBlock(descriptor_, path_, -1, block_.get() + end_, kBlockSize - end_, got);
-  end_ += got;
-  at_end_ = got == 0;
-  return got > 0 && status_.ok();
-}
-
-const char* LineReader::FindLineEnd(std::size_t& length) {
-  length = 0;
-  while (true) {
-    const char* const start = block_.get() + begin_;
-    const void* const found = std::memchr(start + length, '\n', end_ - begin_ - length);
-    if (found != nullptr) {
-      length = static_cast<std::size_t>(static_cast<const char*>(found) - start);
-      return static_cast<const char*>(found);
-    }
-    length = end_ - begin_;
-    if (length > kLongestLine) return nullptr;
-    MoveToFront();
-    if (!ReadMore()) return nullptr;
-  }
-}
-
-bool LineReader::DropRest() {
-  while (true) {
-    const char* const rest = block_.get() + begin_;
-    const void* const found = std::memchr(rest, '\n', end_ - begin_);
-    if (found != nullptr) {
-      begin_ += static_cast<std::size_t>(static_cast<const char*>(found) - rest) + 1;
-      return true;
-    }
-    begin_ = end_ = kLongestLine;
-    if (!ReadMore()) return false;
-  }
-}
-
-bool LineReader::Next(std::string_view& line) {
-  std::size_t length = 0;
-  terminated_ = FindLineEnd(length) != nullptr;
-  if (!status_.ok() || (!terminated_ && length == 0)) return false;
-  if (!terminated_ && length > kLongestLine) {
-    MoveToFront();
-    line = {block_.get(), kLongestLine};
-    begin_ += kLongestLine;
-    terminated_ = DropRest();
-  } else {
-    line = {block_.get() + begin_, std::min(length, kLongestLine)};
-    begin_ += length + (terminated_ ? 1 : 0);
-  }
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return status_.ok();
-}
-
-void LineReader::Close() {
-  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
-}
-
 InputFile::~InputFile() {
-  if (descriptor_ >= 0) close(descriptor_);
+  Close();
+}
+
+void InputFile::Close() {
+  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
 Status InputFile::Open(const std::string& path) {
-  if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
+  Close();
   if (Status opened = OpenForReading(path, descriptor_); !opened.ok()) return opened;
   path_ = path;
   struct stat found {};

@@ -86,49 +86,6 @@ class OutputFile {
   std::string path_;
 };
 
-/// Reads a text file line by line in blocks, with bounded memory whatever the file's size.
-///
-/// Lines end with LF or CR LF; neither is part of the line. A line longer than `kLongestLine` is delivered cut, its
-/// rest dropped.
-class LineReader {
- public:
-  static constexpr std::size_t kLongestLine = 64 * 1024;
-
-  LineReader();
-  ~LineReader();
-  LineReader(const LineReader&) = delete;
-  LineReader& operator=(const LineReader&) = delete;
-
-  Status Open(const std::string& path);
-  /// Delivers the next line, valid until the next call. False at the end of the file or after a read error.
-  [[nodiscard]] bool Next(std::string_view& line);
-  /// True when the line just delivered had its line end (the last one of a torn file has not).
-  [[nodiscard]] bool terminated() const { return terminated_; }
-  /// Ok unless reading failed.
-  [[nodiscard]] const Status& status() const { return status_; }
-  void Close();
-
- private:
-  /// Moves what is left of the block to its front.
-  void MoveToFront();
-  /// Reads behind what the block holds until it is full; false when nothing more came.
-  bool ReadMore();
-  /// The next line feed, nullptr when the line is too long or the file ends; `length` is the line's so far.
-  const char* FindLineEnd(std::size_t& length);
-  /// Drops what follows up to the line's end, keeping the first `kLongestLine` bytes of the block; false at the file's
-  /// end.
-  bool DropRest();
-
-  int descriptor_ = -1;
-  std::string path_;
-  std::unique_ptr<char[]> block_;
-  std::size_t begin_ = 0;
-  std::size_t end_ = 0;
-  bool terminated_ = false;
-  bool at_end_ = false;
-  Status status_;
-};
-
 /// What tells whether a file is the one that was looked at before.
 struct FileIdentity {
   std::uint64_t inode = 0;
@@ -146,6 +103,8 @@ class InputFile {
 
   /// Opens a regular file; anything else is refused.
   Status Open(const std::string& path);
+  void Close();
+  [[nodiscard]] bool IsOpen() const { return descriptor_ >= 0; }
   /// What the file was when it was opened.
   [[nodiscard]] const FileIdentity& identity() const { return identity_; }
   /// Reads `length` bytes at `offset`; `got` is how many there were.

@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "base/format.h"
+#include "base/line_reader.h"
 #include "base/status.h"
 #include "base/synced_file.h"
 #include "base/text.h"

@@ -6,6 +6,7 @@
 #include "base/file_numbers.h"
 #include "base/files.h"
 #include "base/format.h"
+#include "base/line_reader.h"
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "base/text.h"

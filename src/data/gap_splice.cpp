@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/files.h"
+#include "base/line_reader.h"
 #include "base/replacement_file.h"
 #include "base/text.h"
 #include "data/raw_line.h"

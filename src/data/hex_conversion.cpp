@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/files.h"
+#include "base/line_reader.h"
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "base/text.h"

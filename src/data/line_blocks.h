@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/files.h"
+#include "base/line_reader.h"
 
 namespace corvane {
 

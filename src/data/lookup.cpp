@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/files.h"
+#include "base/line_reader.h"
 #include "base/numbers.h"
 #include "base/text.h"
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/files.h"
+#include "base/line_reader.h"
 #include "base/text.h"
 #include "data/raw_line.h"
 

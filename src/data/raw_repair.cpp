@@ -4,6 +4,7 @@
 
 #include "base/files.h"
 #include "base/format.h"
+#include "base/line_reader.h"
 #include "base/numbers.h"
 #include "base/replacement_file.h"
 #include "base/text.h"

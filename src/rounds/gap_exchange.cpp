@@ -1,6 +1,7 @@
 #include "rounds/gap_exchange.h"
 
 #include "base/files.h"
+#include "base/line_reader.h"
 #include "base/scoped_value.h"
 #include "base/status.h"
 #include "history/network_settings.h"

@@ -56,6 +56,12 @@ extern "C" ssize_t read(int descriptor, void* bytes, std::size_t length) {
   return syscall(SYS_read, descriptor, bytes, length);
 }
 
+extern "C" ssize_t pread(int descriptor, void* bytes, std::size_t length, off_t offset) {
+  using namespace corvane::test;
+  if (failing_reads > 0 && read_error != EMFILE && ReadFails(PathOf(descriptor))) return -1;
+  return syscall(SYS_pread64, descriptor, bytes, length, offset);
+}
+
 extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t length) {
   BeforeChange();
   return syscall(SYS_write, descriptor, bytes, length);

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/line_reader.h"
 #include "base/paths.h"
 #include "base/replacement_file.h"
 #include "support/small_disk.h"
