@@ -6,11 +6,11 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kBlockSize = 128 * 1024;
+constexpr std::size_t kLineBlock = 128 * 1024;
 
 }  // namespace
 
-LineReader::LineReader() : block_(std::make_unique_for_overwrite<char[]>(kBlockSize)) {}
+LineReader::LineReader() : block_(std::make_unique_for_overwrite<char[]>(kLineBlock)) {}
 
 Status LineReader::Open(const std::string& path) {
   begin_ = end_ = 0;
@@ -29,7 +29,7 @@ void LineReader::MoveToFront() {
 bool LineReader::ReadMore() {
   if (at_end_ || !file_.IsOpen()) return false;
   std::size_t got = 0;
-  status_ = file_.Read(offset_, block_.get() + end_, kBlockSize - end_, got);
+  status_ = file_.Read(offset_, block_.get() + end_, kLineBlock - end_, got);
   offset_ += static_cast<std::int64_t>(got);
   end_ += got;
   at_end_ = got == 0;

@@ -4,8 +4,6 @@
 #include <optional>
 #include <utility>
 
-#include "base/text.h"
-
 namespace corvane {
 namespace {
 
@@ -61,7 +59,7 @@ void ProfileFile::Parse(std::string contents) {
 }
 
 ProfileFile::Section& ProfileFile::AddSection(std::string_view name, std::string_view heading) {
-  const bool is_first = section_index_.emplace(ToLower(name), sections_.size()).second;
+  const bool is_first = section_index_.emplace(name, sections_.size()).second;
   has_doubled_sections_ = has_doubled_sections_ || (!is_first && !name.empty());
   sections_.push_back({std::string(name), std::string(heading), {}, {}});
   return sections_.back();
@@ -79,7 +77,7 @@ void ProfileFile::ParseLine(std::string_view text) {
   Section& section = sections_.back();
   const bool is_key = !IsComment(trimmed) && equals != std::string_view::npos && !Trim(text.substr(0, equals)).empty();
   if (is_key) {
-    section.keys.emplace(ToLower(Trim(text.substr(0, equals))), section.lines.size());
+    section.keys.emplace(Trim(text.substr(0, equals)), section.lines.size());
   } else if (!trimmed.empty() && !IsComment(trimmed)) {
     has_broken_lines_ = true;
   }
@@ -101,19 +99,19 @@ ProfileFile::Section* ProfileFile::FindSection(std::string_view name) {
 }
 
 const ProfileFile::Section* ProfileFile::FindSection(std::string_view name) const {
-  const auto found = section_index_.find(ToLower(name));
+  const auto found = section_index_.find(name);
   return found == section_index_.end() ? nullptr : &sections_[found->second];
 }
 
 bool ProfileFile::Has(std::string_view section, std::string_view key) const {
   const Section* const found = FindSection(section);
-  return found != nullptr && found->keys.contains(ToLower(key));
+  return found != nullptr && found->keys.contains(key);
 }
 
 std::string ProfileFile::Get(std::string_view section, std::string_view key, std::string_view missing) const {
   const Section* const found = FindSection(section);
   if (found == nullptr) return std::string(missing);
-  const auto line = found->keys.find(ToLower(key));
+  const auto line = found->keys.find(key);
   if (line == found->keys.end()) return std::string(missing);
   const Line& held = found->lines[line->second];
   const std::string_view value = Trim(std::string_view(held.text).substr(held.value_start));
@@ -128,7 +126,7 @@ void ProfileFile::Set(std::string_view section, std::string_view key, std::strin
     if (!before.empty() && !Trim(before.back().text).empty()) before.push_back({});
     found = &AddSection(section, "[" + std::string(section) + "]");
   }
-  const auto known = found->keys.find(ToLower(key));
+  const auto known = found->keys.find(key);
   if (known != found->keys.end()) {
     Line& line = found->lines[known->second];
     line.text.replace(line.value_start, std::string::npos, Stored(value));
@@ -139,7 +137,7 @@ void ProfileFile::Set(std::string_view section, std::string_view key, std::strin
   Line line{std::string(key) + "=", key.size() + 1};
   line.text += Stored(value);
   found->lines.insert(found->lines.begin() + static_cast<std::ptrdiff_t>(at), std::move(line));
-  found->keys.emplace(ToLower(key), at);
+  found->keys.emplace(key, at);
 }
 
 std::vector<std::string> ProfileFile::Keys(std::string_view section) const {

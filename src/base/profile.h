@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/text.h"
+
 namespace corvane {
 
 /// A private-profile (INI) file held as its raw lines, so that what the program does not know survives a save.
@@ -40,11 +42,12 @@ class ProfileFile {
     std::string text;             ///< without its line end
     std::size_t value_start = 0;  ///< 0 in a line that is no key
   };
+  using Index = std::unordered_map<std::string, std::size_t, NoCaseHash, NoCaseEqual>;
   struct Section {
     std::string name;
     std::string heading;  ///< the line as it stands; empty for lines before the first section
     std::vector<Line> lines;
-    std::unordered_map<std::string, std::size_t> keys;  ///< lower-case key to its line
+    Index keys;  ///< key to its line
   };
   Section& AddSection(std::string_view name, std::string_view heading);
   void ParseLine(std::string_view text);
@@ -52,7 +55,7 @@ class ProfileFile {
   const Section* FindSection(std::string_view name) const;
 
   std::vector<Section> sections_;
-  std::unordered_map<std::string, std::size_t> section_index_;
+  Index section_index_;
   std::string start_;  ///< a byte-order mark the file begins with
   std::string line_end_ = "\n";
   bool has_broken_lines_ = false;

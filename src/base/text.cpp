@@ -1,6 +1,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace corvane {
 namespace {
@@ -28,6 +29,15 @@ std::string ToUpper(std::string_view text) {
 
 bool EqualsNoCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
+std::size_t NoCaseHash::operator()(std::string_view text) const {
+  // FNV-1a. The bit by which the cases differ is set in all characters: those that meet then are told apart when they
+  // are compared.
+  constexpr unsigned kCaseBit = 0x20;
+  std::uint64_t hash = 14695981039346656037U;
+  for (const char c : text) hash = (hash ^ (static_cast<unsigned char>(c) | kCaseBit)) * 1099511628211U;
+  return static_cast<std::size_t>(hash);
 }
 
 bool StartsWithNoCase(std::string_view text, std::string_view start) {

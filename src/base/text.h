@@ -20,6 +20,16 @@ inline constexpr std::string_view kLineBreak = "\r\n";
 /// Orders as a case-insensitive text comparison of ASCII letters does: below, at or above zero.
 [[nodiscard]] int CompareNoCase(std::string_view a, std::string_view b);
 
+/// For containers of names that are looked up without regard to the case of ASCII letters, and without a copy.
+struct NoCaseHash {
+  using is_transparent = void;
+  [[nodiscard]] std::size_t operator()(std::string_view text) const;
+};
+struct NoCaseEqual {
+  using is_transparent = void;
+  [[nodiscard]] bool operator()(std::string_view a, std::string_view b) const { return EqualsNoCase(a, b); }
+};
+
 /// `text` without blanks and tabs at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text);
 /// The fields of `text` between separators, empty ones included; the views point into `text`. Empty text: one field.
