@@ -77,7 +77,8 @@ void ProfileFile::ParseLine(std::string_view text) {
   Section& section = sections_.back();
   const bool is_key = !IsComment(trimmed) && equals != std::string_view::npos && !Trim(text.substr(0, equals)).empty();
   if (is_key) {
-    section.keys.emplace(Trim(text.substr(0, equals)), section.lines.size());
+    const bool is_new = section.keys.emplace(Trim(text.substr(0, equals)), section.lines.size()).second;
+    section.has_doubled_keys = section.has_doubled_keys || !is_new;
   } else if (!trimmed.empty() && !IsComment(trimmed)) {
     has_broken_lines_ = true;
   }
@@ -103,6 +104,16 @@ const ProfileFile::Section* ProfileFile::FindSection(std::string_view name) cons
   return found == section_index_.end() ? nullptr : &sections_[found->second];
 }
 
+std::optional<std::size_t> ProfileFile::FindLine(const Section& section, std::string_view key) {
+  // Nearly always the keys are asked for in the order of the file.
+  const std::size_t next = section.last + 1;
+  const bool may_be_next = !section.has_doubled_keys && next < section.lines.size();
+  if (may_be_next && section.lines[next].Bears(key)) return section.last = next;
+  const auto found = section.keys.find(key);
+  if (found == section.keys.end()) return std::nullopt;
+  return section.last = found->second;
+}
+
 bool ProfileFile::Has(std::string_view section, std::string_view key) const {
   const Section* const found = FindSection(section);
   return found != nullptr && found->keys.contains(key);
@@ -111,9 +122,9 @@ bool ProfileFile::Has(std::string_view section, std::string_view key) const {
 std::string ProfileFile::Get(std::string_view section, std::string_view key, std::string_view missing) const {
   const Section* const found = FindSection(section);
   if (found == nullptr) return std::string(missing);
-  const auto line = found->keys.find(key);
-  if (line == found->keys.end()) return std::string(missing);
-  const Line& held = found->lines[line->second];
+  const auto line = FindLine(*found, key);
+  if (!line) return std::string(missing);
+  const Line& held = found->lines[*line];
   const std::string_view value = Trim(std::string_view(held.text).substr(held.value_start));
   return std::string(IsQuoted(value) ? value.substr(1, value.size() - 2) : value);
 }
@@ -126,9 +137,8 @@ void ProfileFile::Set(std::string_view section, std::string_view key, std::strin
     if (!before.empty() && !Trim(before.back().text).empty()) before.push_back({});
     found = &AddSection(section, "[" + std::string(section) + "]");
   }
-  const auto known = found->keys.find(key);
-  if (known != found->keys.end()) {
-    Line& line = found->lines[known->second];
+  if (const auto known = FindLine(*found, key)) {
+    Line& line = found->lines[*known];
     line.text.replace(line.value_start, std::string::npos, Stored(value));
     return;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -41,6 +42,10 @@ class ProfileFile {
   struct Line {
     std::string text;             ///< without its line end
     std::size_t value_start = 0;  ///< 0 in a line that is no key
+    /// Whether it is "KEY=VALUE", without a blank before the sign; in any case of letters.
+    [[nodiscard]] bool Bears(std::string_view key) const {
+      return value_start > key.size() && text[key.size()] == '=' && StartsWithNoCase(text, key);
+    }
   };
   using Index = std::unordered_map<std::string, std::size_t, NoCaseHash, NoCaseEqual>;
   struct Section {
@@ -48,9 +53,13 @@ class ProfileFile {
     std::string heading;  ///< the line as it stands; empty for lines before the first section
     std::vector<Line> lines;
     Index keys;  ///< key to its line
+    bool has_doubled_keys = false;
+    mutable std::size_t last = 0;  ///< the line that was found last
   };
   Section& AddSection(std::string_view name, std::string_view heading);
   void ParseLine(std::string_view text);
+  /// The line of a key; none when the section does not hold it.
+  [[nodiscard]] static std::optional<std::size_t> FindLine(const Section& section, std::string_view key);
   Section* FindSection(std::string_view name);
   const Section* FindSection(std::string_view name) const;
 
