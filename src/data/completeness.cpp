@@ -49,6 +49,7 @@ std::int64_t HintSum(const ScanHints& av_Hints, DateTime av_Settled, DateTime av
     if (change.at >= av_Last) continue;
     text.PutDate(change.at);
     text.Put(change.certain ? change.seconds : -change.seconds);
+    text.Put(change.placed ? 1 : 0);
   }
   for (const auto& range : {av_Hints.moisture, av_Hints.salinity}) {
     text.Put(range ? std::bit_cast<std::int64_t>(range->least) : 0);

@@ -24,6 +24,7 @@ struct PeriodChange {
   DateTime at;
   std::int64_t seconds = 0;
   bool certain = true;
+  bool placed = true;  ///< false: the unit's clock was not told before and behind it, and `at` may be far off
 };
 
 /// The values of one kind of item that its lookup table covers.

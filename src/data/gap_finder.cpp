@@ -45,6 +45,11 @@ std::int64_t Missing(std::int64_t al_Seconds, std::int64_t al_Period) {
   return (2 * al_Seconds + al_Period) / (2 * al_Period) - 1;
 }
 
+/// Whether a reading of that period is due then; of one that divides no day nobody can tell.
+bool IsMultiple(DateTime av_When, std::int64_t al_Period) {
+  return al_Period <= 0 || kSecondsPerDay % al_Period != 0 || av_When.seconds() % al_Period == 0;
+}
+
 /// How many whole multiples of a period since midnight lie behind `av_From` and before `av_To`.
 std::int64_t MultiplesBetween(DateTime av_From, DateTime av_To, std::int64_t al_Period) {
   return std::max<std::int64_t>((av_To.seconds() - 1) / al_Period - av_From.seconds() / al_Period, 0);
@@ -64,6 +69,8 @@ bool GapFinder::Tell(Distance& av_Distance) const {
   for (const PeriodChange& change : hints_.periods) {
     if (!change.certain || change.at < newest) continue;
     if (change.at < av_Distance.from || change.at >= av_Distance.to) continue;
+    // Units log at whole multiples of their period: without a sure place it may have been set in another distance.
+    if (!change.placed && !IsMultiple(av_Distance.to, change.seconds)) continue;
     newest = change.at;
     av_Distance.told = std::max<std::int64_t>(change.seconds, 0);
   }
@@ -110,44 +117,60 @@ std::int64_t GapFinder::PeriodBehind(std::size_t al_At) const {
 }
 
 Verdict GapFinder::Judge(std::size_t al_At) const {
-  const std::int64_t before = PeriodBefore(al_At);
-  const std::int64_t behind = PeriodBehind(al_At);
-  Verdict verdict = JudgeBy(At(al_At), before, behind);
+  const Distance& distance = At(al_At);
+  const Periods periods{PeriodBefore(al_At), PeriodBehind(al_At), distance.told > 0};
+  Verdict verdict = JudgeBy(distance, periods.before, periods.behind);
+  if (verdict.kind == Verdict::Nothing && IsLongForOne(distance, periods)) {
+    Verdict within = verdict;
+    within.kind = Verdict::Gap;
+    CountByStretches(within, periods, kInexact);
+    return within.missing > 0 ? within : verdict;
+  }
   // What a clock has jumped moves no reading to another stretch as long as it is small beside both periods.
-  const std::int64_t shorter = behind > 0 ? std::min(verdict.period, behind) : verdict.period;
+  const std::int64_t shorter = periods.behind > 0 ? std::min(verdict.period, periods.behind) : verdict.period;
   const bool as_long = verdict.jumped <= std::max(kInexact, shorter / 2) ||
-                       verdict.missing == Missing(At(al_At).length(), std::max<std::int64_t>(verdict.period, 1));
-  const bool told = At(al_At).told > 0;
-  // A command without an answer has reached the unit when it measures by it behind the gap and has not before.
-  if (verdict.kind == Verdict::Gap && as_long && (told || behind != verdict.period))
-    CountByStretches(verdict, told, before, behind);
+                       verdict.missing == Missing(distance.length(), std::max<std::int64_t>(verdict.period, 1));
+  if (verdict.kind == Verdict::Gap && as_long) CountByStretches(verdict, periods);
   return verdict;
 }
 
-void GapFinder::CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Before,
-                                 std::int64_t al_Behind) const {
-  const auto counts = [&](const PeriodChange& change) {
-    const bool within = change.at >= av_Gap.from && change.at < av_Gap.to && change.seconds > 0;
-    return within && change.certain == ab_Certain && (ab_Certain || change.seconds == al_Behind);
+bool GapFinder::IsLongForOne(const Distance& av_Distance, const Periods& av_Periods) const {
+  const std::int64_t shorter = std::min(av_Periods.before, av_Periods.behind);
+  if (shorter <= 0 || !IsLong(av_Distance.length(), shorter)) return false;
+  const auto may_hold = [&](const ClockStep& step) { return MayHold(av_Distance.from, av_Distance.to, step); };
+  const auto may_be_elsewhere = [&](const PeriodChange& change) {
+    return !change.placed && change.at >= av_Distance.from && change.at < av_Distance.to;
   };
-  if (std::none_of(hints_.periods.begin(), hints_.periods.end(), counts)) return;
-  DateTime begin = av_Gap.from;
-  av_Gap.missing = 0;
-  av_Gap.period_behind = av_Gap.period;
+  return std::ranges::none_of(hints_.steps, may_hold) && std::ranges::none_of(hints_.periods, may_be_elsewhere);
+}
+
+bool GapFinder::SetsPeriod(const PeriodChange& av_Change, const Verdict& av_Gap, const Periods& av_Periods) {
+  if (av_Change.at < av_Gap.from || av_Change.at >= av_Gap.to || av_Change.seconds <= 0) return false;
+  if (av_Periods.told) return av_Change.certain;
+  // A command without an answer has reached the unit when it measures by it behind the gap and has not before; so it
+  // shows, too, that a command whose place is not known was here.
+  const bool known = av_Change.certain && av_Change.placed;
+  return !known && av_Change.seconds == av_Periods.behind && av_Periods.behind != av_Gap.period;
+}
+
+void GapFinder::CountByStretches(Verdict& av_Gap, const Periods& av_Periods, std::int64_t al_Inexact) const {
+  DateTime begin;
+  std::int64_t missing = 0;
   for (const PeriodChange& change : hints_.periods) {
-    if (!counts(change) || change.at < begin) continue;
-    if (begin != av_Gap.from) {
+    if (!SetsPeriod(change, av_Gap, av_Periods) || (!begin.IsNone() && change.at < begin)) continue;
+    if (!begin.IsNone()) {
       // Behind a command no reading shows where the next one was: units log at whole multiples of their period.
-      av_Gap.missing += MultiplesBetween(begin, change.at, av_Gap.period_behind);
-    } else if (al_Before > 0) {
-      av_Gap.missing += (change.at - begin) / al_Before;
+      missing += MultiplesBetween(begin, change.at, av_Gap.period_behind);
+    } else if (av_Periods.before > 0) {
+      missing += std::max<std::int64_t>(change.at - av_Gap.from - al_Inexact, 0) / av_Periods.before;
     }
     begin = change.at;
     av_Gap.period_behind = change.seconds;
-    if (!ab_Certain) break;
+    if (!av_Periods.told) break;
   }
-  av_Gap.behind = (av_Gap.to - begin - 1) / av_Gap.period_behind;
-  av_Gap.missing += av_Gap.behind;
+  if (begin.IsNone()) return;
+  av_Gap.behind = std::max<std::int64_t>(av_Gap.to - begin - al_Inexact - 1, 0) / av_Gap.period_behind;
+  av_Gap.missing = missing + av_Gap.behind;
   if (av_Gap.missing == 0) av_Gap.kind = Verdict::Nothing;
 }
 
@@ -161,10 +184,17 @@ Verdict GapFinder::JudgeBy(const Distance& av_Distance, std::int64_t al_Before, 
   if (longest == 0 || !IsLong(seconds, longest)) return verdict;
   verdict.kind = Verdict::Clock;
   if (seconds > kLongestGap) return verdict;
+  std::int64_t unknown = 0;
   for (const ClockStep& step : hints_.steps) {
     if (!MayHold(av_Distance.from, av_Distance.to, step)) continue;
-    if (!step.seconds) return verdict;
-    seconds -= std::max<std::int64_t>(*step.seconds, 0);
+    if (!step.seconds) unknown = std::max(unknown, std::min(step.to, av_Distance.to) - av_Distance.from);
+    seconds -= std::max<std::int64_t>(step.seconds.value_or(0), 0);
+  }
+  if (unknown > 0) {
+    // The clock was set forward by no more than what lies before that: what lies behind it is missing for certain.
+    const std::int64_t behind = seconds - unknown;
+    if (!IsLong(behind, longest)) return verdict;
+    if (unknown > behind) seconds = behind;
   }
   if (!IsLong(seconds, longest)) return verdict;
   verdict.jumped = av_Distance.length() - seconds;

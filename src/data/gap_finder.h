@@ -91,10 +91,22 @@ class GapFinder {
   [[nodiscard]] const Distance& At(std::size_t al_At) const { return ring_[al_At % kRing]; }
   [[nodiscard]] Verdict Judge(std::size_t al_At) const;
   [[nodiscard]] Verdict JudgeBy(const Distance& av_Distance, std::int64_t al_Before, std::int64_t al_After) const;
-  /// Counts what is missing where a period was set within the gap: each stretch by its own. `ab_Certain`: by commands
-  /// that were answered; else by the first one that was not and would have set the period behind. Where the period
-  /// before is not known (0), the first stretch lacks nothing that anybody could tell.
-  void CountByStretches(Verdict& av_Gap, bool ab_Certain, std::int64_t al_Before, std::int64_t al_Behind) const;
+  /// The periods before and behind a distance, 0 not known, and whether the one behind was set within it.
+  struct Periods {
+    std::int64_t before = 0;
+    std::int64_t behind = 0;
+    bool told = false;
+  };
+  /// Whether that command has set the period behind, within the gap. Where none is known to, the first one counts that
+  /// was not answered, or has no sure place, and would have set it.
+  [[nodiscard]] static bool SetsPeriod(const PeriodChange& av_Change, const Verdict& av_Gap, const Periods& av_Periods);
+  /// Counts what is missing where a period was set within the gap: each stretch by its own. Where the period before is
+  /// not known, the first stretch lacks nothing that anybody could tell. `al_Inexact`: a reading that was due so near
+  /// to a command counts for none.
+  void CountByStretches(Verdict& av_Gap, const Periods& av_Periods, std::int64_t al_Inexact = 0) const;
+  /// Whether the distance is long for the shorter of two periods alone, the clock having no part in it and the places
+  /// of the commands being known.
+  [[nodiscard]] bool IsLongForOne(const Distance& av_Distance, const Periods& av_Periods) const;
   /// The first distance of the window before that one.
   [[nodiscard]] static std::size_t WindowBegin(std::size_t al_At) { return al_At > kWindow ? al_At - kWindow : 0; }
   [[nodiscard]] bool IsShort(std::size_t al_At) const;

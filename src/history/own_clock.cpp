@@ -14,12 +14,10 @@ bool IsJump(std::int64_t al_Seconds) {
   return std::abs(al_Seconds) > kClockJump;
 }
 
-/// The jump of a unit by which it goes back as this computer's clock went forward; none where none did.
-std::optional<std::int64_t> Agreeing(const std::vector<std::int64_t>& av_Jumps, std::int64_t al_Forward) {
-  const auto agreeing = std::find_if(av_Jumps.begin(), av_Jumps.end(),
-                                     [al_Forward](std::int64_t jump) { return !IsJump(al_Forward + jump); });
-  if (!IsJump(al_Forward) || agreeing == av_Jumps.end()) return std::nullopt;
-  return *agreeing;
+/// Whether this computer's clock has gone forward and a unit went back by as much.
+bool Agree(const std::vector<std::int64_t>& av_Jumps, std::int64_t al_Forward) {
+  return IsJump(al_Forward) &&
+         std::ranges::any_of(av_Jumps, [al_Forward](std::int64_t jump) { return !IsJump(al_Forward + jump); });
 }
 
 /// Whether most units had to be set by less if this computer's clock has been set by `al_Passed` before.
@@ -57,7 +55,8 @@ Moment OwnClock::TimeOf(const ContactRecord& av_Contact) const {
 std::int64_t StepOf(std::vector<std::int64_t> av_Jumps, ClockMove av_Move, bool ab_Set) {
   if (av_Move.since_heard && !IsJump(av_Move.seconds)) return 0;
   if (ab_Set) return av_Move.since_heard && MostAreNearer(av_Jumps, av_Move.seconds) ? -av_Move.seconds : 0;
-  if (const auto agreeing = Agreeing(av_Jumps, av_Move.seconds)) return *agreeing;
+  // This clock's own move is known to the second, a unit's jump to the minute.
+  if (Agree(av_Jumps, av_Move.seconds)) return -av_Move.seconds;
   std::sort(av_Jumps.begin(), av_Jumps.end());
   std::ptrdiff_t most = 0;
   std::int64_t step = 0;
@@ -90,10 +89,12 @@ std::int64_t ClockSteps::StepSoFar() const {
   std::vector<std::int64_t> jumps;
   for (const auto& [unit, jump] : jumps_) jumps.push_back(jump);
   const std::int64_t step = StepOf(jumps, {round_base_ - base_, heard_}, set_);
+  const std::int64_t off = clock_.SetBackSince(0);
+  // What undoes the former steps but for what nobody knows that exactly has set this computer's clock right.
+  if (step != 0 && Agree({step}, off)) return -off;
   if (step != 0 || heard_ || set_) return step;
-  if (!std::ranges::all_of(jumps, IsJump)) return 0;
-  // Behind a start one unit does, too, that jumps by just what this computer's clock was off: it was set right.
-  return Agreeing(jumps, clock_.SetBackSince(0)).value_or(0);
+  // Behind a start one unit does, too, that jumps by just what this computer's clock was off.
+  return std::ranges::all_of(jumps, IsJump) && Agree(jumps, off) ? -off : 0;
 }
 
 std::int64_t ClockSteps::EndRound() {

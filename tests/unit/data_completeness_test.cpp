@@ -99,6 +99,8 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
       {"set forward in a longer gap", "0 +15*5 +120 +15*5", step(75, 195, 3600), "75-195:3"},
       {"set back in a gap", "0 +15*5 +75 +15*5", step(75, 150, -3600), "75-150:4"},
       {"set by command", "0 +15*5 +1000 +15*5", step(100, 1075, {}), "75-1075:clock"},
+      {"set by command, with a longer gap behind", "0 +15*5 +1000 +15*5", step(100, 100, {}), "75-1075:66"},
+      {"set by command, with a shorter gap behind", "0 +15*5 +1000 +15*5", step(800, 800, {}), "75-1075:17"},
       {"set by more than the distance", "0 +15*5 +75 +15*5", step(75, 150, 36000), "75-150:4"},
       {"set forward in one of two", "0 +15*5 +90 +15*5 +75 +15*5", step(60, 330, 3600), "75-165:5 240-315:clock"},
       {"set forward in either of two", "0 +15*5 +120 +15*5 +120 +15*5", step(60, 400, 3600), "75-195:3 270-390:3"},
@@ -106,6 +108,32 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
       {"set where nothing is missing", "0 +15*9", step(30, 30, {}), ""},
       {"ten years are the clock", "0 +15*5 +6000000 +15*5", {}, "75-6000075:clock"},
       {"a told period forbids the gap", "0 +15*5 +60 +15*2", period(80, 3600), ""},
+      {"a told shorter period whose first reading is missing", "0 +360*9 +360 +180*9", period(3310, 10800),
+       "3240-3600:1"},
+      {"it was set just before that, or behind it", "0 +360*9 +360 +180*9", period(3412, 10800), ""},
+      {"the clock may have been set then, too", "0 +360*9 +360 +180*9",
+       [&] {
+         ScanHints hints = period(3310, 10800);
+         hints.steps.push_back(step(3000, 3900, 3600).steps[0]);
+         return hints;
+       }(),
+       ""},
+      {"what the unit's clock showed then is not known", "0 +360*9 +360 +180*9",
+       [&] {
+         ScanHints hints = period(3310, 10800);
+         hints.periods[0].placed = false;
+         return hints;
+       }(),
+       ""},
+      {"a period set in another distance than it seems", "0 +240*10 +300 +180*9",
+       [&] {
+         ScanHints hints = period(2300, 10800);
+         hints.periods[0].placed = false;
+         return hints;
+       }(),
+       ""},
+      {"a perhaps set period likewise", "0 +360*9 +360 +180*9", period(3310, 10800, false), "3240-3600:1"},
+      {"a told longer period, readings missing before", "0 +15*30 +60 +60*9", period(487, 3600), "450-510:1"},
       {"a told period begins anew", "0 +60*30 +15 +60 +15*2", period(1800, 900), "1815-1875:3"},
       {"a gap across a told period counts by both", "0 +15*30 +150 +60*5", period(480, 3600), "450-600:3"},
       {"a period that was perhaps set", "0 +15*30 +150 +60*5", period(480, 3600, false), "450-600:3"},

@@ -68,6 +68,41 @@ TEST(ClockBook, TellsStepsOfTheUnitsClockFromThoseOfThisComputers) {
   }
 }
 
+TEST(ClockBook, KnowsWhatAClockShowedThatTellsNothing) {
+  ContactRecord set_period = Contact(30 * 24, 0, kSetLogPeriod);
+  set_period.clock_offset.reset();
+  set_period.period_minutes = 180;
+  const auto ahead = [&](std::vector<ContactRecord> contacts) {
+    ClockBook book;
+    for (const ContactRecord& contact : contacts) book.Take(contact, OwnClock());
+    book.Take(set_period, OwnClock());
+    return book.hints().periods.back().at - At(30 * 24);
+  };
+  EXPECT_EQ(ahead({Contact(0, 0), Contact(20 * 24, -100)}), -150) << "it loses five seconds a day";
+  EXPECT_EQ(ahead({Contact(0, 0), Contact(2 * 24, -59)}), -59) << "a header tells whole minutes";
+  EXPECT_EQ(ahead({Contact(0, 0), Contact(1, 3600), Contact(20 * 24, 3500)}), 3450) << "since it was set forward";
+  EXPECT_EQ(ahead({Contact(0, 0), Contact(20 * 24, -200)}), -300) << "a long silence is no jump";
+  EXPECT_EQ(ahead({}), 0) << "nothing is known";
+  EXPECT_EQ(ahead({Contact(0, 90), Contact(20 * 24, 0, kSetDate)}), 0) << "since it was set by command";
+  ClockBook book;
+  const auto at = [&](std::size_t i) { return book.hints().periods.at(i).at - At((30 + std::int64_t(i) * 30) * 24); };
+  book.Take(set_period, OwnClock());
+  book.Take(Contact(35 * 24, 3000, kDownload, 7200), OwnClock());
+  EXPECT_EQ(at(0), 3600 + 3000) << "by what is heard first behind it";
+  book.Take(Contact(45 * 24, 3100, kDownload, 7200), OwnClock());
+  EXPECT_EQ(at(0), 3600 + 3000) << "ten days say little of how it goes";
+  book.Take(Contact(55 * 24, 3200, kDownload, 7200), OwnClock());
+  EXPECT_EQ(at(0), 3600 + 2950) << "it gains ten seconds a day";
+  EXPECT_FALSE(book.hints().periods.at(0).placed);
+  set_period.at = Moment{set_period.at.utc + 30 * kSecondsPerDay, 7200};
+  book.Take(set_period, OwnClock());
+  EXPECT_EQ(at(1), 3600 + 3250);
+  EXPECT_FALSE(book.hints().periods.at(1).placed);
+  book.Take(Contact(65 * 24, 3220, kDownload, 7200), OwnClock());
+  EXPECT_EQ(at(1), 3600 + 3210) << "by what it told before and behind";
+  EXPECT_TRUE(book.hints().periods.at(1).placed);
+}
+
 TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
   struct Row {
     const char* name;
@@ -84,10 +119,10 @@ TEST(OwnClock, IsTheOneThatWasSetWhereTheUnitsAgree) {
       {"half of them", {7200, 7200, 0, 1}, kUnknown, 0},
       {"they have drifted", {100, 110, 119}, kUnknown, 0},
       {"all were set by hand, this clock has not moved", {7200, 7200, 7200}, {1, true}, 0},
-      {"one alone, and this clock was set back by as much", {7200}, {-7201, true}, 7200},
+      {"one alone, and this clock was set back by as much", {7200}, {-7201, true}, 7201},
       {"one alone, and this clock was set back by another time", {600}, {-7201, true}, 0},
       {"and another unit, heard before that, has not jumped", {-78738, 4}, {78738, true}, -78738},
-      {"one alone, and this clock was set back by as much since the start", {7200}, {-7201, false}, 7200},
+      {"one alone, and this clock was set back by as much since the start", {7200}, {-7201, false}, 7201},
       {"one alone, and since the start it has not moved", {7200}, {0, false}, 0},
       {"this computer was halted, as a virtual one can be", {1, 2}, {30000, true}, 0},
       {"this clock was set back, then the units by command", {155116, 149251, -9000}, {-158636, true}, 158636, true},
@@ -122,7 +157,7 @@ TEST(ClockSteps, HoldTheJumpsOfARoundAgainstTheClockOfItsBegin) {
   started.Take({ahead}, 0);
   started.BeginRound(1000);
   started.TakeJump(1, 157430, false);
-  EXPECT_EQ(started.StepSoFar(), 157430) << "it was set right before the start";
+  EXPECT_EQ(started.StepSoFar(), 157439) << "it was set right before the start, by just what it was off";
   started.TakeJump(2, 0, false);
   EXPECT_EQ(started.EndRound(), 0) << "another unit has not jumped";
 }
