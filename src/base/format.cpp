@@ -327,16 +327,17 @@ std::string DatePattern::Text(DateTime when) const {
   return text;
 }
 
-std::string FormatDate(DateTime when, std::string_view pattern) {
-  return DatePattern(pattern).Text(when);
-}
-
 namespace {
 
-// Not built at the first call: it has to be there still when the end of the process writes its last log lines.
+// Not built at the first call: they have to be there still when the end of the process writes its last log lines.
 const DatePattern kGeneral("yyyy-mm-dd HH:NN:SS");
+const DatePattern kShown(kShownDatePattern);
 
 }  // namespace
+
+std::string FormatDate(DateTime when, std::string_view pattern) {
+  return pattern == kShownDatePattern ? kShown.Text(when) : DatePattern(pattern).Text(when);
+}
 
 std::string GeneralDate(DateTime when) {
   return kGeneral.Text(when);
@@ -360,10 +361,8 @@ std::optional<std::int64_t> ParseTimeOfDay(std::string_view text) {
 }
 
 std::optional<DateTime> ParseDate(std::string_view text) {
-  std::vector<std::string_view> words;
-  for (const std::string_view word : Split(text, ' ')) {
-    if (!word.empty()) words.push_back(word);
-  }
+  std::vector<std::string_view> words = Split(text, ' ');
+  std::erase_if(words, [](std::string_view word) { return word.empty(); });
   const auto date = TakeDate(words);
   if (!date || words.size() > 1) return std::nullopt;
   const auto time = words.empty() ? std::optional<std::int64_t>(0) : ParseTimeOfDay(words[0]);

@@ -61,6 +61,7 @@ std::string_view Trim(std::string_view text) {
 
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> fields;
+  fields.reserve(8);
   SplitInto(text, separator, fields);
   return fields;
 }

@@ -29,7 +29,7 @@ Alerts::~Alerts() {
 }
 
 bool Alerts::SwitchedOn() const {
-  return p_.runner != nullptr && !ReadNetworkSettings(p_.form).alert_command.empty();
+  return p_.runner != nullptr && !Trim(p_.form.Txt_AlertCommand.text()).empty();
 }
 
 void Alerts::AfterRound(const NetworkStatus& av_Status) {
@@ -50,9 +50,7 @@ void Alerts::AfterRoundInTheDark() {
 void Alerts::OnHeartbeat() {
   if (!SwitchedOn() || p_.runner->Running()) return;
   const std::int64_t now = p_.loop.MonotonicMilliseconds();
-  const bool digest =
-      read_ && !held_ && DigestIsDue(standing_, ReadNetworkSettings(p_.form).digest_at, p_.loop.NowUtc());
-  if (now < next_look_ && !digest) return;
+  if (now < next_look_ && !DigestIsDueNow()) return;
   next_look_ = now + kLookMilliseconds;
   held_ = false;
   const auto status = work_out_status();
@@ -60,6 +58,11 @@ void Alerts::OnHeartbeat() {
   // A round of a former run is no news.
   if (last_round_ == kNoRound) last_round_ = status->last.key;
   LookAt(*status, true);
+}
+
+bool Alerts::DigestIsDueNow() const {
+  if (!read_ || held_ || p_.form.Txt_DigestAt.text().empty()) return false;
+  return DigestIsDue(standing_, ReadNetworkSettings(p_.form).digest_at, p_.loop.NowUtc());
 }
 
 bool Alerts::RoundHasEnded(const NetworkStatus& av_Status) const {

@@ -61,6 +61,7 @@ class Alerts {
  private:
   static constexpr std::int64_t kNoRound = -1;
 
+  [[nodiscard]] bool DigestIsDueNow() const;
   [[nodiscard]] bool RoundHasEnded(const NetworkStatus& av_Status) const;
   void LookAt(const NetworkStatus& av_Status, bool ab_Known);
   void ReadStanding();

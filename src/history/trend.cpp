@@ -1,6 +1,7 @@
 #include "history/trend.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace corvane {
@@ -16,16 +17,18 @@ double Median(std::vector<double>& av_Values) {
 }  // namespace
 
 std::optional<Trend> RobustTrend(const std::vector<TrendPoint>& av_Points, std::size_t al_Fewest) {
-  if (av_Points.size() < al_Fewest) return std::nullopt;
+  if (av_Points.empty() || av_Points.size() < al_Fewest) return std::nullopt;
+  const auto [first, last] = std::ranges::minmax(av_Points, {}, &TrendPoint::days);
+  if (first.days == last.days) return std::nullopt;
   std::vector<double> values;
-  values.reserve(av_Points.size() * (av_Points.size() - 1) / 2);
+  values.reserve(av_Points.size() * av_Points.size() / 4);
   for (std::size_t i = 0; i < av_Points.size(); ++i) {
     for (std::size_t j = i + 1; j < av_Points.size(); ++j) {
       const double days = av_Points[j].days - av_Points[i].days;
-      if (days != 0) values.push_back((av_Points[j].value - av_Points[i].value) / days);
+      if (2 * std::abs(days) < last.days - first.days) continue;
+      values.push_back((av_Points[j].value - av_Points[i].value) / days);
     }
   }
-  if (values.empty()) return std::nullopt;
   Trend trend;
   trend.slope = Median(values);
   values.clear();

@@ -1,14 +1,13 @@
 #include "rounds/network_watch.h"
 
 #include "base/format.h"
-#include "history/network_settings.h"
 #include "link/schedule.h"
 
 namespace corvane {
 namespace {
 
 constexpr std::int64_t kLook = 60'000;   ///< milliseconds
-constexpr std::int64_t kSayAlive = 600;  ///< seconds
+constexpr std::int64_t kSayAlive = 900;  ///< seconds
 
 bool SaysTheSame(const NetworkRecord& av_One, const NetworkRecord& av_Other) {
   return av_One.version == av_Other.version && av_One.automatic == av_Other.automatic &&
@@ -27,17 +26,16 @@ void NetworkWatch::Open() {
   Write();
 }
 
-NetworkRecord NetworkWatch::Present() const {
-  const NetworkSettings settings = ReadNetworkSettings(p_.form);
+NetworkRecord NetworkWatch::Present(const NetworkSettings& av_Settings) const {
   NetworkRecord record;
   record.version = AppInfo::VersionText();
   record.automatic = p_.form.Chk_Automatic.ticked();
   record.interval = AutomaticInterval(p_.form.Txt_AutomaticInterval.text());
   record.next_download = ParseDate(p_.form.Lbl_NextDownload.text()).value_or(DateTime());
   record.goes_on = GoesOn(p_.form, p_.flags);
-  record.late_after = settings.late_after;
-  record.battery_limit = settings.battery_limit;
-  record.repairs_gaps = settings.repairs_gaps;
+  record.late_after = av_Settings.late_after;
+  record.battery_limit = av_Settings.battery_limit;
+  record.repairs_gaps = av_Settings.repairs_gaps;
   record.alive = p_.loop.NowUtc();
   record.open = true;
   return record;
@@ -45,28 +43,32 @@ NetworkRecord NetworkWatch::Present() const {
 
 void NetworkWatch::Write() {
   if (timer_ == nullptr) return;
-  written_ = Present();
+  written_ = Present(ReadNetworkSettings(p_.form));
   p_.history.NoteNetwork(written_);
 }
 
 void NetworkWatch::Look() {
-  if (p_.history.Round().key == 0) p_.history.FollowUnits();
-  const NetworkRecord present = Present();
+  const bool between_rounds = p_.history.Round().key == 0;
+  if (between_rounds) p_.history.FollowUnits();
+  const NetworkSettings settings = ReadNetworkSettings(p_.form);
+  const NetworkRecord present = Present(settings);
   if (!SaysTheSame(present, written_) || present.alive - written_.alive >= kSayAlive) {
-    Write();
+    written_ = present;
+    p_.history.NoteNetwork(written_);
   } else {
     p_.history.Flush();
   }
-  if (p_.history.Round().key == 0) p_.history.ForgetBefore(ReadNetworkSettings(p_.form).history_years);
+  if (between_rounds) p_.history.ForgetBefore(settings.history_years);
 }
 
 void NetworkWatch::Close() {
   if (timer_ == nullptr) return;
   timer_.reset();
   p_.history.FollowUnits();
+  const NetworkSettings settings = ReadNetworkSettings(p_.form);
   // Programs that run for a round only never look.
-  p_.history.ForgetBefore(ReadNetworkSettings(p_.form).history_years);
-  written_ = Present();
+  p_.history.ForgetBefore(settings.history_years);
+  written_ = Present(settings);
   written_.open = false;
   p_.history.NoteNetwork(written_);
   p_.history.Close();

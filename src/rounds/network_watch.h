@@ -6,6 +6,7 @@
 
 #include "form/form.h"
 #include "history/history.h"
+#include "history/network_settings.h"
 #include "platform/event_loop.h"
 #include "platform/history_records.h"
 #include "state/app_info.h"
@@ -39,7 +40,7 @@ class NetworkWatch {
  private:
   /// Writes what has changed since the last look, and every few minutes that the program is alive.
   void Look();
-  [[nodiscard]] NetworkRecord Present() const;
+  [[nodiscard]] NetworkRecord Present(const NetworkSettings& av_Settings) const;
 
   Parts p_;
   std::unique_ptr<Timer> timer_;  ///< none while no history is kept
