@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-# Converts one raw file into its calibrated file, written apart from the programs so that it can judge theirs.
+# Converts raw files into their calibrated files, written apart from the programs so that it can judge theirs.
 #
-#   convert.py HOME UNIT RAWFILE OUT
+#   convert.py HOME [UNIT RAWFILE OUT]...
 #
 # HOME is the application folder, UNIT the number of the unit's record in corvane.ini. The formats are those of
 # docs/formats: settings-file.md, lookup-file.md, raw-file.md and calibrated-file.md. Settings or tables that allow no
@@ -178,13 +178,14 @@ class Conversion:
         return cells if self.uncorrected else cells[1:]
 
 
-def main(home, unit, raw_file, out):
-    # What stands behind the last line end is no reading.
-    first_line, *lines = lines_of(Path(raw_file), "latin-1")[:-1] or [""]
-    conversion = Conversion(Path(home), unit, first_line)
-    rows = list(conversion.rows(lines))
-    text = "".join(line + "\r\n" for line in [conversion.header(), *rows] if rows)
-    Path(out).write_bytes(text.encode("utf-8", "surrogateescape"))
+def main(home, *files):
+    for unit, raw_file, out in zip(files[0::3], files[1::3], files[2::3]):
+        # What stands behind the last line end is no reading.
+        first_line, *lines = lines_of(Path(raw_file), "latin-1")[:-1] or [""]
+        conversion = Conversion(Path(home), unit, first_line)
+        rows = list(conversion.rows(lines))
+        text = "".join(line + "\r\n" for line in [conversion.header(), *rows] if rows)
+        Path(out).write_bytes(text.encode("utf-8", "surrogateescape"))
 
 
 if __name__ == "__main__":

@@ -115,7 +115,7 @@ void Year::JudgeUnit() {
   if (!was_whole || !round_.downloads || last_deed_ >= round_.began || HasTrouble()) return;
   const std::size_t row = random_.Below(rows_.size());
   if (!fs::exists(rows_[row].path)) return;
-  JudgeCalibrated({row}, 0);
+  JudgeCalibrated({row});
   if (ftp_.mood == FtpSite::Mood::Well) JudgeSent(rows_[row]);
 }
 
@@ -167,7 +167,8 @@ void Year::JudgeEnd() {
   if (!IsUtf8(log) || log.size() > kLargestLog) Break("the log is no text or too long");
   std::vector<std::size_t> all(rows_.size());
   std::iota(all.begin(), all.end(), 0);
-  if (outcome_.broken.empty()) JudgeCalibrated(all, kConvertedApart);
+  if (outcome_.broken.empty()) JudgeCalibrated(all);
+  if (outcome_.broken.empty()) JudgeConvertedApart(kConvertedApart);
   outcome_.history = ReadHistory();
   if (outcome_.broken.empty()) JudgeGaps(outcome_.history);
   outcome_.digest = Digest();
@@ -192,8 +193,8 @@ void Year::JudgeSent(const RawBook& row) {
   if (ftp_.files[sent.substr(home_.size())] != ReadAll(sent)) Break("the server does not hold " + sent);
 }
 
-/// Held against a conversion in an empty folder, and the first `apart` units against one that was written apart.
-void Year::JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apart) {
+/// Held against a conversion in an empty folder.
+void Year::JudgeCalibrated(const std::vector<std::size_t>& rows) {
   World fresh;
   for (const char* name : {"corvane.ini", "moisture.lkp", "salinity.lkp", "salcorr.lkp"}) {
     fresh.home.Write(name, Replaced(ReadAll(home_ + "/" + name), home_, fresh.home.path()));
@@ -207,19 +208,27 @@ void Year::JudgeCalibrated(const std::vector<std::size_t>& rows, std::size_t apa
     converter.commands().ConvertAll(true);
   }
   for (const std::size_t row : rows) {
-    const fs::path raw = rows_[row].path;
-    const fs::path calibrated = fs::path(raw).replace_extension("txt");
+    const fs::path calibrated = fs::path(rows_[row].path).replace_extension("txt");
     const std::string here = ReadAll(calibrated);
     if (here.empty() || here != fresh.home.Read(name_of(calibrated))) {
       Break(calibrated.string() + " is not what a fresh conversion gives");
     }
-    if (row >= apart) continue;
-    const std::string other = fresh.home.Name("other.txt");
-    const std::string command = "python3 " FIELD_YEAR_DIR "/convert.py " + home_ + " " + std::to_string(row + 1) + " " +
-                                raw.string() + " " + other;
-    if (std::system(command.c_str()) != 0 || here != ReadAll(other)) {
+  }
+}
+
+/// The first units' files held against a conversion that was written apart.
+void Year::JudgeConvertedApart(std::size_t units) {
+  const TempFolder folder;
+  const auto other = [&folder](std::size_t row) { return folder.Name(std::to_string(row)); };
+  std::string command = "python3 " FIELD_YEAR_DIR "/convert.py " + home_;
+  units = std::min(units, rows_.size());
+  for (std::size_t row = 0; row < units; ++row)
+    command += " " + std::to_string(row + 1) + " " + rows_[row].path + " " + other(row);
+  if (std::system(command.c_str()) != 0) return Break("the conversion written apart fails: " + command);
+  for (std::size_t row = 0; row < units; ++row) {
+    const fs::path calibrated = fs::path(rows_[row].path).replace_extension("txt");
+    if (ReadAll(calibrated) != ReadAll(other(row)))
       Break(calibrated.string() + " is not what a conversion written apart gives");
-    }
   }
 }
 
