@@ -10,6 +10,7 @@
 #include "base/paths.h"
 #include "desktop/environment.h"
 #include "state/home_folder.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 
@@ -22,7 +23,8 @@ std::string ChooseApplicationFolder(const std::string& home_option, const Shell&
   choice.user_home = Environment("HOME");
   choice.current_folder = std::filesystem::current_path(error).string();
   choice.program_folder = shell.ProgramFolder();
-  choice.program_folder_has_settings = ExamineFile(AddBackslash(choice.program_folder) + "corvane.ini").has_value();
+  choice.program_folder_has_settings =
+      ExamineFile(AddBackslash(choice.program_folder) + std::string(kSettingsFile)).has_value();
   return ApplicationFolder(choice);
 }
 

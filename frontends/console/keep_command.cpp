@@ -23,6 +23,7 @@
 #include "setup/keeping.h"
 #include "setup/restoring.h"
 #include "sqlite/sqlite_history_store.h"
+#include "state/settings_file.h"
 #include "text_table.h"
 #include "zip/libzip_archive.h"
 
@@ -75,7 +76,7 @@ std::string ProblemOfCommand(const std::string& command) {
 
 int Keep(Desk& desk, const Options& options) {
   Application& app = desk.app;
-  if (!ExamineFile(app.app().AppPath("corvane.ini"))) {
+  if (!ExamineFile(app.app().AppPath(kSettingsFile))) {
     return Refuse("there is nothing to keep: " + app.app().Folder() + " has no settings yet", kNotStarted);
   }
   const KeptSettings settings = SettingsToKeep(app.app());

@@ -27,6 +27,7 @@
 #include "serial/termios_port.h"
 #include "setup/restore_moves.h"
 #include "sqlite/sqlite_history_store.h"
+#include "state/settings_file.h"
 #include "status_command.h"
 #include "zip/libzip_component.h"
 
@@ -98,7 +99,7 @@ class VerboseTrace {
 
 bool CanReadSettings(const std::string& folder) {
   std::string bytes;
-  return ReadAt(AddBackslash(folder) + "corvane.ini", 0, 1, bytes).ok();
+  return ReadAt(AddBackslash(folder) + std::string(kSettingsFile), 0, 1, bytes).ok();
 }
 
 /// Everything that lives while one command runs.
@@ -154,7 +155,7 @@ class Program {
       output_.Error("corvanectl: the application folder cannot be used: " + folder_ + " is no folder");
       return false;
     }
-    if (!ExamineFile(AddBackslash(folder_) + "corvane.ini")) {
+    if (!ExamineFile(AddBackslash(folder_) + std::string(kSettingsFile))) {
       output_.Error("corvanectl: there are no settings in " + folder_ + " yet; what follows are the defaults");
     }
     return true;

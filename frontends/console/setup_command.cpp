@@ -15,6 +15,7 @@
 #include "setup/value_words.h"
 #include "setup_stations.h"
 #include "setup_talk.h"
+#include "state/settings_file.h"
 #include "text_table.h"
 
 namespace corvane::console {
@@ -364,7 +365,7 @@ int SetUp(Desk& desk, const Options& options) {
   }
   saves_nothing = false;
   if (!desk.app.setup().PutIn(walk.plan())) return kProblems;
-  desk.output.Line("Saved in " + desk.app.app().AppPath("corvane.ini"));
+  desk.output.Line("Saved in " + desk.app.app().AppPath(kSettingsFile));
   const int status = walk.collects() ? Download(desk, options) : kAllWell;
   desk.output.Line("The files are in " + desk.app.names().DataFolder());
   if (walk.plan().automatic)

@@ -34,6 +34,7 @@
 #include "setup/practice.h"
 #include "setup/restore_moves.h"
 #include "sqlite/sqlite_history_store.h"
+#include "state/settings_file.h"
 #include "window/main_window.h"
 #include "window/toolkit_messages.h"
 #include "zip/libzip_component.h"
@@ -45,7 +46,6 @@ namespace {
 constexpr std::chrono::seconds kTimeToSave{5};
 constexpr std::int64_t kRefusalSeconds = 10;
 constexpr std::int64_t kMillisecondsASecond = 1000;
-constexpr const char* kSettingsFileName = "corvane.ini";
 constexpr const char* kLanguageFileName = "hveng.lng";
 constexpr const char* kLanguageResource = ":/hveng.lng";
 
@@ -110,7 +110,7 @@ class Program {
     if (const Status finished = FinishRestore(folder_, replaced); !finished.ok()) {
       return Refuse("A restore was broken off and cannot be finished: " + finished.text());
     }
-    const bool is_new = !ExamineFile(AddBackslash(folder_) + kSettingsFileName);
+    const bool is_new = !ExamineFile(AddBackslash(folder_) + std::string(kSettingsFile));
     ProvideLanguageFile(folder_);
     app_ = std::make_unique<Application>(
         Platform{loop_, port_, shell_, dialogs_, internet_, zip_, FindHelp(shell_.ProgramFolder()),

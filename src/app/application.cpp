@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/paths.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 
@@ -34,7 +35,7 @@ Application::Application(const Platform& av_Platform, std::string as_Folder)
 }
 
 void Application::NameFiles() {
-  settings_.store.SetFile(state_.app.AppPath("corvane.ini"));
+  settings_.store.SetFile(state_.app.AppPath(kSettingsFile));
   report_.trace.SetLogFile(state_.app.AppPath("corvane.log"));
   report_.summary.SetFile(state_.app.AppPath("summary.csv"));
 }

@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "form/entering.h"
 #include "setup/value_words.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 namespace {
@@ -40,7 +41,7 @@ void RequireKept(const std::string& as_Value) {
     throw RunTimeError("takes at most " + std::to_string(TextField::kLongestText) + " characters");
   }
   // Intended: the settings file writes an empty text as this word.
-  if (as_Value == "null") throw RunTimeError("does not take the word null, which stands for an empty text");
+  if (as_Value == kEmptyValue) throw RunTimeError("does not take the word null, which stands for an empty text");
 }
 
 }  // namespace

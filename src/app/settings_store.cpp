@@ -8,12 +8,11 @@
 #include "base/numbers.h"
 #include "base/replacement_file.h"
 #include "base/text.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::size_t kLongestValue = 126;  // characters
-constexpr std::string_view kEmptyValue = "null";
 constexpr int kKeptRecoveries = 3;  ///< that nobody answered for
 
 /// FNV-1a, 64 bits: tells one file from another, keeps no secret.

@@ -7,13 +7,12 @@
 #include <tuple>
 #include <utility>
 
-#include "base/paths.h"
+#include "history/history_reading.h"
 #include "history/waiting_records.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::string_view kFileName = "history.db";
 constexpr std::int64_t kHoldOff = 30'000;  ///< milliseconds without another try: each may take a tenth of a second
 constexpr std::int64_t kSecondsPerYear = 31'557'600;
 constexpr Moment kEver{1, 0};
@@ -23,7 +22,7 @@ constexpr Moment kNever{std::numeric_limits<std::int64_t>::max(), 0};
 
 void History::Open(const std::string& as_Folder) {
   if (p_.store == nullptr) return;
-  file_ = AddBackslash(as_Folder) + std::string(kFileName);
+  file_ = HistoryFile(as_Folder);
   clock_steps_.Start(ClockBase());
   FollowUnits();
 }

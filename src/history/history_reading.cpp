@@ -26,7 +26,7 @@ constexpr std::array kFailures = {
 }  // namespace
 
 std::string HistoryFile(const std::string& as_Folder) {
-  return AddBackslash(as_Folder) + "history.db";
+  return AddBackslash(as_Folder) + std::string(kHistoryFile);
 }
 
 Status HistoryFailure(const Status& av_Failure, const std::string& as_File) {

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "base/status.h"
 #include "platform/history_store.h"
 
 namespace corvane {
 
+inline constexpr std::string_view kHistoryFile = "history.db";  ///< in the application folder
 /// Where the history of an application folder lies.
 [[nodiscard]] std::string HistoryFile(const std::string& as_Folder);
 /// A failure of the store in words for the user, one sentence that says what to do; the code stays.

@@ -5,11 +5,10 @@
 #include <cstddef>
 
 #include "base/text.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 namespace {
-
-constexpr std::size_t kLongestDevice = 126;  // characters, what the settings file keeps of a value
 
 constexpr struct {
   Phrase no_slash{1520, "the name of a device begins with \"/\", such as /dev/ttyUSB0"};
@@ -39,7 +38,7 @@ std::string WordFor(DevicePresence av_Presence, const Phrases& av_Phrases = {}) 
 }
 
 bool IsTooLong(std::string_view as_Device) {
-  return CutCharacters(as_Device, kLongestDevice).size() < as_Device.size();
+  return CutCharacters(as_Device, kLongestValue).size() < as_Device.size();
 }
 
 }  // namespace
@@ -106,7 +105,7 @@ Status PortChoices::Check(std::string_view as_Device, const Phrases& av_Phrases)
   const bool plain = std::all_of(device.begin(), device.end(), [](unsigned char c) { return c >= ' ' && c != 127; });
   if (!device.starts_with('/')) return {EINVAL, av_Phrases.Text(kPortSays.no_slash)};
   if (!plain) return {EINVAL, av_Phrases.Text(kPortSays.not_plain)};
-  if (IsTooLong(device)) return {ENAMETOOLONG, av_Phrases.Text(kPortSays.too_long, {std::to_string(kLongestDevice)})};
+  if (IsTooLong(device)) return {ENAMETOOLONG, av_Phrases.Text(kPortSays.too_long, {std::to_string(kLongestValue)})};
   return Status::Ok();
 }
 

@@ -119,6 +119,10 @@ std::string ClientFolderFor(std::string_view as_Client,
   return folder;
 }
 
+std::string RawFileKey(std::string_view as_Folder, std::string_view as_ID) {
+  return AddBackslash(WithSlashes(Trim(as_Folder))) + "\n" + std::string(as_ID);
+}
+
 std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases) {
   const ServerAddress server = ParseServer(as_Text);
   if (server.port != 0 && server.host.find_first_of("/@ ") == std::string::npos) return {};

@@ -33,6 +33,8 @@ inline constexpr double kHighestID = INT32_MAX;
 /// A client's name as that of its folder: what cannot stand in one becomes "_", and where it is taken it gets a number.
 [[nodiscard]] std::string ClientFolderFor(std::string_view as_Client,
                                           const std::function<bool(const std::string& folder)>& av_IsTaken);
+/// What two units have in common that would write one raw file: their clients' folder, empty without a client, and ID.
+[[nodiscard]] std::string RawFileKey(std::string_view as_Folder, std::string_view as_ID);
 [[nodiscard]] std::string ServerProblem(std::string_view as_Text, const Phrases& av_Phrases = {});
 /// A file that has to be there.
 [[nodiscard]] std::string FileProblem(std::string_view as_Text, const AppInfo& av_App, const Phrases& av_Phrases = {});

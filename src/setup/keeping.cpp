@@ -9,7 +9,9 @@
 #include "base/paths.h"
 #include "base/profile.h"
 #include "base/text.h"
+#include "history/history_reading.h"
 #include "setup/field_rules.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 namespace {
@@ -17,9 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view kGeneral = "General";
-constexpr std::string_view kSettingsFile = "corvane.ini";
-constexpr std::string_view kHistoryFile = "history.db";
-constexpr std::string_view kNoText = "null";
 
 /// Takes a file away at the end, whatever happens.
 class TemporaryFile {
@@ -39,7 +38,7 @@ std::string WithoutPasswords(std::string as_Settings, const KeptSettings& av_Rul
   profile.Parse(std::move(as_Settings));
   for (const std::string_view section : {std::string_view("General"), std::string_view("Clients")}) {
     for (const std::string& key : profile.Keys(section)) {
-      if (av_Rules.is_password(section, key)) profile.Set(section, key, kNoText);
+      if (av_Rules.is_password(section, key)) profile.Set(section, key, kEmptyValue);
     }
   }
   return profile.Text();
@@ -103,7 +102,7 @@ void Keeping::AddNamedFiles(const std::string& as_Settings) {
   profile.Parse(as_Settings);
   for (const auto& [key, fallback] : p_.settings.paths) {
     const std::string value = profile.Get(kGeneral, key, fallback);
-    if (value.empty() || value == kNoText) continue;
+    if (value.empty() || value == kEmptyValue) continue;
     const std::string file = p_.app.AppPath(WithSlashes(value));
     const auto about = ExamineFile(file);
     if (about && about->is_folder) continue;

@@ -8,14 +8,13 @@
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/profile.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 namespace {
 
 constexpr std::int64_t kSecondsAMinute = 60;
 constexpr const char* kDayAfterWhichItEnds = "86400";
-/// A longer value of the settings file is not read to its end.
-constexpr std::size_t kLongestValue = 126;
 
 constexpr const char* kMarkText =
     "PRACTICE\n"
@@ -111,7 +110,7 @@ std::vector<PracticeFile> PracticeFiles(const std::string& as_Folder) {
   settings.Parse(kSettings);
   settings.Set("Ports", "COM1", AddBackslash(as_Folder) + kPracticeDevice);
   return {{kPracticeMark, kMarkText},
-          {"corvane.ini", settings.Text()},
+          {std::string(kSettingsFile), settings.Text()},
           {"moisture.lkp", kMoistureTable},
           {"salinity.lkp", kSalinityTable},
           {"salcorr.lkp", kCorrectionTable}};

@@ -15,15 +15,15 @@
 #include "base/replacement_file.h"
 #include "base/status.h"
 #include "base/text.h"
+#include "history/history_reading.h"
 #include "setup/field_rules.h"
+#include "state/settings_file.h"
 
 namespace corvane {
 namespace {
 
 constexpr std::string_view kGeneral = "General";
 constexpr std::string_view kDataKey = "Folder";
-constexpr std::string_view kNoText = "null";
-constexpr std::size_t kLongestValue = 126;  // characters that the settings keep
 constexpr unsigned kReadByGroup = 0640;
 constexpr std::int64_t kLargestNamedFile = 64LL * 1024 * 1024;
 constexpr int kMostFormer = 100'000;
@@ -119,7 +119,7 @@ std::vector<KeptSettings::Path>::const_iterator Restoring::PathOf(std::string_vi
 std::string Restoring::ValueOf(const std::string& as_Key) const {
   const auto path = PathOf(as_Key);
   const std::string value = settings_.Get(kGeneral, as_Key, path == rules_.paths.end() ? "" : path->fallback);
-  return value == kNoText ? std::string() : WithSlashes(value);
+  return value == kEmptyValue ? std::string() : WithSlashes(value);
 }
 
 void Restoring::Change(const std::string& as_Key, const std::string& as_Now) {
@@ -148,8 +148,8 @@ void Restoring::PlanSettings() {
 }
 
 void Restoring::PlanFile(const ArchiveEntry& av_Entry) {
-  if (av_Entry.name == kKeptSettings) return placed_.push_back({av_Entry.name, InHome("corvane.ini"), kOwnerOnly});
-  if (av_Entry.name == kKeptHistory) return placed_.push_back({av_Entry.name, InHome("history.db"), kReadByGroup});
+  if (av_Entry.name == kKeptSettings) return placed_.push_back({av_Entry.name, InHome(kSettingsFile), kOwnerOnly});
+  if (av_Entry.name == kKeptHistory) return placed_.push_back({av_Entry.name, InHome(kHistoryFile), kReadByGroup});
   if (av_Entry.name == kKeptSummary) return placed_.push_back({av_Entry.name, InHome("summary.csv")});
   if (av_Entry.name.starts_with(kKeptData)) {
     const std::string below = av_Entry.name.substr(kKeptData.size());

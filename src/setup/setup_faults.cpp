@@ -164,8 +164,8 @@ void FindSharedFiles(const SetupPlan& av_Plan, Findings& av_Findings) {
     if (!unit.active || client == clients.end()) continue;
     const std::size_t row = client->second;
     const std::string id = ShortestText(LeadingNumber(Trim(unit.id)));
-    const std::string folder = row == 0 ? "" : WithSlashes(Trim(av_Plan.clients[row - 1].folder));
-    const std::size_t first = files.emplace(id + " " + AddBackslash(folder), row).first->second;
+    const std::string folder = row == 0 ? "" : av_Plan.clients[row - 1].folder;
+    const std::size_t first = files.emplace(RawFileKey(folder, id), row).first->second;
     if (first == row || !told.insert(std::max(first, row)).second) continue;
     av_Findings.Add(SetupField::ClientFolder, std::max(first, row), av_Findings.say.Text(kFaultSays.file_shared, {id}));
   }

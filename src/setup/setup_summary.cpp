@@ -81,7 +81,7 @@ std::string StationsText(const SetupPlan& av_Plan, const Phrases& av_Say) {
   std::string text = CountText(std::ssize(av_Plan.units), kCommonPhrases.units, av_Say);
   const std::size_t active = ActiveUnits(av_Plan);
   if (active < av_Plan.units.size()) text = av_Say.Text(kValues.some_active, {text, std::to_string(active)});
-  return text + ", " + CountText(std::ssize(av_Plan.relays), kStationsSay.relays, av_Say);
+  return text + ", " + CountText(std::ssize(av_Plan.relays), kStationsSays.relays, av_Say);
 }
 
 std::string ScheduleText(const SetupPlan& av_Plan, const Phrases& av_Say) {

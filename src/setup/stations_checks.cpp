@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "base/paths.h"
 #include "registry/record_editor.h"
+#include "setup/field_rules.h"
 #include "setup/stations_fields.h"
 #include "setup/stations_phrases.h"
 
@@ -83,18 +83,17 @@ void CheckNamesAndIDs(const StationList<Record>& av_List, Findings& av_Found) {
   const Key<Record> id = [](const Record& record) { return IDText(record.ID); };
   constexpr StationColumn kName = StationColumn::Name;
   constexpr StationColumn kID = StationColumn::ID;
-  CheckSingle<Record>(av_List, {kName, kName, kStationsSay.same_name, name, name}, av_Found);
-  CheckSingle<Record>(av_List, {kID, kID, kStationsSay.same_id, id, id}, av_Found);
+  CheckSingle<Record>(av_List, {kName, kName, kStationsSays.same_name, name, name}, av_Found);
+  CheckSingle<Record>(av_List, {kID, kID, kStationsSays.same_id, id, id}, av_Found);
 }
 
 /// The folder of each client by its ID.
 using Folders = std::map<std::int32_t, std::string>;
 
-Key<Unit> RawFileKey(const Folders& av_Folders) {
+Key<Unit> KeyOfRawFile(const Folders& av_Folders) {
   return [&av_Folders](const Unit& unit) {
     const auto folder = unit.ClientID == 0 ? av_Folders.end() : av_Folders.find(unit.ClientID);
-    const std::string name = folder == av_Folders.end() ? std::string() : folder->second;
-    return AddBackslash(WithSlashes(name)) + "\n" + IDText(unit.ID);
+    return RawFileKey(folder == av_Folders.end() ? "" : folder->second, IDText(unit.ID));
   };
 }
 
@@ -103,14 +102,15 @@ void CheckUnits(const StationLists& av_Lists, Findings& av_Found) {
     return IDText(unit.ClientID) + "\n" + PlainName(TableText(unit.Name));
   };
   CheckSingle<Unit>(av_Lists.units,
-                    {StationColumn::Name, StationColumn::Client, kStationsSay.same_client_name, name, name}, av_Found);
+                    {StationColumn::Name, StationColumn::Client, kStationsSays.same_client_name, name, name}, av_Found);
   Folders now;
   Folders then;
   for (const auto& entry : av_Lists.clients.entries()) now.emplace(entry.record.ID, entry.record.Folder);
   for (const Client& client : av_Lists.clients.former()) then.emplace(client.ID, client.Folder);
   CheckSingle<Unit>(
       av_Lists.units,
-      {StationColumn::ID, StationColumn::Client, kStationsSay.same_file, RawFileKey(now), RawFileKey(then)}, av_Found);
+      {StationColumn::ID, StationColumn::Client, kStationsSays.same_file, KeyOfRawFile(now), KeyOfRawFile(then)},
+      av_Found);
 }
 
 /// Names that stand for no relay and no client.
@@ -138,7 +138,7 @@ void CheckMissed(const StationList<Record>& av_List, const StationList<Unit>& av
   for (const auto& entry : av_List.deleted()) {
     const std::int32_t id = entry.record.ID;
     if (id == 0 || there.contains(id) || !users.contains(id)) continue;
-    av_Found.Add(av_List.say().Text(kStationsSay.missed, {av_List.NameOf(entry), std::to_string(users[id])}));
+    av_Found.Add(av_List.say().Text(kStationsSays.missed, {av_List.NameOf(entry), std::to_string(users[id])}));
     users.erase(id);
   }
 }
@@ -148,8 +148,8 @@ void CheckCount(const StationList<Record>& av_List, Findings& av_Found) {
   const auto count = static_cast<std::int64_t>(av_List.entries().size());
   const auto before = static_cast<std::int64_t>(av_List.former().count());
   if (count <= RecordEditor::kMostRecords || count <= before) return;
-  av_Found.Add(av_List.say().Text(kStationsSay.too_many, {CountText(count, CountOf(av_List.kind()), av_List.say()),
-                                                          std::to_string(RecordEditor::kMostRecords)}));
+  av_Found.Add(av_List.say().Text(kStationsSays.too_many, {CountText(count, CountOf(av_List.kind()), av_List.say()),
+                                                           std::to_string(RecordEditor::kMostRecords)}));
 }
 
 }  // namespace
@@ -158,8 +158,8 @@ void CheckCarriers(const StationLists& av_Lists, std::vector<StationFault>& av_F
   Findings found(av_Lists.units.table(), av_Faults);
   CheckNamesAndIDs(av_Lists.relays, found);
   CheckNamesAndIDs(av_Lists.clients, found);
-  CheckReserved(av_Lists.relays, NoRelayNames(), kStationsSay.only_direct, found);
-  CheckReserved(av_Lists.clients, NoClientNames(), kStationsSay.only_none, found);
+  CheckReserved(av_Lists.relays, NoRelayNames(), kStationsSays.only_direct, found);
+  CheckReserved(av_Lists.clients, NoClientNames(), kStationsSays.only_none, found);
 }
 
 void CheckStations(const StationLists& av_Lists, std::vector<StationFault>& av_Faults) {

@@ -14,6 +14,7 @@
 #include "form/control.h"
 #include "setup/field_rules.h"
 #include "setup/stations_phrases.h"
+#include "state/settings_file.h"
 #include "state/unit_choices.h"
 
 namespace corvane {
@@ -40,7 +41,7 @@ template <class Record>
 StationField<Record> NameField(const Phrases& av_Say) {
   StationField<Record> field = TextFieldOf(StationColumn::Name, &Record::Name, av_Say);
   field.set = [set = field.set, say = av_Say](Record& record, const std::string& text) {
-    return text.empty() ? say.Text(kStationsSay.unnamed) : set(record, text);
+    return text.empty() ? say.Text(kStationsSays.unnamed) : set(record, text);
   };
   return field;
 }
@@ -72,7 +73,7 @@ StationField<Unit> ActiveField(const Phrases& av_Say) {
           [say = av_Say](Unit& unit, const std::string& text) {
             const bool yes = std::ranges::count(kYes, ToLower(text)) > 0;
             if (!yes && std::ranges::count(kNo, ToLower(text)) == 0) {
-              return say.Text(kStationsSay.yes_or_no, {Quote(text)});
+              return say.Text(kStationsSays.yes_or_no, {Quote(text)});
             }
             if (yes != (unit.Active != 0)) unit.Active = yes ? 1 : 0;
             return std::string();
@@ -96,7 +97,7 @@ StationField<Unit> ChoiceField(StationColumn ae_Column, std::int32_t Unit::*av_M
               }
               names += (names.empty() ? "" : ", ") + std::string(choice.text);
             }
-            return say.Text(kStationsSay.none_of, {Quote(text), names});
+            return say.Text(kStationsSays.none_of, {Quote(text), names});
           }};
 }
 
@@ -128,12 +129,12 @@ RecordNames With(RecordNames av_Names, const RecordArray<Record>& av_Records) {
 }  // namespace
 
 std::string StationTextProblem(const std::string& as_Text, const Phrases& av_Phrases) {
-  if (HasControlCharacter(as_Text)) return av_Phrases.Text(kStationsSay.line_break);
+  if (HasControlCharacter(as_Text)) return av_Phrases.Text(kStationsSays.line_break);
   if (CutCharacters(as_Text, TextField::kLongestText).size() < as_Text.size()) {
-    return av_Phrases.Text(kStationsSay.too_long, {std::to_string(TextField::kLongestText)});
+    return av_Phrases.Text(kStationsSays.too_long, {std::to_string(TextField::kLongestText)});
   }
   // Intended: the settings file has this word for an empty text.
-  if (as_Text == "null") return av_Phrases.Text(kStationsSay.null_word);
+  if (as_Text == kEmptyValue) return av_Phrases.Text(kStationsSays.null_word);
   return {};
 }
 
@@ -171,12 +172,12 @@ std::vector<StationField<Unit>> UnitFields(const RecordNames& av_Relays, const R
 
 RecordNames NoRelayNames(const Phrases& av_Phrases) {
   constexpr std::array<std::string_view, 4> kToo = {"-", "none", "direkt", "keines"};
-  return RecordNames({"Direct", kToo, kStationsSay.several_relays, kStationsSay.no_relay}, av_Phrases);
+  return RecordNames({"Direct", kToo, kStationsSays.several_relays, kStationsSays.no_relay}, av_Phrases);
 }
 
 RecordNames NoClientNames(const Phrases& av_Phrases) {
   constexpr std::array<std::string_view, 4> kToo = {"-", "no client", "keiner", "kein kunde"};
-  return RecordNames({"None", kToo, kStationsSay.several_clients, kStationsSay.no_client}, av_Phrases);
+  return RecordNames({"None", kToo, kStationsSays.several_clients, kStationsSays.no_client}, av_Phrases);
 }
 
 RecordNames NamesOf(const RecordArray<Relay>& av_Relays) {

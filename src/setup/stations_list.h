@@ -81,7 +81,7 @@ class StationList {
       const std::string after = field.text(entry.record);
       if (after == before) continue;
       entry.changes.push_back(
-          say_.Text(kStationsSay.becomes, {table_.Heading(field.column), Shown(before), Shown(after)}));
+          say_.Text(kStationsSays.becomes, {table_.Heading(field.column), Shown(before), Shown(after)}));
     }
   }
 
@@ -105,19 +105,19 @@ class StationList {
 
   /// "the unit on line 4", or by name where the table has none of it.
   [[nodiscard]] std::string Who(const Entry& av_Entry) const {
-    if (av_Entry.line > 0) return say_.Text(Of(kStationsSay.on_line, kind_), {std::to_string(av_Entry.line)});
-    return say_.Text(Of(kStationsSay.without_row, kind_), {Quote(TableText(av_Entry.record.Name))});
+    if (av_Entry.line > 0) return say_.Text(Of(kStationsSays.on_line, kind_), {std::to_string(av_Entry.line)});
+    return say_.Text(Of(kStationsSays.without_row, kind_), {Quote(TableText(av_Entry.record.Name))});
   }
 
   /// "unit "Hill" (17)", as it was before where it was there.
   [[nodiscard]] std::string NameOf(const Entry& av_Entry) const {
     const Record& record = av_Entry.former == 0 ? av_Entry.record : former_[av_Entry.former];
-    return say_.Text(Of(kStationsSay.named, kind_), {Quote(TableText(record.Name)), std::to_string(record.ID)});
+    return say_.Text(Of(kStationsSays.named, kind_), {Quote(TableText(record.Name)), std::to_string(record.ID)});
   }
 
  private:
   [[nodiscard]] std::string Shown(const std::string& as_Text) const {
-    if (as_Text.empty()) return say_.Text(kStationsSay.nothing);
+    if (as_Text.empty()) return say_.Text(kStationsSays.nothing);
     return ParseNumber(as_Text) ? as_Text : Quote(as_Text);
   }
 

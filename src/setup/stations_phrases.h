@@ -90,7 +90,7 @@ struct StationsPhrases {
   Phrase raw_file_not_moved{1773,
                             "its raw file keeps its name and folder: move it, or all readings are fetched anew: %1"};
 };
-inline constexpr StationsPhrases kStationsSay;
+inline constexpr StationsPhrases kStationsSays;
 
 /// The phrase of a kind.
 [[nodiscard]] constexpr const Phrase& Of(const OfEachKind& av_Phrases, StationKind ae_Kind) {
@@ -98,7 +98,7 @@ inline constexpr StationsPhrases kStationsSay;
 }
 [[nodiscard]] constexpr const CountPhrase& CountOf(StationKind ae_Kind) {
   if (ae_Kind == StationKind::Unit) return kCommonPhrases.units;
-  return ae_Kind == StationKind::Relay ? kStationsSay.relays : kStationsSay.clients;
+  return ae_Kind == StationKind::Relay ? kStationsSays.relays : kStationsSays.clients;
 }
 
 }  // namespace corvane

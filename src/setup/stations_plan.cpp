@@ -55,7 +55,7 @@ class Planner {
       if (row.kind == StationKind::Unit) units_.AddRow(row);
     }
     for (const std::string& column : table.unused) {
-      plan_.notes.push_back(say_.Text(kStationsSay.unused, {Quote(column)}));
+      plan_.notes.push_back(say_.Text(kStationsSays.unused, {Quote(column)}));
     }
   }
 
@@ -93,7 +93,7 @@ class Planner {
     const auto others = std::ranges::count_if(
         av_List.entries(), [&](const auto& entry) { return entry.line == 0 && av_MayGo(entry.record); });
     if (others == 0) return;
-    plan_.notes.push_back(say_.Text(others == 1 ? kStationsSay.stays.one : kStationsSay.stays.many,
+    plan_.notes.push_back(say_.Text(others == 1 ? kStationsSays.stays.one : kStationsSays.stays.many,
                                     {CountText(others, CountOf(av_List.kind()), say_)}));
   }
 
@@ -110,7 +110,7 @@ class Planner {
       const bool known = entry.former != 0;
       if (known && !IsEmpty(cells[StationColumn::ID]) && NumberIn(cells[StationColumn::ID]) != entry.record.ID) {
         Fault(cells, StationColumn::ID,
-              say_.Text(kStationsSay.client_id_stays,
+              say_.Text(kStationsSays.client_id_stays,
                         {Quote(TableText(entry.record.Name)), std::to_string(entry.record.ID)}));
       }
       clients_.Apply(row, fields, plan_.faults, known ? StationColumn::ID : StationColumn::Kind);
@@ -174,7 +174,7 @@ class Planner {
     MatchByID(relays_);
     const auto fields = RelayFields(say_);
     for (std::size_t row = 0; row < relays_.rows().size(); ++row) relays_.Apply(row, fields, plan_.faults);
-    AskForIDs(relays_, kStationsSay.relay_needs_id);
+    AskForIDs(relays_, kStationsSays.relay_needs_id);
     DeleteOthers(relays_, [](const Relay& relay) { return relay.ID != 0; });
   }
 
@@ -210,8 +210,8 @@ class Planner {
     units_.Match(rows, records, fresh);
     const auto fields = UnitFields(relays, clients, say_);
     for (std::size_t row = 0; row < units_.rows().size(); ++row) units_.Apply(row, fields, plan_.faults);
-    AskForIDs(units_, kStationsSay.unit_needs_id);
-    if (lacks_ids_) plan_.faults.push_back({table_.heading_line, "", say_.Text(kStationsSay.no_id_column)});
+    AskForIDs(units_, kStationsSays.unit_needs_id);
+    if (lacks_ids_) plan_.faults.push_back({table_.heading_line, "", say_.Text(kStationsSays.no_id_column)});
     DeleteOthers(units_, [](const Unit&) { return true; });
   }
 
@@ -247,7 +247,7 @@ class Planner {
     }
     for (const auto& entry : clients_.entries()) {
       const std::string folder = Quote(entry.record.Folder);
-      Tell(clients_, entry, say_.Text(kStationsSay.with_folder, {clients_.NameOf(entry), folder}), FolderNote(entry));
+      Tell(clients_, entry, say_.Text(kStationsSays.with_folder, {clients_.NameOf(entry), folder}), FolderNote(entry));
     }
     const RecordNames relays = NamesOf(NoRelayNames(), relays_);
     const RecordNames clients = NamesOf(NoClientNames(), clients_);
@@ -255,17 +255,17 @@ class Planner {
       std::string unit = units_.NameOf(entry);
       const std::int32_t relay = entry.record.RelayID;
       const std::int32_t client = entry.record.ClientID;
-      if (relay != 0) unit = say_.Text(kStationsSay.behind, {unit, Quote(relays.TextFor(relay))});
-      if (client != 0) unit = say_.Text(kStationsSay.for_client, {unit, Quote(clients.TextFor(client))});
+      if (relay != 0) unit = say_.Text(kStationsSays.behind, {unit, Quote(relays.TextFor(relay))});
+      if (client != 0) unit = say_.Text(kStationsSays.for_client, {unit, Quote(clients.TextFor(client))});
       Tell(units_, entry, unit, RawFileNote(entry));
     }
     for (const auto& entry : units_.deleted()) {
       const std::string file = RawFileOf(entry.former);
-      TellDeleted(units_.NameOf(entry), file.empty() ? none : say_.Text(kStationsSay.raw_file_stays, {file}));
+      TellDeleted(units_.NameOf(entry), file.empty() ? none : say_.Text(kStationsSays.raw_file_stays, {file}));
     }
     for (const auto& entry : relays_.deleted()) TellDeleted(relays_.NameOf(entry), none);
     for (const auto& entry : clients_.deleted()) {
-      TellDeleted(clients_.NameOf(entry), say_.Text(kStationsSay.folder_stays));
+      TellDeleted(clients_.NameOf(entry), say_.Text(kStationsSays.folder_stays));
     }
   }
 
@@ -273,17 +273,17 @@ class Planner {
     plan_.changes.push_back(as_Note.empty() ? as_Change : as_Change + "; " + as_Note);
   }
   void TellDeleted(const std::string& as_What, const std::string& as_Note) {
-    AddChange(say_.Text(kStationsSay.deletes, {as_What}), as_Note);
+    AddChange(say_.Text(kStationsSays.deletes, {as_What}), as_Note);
   }
 
   template <class Record>
   void Tell(const StationList<Record>& av_List, const typename StationList<Record>::Entry& av_Entry,
             const std::string& as_New, const std::string& as_Note) {
-    if (av_Entry.former == 0) return AddChange(say_.Text(kStationsSay.adds, {as_New}), "");
+    if (av_Entry.former == 0) return AddChange(say_.Text(kStationsSays.adds, {as_New}), "");
     if (av_Entry.changes.empty()) return;
     std::string changes;
     for (const std::string& change : av_Entry.changes) changes += (changes.empty() ? "" : ", ") + change;
-    AddChange(say_.Text(kStationsSay.changes, {av_List.NameOf(av_Entry), changes}), as_Note);
+    AddChange(say_.Text(kStationsSays.changes, {av_List.NameOf(av_Entry), changes}), as_Note);
   }
 
   [[nodiscard]] std::string FollowersOf(std::int64_t al_Relay) const {
@@ -294,7 +294,7 @@ class Planner {
              entry.record.RelayID == followed_.at(id);
     });
     if (count == 0) return {};
-    return say_.Text(count == 1 ? kStationsSay.follow.one : kStationsSay.follow.many,
+    return say_.Text(count == 1 ? kStationsSays.follow.one : kStationsSays.follow.many,
                      {CountText(count, kCommonPhrases.units, say_)});
   }
 
@@ -304,7 +304,7 @@ class Planner {
 
   [[nodiscard]] std::string FolderNote(const StationList<Client>::Entry& av_Entry) const {
     if (av_Entry.former == 0 || clients_.former()[av_Entry.former].Folder == av_Entry.record.Folder) return {};
-    return say_.Text(kStationsSay.files_stay);
+    return say_.Text(kStationsSays.files_stay);
   }
 
   [[nodiscard]] std::string RawFileNote(const StationList<Unit>::Entry& av_Entry) const {
@@ -312,7 +312,7 @@ class Planner {
     const Unit& before = units_.former()[av_Entry.former];
     if (before.ID == av_Entry.record.ID && before.ClientID == av_Entry.record.ClientID) return {};
     const std::string file = RawFileOf(av_Entry.former);
-    return file.empty() ? "" : say_.Text(kStationsSay.raw_file_not_moved, {file});
+    return file.empty() ? "" : say_.Text(kStationsSays.raw_file_not_moved, {file});
   }
 
   const StationTable& table_;

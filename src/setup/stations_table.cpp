@@ -158,7 +158,7 @@ class TableReader {
                            return other && other->column == guess->column && other->rank < guess->rank;
                          });
       const bool again = guess && !surer && Has(guess->column);
-      if (again) faults_.push_back({row.line, heading, say_.Text(kStationsSay.two_columns)});
+      if (again) faults_.push_back({row.line, heading, say_.Text(kStationsSays.two_columns)});
       const bool is_used = guess && !surer && !again;
       if (!is_used && !again && !heading.empty()) table_.unused.push_back(heading);
       columns_.push_back(is_used ? std::optional(guess->column) : std::nullopt);
@@ -166,7 +166,7 @@ class TableReader {
     }
     table_.has_ids = Has(StationColumn::ID);
     if (Has(StationColumn::Name)) return;
-    faults_.push_back({row.line, "", say_.Text(kStationsSay.no_name_column)});
+    faults_.push_back({row.line, "", say_.Text(kStationsSays.no_name_column)});
     columns_.clear();
   }
 
@@ -178,7 +178,7 @@ class TableReader {
     for (std::size_t place = 0; place < csv.cells.size(); ++place) {
       const std::string_view text = Trim(csv.cells[place]);
       if (place >= columns_.size() && !text.empty()) {
-        faults_.push_back({csv.line, "", say_.Text(kStationsSay.more_cells, {Shown(text)})});
+        faults_.push_back({csv.line, "", say_.Text(kStationsSays.more_cells, {Shown(text)})});
         break;
       }
       if (place < columns_.size() && columns_[place]) row[*columns_[place]] = Trim(WithoutMark(text));
@@ -197,8 +197,8 @@ class TableReader {
     const auto kind = KindOf(word.value_or(""));
     if (kind) row.kind = *kind;
     if (!kind) {
-      faults_.push_back(
-          {row.line, table_.Heading(StationColumn::Kind), say_.Text(kStationsSay.no_kind, {Shown(word.value_or(""))})});
+      faults_.push_back({row.line, table_.Heading(StationColumn::Kind),
+                         say_.Text(kStationsSays.no_kind, {Shown(word.value_or(""))})});
       table_.names_left_out.push_back(row[StationColumn::Name].value_or(""));
     }
     return kind.has_value();
@@ -212,7 +212,7 @@ class TableReader {
       if (!cell || HasColumn(row.kind, column)) continue;
       if (!cell->empty()) {
         faults_.push_back({row.line, table_.Heading(column),
-                           say_.Text(kStationsSay.not_of_kind, {say_.Text(Of(kStationsSay.word, row.kind))})});
+                           say_.Text(kStationsSays.not_of_kind, {say_.Text(Of(kStationsSays.word, row.kind))})});
       }
       cell.reset();
     }
@@ -241,8 +241,8 @@ bool HasColumn(StationKind ae_Kind, StationColumn ae_Column) {
 std::string StationFault::Sentence(const Phrases& av_Phrases) const {
   std::string where = column;
   const std::string number = std::to_string(line);
-  if (line > 0 && column.empty()) where = av_Phrases.Text(kStationsSay.line, {number});
-  if (line > 0 && !column.empty()) where = av_Phrases.Text(kStationsSay.line_and_column, {number, column});
+  if (line > 0 && column.empty()) where = av_Phrases.Text(kStationsSays.line, {number});
+  if (line > 0 && !column.empty()) where = av_Phrases.Text(kStationsSays.line_and_column, {number, column});
   return where.empty() ? text : where + ": " + text;
 }
 
@@ -254,17 +254,17 @@ std::string StationTable::Heading(StationColumn ae_Column) const {
 StationTable ReadStations(std::string as_Bytes, const Phrases& av_Phrases) {
   StationTable table;
   if (as_Bytes.find('\0') != std::string::npos) {
-    table.faults.push_back({0, "", av_Phrases.Text(kStationsSay.no_text)});
+    table.faults.push_back({0, "", av_Phrases.Text(kStationsSays.no_text)});
     return table;
   }
   const CsvContents contents = ParseCsv(DecodeText(std::move(as_Bytes)));
   for (const CsvFault& fault : contents.faults) {
     const bool is_open = fault.problem == CsvProblem::OpenQuote;
     table.faults.push_back(
-        {fault.line, "", av_Phrases.Text(is_open ? kStationsSay.open_quote : kStationsSay.behind_quote)});
+        {fault.line, "", av_Phrases.Text(is_open ? kStationsSays.open_quote : kStationsSays.behind_quote)});
   }
   if (contents.rows.empty()) {
-    table.faults.push_back({0, "", av_Phrases.Text(kStationsSay.empty_file)});
+    table.faults.push_back({0, "", av_Phrases.Text(kStationsSays.empty_file)});
     return table;
   }
   TableReader reader(table, av_Phrases);
@@ -289,7 +289,7 @@ std::string StationsFile(const StationTable& av_Table) {
 }
 
 std::vector<Phrase> StationsPhraseList() {
-  return PhrasesIn(kStationsSay);
+  return PhrasesIn(kStationsSays);
 }
 
 }  // namespace corvane

@@ -168,6 +168,11 @@ QWidget* PlotControls::MakeChoices(QWidget& page) {
   save_ = ButtonOf("Save as...", "plotSave", kSaveText,
                    "Saves the plot as a picture (PNG, SVG, PDF) or its readings as a table (CSV)");
   copy_ = ButtonOf("Copy", "plotCopy", kCopyText, "Copies the plot as a picture");
+  ConnectChoices(page);
+  return LayOutChoices();
+}
+
+QWidget* PlotControls::LayOutChoices() {
   auto* choices = new QWidget;
   auto* rows = new QVBoxLayout(choices);
   rows->setContentsMargins(0, 0, 0, 0);
@@ -195,6 +200,10 @@ QWidget* PlotControls::MakeChoices(QWidget& page) {
   times->addWidget(back_);
   rows->addLayout(lines);
   rows->addLayout(times);
+  return choices;
+}
+
+void PlotControls::ConnectChoices(QWidget& page) {
   const auto choose_lines = [this] {
     EnableChoices();
     if (lines_changed) lines_changed();
@@ -219,7 +228,6 @@ QWidget* PlotControls::MakeChoices(QWidget& page) {
   QObject::connect(back_, &QPushButton::clicked, &page, [this] { back(); });
   QObject::connect(save_, &QPushButton::clicked, &page, [this] { save(); });
   QObject::connect(copy_, &QPushButton::clicked, &page, [this] { copy(); });
-  return choices;
 }
 
 void PlotControls::EnableChoices() {

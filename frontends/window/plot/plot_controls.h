@@ -67,6 +67,8 @@ class PlotControls {
  private:
   [[nodiscard]] QWidget* MakeLists(QWidget& page);
   [[nodiscard]] QWidget* MakeChoices(QWidget& page);
+  [[nodiscard]] QWidget* LayOutChoices();
+  void ConnectChoices(QWidget& page);
   void Filter();
   void EnableChoices();
 
