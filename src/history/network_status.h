@@ -61,6 +61,7 @@ struct UnitStatus {
   std::optional<double> battery_days;        ///< until the limit, at that slope
   std::optional<std::int64_t> clock_offset;  ///< seconds that the unit is ahead
   std::optional<double> clock_drift;         ///< seconds a day
+  bool clock_of_another_season = false;      ///< it is off as summer time is, and nobody sets all units for that
   std::optional<double> complete;            ///< share of the readings expected in the last 30 days, 0 to 1
   std::int64_t gaps = 0;                     ///< that are neither filled nor a matter of the clock
   std::int64_t missing = 0;                  ///< readings in them

@@ -247,6 +247,7 @@ UnitStatus StatusOf(const UnitHistory& av_History, const StatusRules& av_Rules) 
   const ClockView clock = ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock);
   status.clock_offset = clock.offset;
   status.clock_drift = clock.drift;
+  status.clock_of_another_season = clock.of_another_season;
   TakeReadings(av_History, av_Rules, status);
   TakeBattery(av_History, av_Rules, status);
   TakeCompleteness(av_History, av_Rules, status);

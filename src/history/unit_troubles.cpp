@@ -72,10 +72,10 @@ std::string RejectedText(const UnitHistory& av_History, const Phrases& av_Phrase
   return "";
 }
 
-std::string ClockText(const UnitHistory& av_History, const StatusRules& av_Rules, const UnitStatus& av_Status) {
+std::string ClockText(const StatusRules& av_Rules, const UnitStatus& av_Status) {
   if (!av_Status.clock_offset || std::llabs(*av_Status.clock_offset) <= kClockOff) return "";
   // Intended: a unit keeps the time it was given; where summer time moves this computer's clock, nobody sets all units.
-  if (ClockOf(*av_History.unit, av_History.contacts, av_Rules.now, av_Rules.own_clock).of_another_season) return "";
+  if (av_Status.clock_of_another_season) return "";
   return av_Rules.phrases.Text(*av_Status.clock_offset > 0 ? kTroubleSays.clock_ahead : kTroubleSays.clock_behind,
                                {SpanText(*av_Status.clock_offset, av_Rules.phrases)});
 }
@@ -126,7 +126,7 @@ std::vector<Trouble> TroublesOf(const UnitHistory& av_History, const StatusRules
   };
   take(TroubleKind::Missing, MissingText(av_History, av_Rules));
   take(TroubleKind::Rejected, RejectedText(av_History, av_Rules.phrases));
-  take(TroubleKind::Clock, ClockText(av_History, av_Rules, av_Status));
+  take(TroubleKind::Clock, ClockText(av_Rules, av_Status));
   take(TroubleKind::Future, FutureText(av_Status, av_Rules.phrases));
   take(TroubleKind::Battery, BatteryText(av_Rules, av_Status));
   take(TroubleKind::Sensor, StillText(av_History, av_Rules.phrases));
