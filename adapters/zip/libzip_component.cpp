@@ -65,7 +65,6 @@ std::int16_t LibzipComponent::Unzip() {
   }
   const auto folder = ExamineFile(folder_);
   if (!folder || !folder->is_folder) return End({kZipCreateProblem, folder_ + ": there is no such folder"});
-  // Made here: replacement files are known to the process, which may only be told in this thread.
   ReplacementFile target(AddBackslash(folder_) + name);
   return Run([this, archive, name, &target] { return UnzipOneFile(archive, name, target, progress_); });
 }

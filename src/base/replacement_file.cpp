@@ -16,12 +16,18 @@ Status WriteFileAtomically(const std::string& path, std::string_view contents, u
 }
 
 ReplacementFile::ReplacementFile(std::string path, unsigned mode)
-    : path_(std::move(path)), temporary_(path_ + ".part"), mode_(mode), older_(std::exchange(newest_, this)) {}
+    : path_(std::move(path)), temporary_(path_ + ".part"), mode_(mode) {
+  const std::lock_guard lock(list_);
+  older_ = std::exchange(newest_, this);
+}
 
 ReplacementFile::~ReplacementFile() {
-  ReplacementFile** link = &newest_;
-  while (*link != this) link = &(*link)->older_;
-  *link = older_;
+  {
+    const std::lock_guard lock(list_);
+    ReplacementFile** link = &newest_;
+    while (*link != this) link = &(*link)->older_;
+    *link = older_;
+  }
   Discard();
 }
 
@@ -32,6 +38,9 @@ void ReplacementFile::Discard() {
 }
 
 void ReplacementFile::RemoveUnfinished() {
+  // The end of the process may have struck a thread that holds it; then what is unfinished stays.
+  const std::unique_lock lock(list_, std::try_to_lock);
+  if (!lock.owns_lock()) return;
   for (ReplacementFile* file = newest_; file != nullptr; file = file->older_) file->Discard();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -53,8 +54,10 @@ class ReplacementFile {
   unsigned mode_;
   std::string buffer_;
   OutputFile file_;
-  ReplacementFile* older_;                           ///< the one that was made before this one
-  static inline ReplacementFile* newest_ = nullptr;  ///< needs no construction: the end of the process asks for it
+  ReplacementFile* older_;  ///< the one that was made before this one
+  // Need no construction: the end of the process asks for them.
+  static inline std::mutex list_;  ///< files are made and destroyed in several threads
+  static inline ReplacementFile* newest_ = nullptr;
   bool in_place_ = false;
   Status failure_;  ///< the first write that failed; nothing is committed after it
 };
