@@ -88,6 +88,7 @@ class Scan {
   /// False when the line is a reading that is too early.
   [[nodiscard]] bool TakeLine(std::string_view as_Line);
   void TakeReading(std::size_t al_Items, DateTime av_When);
+  void Miss(const Verdict& av_Verdict);
   void AddGap(std::vector<GapRecord>& av_Gaps, const Verdict& av_Verdict);
   void FinishDay();
   /// A reading stands between the ends of a known gap.
@@ -282,10 +283,11 @@ void Scan::AddGap(std::vector<GapRecord>& av_Gaps, const Verdict& av_Verdict) {
   gap.state = av_Verdict.kind == Verdict::Clock ? GapState::Clock : GapState::Found;
   av_Gaps.push_back(gap);
   jumps_.Take(av_Verdict);
-  book_.Miss(av_Verdict.from, av_Verdict.period, av_Verdict.missing - av_Verdict.behind);
-  if (av_Verdict.behind == 0) return;
-  const DateTime begin = av_Verdict.to - (av_Verdict.behind + 1) * av_Verdict.period_behind;
-  book_.Miss(begin, av_Verdict.period_behind, av_Verdict.behind);
+  Miss(av_Verdict);
+}
+
+void Scan::Miss(const Verdict& av_Verdict) {
+  for (const Stretch& stretch : av_Verdict.Stretches()) book_.Miss(stretch.behind, stretch.period, stretch.count);
 }
 
 RawScan Scan::Result() {
@@ -305,8 +307,7 @@ RawScan Scan::Result() {
   result.has_header = has_header_;
   result.out_of_order = finder_.out_of_order();
   for (const Verdict& verdict : finder_.Unsettled()) AddGap(gaps_, verdict);
-  const Verdict overdue = finder_.Behind(hints_.last_contact);
-  book_.Miss(overdue.from, overdue.period, overdue.missing);
+  Miss(finder_.Behind(hints_.last_contact));
   result.gaps = std::move(gaps_);
   for (const auto& [from, gap] : known_) {
     if (gap.filled) result.filled.push_back(from);

@@ -59,9 +59,7 @@ struct RawScan {
 
 /// Reads what a raw file has grown by since `av_Former`; all of it when the file is not the one that was read then.
 ///
-/// Period before a distance: the commonest of the last 20 distances; behind it: of the next 20. A gap is a distance
-/// above one and a half times the greater of both, round(distance / period before) - 1 readings are missing. The newest
-/// distances wait for two more readings. The hints have to hold what is known since the file's begin.
+/// The newest distances wait for two more readings. The hints have to hold what is known since the file's begin.
 /// `av_Poll` runs after each block; by returning false it ends the scan. Throws `RunTimeError`
 /// when the file cannot be read; a file that is missing gives an empty scan.
 [[nodiscard]] RawScan ScanRawFile(const std::string& as_File, const ScanRecord& av_Former, const ScanHints& av_Hints,

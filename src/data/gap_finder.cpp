@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace corvane {
 namespace {
@@ -146,6 +147,8 @@ bool GapFinder::IsLongForOne(const Distance& av_Distance, const Periods& av_Peri
 
 bool GapFinder::SetsPeriod(const PeriodChange& av_Change, const Verdict& av_Gap, const Periods& av_Periods) {
   if (av_Change.at < av_Gap.from || av_Change.at >= av_Gap.to || av_Change.seconds <= 0) return false;
+  // Without a sure place it may have been elsewhere, where the reading behind is at no multiple of its period.
+  if (!av_Change.placed && !IsMultiple(av_Gap.to, av_Change.seconds)) return false;
   if (av_Periods.told) return av_Change.certain;
   // A command without an answer has reached the unit when it measures by it behind the gap and has not before; so it
   // shows, too, that a command whose place is not known was here.
@@ -154,23 +157,30 @@ bool GapFinder::SetsPeriod(const PeriodChange& av_Change, const Verdict& av_Gap,
 }
 
 void GapFinder::CountByStretches(Verdict& av_Gap, const Periods& av_Periods, std::int64_t al_Inexact) const {
+  std::vector<Stretch> found;
   DateTime begin;
-  std::int64_t missing = 0;
   for (const PeriodChange& change : hints_.periods) {
-    if (!SetsPeriod(change, av_Gap, av_Periods) || (!begin.IsNone() && change.at < begin)) continue;
-    if (!begin.IsNone()) {
+    if (!SetsPeriod(change, av_Gap, av_Periods) || change.at < begin) continue;
+    if (found.empty()) {
+      const std::int64_t until = std::max<std::int64_t>(change.at - av_Gap.from - al_Inexact, 0);
+      found.push_back({av_Gap.from, av_Periods.before, av_Periods.before > 0 ? until / av_Periods.before : 0});
+    } else {
       // Behind a command no reading shows where the next one was: units log at whole multiples of their period.
-      missing += MultiplesBetween(begin, change.at, av_Gap.period_behind);
-    } else if (av_Periods.before > 0) {
-      missing += std::max<std::int64_t>(change.at - av_Gap.from - al_Inexact, 0) / av_Periods.before;
+      Stretch& between = found.back();
+      between.count = MultiplesBetween(begin, change.at, between.period);
+      between.behind = begin - begin.seconds() % between.period;
     }
     begin = change.at;
-    av_Gap.period_behind = change.seconds;
+    found.push_back({begin, change.seconds, 0});
     if (!av_Periods.told) break;
   }
-  if (begin.IsNone()) return;
-  av_Gap.behind = std::max<std::int64_t>(av_Gap.to - begin - al_Inexact - 1, 0) / av_Gap.period_behind;
-  av_Gap.missing = missing + av_Gap.behind;
+  if (found.empty()) return;
+  Stretch& last = found.back();
+  last.count = std::max<std::int64_t>(av_Gap.to - begin - al_Inexact - 1, 0) / last.period;
+  last.behind = av_Gap.to - (last.count + 1) * last.period;
+  av_Gap.missing = 0;
+  for (const Stretch& stretch : found) av_Gap.missing += stretch.count;
+  av_Gap.stretches = std::move(found);
   if (av_Gap.missing == 0) av_Gap.kind = Verdict::Nothing;
 }
 
@@ -216,7 +226,10 @@ Verdict GapFinder::Behind(DateTime av_When) const {
   Distance distance{last_, av_When, 0};
   if (last_.IsNone() || distance.length() <= 0) return {};
   Tell(distance);
-  return JudgeBy(distance, Period(), distance.told);
+  const Periods periods{Period(), distance.told, distance.told > 0};
+  Verdict verdict = JudgeBy(distance, periods.before, periods.behind);
+  if (verdict.kind == Verdict::Gap) CountByStretches(verdict, periods);
+  return verdict;
 }
 
 std::int64_t GapFinder::Period() const {

@@ -19,17 +19,27 @@ struct Distance {
   [[nodiscard]] std::int64_t length() const { return to - from; }
 };
 
+/// Readings that are missing, one every period behind a time at which one was or would have been.
+struct Stretch {
+  DateTime behind;
+  std::int64_t period = 0;  ///< seconds
+  std::int64_t count = 0;
+};
+
 /// What lies between two readings.
 struct Verdict {
   enum Kind : std::uint8_t { Nothing, Gap, Clock };
   Kind kind = Nothing;
   DateTime from;
   DateTime to;
-  std::int64_t missing = 0;  ///< readings
-  std::int64_t period = 0;   ///< seconds between them
-  std::int64_t behind = 0;   ///< the last of these readings, of the period that was set within
-  std::int64_t period_behind = 0;
-  std::int64_t jumped = 0;  ///< seconds of the distance that are the clock's
+  std::int64_t missing = 0;        ///< readings
+  std::int64_t period = 0;         ///< seconds between them
+  std::int64_t jumped = 0;         ///< seconds of the distance that are the clock's
+  std::vector<Stretch> stretches;  ///< of these readings, where a period was set within; else all are one
+
+  [[nodiscard]] std::vector<Stretch> Stretches() const {
+    return stretches.empty() ? std::vector{Stretch{from, period, missing}} : stretches;
+  }
 };
 
 /// Finds gaps in the dates of readings, one after the other. The rule: docs/completeness.md.

@@ -171,6 +171,26 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
   }
 }
 
+TEST_F(CompletenessTest, WhatIsMissingCountsOnItsDay) {
+  const auto minutes = [](int at) { return kStart + at * kMinute; };
+  std::string text = kHeader;
+  for (int at = 0; at <= 480; at += 240) text += Line(minutes(at));
+  ScanHints hints;
+  hints.periods = {{minutes(600), 60}, {minutes(720), 14400}};
+  std::string later = text;
+  for (int at = 960; at <= 1680; at += 240) later += Line(minutes(at));
+  EXPECT_EQ(Text(Scan(later, hints).gaps), "480-960:119") << "those of two hours, each minute";
+  const std::vector<DayRecord> days = Scan(later, hints).days;
+  ASSERT_EQ(days.size(), 2U);
+  EXPECT_EQ(std::pair(days[0].expected, days[0].stored), std::pair(std::int64_t{124}, std::int64_t{5}));
+  EXPECT_EQ(std::pair(days[1].expected, days[1].stored), std::pair(std::int64_t{2}, std::int64_t{2}));
+  text = kHeader;
+  for (int at = 600; at <= 720; at += 15) text += Line(minutes(at));
+  hints.periods = {{minutes(725), 14400}};
+  hints.last_contact = minutes(1090);
+  EXPECT_EQ(Scan(text, hints).days.at(0).expected, 10) << "of those overdue one is expected";
+}
+
 TEST_F(CompletenessTest, WhatIsNoReadingIsLeftOut) {
   const std::string three = Line(kStart) + Line(kStart + 900) + Line(kStart + 1800);
   const std::tuple<const char*, std::string, int, bool> rows[] = {
