@@ -55,7 +55,7 @@ void DownloadCapture::AcceptHeader() {
   TraceItems("HEADER> ");
   if (RefuseOtherUnit()) return;
   p_.download.HeaderLine = line_.items_text;
-  p_.download.HeaderTime = p_.loop.Now();
+  p_.download.HeaderTime = p_.loop.NowUtc();
   p_.download.FramedHeader = p_.link.ReplyLine;
   p_.form.Lbl_HeaderLine.SetText(p_.download.HeaderLine);
   const std::int64_t fixed = LeadingInteger(line_.items[header_item::kFixed]);

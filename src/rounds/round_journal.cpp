@@ -130,7 +130,7 @@ void RoundJournal::NoteTry(std::int64_t al_Index, TryEnd ae_End) {
   if (command_ == kDownload) {
     TakeDownload(turn, unit);
   } else if (turn.contact.outcome == Outcome::Answered) {
-    TakeAnswer(turn.contact);
+    TakeAnswer(turn);
   }
   // A unit that did not answer may have taken it all the same.
   if (command_ == kSetLogPeriod && sent)
@@ -163,10 +163,10 @@ void RoundJournal::TakeDownload(Turn& av_Turn, const Unit& av_Unit) const {
   contact.stored = av_Unit.Stored;
   av_Turn.rejected += tally.rejected;
   contact.rejected = av_Turn.rejected + tally.passed_over + tally.kept_aside;
-  if (p_.link.SendTime && !p_.download.HeaderLine.empty()) TakeHeader(contact);
+  if (p_.link.SendTime && !p_.download.HeaderLine.empty()) TakeHeader(av_Turn);
 }
 
-void RoundJournal::TakeHeader(ContactRecord& av_Contact) const {
+void RoundJournal::TakeHeader(Turn& av_Turn) const {
   const std::vector<std::string_view> items = Split(p_.download.HeaderLine, ',');
   // What another unit says of its clock and battery is nothing of this one.
   const auto& own = p_.download.OwnSiteID;
@@ -174,18 +174,19 @@ void RoundJournal::TakeHeader(ContactRecord& av_Contact) const {
   const bool is_its = items.size() > header_item::kSiteID && (IsSameSiteID(items[header_item::kSiteID], asked) ||
                                                               (own && IsSameSiteID(items[header_item::kSiteID], *own)));
   if (!is_its) return;
-  TakeValues(items, header_item::kBattery, header_item::kAmbient, av_Contact);
+  TakeValues(items, header_item::kBattery, header_item::kAmbient, av_Turn.contact);
   const auto clock = items.size() > header_item::kDate ? ParseReadingDate(items[header_item::kDate]) : std::nullopt;
-  if (clock) av_Contact.clock_offset = *clock + kHalfMinute - p_.download.HeaderTime;
+  if (clock) av_Turn.clock_ahead = *clock + kHalfMinute - Moment{p_.download.HeaderTime.utc, 0}.Local();
 }
 
-void RoundJournal::TakeAnswer(ContactRecord& av_Contact) const {
-  if (command_ == kSetDate) av_Contact.clock_offset = 0;
+void RoundJournal::TakeAnswer(Turn& av_Turn) const {
+  const Moment now = p_.loop.NowUtc();
+  if (command_ == kSetDate) av_Turn.clock_ahead = now.ahead;
   if (command_ != kGetDate) return;
   const auto clock = ParseDate(p_.form.Lbl_HeaderLine.text());
   if (!clock) return;
   const std::int64_t since = (p_.loop.MonotonicMilliseconds() - p_.link.LastLineTime) / 1000;
-  av_Contact.clock_offset = *clock + since - p_.loop.Now();
+  av_Turn.clock_ahead = *clock + since - Moment{now.utc, 0}.Local();
 }
 
 void RoundJournal::TakeLastReading(Turn& av_Turn, std::int64_t al_Index) {
@@ -223,6 +224,8 @@ void RoundJournal::NoteTurn(std::int64_t al_Index) {
     last_readings_.erase(al_Index);
   }
   turn.noted = true;
+  // The contact is of now: summer time may have begun or ended since the unit told its clock.
+  if (turn.clock_ahead) turn.contact.clock_offset = *turn.clock_ahead - p_.loop.NowUtc().ahead;
   p_.history.NoteContact(al_Index, turn.contact);
 }
 

@@ -77,6 +77,7 @@ class RoundJournal {
     bool sent = false;          ///< the command has left
     bool heard = false;         ///< something has come back
     bool noted = false;
+    std::optional<std::int64_t> clock_ahead;  ///< of UTC, seconds that the unit's clock was
   };
   void End(const std::string& as_Error);
   [[nodiscard]] std::string Ending(const std::string& as_Error) const;
@@ -84,8 +85,8 @@ class RoundJournal {
   [[nodiscard]] bool TransferHasCancelled() const;
   void TakeOutcome(Turn& av_Turn, TryEnd ae_End, const std::string& as_Problem) const;
   void TakeDownload(Turn& av_Turn, const Unit& av_Unit) const;
-  void TakeHeader(ContactRecord& av_Contact) const;
-  void TakeAnswer(ContactRecord& av_Contact) const;
+  void TakeHeader(Turn& av_Turn) const;
+  void TakeAnswer(Turn& av_Turn) const;
   /// The last reading and, where some came, its battery and ambient value.
   void TakeLastReading(Turn& av_Turn, std::int64_t al_Index);
   void NoteTurn(std::int64_t al_Index);

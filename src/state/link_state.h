@@ -95,7 +95,7 @@ struct GapDownload {
 /// The state of one download, beside the link's.
 struct DownloadState {
   std::string HeaderLine;    ///< items text of the header as last received
-  DateTime HeaderTime;       ///< when it came
+  Moment HeaderTime;         ///< when it came
   std::string FramedHeader;  ///< the same as it came, framing and checksum included
   std::int64_t ItemsPerLine = 0;
   bool SavingData = false;
