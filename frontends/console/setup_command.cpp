@@ -364,7 +364,8 @@ int SetUp(Desk& desk, const Options& options) {
     return kProblems;
   }
   saves_nothing = false;
-  if (!desk.app.setup().PutIn(walk.plan())) return kProblems;
+  SetupPlan plan = walk.plan();
+  if (!desk.app.setup().PutIn(plan)) return kProblems;
   desk.output.Line("Saved in " + desk.app.app().AppPath(kSettingsFile));
   const int status = walk.collects() ? Download(desk, options) : kAllWell;
   desk.output.Line("The files are in " + desk.app.names().DataFolder());

@@ -35,7 +35,8 @@ struct SetupAssembly {
                av_Parts.link.port, av_Parts.link.exchange, av_Parts.rounds.finder, av_Parts.rounds.attempts,
                av_Parts.link.pauser, server, av_Parts.machine.loop}),
         commands({av_Parts.commands.operations, av_Parts.state.slot, av_Parts.state.app, av_Parts.state.registry,
-                  reader, writer, tries, av_Parts.settings.settings, av_Parts.history.watch}) {}
+                  reader, writer, tries, av_Parts.settings.settings, av_Parts.history.watch,
+                  av_Parts.history.history}) {}
 
   SetupReader reader;
   SetupWriter writer;

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <set>
+#include <string>
 
 #include "app/operations.h"
 #include "app/settings.h"
+#include "history/history.h"
 #include "lang/phrases.h"
 #include "rounds/network_watch.h"
 #include "setup/setup_plan.h"
@@ -30,6 +33,7 @@ class SetupCommands {
     SetupTries& tries;
     Settings& settings;
     NetworkWatch& watch;
+    History& history;
   };
   explicit SetupCommands(const Parts& av_Parts) : p_(av_Parts) {}
 
@@ -59,15 +63,22 @@ class SetupCommands {
 
   /// Puts the plan in and saves the settings at once, in one step; false while an operation runs or when they could not
   /// be saved, which was shown. **Yields.**
-  [[nodiscard]] bool PutIn(const SetupPlan& av_Plan);
+  ///
+  /// What could not be saved is put in all the same: then the plan is that of the settings as they are by now, so that
+  /// its rows bear the places of the records that were made of them.
+  [[nodiscard]] bool PutIn(SetupPlan& av_Plan);
 
  private:
   /// Runs a try in the operation slot.
   template <class Answer, class Try>
   [[nodiscard]] Answer Run(const Try& av_Try);
 
+  /// Writes down whose clocks were set by a try, now that they are in the list: readings from before lie elsewhere.
+  void NoteClocks(const SetupPlan& av_Plan);
+
   Parts p_;
   Phrases say_;
+  std::set<std::string> clocks_set_;  ///< of these units
 };
 
 /// What is said of a try that was not made.

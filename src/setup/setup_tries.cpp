@@ -193,7 +193,9 @@ SetupClock SetupTries::SetClock(const SetupPlan& av_Plan, std::size_t al_Row) {
     clock.unit = al_Row;
     return clock;
   }
-  return AskClock(av_Plan, al_Row);
+  SetupClock clock = AskClock(av_Plan, al_Row);
+  clock.was_set = true;
+  return clock;
 }
 
 SetupClock SetupTries::ClockOf(const SetupAnswer& av_Answer) const {

@@ -26,6 +26,7 @@ namespace corvane {
 struct SetupClock : SetupAnswer {
   std::int64_t seconds_ahead = 0;  ///< of this computer's clock; without meaning where the unit has told no time
   bool is_off = false;             ///< by more than a minute: it should be set
+  bool was_set = false;            ///< just now
 };
 
 /// Tries what a plan names, before it is put in.

@@ -1,6 +1,7 @@
 // A set-up from what is there to what is put in: its faults, its tries, its sentences.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -148,7 +149,7 @@ TEST_F(SetupPlanTest, AFirstPlanOffersNoExampleAndBecomesTheWholeNetwork) {
   }
   EXPECT_TRUE(Holds("SalinityCorrection=" + world.home.Name("tables/SALCORR.LKP")));
   const std::string once = Saved();
-  const SetupPlan again = setup.PlanOf();
+  SetupPlan again = setup.PlanOf();
   EXPECT_FALSE(again.first);
   EXPECT_EQ(again.units.size(), 2U);
   EXPECT_TRUE(setup.PutIn(again));
@@ -157,10 +158,10 @@ TEST_F(SetupPlanTest, AFirstPlanOffersNoExampleAndBecomesTheWholeNetwork) {
 
 TEST_F(SetupPlanTest, WhatAPlanDoesNotNameStaysAsItIs) {
   SetupCommands& setup = Start(kNetwork);
-  const SetupPlan plan = setup.PlanOf();
+  SetupPlan plan = setup.PlanOf();
   EXPECT_TRUE(setup.PutIn(plan));
   const std::string once = Saved();
-  EXPECT_TRUE(setup.PutIn(setup.PlanOf()));
+  EXPECT_TRUE(setup.PutIn(plan = setup.PlanOf()));
   EXPECT_EQ(Saved(), once);
   SetupPlan changed = plan;
   changed.units.erase(changed.units.begin() + 2);
@@ -176,6 +177,17 @@ TEST_F(SetupPlanTest, WhatAPlanDoesNotNameStaysAsItIs) {
         "Password=unit", "COM3=/dev/ttyX", "ZIPFiles=1", "BackupDestination=/b"}) {
     EXPECT_TRUE(Holds(line)) << line;
   }
+}
+
+TEST_F(SetupPlanTest, WhatCouldNotBeSavedKeepsItsRecords) {
+  SetupCommands& setup = Start(kNetwork);
+  SetupPlan plan = setup.PlanOf();
+  plan.units.insert(plan.units.begin(), Row("New", "12"));
+  world.home.Write("corvane.ini.part/in the way", "");
+  EXPECT_FALSE(setup.PutIn(plan));
+  std::filesystem::remove_all(world.home.Name("corvane.ini.part"));
+  EXPECT_TRUE(setup.PutIn(plan));
+  EXPECT_TRUE(Holds("Name1=New") && Holds("MoistureCorrection2=1.5") && !Holds("MoistureCorrection1=1.5"));
 }
 
 TEST_F(SetupPlanTest, ATableFillsThePlanAndNothingElse) {

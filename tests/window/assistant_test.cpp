@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sqlite/sqlite_history_store.h"
 #include "window/assistant/assistant.h"
 #include "window/assistant/rows_table.h"
 #include "window_world.h"
@@ -191,6 +192,29 @@ TEST_F(AssistantTest, TriesThePortAndAUnitWithoutPuttingThemIn) {
   EXPECT_FALSE(world_.app().slot().Taken());
   EXPECT_EQ(world_.app().registry().Units[1].Name, "Site 1");
   EXPECT_FALSE(Has("corvane.ini"));
+}
+
+TEST(SetupInWindow, WritesDownWhoseClockWasSet) {
+  SqliteHistoryStore store;
+  WindowWorld world("", &store);
+  world.port.devices_there = {{kDevice, "/dev/ttyUSB0", ""}};
+  world.Open();
+  SetupCommands& setup = world.app().setup();
+  SetupPlan plan = setup.PlanOf();
+  for (const char* const id : {"23", "24"}) {
+    plan.units.emplace_back().name = id;
+    plan.units.back().id = id;
+  }
+  EXPECT_TRUE(setup.SetClock(plan, 2).was_set);
+  ASSERT_TRUE(setup.PutIn(plan));
+  HistoryQuery all;
+  all.contacts_since = Moment{1, 0};
+  HistoryContents history;
+  ASSERT_TRUE(world.app().history().Read(all, history).ok());
+  ASSERT_EQ(history.contacts.size(), 1U);
+  EXPECT_EQ(history.contacts[0].unit, world.app().history().KeyOf(2));
+  EXPECT_EQ(history.contacts[0].command, kSetDate);
+  EXPECT_EQ(history.contacts[0].clock_offset, 0);
 }
 
 TEST_F(AssistantTest, SaysThatTheAdapterWasPulledOutAndGoesOn) {

@@ -196,7 +196,10 @@ void Assistant::PutIn() {
   putting_in_ = true;
   const bool saved = desk_.app.setup().PutIn(desk_.plan);
   putting_in_ = false;
-  if (!saved) return summary_->ShowNotPutIn(kNotPutIn);
+  if (!saved) {
+    there_ = desk_.app.setup().PlanOf();
+    return summary_->ShowNotPutIn(kNotPutIn);
+  }
   kept_ = false;
   QWizard::accept();
   if (put_in) put_in();
