@@ -54,9 +54,10 @@ CREATE TABLE network (
 )sql";
 
 constexpr const char* kSecondVersion = "ALTER TABLE round ADD COLUMN clock_step INTEGER NOT NULL DEFAULT 0";
+constexpr const char* kThirdVersion = "ALTER TABLE network ADD COLUMN repair_limit INTEGER NOT NULL DEFAULT 2000";
 
 /// What brings a file from the version of its place to the next one. A row that was released is not changed any more.
-constexpr std::array<const char*, kHistoryVersion> kSteps = {kFirstVersion, kSecondVersion};
+constexpr std::array<const char*, kHistoryVersion> kSteps = {kFirstVersion, kSecondVersion, kThirdVersion};
 
 template <class... Records>
 void Compile(Database& database) {

@@ -10,7 +10,7 @@ namespace corvane {
 /// "Crvn": tells a history from the files of other programs.
 inline constexpr std::int64_t kHistoryApplicationId = 0x4372766E;
 /// The version that this program writes.
-inline constexpr std::int64_t kHistoryVersion = 2;
+inline constexpr std::int64_t kHistoryVersion = 3;
 
 /// What a file is.
 enum class HistoryFile { Empty, Older, Present, Newer, OfAnotherProgram };

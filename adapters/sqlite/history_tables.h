@@ -198,6 +198,7 @@ struct Table<NetworkRecord> {
     field("late_after", r.late_after);
     field("battery_limit", r.battery_limit);
     field("repairs_gaps", r.repairs_gaps);
+    field("repair_limit", r.repair_limit);
     field("alive", r.alive);
     field("open", r.open);
   }

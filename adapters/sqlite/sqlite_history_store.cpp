@@ -80,7 +80,11 @@ void ForgetOld(Database& database, Moment before) {
   // The last round and the last unit stay: their keys are not to be given again.
   RunWith(database, "DELETE FROM round WHERE began < ? AND ended < ? AND key < (SELECT max(key) FROM round)",
           {before.utc, before.utc});
-  RunWith(database, "DELETE FROM gap WHERE state IN (2, 3, 4) AND changed < ?", {before.utc});
+  // What is lost, or was the clock's, would be found again as new in a raw file that is as old.
+  RunWith(database,
+          "DELETE FROM gap WHERE changed < ? AND (state = 2 OR (state IN (3, 4) AND NOT EXISTS (SELECT 1 FROM unit "
+          "WHERE unit.key = gap.unit AND unit.position > 0)))",
+          {before.utc});
   RunWith(database, "DELETE FROM alert WHERE cleared <> 0 AND cleared < ?", {before.utc});
   RunWith(database,
           "DELETE FROM unit WHERE position = 0 AND added < ? AND last_asked < ? AND key < (SELECT max(key) FROM unit) "

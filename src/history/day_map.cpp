@@ -31,8 +31,8 @@ DateTime FirstDay(Moment av_Now, std::int64_t al_Days) {
 /// One unit's row, from what is known of its days and gaps.
 class RowMaker {
  public:
-  RowMaker(const UnitHistory& av_History, DateTime av_First, DateTime av_Now, bool ab_RepairsGaps)
-      : history_(av_History), first_(av_First), now_(av_Now), repairs_gaps_(ab_RepairsGaps) {
+  RowMaker(const UnitHistory& av_History, DateTime av_First, DateTime av_Now, const NetworkRecord& av_Network)
+      : history_(av_History), first_(av_First), now_(av_Now), network_(av_Network) {
     row_.unit = av_History.unit->key;
     row_.cells.resize(static_cast<std::size_t>((av_Now.Midnight() - av_First) / kSecondsPerDay + 1));
   }
@@ -84,7 +84,8 @@ class RowMaker {
   }
 
   [[nodiscard]] bool WillBeAsked(const GapRecord& av_Gap) const {
-    return repairs_gaps_ && CanBeAsked() && IsAskedForByItself(av_Gap, history_.unit->get_from);
+    return network_.repairs_gaps && CanBeAsked() &&
+           IsAskedForByItself(av_Gap, history_.unit->get_from, now_, network_.repair_limit);
   }
 
   /// The day's own numbers count: a gap's places within a day follow from its ends alone.
@@ -120,7 +121,7 @@ class RowMaker {
   const UnitHistory& history_;
   DateTime first_;
   DateTime now_;
-  bool repairs_gaps_;
+  const NetworkRecord& network_;
   DayRow row_;
 };
 
@@ -187,11 +188,11 @@ HistoryQuery DayMapQuery(Moment av_Now, std::int64_t al_Days) {
 DayMap MakeDayMap(const HistoryContents& av_History, Moment av_Now, std::int64_t al_Days) {
   DayMap map;
   map.first = FirstDay(av_Now, al_Days);
-  const bool repairs_gaps = av_History.network && av_History.network->repairs_gaps;
+  const NetworkRecord network = av_History.network.value_or(NetworkRecord());
   for (const UnitRecord& unit : av_History.units) {
     if (unit.position <= 0) continue;
     const UnitHistory history = HistoryOf(av_History, unit);
-    map.rows.push_back(RowMaker(history, map.first, av_Now.Local(), repairs_gaps).Make());
+    map.rows.push_back(RowMaker(history, map.first, av_Now.Local(), network).Make());
   }
   return map;
 }

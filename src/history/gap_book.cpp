@@ -36,8 +36,13 @@ GapRecord WithWhatIsKnown(GapRecord av_Found, const std::vector<GapRecord>& av_K
 
 }  // namespace
 
-bool IsAskedForByItself(const GapRecord& av_Gap, std::int32_t al_GetFrom) {
-  return al_GetFrom == kFromRadio && av_Gap.tries < kMostGapTries;
+bool IsInReach(const GapRecord& av_Gap, DateTime av_Now, std::int64_t al_Limit) {
+  const std::int64_t period = (av_Gap.to - av_Gap.from) / (av_Gap.missing + 1);
+  return av_Now - av_Gap.from <= std::max<std::int64_t>(period, 1) * al_Limit;
+}
+
+bool IsAskedForByItself(const GapRecord& av_Gap, std::int32_t al_GetFrom, DateTime av_Now, std::int64_t al_Limit) {
+  return al_GetFrom == kFromRadio && av_Gap.tries < kMostGapTries && IsInReach(av_Gap, av_Now, al_Limit);
 }
 
 std::vector<GapRecord> MergeGaps(const std::vector<GapRecord>& av_Known, const RawScan& av_Scan, Moment av_Now) {

@@ -11,8 +11,11 @@ namespace corvane {
 /// By itself a gap is asked for so often.
 inline constexpr std::int64_t kMostGapTries = 3;
 
+/// Whether what a unit has logged since the gap's begin is no more than so many lines, which a repair takes at most.
+[[nodiscard]] bool IsInReach(const GapRecord& av_Gap, DateTime av_Now, std::int64_t al_Limit);
 /// Whether a gap that is open is still asked for without a person's word, where the setting wants it.
-[[nodiscard]] bool IsAskedForByItself(const GapRecord& av_Gap, std::int32_t al_GetFrom);
+[[nodiscard]] bool IsAskedForByItself(const GapRecord& av_Gap, std::int32_t al_GetFrom, DateTime av_Now,
+                                      std::int64_t al_Limit);
 
 /// What becomes of the gaps that are known of a unit behind a scan of its raw file.
 ///

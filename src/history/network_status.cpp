@@ -225,6 +225,7 @@ NetworkStatus WorkOutStatus(const HistoryContents& av_History, Moment av_Now, Ho
     rules.interval = av_History.network->interval;
     rules.late_after = av_History.network->late_after;
     rules.battery_limit = av_History.network->battery_limit;
+    rules.repair_limit = av_History.network->repair_limit;
   }
   for (const UnitRecord& unit : av_History.units) {
     if (unit.position > 0) status.units.push_back(StatusOf(HistoryOf(av_History, unit), rules));

@@ -126,7 +126,7 @@ void TakeCompleteness(const UnitHistory& av_History, const StatusRules& av_Rules
     av_Status.missing += gap.missing;
     if (gap.state == GapState::Lost) {
       av_Status.lost += gap.missing;
-    } else if (!IsAskedForByItself(gap, av_History.unit->get_from)) {
+    } else if (!IsAskedForByItself(gap, av_History.unit->get_from, av_Rules.now.Local(), av_Rules.repair_limit)) {
       av_Status.given_up += gap.missing;
       if (gap.to >= av_Rules.NewsFrom()) av_Status.given_up_lately += gap.missing;
     }

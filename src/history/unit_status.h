@@ -31,6 +31,7 @@ struct StatusRules {
   std::optional<std::int64_t> interval;  ///< seconds between rounds
   double late_after = 2;                 ///< intervals
   double battery_limit = 11.5;           ///< volts
+  std::int64_t repair_limit = 2000;      ///< lines
   OwnClock own_clock;
   Phrases phrases;  ///< in which its reasons are told
 

@@ -50,7 +50,8 @@ std::string MissingText(const UnitHistory& av_History, const StatusRules& av_Rul
   for (const GapRecord& gap : av_History.gaps) {
     const bool news = gap.to >= av_Rules.NewsFrom();
     const bool open = gap.state == GapState::Found || gap.state == GapState::Asked;
-    if (open && (news || IsAskedForByItself(gap, av_History.unit->get_from))) missing.Take(gap);
+    const bool asked = IsAskedForByItself(gap, av_History.unit->get_from, av_Rules.now.Local(), av_Rules.repair_limit);
+    if (open && (news || asked)) missing.Take(gap);
     if (gap.state == GapState::Lost && news) lost.Take(gap);
   }
   const auto text = [&phrases = av_Rules.phrases](const Missing& which, const CountPhrase& words) {

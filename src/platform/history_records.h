@@ -199,8 +199,9 @@ struct NetworkRecord {
   double late_after = 2;        ///< intervals
   double battery_limit = 11.5;  ///< volts
   bool repairs_gaps = false;
-  Moment alive;       ///< when the holder of the folder last wrote
-  bool open = false;  ///< a program holds the folder; still set behind a kill
+  std::int64_t repair_limit = 2000;  ///< lines that a repair takes of a unit at most
+  Moment alive;                      ///< when the holder of the folder last wrote
+  bool open = false;                 ///< a program holds the folder; still set behind a kill
 
   bool operator==(const NetworkRecord&) const = default;
 };

@@ -103,8 +103,7 @@ bool GapRepair::IsAskedByItself(std::int64_t al_Unit, const GapRecord& av_Gap) c
   const std::string file = RawFileOf(al_Unit);
   const auto announced = announced_.lower_bound({file, av_Gap.from});
   if (announced != announced_.end() && announced->first.first == file && announced->second > most) return false;
-  const std::int64_t period = (av_Gap.to - av_Gap.from) / (av_Gap.missing + 1);
-  return p_.exchange.Now() - av_Gap.from <= std::max<std::int64_t>(period, 1) * most;
+  return IsInReach(av_Gap, p_.exchange.Now(), most);
 }
 
 void GapRepair::Collect(const std::vector<std::int64_t>& av_Units, DateTime av_Since) {

@@ -13,7 +13,8 @@ bool SaysTheSame(const NetworkRecord& av_One, const NetworkRecord& av_Other) {
   return av_One.version == av_Other.version && av_One.automatic == av_Other.automatic &&
          av_One.interval == av_Other.interval && av_One.next_download == av_Other.next_download &&
          av_One.goes_on == av_Other.goes_on && av_One.late_after == av_Other.late_after &&
-         av_One.battery_limit == av_Other.battery_limit && av_One.repairs_gaps == av_Other.repairs_gaps;
+         av_One.battery_limit == av_Other.battery_limit && av_One.repairs_gaps == av_Other.repairs_gaps &&
+         av_One.repair_limit == av_Other.repair_limit;
 }
 
 }  // namespace
@@ -36,6 +37,7 @@ NetworkRecord NetworkWatch::Present(const NetworkSettings& av_Settings) const {
   record.late_after = av_Settings.late_after;
   record.battery_limit = av_Settings.battery_limit;
   record.repairs_gaps = av_Settings.repairs_gaps;
+  record.repair_limit = av_Settings.repair_limit;
   record.alive = p_.loop.NowUtc();
   record.open = true;
   return record;

@@ -72,7 +72,7 @@ HistoryContents Extremes(bool other) {
               DateTime(least), DateTime(most), least, -1, DateTime(1)}};
   c.alerts = {{"silent", 1, "", moment, kNoon, {}, most}};
   c.notes = {{1, odd + "x", moment, DateTime(least)}};
-  c.network = {{odd, !other, number, DateTime(most), !other, 1e-300, other ? 0.5 : -0.0, !other, moment, !other}};
+  c.network = {{odd, !other, number, DateTime(most), !other, 1e-300, other ? 0.5 : -0.0, !other, most, moment, !other}};
   return c;
 }
 
@@ -199,6 +199,11 @@ TEST_F(HistoryInAFile, TakesOutWhatIsReplacedDroppedAndForgotten) {
   EXPECT_EQ(left.rounds, std::vector{all.rounds.back()});
   EXPECT_EQ(left.units, all.units) << "the first is in the list, the key of the last must not come again";
   EXPECT_EQ(left.gaps.size(), 1U) << "the one that is still asked for";
+  HistoryContents lost;
+  lost.gaps = {{1, kDay, kDay + 3600, 5, GapState::Lost, 3, kNoon, kNoon}};
+  ASSERT_TRUE(store.Write(lost).ok());
+  ASSERT_TRUE(store.Forget(At(100'000'000'000)).ok());
+  EXPECT_EQ(Everything(store).gaps.size(), 2U) << "lost in a file that may be as old";
 }
 
 TEST_F(HistoryInAFile, SaysWhatIsWrongWithAFileAndLosesNothing) {
@@ -219,9 +224,13 @@ TEST_F(HistoryInAFile, SaysWhatIsWrongWithAFileAndLosesNothing) {
       {"a table is gone", [&] { Make({}), Sql("DROP TABLE day"); }, Store::kDamaged, 0, true},
       {"of another program", [&] { folder.Write("history.db", ""), Sql("CREATE TABLE t (a)"); }, Store::kDamaged, 0,
        true},
-      {"older", [&] { Make({}), Sql("ALTER TABLE round DROP COLUMN clock_step; PRAGMA user_version = 1"); },
+      {"older",
+       [&] {
+         Make({}), Sql("ALTER TABLE round DROP COLUMN clock_step; ALTER TABLE network DROP COLUMN repair_limit; PRAGMA "
+                       "user_version = 1");
+       },
        Store::kFailed, 0, false},
-      {"newer", [&] { Make({}), Sql("PRAGMA user_version = 3"); }, Store::kNewer, Store::kNewer, false},
+      {"newer", [&] { Make({}), Sql("PRAGMA user_version = 4"); }, Store::kNewer, Store::kNewer, false},
       {"its log alone", [&] { folder.Write("history.db-wal", garbage); }, Store::kMissing, 0, true},
       {"a device", [&] { fs::create_symlink("/dev/null", file); }, Store::kFailed, Store::kFailed, false}};
   for (const auto& row : rows) {

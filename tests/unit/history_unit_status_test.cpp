@@ -88,8 +88,11 @@ TEST(UnitStatus, HasTheFirstLetterThatApplies) {
        [](NetworkHistory& f) {
          f.Gap(GapState::Asked, 400, 7);
          f.Gap(GapState::Found, 2, 5);
+         f.history.network->repair_limit = 100'000;
        },
        Trouble, "12 readings are missing in 2 gaps since 26 May 2025"},
+      {"missing long ago, more than a repair takes", [](NetworkHistory& f) { f.Gap(GapState::Asked, 400, 7); }, Fine,
+       ""},
       {"lost lately", [](NetworkHistory& f) { f.Gap(GapState::Lost, 2, 1); }, Trouble,
        "1 reading is lost for ever in 1 gap"},
       {"not asked for again lately",
@@ -183,6 +186,11 @@ TEST(UnitStatus, HasNoTrendFromFewPoints) {
   EXPECT_FALSE(RobustTrend({line.begin(), line.end() - 1}, 5));
   EXPECT_FALSE(RobustTrend(std::vector<TrendPoint>(5, TrendPoint{1, 2}), 5));
   EXPECT_DOUBLE_EQ(RobustTrend(line, 5).value_or(Trend()).slope, 2);
+  const std::vector<TrendPoint> cold_night = {{1, 12.6}, {2, 12.6}, {3, 12.6}, {4, 12.6}, {5, 12.0}};
+  EXPECT_DOUBLE_EQ(RobustTrend(cold_night, 5).value_or(Trend()).slope, 0);
+  std::vector<TrendPoint> long_line;
+  for (int day = 0; day < 20; ++day) long_line.push_back({double(day), day == 19 ? 1000.0 : 3.0 * day});
+  EXPECT_DOUBLE_EQ(RobustTrend(long_line, 5).value_or(Trend()).slope, 3);
 }
 
 TEST(UnitTexts, SayWhatAColumnHolds) {
