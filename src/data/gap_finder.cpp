@@ -147,8 +147,6 @@ bool GapFinder::IsLongForOne(const Distance& av_Distance, const Periods& av_Peri
 
 bool GapFinder::SetsPeriod(const PeriodChange& av_Change, const Verdict& av_Gap, const Periods& av_Periods) {
   if (av_Change.at < av_Gap.from || av_Change.at >= av_Gap.to || av_Change.seconds <= 0) return false;
-  // Without a sure place it may have been elsewhere, where the reading behind is at no multiple of its period.
-  if (!av_Change.placed && !IsMultiple(av_Gap.to, av_Change.seconds)) return false;
   if (av_Periods.told) return av_Change.certain;
   // A command without an answer has reached the unit when it measures by it behind the gap and has not before; so it
   // shows, too, that a command whose place is not known was here.

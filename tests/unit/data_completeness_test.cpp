@@ -145,6 +145,14 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
          return hints;
        }(),
        "540-3540:20"},
+      {"the same, their places not sure", "0 +180*3 +3000 +60*5",
+       [&] {
+         ScanHints hints = period(1000, 14400);
+         hints.periods.push_back(period(2900, 3600).periods[0]);
+         for (PeriodChange& change : hints.periods) change.placed = false;
+         return hints;
+       }(),
+       "540-3540:20"},
       {"a told period in the first distance, the one before unknown", "0 +360 +180*9", period(230, 10800), ""},
       {"a clock that drifted by minutes over a told period", "0 +360*9 +900 +180*9",
        [&] {
