@@ -7,16 +7,6 @@
 
 namespace corvane::test {
 
-namespace {
-
-/// Whether a reading of that period is due within two minutes, as exactly as a clock is known that tells whole minutes.
-bool IsNear(basestation::Seconds clock, basestation::Seconds period) {
-  const basestation::Seconds behind = clock % std::max<basestation::Seconds>(period, 1);
-  return std::min(behind, period - behind) <= 120;
-}
-
-}  // namespace
-
 void UnitBook::Log(bool is_future) {
   for (const basestation::Stretch& stretch : unit.memory()) {
     const auto first = std::max(static_cast<std::int64_t>(readings.size()) - stretch.first_number, std::int64_t{0});
@@ -28,7 +18,6 @@ void UnitBook::Log(bool is_future) {
       reading.is_future = is_future;
       reading.clock_set = std::exchange(clock_set, 0);
       reading.period_set = std::exchange(period, stretch.period) != stretch.period;
-      reading.period_set_near = std::exchange(period_set_near, false);
       unit.soil().AppendReading(reading.text, stretch.first_number + at, reading.date);
       reading.is_not_later = !is_future && reading.date <= latest;
       if (!is_future) latest = std::max(latest, reading.date);
@@ -41,8 +30,6 @@ void UnitBook::Log(bool is_future) {
 void UnitBook::PassTime(basestation::Seconds seconds) {
   clock_set += unit.clock() - clock;
   is_clock_known &= unit.clock() == clock;
-  period_set_near |= unit.period() != period_now && (IsNear(clock, unit.period()) || IsNear(clock, period_now));
-  period_now = unit.period();
   unit.PassTime(seconds);
   clock = unit.clock();
   Log(false);
@@ -139,7 +126,6 @@ std::vector<BookGap> RawBook::Gaps() const {
     const LoggedReading& reading = book.readings[number];
     gap.clock_set |= reading.clock_set > 0;
     gap.period_set |= reading.period_set;
-    gap.period_set_near |= reading.period_set_near;
     if (standing_[number].stored) {
       gap.to = reading.date;
       // Of two readings of one minute the second one stands in the file.

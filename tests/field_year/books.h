@@ -42,12 +42,11 @@ struct LoggedReading {
   bool is_future = false;
   basestation::Seconds clock_set = 0;  ///< seconds that the clock was set forward since the reading before
   bool period_set = false;             ///< the log period was set since the reading before
-  bool period_set_near = false;        ///< so near to a reading's time that nobody can tell on which side
 };
 
 /// One unit's own book, and what is wrong with the unit.
 struct UnitBook {
-  explicit UnitBook(basestation::Unit& a_unit) : unit(a_unit), period_now(a_unit.period()) {}
+  explicit UnitBook(basestation::Unit& a_unit) : unit(a_unit) {}
 
   /// Writes down what the unit has logged since; `is_future` when its clock is far ahead.
   void Log(bool is_future);
@@ -63,9 +62,7 @@ struct UnitBook {
   basestation::Seconds clock = 0;      ///< as it was left by the time that passed
   basestation::Seconds clock_set = 0;  ///< seconds that it was set forward since the last reading
   bool is_clock_known = true;          ///< it was not set since a whole answer told it
-  basestation::Seconds period_now;     ///< as it was left by the time that passed
   basestation::Seconds period = 0;     ///< at the last reading
-  bool period_set_near = false;        ///< since then, near to a reading's time
   double drift = 0;                    ///< of its clock, seconds a second
   double owed = 0;                     ///< the fraction of a second that has come together
   double loss = 0;                     ///< how much more often than usual answers are hit
@@ -82,7 +79,6 @@ struct BookGap {
   std::int64_t not_later = 0;  ///< besides, dated not later than one before, or as late as the one behind
   bool clock_set = false;      ///< forward
   bool period_set = false;
-  bool period_set_near = false;
   bool held = false;  ///< those missing are all in the unit's memory
 };
 

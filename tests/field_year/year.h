@@ -64,10 +64,9 @@ class Year {
   /// What becomes of readings that are missing between those of a raw file. There is nothing else.
   static constexpr const char* kNamed = "named as missing";
   static constexpr const char* kClockForward = "clock set forward";
-  static constexpr const char* kPeriodSetNear = "log period set within two minutes of a reading";
   static constexpr const char* kSkipped = "skipped, dated not later than the last";
   static constexpr const char* kByHand = "asked for by the person on the last evening, and filled";
-  static constexpr std::array<const char*, 5> kGapHeadings = {kNamed, kClockForward, kPeriodSetNear, kSkipped, kByHand};
+  static constexpr std::array<const char*, 4> kGapHeadings = {kNamed, kClockForward, kSkipped, kByHand};
   /// Evenings on which something had to be told, or nothing.
   static constexpr const char* kSilent = "silent";
   static constexpr const char* kLate = "late";

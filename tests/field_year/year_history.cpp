@@ -246,8 +246,6 @@ void Year::JudgeGapsOf(std::size_t row, std::vector<GapRecord> named) {
       lists += " in the unit's memory !";
     } else if (told.missing == gap.missing) {
       outcome_.counts[kNamed] += gap.missing;
-    } else if (gap.period_set_near && std::abs(told.missing - gap.missing) == 1) {
-      ++outcome_.counts[kPeriodSetNear];
     } else if (gap.clock_set) {
       outcome_.counts[kClockForward] += std::abs(told.missing - gap.missing);
     } else {
