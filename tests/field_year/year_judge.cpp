@@ -1,5 +1,7 @@
 // The accounting of a simulated year.
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -235,7 +237,12 @@ void Year::JudgeConvertedApart(std::size_t units) {
 std::string Year::Digest() const {
   std::uint64_t digest = 0;
   const auto add = [&digest](const std::string& text) {
-    for (const char c : text) digest = basestation::Mix(digest ^ static_cast<unsigned char>(c));
+    digest = basestation::Mix(digest ^ text.size());
+    for (std::size_t at = 0; at < text.size(); at += sizeof digest) {
+      std::array<char, sizeof digest> piece{};
+      text.copy(piece.data(), piece.size(), at);
+      digest = basestation::Mix(digest ^ std::bit_cast<std::uint64_t>(piece));
+    }
   };
   for (const fs::path& file : FilesOf(home_)) {
     // The history is compared by what it holds.
