@@ -167,8 +167,7 @@ TEST_F(HistoryInAFile, ReadsWhatIsAskedFor) {
     std::vector<std::int64_t> contacts, rounds;
     for (const ContactRecord& contact : got.contacts) contacts.push_back(contact.unit);
     for (const RoundRecord& round : got.rounds) rounds.push_back(round.key);
-    EXPECT_EQ(contacts, row.contacts) << row.name;
-    EXPECT_EQ(rounds, row.rounds) << row.name;
+    EXPECT_TRUE(contacts == row.contacts && rounds == row.rounds) << row.name;
     EXPECT_EQ(got.days.size(), row.days) << row.name;
     EXPECT_EQ(got.gaps.size(), row.gaps) << row.name;
     EXPECT_EQ(got.units.size(), 2U) << row.name;
@@ -183,27 +182,23 @@ TEST_F(HistoryInAFile, TakesOutWhatIsReplacedDroppedAndForgotten) {
   ASSERT_TRUE(Open(store).ok() && store.Write(all).ok());
   HistoryContents changes;
   changes.notes = {{1, "", kNoon, {}}};
-  changes.gaps = {{2, kDay + kSecondsPerDay, {}, 0, GapState::Dropped, 0, {}, {}}};
+  changes.gaps = {{2, kDay + kSecondsPerDay, {}, 0, GapState::Dropped, 0, {}, {}},
+                  {1, kDay, kDay + 3600, 5, GapState::Lost, 3, kNoon, kNoon}};
   ASSERT_TRUE(store.Write(changes).ok());
   EXPECT_EQ(Everything(store).notes.size(), 1U);
-  EXPECT_EQ(Everything(store).gaps.size(), 2U);
+  EXPECT_EQ(Everything(store).gaps.size(), 3U);
   changes = {};
   changes.days = {Day(2, kDay + 3 * kSecondsPerDay)};
   // In the middle of day 3, and before the end of the gap of day 2 (which is asked for), not of day 4 (lost).
   ASSERT_TRUE(store.Replace(2, kDay + 3 * kSecondsPerDay + 100, changes).ok());
   EXPECT_EQ(Everything(store).days.size(), 7U);
-  EXPECT_EQ(Everything(store).gaps.size(), 1U);
+  EXPECT_EQ(Everything(store).gaps.size(), 2U);
   ASSERT_TRUE(store.Forget(At(100'000'000'000)).ok());
   const HistoryContents left = Everything(store);
-  EXPECT_EQ(left.contacts.size() + left.days.size(), 0U);
+  EXPECT_TRUE(left.contacts.empty() && left.days.empty());
   EXPECT_EQ(left.rounds, std::vector{all.rounds.back()});
   EXPECT_EQ(left.units, all.units) << "the first is in the list, the key of the last must not come again";
-  EXPECT_EQ(left.gaps.size(), 1U) << "the one that is still asked for";
-  HistoryContents lost;
-  lost.gaps = {{1, kDay, kDay + 3600, 5, GapState::Lost, 3, kNoon, kNoon}};
-  ASSERT_TRUE(store.Write(lost).ok());
-  ASSERT_TRUE(store.Forget(At(100'000'000'000)).ok());
-  EXPECT_EQ(Everything(store).gaps.size(), 2U) << "lost in a file that may be as old";
+  EXPECT_EQ(left.gaps.size(), 2U) << "one is still asked for, one lost in a file that may be as old";
 }
 
 TEST_F(HistoryInAFile, SaysWhatIsWrongWithAFileAndLosesNothing) {
@@ -224,11 +219,7 @@ TEST_F(HistoryInAFile, SaysWhatIsWrongWithAFileAndLosesNothing) {
       {"a table is gone", [&] { Make({}), Sql("DROP TABLE day"); }, Store::kDamaged, 0, true},
       {"of another program", [&] { folder.Write("history.db", ""), Sql("CREATE TABLE t (a)"); }, Store::kDamaged, 0,
        true},
-      {"older",
-       [&] {
-         Make({}), Sql("ALTER TABLE round DROP COLUMN clock_step; ALTER TABLE network DROP COLUMN repair_limit; PRAGMA "
-                       "user_version = 1");
-       },
+      {"older", [&] { Make({}), Sql("ALTER TABLE network DROP COLUMN repair_limit; PRAGMA user_version = 2"); },
        Store::kFailed, 0, false},
       {"newer", [&] { Make({}), Sql("PRAGMA user_version = 4"); }, Store::kNewer, Store::kNewer, false},
       {"its log alone", [&] { folder.Write("history.db-wal", garbage); }, Store::kMissing, 0, true},

@@ -79,6 +79,11 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
     hints.periods.push_back({kStart + at * kMinute, seconds, certain});
     return hints;
   };
+  const auto two_periods = [](bool placed) {
+    ScanHints hints;
+    hints.periods = {{kStart + 1000 * kMinute, 14400, true, placed}, {kStart + 2900 * kMinute, 3600, true, placed}};
+    return hints;
+  };
   // The dates in minutes from the first one; "+15*20" stands for twenty more, 15 apart.
   const std::tuple<const char*, const char*, ScanHints, const char*> rows[] = {
       {"regular", "0 +15*50", {}, ""},
@@ -138,21 +143,9 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
       {"a gap across a told period counts by both", "0 +15*30 +150 +60*5", period(480, 3600), "450-600:3"},
       {"a period that was perhaps set", "0 +15*30 +150 +60*5", period(480, 3600, false), "450-600:3"},
       {"a period that was not set", "0 +15*30 +150 +60*5", period(480, 1800, false), "450-600:9"},
-      {"two told periods, whose readings stand at whole multiples", "0 +180*3 +3000 +60*5",
-       [&] {
-         ScanHints hints = period(1000, 14400);
-         hints.periods.push_back(period(2900, 3600).periods[0]);
-         return hints;
-       }(),
+      {"two told periods, whose readings stand at whole multiples", "0 +180*3 +3000 +60*5", two_periods(true),
        "540-3540:20"},
-      {"the same, their places not sure", "0 +180*3 +3000 +60*5",
-       [&] {
-         ScanHints hints = period(1000, 14400);
-         hints.periods.push_back(period(2900, 3600).periods[0]);
-         for (PeriodChange& change : hints.periods) change.placed = false;
-         return hints;
-       }(),
-       "540-3540:20"},
+      {"the same, their places not sure", "0 +180*3 +3000 +60*5", two_periods(false), "540-3540:20"},
       {"a told period in the first distance, the one before unknown", "0 +360 +180*9", period(230, 10800), ""},
       {"a clock that drifted by minutes over a told period", "0 +360*9 +900 +180*9",
        [&] {
