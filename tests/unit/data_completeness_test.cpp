@@ -79,6 +79,11 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
     hints.periods.push_back({kStart + at * kMinute, seconds, certain});
     return hints;
   };
+  const auto unplaced = [&period](int at, std::int64_t seconds) {
+    ScanHints hints = period(at, seconds);
+    hints.periods[0].placed = false;
+    return hints;
+  };
   const auto two_periods = [](bool placed) {
     ScanHints hints;
     hints.periods = {{kStart + 1000 * kMinute, 14400, true, placed}, {kStart + 2900 * kMinute, 3600, true, placed}};
@@ -123,20 +128,8 @@ TEST_F(CompletenessTest, GapsAreFoundByTheCommonestDistances) {
          return hints;
        }(),
        ""},
-      {"what the unit's clock showed then is not known", "0 +360*9 +360 +180*9",
-       [&] {
-         ScanHints hints = period(3310, 10800);
-         hints.periods[0].placed = false;
-         return hints;
-       }(),
-       ""},
-      {"a period set in another distance than it seems", "0 +240*10 +300 +180*9",
-       [&] {
-         ScanHints hints = period(2300, 10800);
-         hints.periods[0].placed = false;
-         return hints;
-       }(),
-       ""},
+      {"what the unit's clock showed then is not known", "0 +360*9 +360 +180*9", unplaced(3310, 10800), ""},
+      {"a period set in another distance than it seems", "0 +240*10 +300 +180*9", unplaced(2300, 10800), ""},
       {"a perhaps set period likewise", "0 +360*9 +360 +180*9", period(3310, 10800, false), "3240-3600:1"},
       {"a told longer period, readings missing before", "0 +15*30 +60 +60*9", period(487, 3600), "450-510:1"},
       {"a told period begins anew", "0 +60*30 +15 +60 +15*2", period(1800, 900), "1815-1875:3"},
